@@ -1,0 +1,22 @@
+# Compiler settings that every target of the project shares, through heapgauge_compiler.
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+endif()
+
+add_library(heapgauge_compiler INTERFACE)
+target_include_directories(heapgauge_compiler INTERFACE ${PROJECT_SOURCE_DIR})
+target_compile_options(heapgauge_compiler INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+  # The treemap's pixels must come out bit-identical whatever instruction set computes them, and a
+  # fused multiply-add rounds once where the plain product and sum round twice.
+  -ffp-contract=off)
+if(HEAPGAUGE_WARNINGS_AS_ERRORS)
+  target_compile_options(heapgauge_compiler INTERFACE -Werror)
+endif()
+if(HEAPGAUGE_SANITIZE)
+  target_compile_options(heapgauge_compiler INTERFACE
+    -fsanitize=${HEAPGAUGE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -O1 -g)
+  target_link_options(heapgauge_compiler INTERFACE -fsanitize=${HEAPGAUGE_SANITIZE})
+endif()

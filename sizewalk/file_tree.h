@@ -1,0 +1,237 @@
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/mutex.h"
+#include "sizewalk/directory_result.h"
+#include "sizewalk/file_kinds.h"
+#include "sizewalk/hard_link_set.h"
+#include "sizewalk/node.h"
+#include "sizewalk/paged_column.h"
+#include "sizewalk/scan_options.h"
+
+namespace sizewalk {
+
+/// How large a tree may grow. Going past either ends the program.
+struct TreeLimits {
+  std::uint64_t nodes = 268435456;
+  std::uint64_t nameBytes = 4294967296;
+};
+
+/// What the entries of one file kind add up to. Directories are not counted into kinds.
+struct KindTotals {
+  std::uint64_t allocatedSize = 0;
+  std::uint64_t apparentSize = 0;
+  /// Directory entries, so a hard-link duplicate counts here although its sizes are 0.
+  std::uint64_t count = 0;
+  std::uint64_t addedLastMonth = 0;
+  std::uint64_t addedLastSixMonths = 0;
+  std::uint64_t addedSinceLastScan = 0;
+  friend bool operator==(const KindTotals&, const KindTotals&) = default;
+};
+
+/// What the visible part of a tree, or of one subtree, adds up to beside its sizes.
+struct ScanTotals {
+  /// Sum of the entries' item counts.
+  std::uint64_t files = 0;
+  /// Subdirectories handed to the walk; mount points are not among them.
+  std::uint64_t directories = 0;
+  /// Entries with a known birth time.
+  std::uint64_t datedEntries = 0;
+  std::uint64_t hardLinks = 0;
+  /// Allocated bytes of the duplicates, as they would be if each counted for itself.
+  std::uint64_t hardLinkBytes = 0;
+  /// Entries that could not be examined, directories that could not be opened or listed to the end.
+  std::uint64_t errors = 0;
+  /// Status and listing calls issued by the readers. Only grows.
+  std::uint64_t systemCalls = 0;
+  friend bool operator==(const ScanTotals&, const ScanTotals&) = default;
+};
+
+/// What is needed to put a taken-out subtree back.
+struct RemovedSubtree {
+  std::int32_t node = -1;
+  /// The node's child range when it was taken out.
+  NodeId firstChild = 0;
+  std::uint32_t childCount = 0;
+  /// The subtree's allocated bytes when it was taken out.
+  std::uint64_t allocatedBytes = 0;
+  bool valid = false;
+};
+
+/// Every entry that a scan met, as parallel columns indexed by `NodeId`.
+///
+/// A node is an index, not an object: each field is a column of its own, pages are never moved, and the
+/// children of a directory are one contiguous run of indices. Values of a directory are the sums over the
+/// visible part of its subtree; they are rolled up to the root each time a directory has been read, so the
+/// root shows the total of everything read so far and a live view needs no second pass.
+///
+/// Threads. All changes (`addChildren`, `dropContents`, `removeSubtree`, `restoreSubtree`) are serialised
+/// by one mutex, which the integrator takes once per directory. Readers take no lock: they trust indices
+/// below `nodeCount()`, which is published with release after a directory's entries and sums are in place.
+/// What changes after publication (sums, flags, child ranges, totals) is read through relaxed atomics, so a
+/// reader may see a total that is a few directories behind, never a torn one.
+class FileTree {
+ public:
+  explicit FileTree(const ScanOptions& options = {}, TreeLimits limits = {});
+
+  /// Makes node 0, the scanned folder. Call once, before anything else and before other threads look.
+  /// `rootPath` is the folder's path without a trailing slash, "/" for the root of the file system.
+  void createRoot(std::string rootPath, std::uint32_t birthTime = 0);
+
+  // --- Writing --------------------------------------------------------------------------------------
+
+  /// Appends the entries of one read directory as the children of `result.directory`, rolls their sums up
+  /// and publishes them. Sets `subdirectories` to the nodes that are to be read next. Beneath a taken-out
+  /// node sums go no further than that node and no total changes. Ends the program when a limit is passed;
+  /// throws std::bad_alloc when there is no memory for another page.
+  void addChildren(const DirectoryResult& result, std::vector<NodeId>* subdirectories);
+
+  /// Forgets what `folder` holds, before it is read anew: its contents leave every sum and total and the
+  /// hard-link set, and records of subtrees taken out beneath it become void. The nodes stay allocated but
+  /// nothing leads to them. Returns false, changing nothing, when `folder` is not a visible directory.
+  bool dropContents(NodeId folder);
+
+  /// Takes `node` and all it holds out of the tree: every ancestor and every total drops by what the
+  /// subtree holds. Hard-link duplicates elsewhere of files within stay duplicates. Returns an invalid
+  /// record, changing nothing, for the root and for a node that is not visible.
+  RemovedSubtree removeSubtree(NodeId node);
+
+  /// Puts back what `removeSubtree` took out, with what the subtree holds by now: a walk may have gone on
+  /// inside it. Does nothing for a record that is not valid or whose node is not taken out (any more).
+  void restoreSubtree(const RemovedSubtree& record);
+
+  // --- Reading: any thread ----------------------------------------------------------------------------
+
+  /// Nodes published so far; smaller indices are complete.
+  NodeId nodeCount() const noexcept { return published_.load(std::memory_order_acquire); }
+
+  /// The root's parent is 0 and means nothing.
+  NodeId parent(NodeId node) const { return parent_[node]; }
+  /// Bytes as the file system gave them; for the root the last component of its path.
+  std::string_view name(NodeId node) const {
+    return {&names_[nameOffset_[node]], nameLength_[node]};
+  }
+  std::int16_t kind(NodeId node) const { return static_cast<std::int16_t>(kind_[node]); }
+  NodeFlags flags(NodeId node) const { return NodeFlags::fromBits(flags_.load(node)); }
+  bool isDirectory(NodeId node) const { return flags(node).has(NodeFlag::Directory); }
+  std::uint64_t apparentSize(NodeId node) const { return apparentSize_.load(node); }
+  std::uint64_t allocatedSize(NodeId node) const { return allocatedSize_.load(node); }
+  std::int32_t itemCount(NodeId node) const { return itemCount_.load(node); }
+  NodeId firstChild(NodeId node) const { return firstChild_.load(node); }
+  /// 0 until the directory has been read.
+  std::uint32_t childCount(NodeId node) const { return childCount_.load(node); }
+  /// Seconds since the epoch, 0 when unknown.
+  std::uint32_t birthTime(NodeId node) const { return birthTime_[node]; }
+  /// Allocated bytes in the subtree born at or after the respective threshold.
+  std::uint64_t addedLastMonth(NodeId node) const { return addedLastMonth_.load(node); }
+  std::uint64_t addedLastSixMonths(NodeId node) const { return addedLastSixMonths_.load(node); }
+  std::uint64_t addedSinceLastScan(NodeId node) const { return addedSinceLastScan_.load(node); }
+
+  /// The published children of `node`; empty while there are none. First and last belong together even
+  /// while the folder is being read anew.
+  NodeRange children(NodeId node) const;
+
+  ScanTotals totals() const;
+  /// All zero for a kind outside the table.
+  KindTotals kindTotals(int kind) const;
+  /// Allocated bytes of all subtrees that are taken out, each as large as when it was taken.
+  std::uint64_t takenOutBytes() const { return takenOutBytes_.load(std::memory_order_relaxed); }
+
+  const std::string& rootPath() const { return rootPath_; }
+  /// The full path of `node`. It may be longer than the kernel accepts in one call.
+  std::string path(NodeId node) const;
+  /// The same into `out`, keeping its memory.
+  void path(NodeId node, std::string* out) const;
+
+  /// Nodes in the subtree, `node` included; what is taken out is not counted. 0 for an index that is not
+  /// published and for a taken-out node.
+  std::uint64_t countSubtree(NodeId node) const;
+
+ private:
+  struct Sums;
+  struct Tally;
+  struct TakenOut {
+    NodeId node;
+    std::uint64_t bytes;
+  };
+  struct Duplicate {
+    NodeId node;
+    std::uint64_t bytes;
+  };
+  struct ListingFailure {
+    NodeId directory;
+    std::uint64_t errors;
+  };
+
+  void growTo(std::uint64_t nodes) REQUIRES(writeMutex_);
+  std::uint32_t storeName(std::string_view name) REQUIRES(writeMutex_);
+  void noteErrors(const DirectoryResult& result, bool visible) REQUIRES(writeMutex_);
+  Sums appendEntries(const DirectoryResult& result, NodeId first, bool visible)
+      REQUIRES(writeMutex_);
+  Sums entrySums(const EntryRecord& entry, bool duplicate) const;
+  bool noteHardLink(const EntryRecord& entry, NodeId node, bool visible) REQUIRES(writeMutex_);
+  void writeNode(NodeId node, NodeId parent, const EntryRecord& entry, std::string_view name,
+                 NodeFlags flags, const Sums& sums) REQUIRES(writeMutex_);
+  void setChildren(NodeId node, NodeId first, std::uint32_t count) REQUIRES(writeMutex_);
+  void setFlags(NodeId node, NodeFlags flags) REQUIRES(writeMutex_);
+
+  Sums sumsOf(NodeId node) const;
+  void addSums(NodeId node, const Sums& sums) REQUIRES(writeMutex_);
+  void rollUp(NodeId from, const Sums& sums) REQUIRES(writeMutex_);
+  bool beneathExcluded(NodeId node) const REQUIRES(writeMutex_);
+  bool isVisible(NodeId node) const REQUIRES(writeMutex_);
+  bool isWithin(NodeId node, NodeId folder) const;
+  Tally tallySubtree(NodeId node) const REQUIRES(writeMutex_);
+  void tallyNode(NodeId node, Tally* tally) const REQUIRES(writeMutex_);
+  void applyTally(const Tally& tally, bool add) REQUIRES(writeMutex_);
+  void publish() REQUIRES(writeMutex_);
+
+  const ScanOptions options_;
+  const TreeLimits limits_;
+  std::string rootPath_;
+
+  /// Serialises the integrator with the window thread's own changes. Guards the plain members below and
+  /// every write to the columns.
+  mutable base::Mutex writeMutex_;
+  std::uint64_t end_ GUARDED_BY(writeMutex_) = 0;      // nodes written, published or about to be
+  std::uint64_t namesEnd_ GUARDED_BY(writeMutex_) = 0;  // bytes of the name store in use
+  HardLinkSet hardLinks_ GUARDED_BY(writeMutex_);
+  std::vector<TakenOut> takenOut_ GUARDED_BY(writeMutex_);
+  /// What hard-link duplicates would have taken, in ascending order of node.
+  std::vector<Duplicate> duplicates_ GUARDED_BY(writeMutex_);
+  /// Errors that no node's flag stands for: listings that broke off.
+  std::vector<ListingFailure> listingFailures_ GUARDED_BY(writeMutex_);
+
+  /// Publishes the columns below it.
+  std::atomic<NodeId> published_{0};
+  std::atomic<std::uint64_t> takenOutBytes_{0};
+
+  /// Written under the mutex, read by anyone, field by field through relaxed atomics.
+  mutable ScanTotals totals_;
+  mutable std::array<KindTotals, kKindCount> kindTotals_{};
+
+  PagedColumn<NodeId> parent_;
+  PagedColumn<std::uint32_t> nameOffset_;
+  PagedColumn<std::uint16_t> nameLength_;
+  PagedColumn<std::uint16_t> kind_;
+  PagedColumn<std::uint8_t> flags_;
+  PagedColumn<std::uint64_t> apparentSize_;
+  PagedColumn<std::uint64_t> allocatedSize_;
+  PagedColumn<std::int32_t> itemCount_;
+  PagedColumn<NodeId> firstChild_;
+  PagedColumn<std::uint32_t> childCount_;
+  PagedColumn<std::uint32_t> birthTime_;
+  PagedColumn<std::uint64_t> addedLastMonth_;
+  PagedColumn<std::uint64_t> addedLastSixMonths_;
+  PagedColumn<std::uint64_t> addedSinceLastScan_;
+  PagedColumn<char, 20> names_;
+};
+
+}  // namespace sizewalk
