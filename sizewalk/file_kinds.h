@@ -6,8 +6,9 @@
 
 namespace sizewalk {
 
-/// File kinds: what the map colours and groups by. A kind is an index into one list of names that never
-/// changes; the scanner gives every entry its kind once, from its type and the extension of its name.
+/// File kinds: what the map colours and groups by. A kind is an index into one list of names that
+/// never changes; the scanner gives every entry its kind once, from its type and the extension of
+/// its name.
 
 inline constexpr int kKindCount = 76;
 
@@ -18,8 +19,10 @@ inline constexpr std::uint16_t kKindNoExtension = 3;
 /// The fallback: an extension that is not listed, too long, or not plain ASCII.
 inline constexpr std::uint16_t otherKind = kKindCount - 1;
 
-/// The kind of a regular file called `name` (the last path component, raw bytes).
-/// Any thread; the tables behind it are built on first use.
+/// The kind of a regular file called `name` (the last path component, raw bytes), by what follows
+/// its last dot, without regard to ASCII case. A dot that begins or ends the name, or stands more
+/// than twelve bytes before the end, starts no extension. Any thread: the tables behind it are
+/// constants.
 std::uint16_t classifyName(std::string_view name);
 
 /// The name shown for a kind; the empty string for an index outside the list.
