@@ -4,8 +4,9 @@
 #include <condition_variable>
 #include <mutex>
 
-/// Locks that clang's thread-safety analysis understands (https://clang.llvm.org/docs/ThreadSafetyAnalysis.html).
-/// With another compiler the annotations vanish and a `Mutex` is a plain std::mutex.
+/// Locks that clang's thread-safety analysis understands
+/// (https://clang.llvm.org/docs/ThreadSafetyAnalysis.html). With another compiler the annotations
+/// vanish and a `Mutex` is a plain std::mutex.
 #if defined(__clang__)
 #define HEAPGAUGE_THREAD_ANNOTATION(x) __attribute__((x))
 #else
@@ -45,7 +46,8 @@ class SCOPED_CAPABILITY MutexLock {
   Mutex& mutex_;
 };
 
-/// A condition variable for `Mutex`. Waits may wake without cause: wait in a loop over the condition.
+/// A condition variable for `Mutex`. Waits may wake without cause: wait in a loop over the
+/// condition.
 class CondVar {
  public:
   /// Releases `mutex` while waiting and holds it again on return.

@@ -15,19 +15,20 @@ struct EntryRecord {
   std::uint16_t nameLength = 0;
   std::uint16_t kind = 0;
   NodeFlags flags;
+  /// 1 for everything but a directory, which is 0.
+  std::uint32_t itemCount = 0;
   /// Bytes by length, and bytes allocated (blocks of 512).
   std::uint64_t apparentSize = 0;
   std::uint64_t allocatedSize = 0;
-  /// 1 for everything but a directory, which is 0.
-  std::uint32_t itemCount = 0;
   /// 0, or the key that names the file's (device, inode).
   std::uint64_t hardLinkKey = 0;
   /// Seconds since the epoch, 0 when unknown.
   std::uint32_t birthTime = 0;
 };
 
-/// All that one directory read yields. Owned by one reader while it is filled, by the result queue while
-/// it waits, by the integrator while it goes into the tree; then reused, so the arrays keep their capacity.
+/// All that one directory read yields. Owned by one reader while it is filled, by the result queue
+/// while it waits, by the integrator while it goes into the tree; then reused, so the arrays keep
+/// their capacity.
 struct DirectoryResult {
   /// The directory that was read.
   NodeId directory = 0;
@@ -46,6 +47,14 @@ struct DirectoryResult {
 
   std::string_view nameOf(const EntryRecord& entry) const {
     return {names.data() + entry.nameOffset, entry.nameLength};
+  }
+
+  /// Appends an entry called `name`; the record's own name fields are set here.
+  void addEntry(std::string_view name, EntryRecord entry) {
+    entry.nameOffset = static_cast<std::uint32_t>(names.size());
+    entry.nameLength = static_cast<std::uint16_t>(name.size());
+    names.insert(names.end(), name.begin(), name.end());
+    entries.push_back(entry);
   }
 
   /// Empties the result for the next directory; the arrays keep their memory.

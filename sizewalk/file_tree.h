@@ -67,47 +67,55 @@ struct RemovedSubtree {
 
 /// Every entry that a scan met, as parallel columns indexed by `NodeId`.
 ///
-/// A node is an index, not an object: each field is a column of its own, pages are never moved, and the
-/// children of a directory are one contiguous run of indices. Values of a directory are the sums over the
-/// visible part of its subtree; they are rolled up to the root each time a directory has been read, so the
-/// root shows the total of everything read so far and a live view needs no second pass.
+/// A node is an index, not an object: each field is a column of its own, pages are never moved, and
+/// the children of a directory are one contiguous run of indices. Values of a directory are the
+/// sums over the visible part of its subtree; they are rolled up to the root each time a directory
+/// has been read, so the root shows the total of everything read so far and a live view needs no
+/// second pass.
 ///
-/// Threads. All changes (`addChildren`, `dropContents`, `removeSubtree`, `restoreSubtree`) are serialised
-/// by one mutex, which the integrator takes once per directory. Readers take no lock: they trust indices
-/// below `nodeCount()`, which is published with release after a directory's entries and sums are in place.
-/// What changes after publication (sums, flags, child ranges, totals) is read through relaxed atomics, so a
-/// reader may see a total that is a few directories behind, never a torn one.
+/// Threads. All changes (`addChildren`, `dropContents`, `removeSubtree`, `restoreSubtree`) are
+/// serialised by one mutex, which the integrator takes once per directory. Readers take no lock:
+/// they trust indices below `nodeCount()`, which is published with release after a directory's
+/// entries and sums are in place. What changes after publication (sums, flags, child ranges,
+/// totals) is read through relaxed atomics, so a reader may see a total that is a few directories
+/// behind, never a torn one.
 class FileTree {
  public:
   explicit FileTree(const ScanOptions& options = {}, TreeLimits limits = {});
 
-  /// Makes node 0, the scanned folder. Call once, before anything else and before other threads look.
-  /// `rootPath` is the folder's path without a trailing slash, "/" for the root of the file system.
+  /// Makes node 0, the scanned folder. Call once, before anything else and before other threads
+  /// look. `rootPath` is the folder's path without a trailing slash, "/" for the root of the file
+  /// system.
   void createRoot(std::string rootPath, std::uint32_t birthTime = 0);
 
-  // --- Writing --------------------------------------------------------------------------------------
+  // --- Writing
+  // --------------------------------------------------------------------------------------
 
-  /// Appends the entries of one read directory as the children of `result.directory`, rolls their sums up
-  /// and publishes them. Sets `subdirectories` to the nodes that are to be read next. Beneath a taken-out
-  /// node sums go no further than that node and no total changes. Ends the program when a limit is passed;
-  /// throws std::bad_alloc when there is no memory for another page.
+  /// Appends the entries of one read directory as the children of `result.directory`, rolls their
+  /// sums up and publishes them. Sets `subdirectories` to the nodes that are to be read next.
+  /// Beneath a taken-out node sums go no further than that node and no total changes. Ends the
+  /// program when a limit is passed; throws std::bad_alloc when there is no memory for another
+  /// page.
   void addChildren(const DirectoryResult& result, std::vector<NodeId>* subdirectories);
 
-  /// Forgets what `folder` holds, before it is read anew: its contents leave every sum and total and the
-  /// hard-link set, and records of subtrees taken out beneath it become void. The nodes stay allocated but
-  /// nothing leads to them. Returns false, changing nothing, when `folder` is not a visible directory.
+  /// Forgets what `folder` holds, before it is read anew: its contents leave every sum and total
+  /// and the hard-link set, and records of subtrees taken out beneath it become void. The nodes
+  /// stay allocated but nothing leads to them. Returns false, changing nothing, when `folder` is
+  /// not a visible directory.
   bool dropContents(NodeId folder);
 
-  /// Takes `node` and all it holds out of the tree: every ancestor and every total drops by what the
-  /// subtree holds. Hard-link duplicates elsewhere of files within stay duplicates. Returns an invalid
-  /// record, changing nothing, for the root and for a node that is not visible.
+  /// Takes `node` and all it holds out of the tree: every ancestor and every total drops by what
+  /// the subtree holds. Hard-link duplicates elsewhere of files within stay duplicates. Returns an
+  /// invalid record, changing nothing, for the root and for a node that is not visible.
   RemovedSubtree removeSubtree(NodeId node);
 
-  /// Puts back what `removeSubtree` took out, with what the subtree holds by now: a walk may have gone on
-  /// inside it. Does nothing for a record that is not valid or whose node is not taken out (any more).
+  /// Puts back what `removeSubtree` took out, with what the subtree holds by now: a walk may have
+  /// gone on inside it. Does nothing for a record that is not valid or whose node is not taken out
+  /// (any more).
   void restoreSubtree(const RemovedSubtree& record);
 
-  // --- Reading: any thread ----------------------------------------------------------------------------
+  // --- Reading: any thread
+  // ----------------------------------------------------------------------------
 
   /// Nodes published so far; smaller indices are complete.
   NodeId nodeCount() const noexcept { return published_.load(std::memory_order_acquire); }
@@ -134,8 +142,8 @@ class FileTree {
   std::uint64_t addedLastSixMonths(NodeId node) const { return addedLastSixMonths_.load(node); }
   std::uint64_t addedSinceLastScan(NodeId node) const { return addedSinceLastScan_.load(node); }
 
-  /// The published children of `node`; empty while there are none. First and last belong together even
-  /// while the folder is being read anew.
+  /// The published children of `node`; empty while there are none. First and last belong together
+  /// even while the folder is being read anew.
   NodeRange children(NodeId node) const;
 
   ScanTotals totals() const;
@@ -150,8 +158,8 @@ class FileTree {
   /// The same into `out`, keeping its memory.
   void path(NodeId node, std::string* out) const;
 
-  /// Nodes in the subtree, `node` included; what is taken out is not counted. 0 for an index that is not
-  /// published and for a taken-out node.
+  /// Nodes in the subtree, `node` included; what is taken out is not counted. 0 for an index that
+  /// is not published and for a taken-out node.
   std::uint64_t countSubtree(NodeId node) const;
 
  private:
@@ -197,10 +205,10 @@ class FileTree {
   const TreeLimits limits_;
   std::string rootPath_;
 
-  /// Serialises the integrator with the window thread's own changes. Guards the plain members below and
-  /// every write to the columns.
+  /// Serialises the integrator with the window thread's own changes. Guards the plain members below
+  /// and every write to the columns.
   mutable base::Mutex writeMutex_;
-  std::uint64_t end_ GUARDED_BY(writeMutex_) = 0;      // nodes written, published or about to be
+  std::uint64_t end_ GUARDED_BY(writeMutex_) = 0;       // nodes written, published or about to be
   std::uint64_t namesEnd_ GUARDED_BY(writeMutex_) = 0;  // bytes of the name store in use
   HardLinkSet hardLinks_ GUARDED_BY(writeMutex_);
   std::vector<TakenOut> takenOut_ GUARDED_BY(writeMutex_);

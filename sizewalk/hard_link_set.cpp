@@ -30,9 +30,7 @@ NodeId HardLinkSet::findOrInsert(std::uint64_t key, NodeId node) {
   return node;
 }
 
-void HardLinkSet::eraseIf(const std::function<bool(NodeId)>& gone) {
-  rebuild(keys_.size(), gone);
-}
+void HardLinkSet::eraseIf(const std::function<bool(NodeId)>& gone) { rebuild(keys_.size(), gone); }
 
 void HardLinkSet::rebuild(std::uint64_t capacity, const std::function<bool(NodeId)>& dropped) {
   const std::vector<std::uint64_t> oldKeys =

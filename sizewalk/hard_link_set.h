@@ -22,14 +22,14 @@ constexpr std::uint64_t hardLinkKey(std::uint64_t device, std::uint64_t inode) {
   return key == 0 ? 1 : key;
 }
 
-/// Which files with several names were counted, and at which node: an open-addressing hash table with
-/// linear probing, 70 % full at most. Not synchronised; it belongs to the tree's writer.
+/// Which files with several names were counted, and at which node: an open-addressing hash table
+/// with linear probing, 70 % full at most. Not synchronised; it belongs to the tree's writer.
 class HardLinkSet {
  public:
   HardLinkSet();
 
-  /// The node counted for `key` before; or `node` itself when the key is new, which then stands for it.
-  /// `key` is not 0.
+  /// The node counted for `key` before; or `node` itself when the key is new, which then stands for
+  /// it. `key` is not 0.
   NodeId findOrInsert(std::uint64_t key, NodeId node);
 
   /// Forgets every key whose counted node satisfies `gone`.

@@ -13,14 +13,16 @@ namespace sizewalk {
 
 /// One field of every node: an array that grows a page at a time and never moves.
 ///
-/// Element i lives at page i >> PageShift, slot i & kPageMask. The table of pages is made up front for the
-/// greatest length the column may reach, so neither table nor pages are ever reallocated and a reader may
-/// keep reading while the writer grows the column. A std::deque would move its map, and one reservation of
-/// the whole address range would show as gigabytes in every memory display. Pages come from mmap: the
-/// kernel hands them out zeroed, and a page costs memory only where it is touched.
+/// Element i lives at page i >> PageShift, slot i & kPageMask. The table of pages is made up front
+/// for the greatest length the column may reach, so neither table nor pages are ever reallocated
+/// and a reader may keep reading while the writer grows the column. A std::deque would move its
+/// map, and one reservation of the whole address range would show as gigabytes in every memory
+/// display. Pages come from mmap: the kernel hands them out zeroed, and a page costs memory only
+/// where it is touched.
 ///
 /// Threads: one writer. A reader may touch elements that the writer published (release) and it saw
-/// (acquire); fields that change after that are read with `load` and written with `store` and `add`.
+/// (acquire); fields that change after that are read with `load` and written with `store` and
+/// `add`.
 template <typename T, unsigned PageShift = 16>
 class PagedColumn {
   static_assert(std::is_trivially_copyable_v<T>);
@@ -41,8 +43,8 @@ class PagedColumn {
   PagedColumn& operator=(const PagedColumn&) = delete;
 
   /// Makes elements [0, length) reachable, zero where they were not written. Writer only.
-  /// `length` may not exceed the capacity. Throws std::bad_alloc when the kernel has no page to give;
-  /// the column is then as it was, apart from pages gained on the way.
+  /// `length` may not exceed the capacity. Throws std::bad_alloc when the kernel has no page to
+  /// give; the column is then as it was, apart from pages gained on the way.
   void grow(std::uint64_t length) {
     const auto needed = static_cast<std::size_t>((length + kPageMask) >> PageShift);
     while (grownPages_ < needed) {
@@ -56,7 +58,8 @@ class PagedColumn {
   /// Number of elements that the pages gained so far can hold. Writer only.
   std::uint64_t grownLength() const { return std::uint64_t{grownPages_} << PageShift; }
 
-  /// Plain access: for the writer before it publishes the element, and for fields that never change after.
+  /// Plain access: for the writer before it publishes the element, and for fields that never change
+  /// after.
   T& operator[](std::uint64_t i) { return pages_[i >> PageShift][i & kPageMask]; }
   const T& operator[](std::uint64_t i) const { return pages_[i >> PageShift][i & kPageMask]; }
 

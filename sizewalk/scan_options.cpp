@@ -15,9 +15,12 @@ std::uint32_t secondsBefore(std::uint32_t now, std::uint32_t distance) {
 
 const char* listingStrategyName(std::uint32_t code) {
   switch (code) {
-    case static_cast<std::uint32_t>(ListingStrategy::Enumerate): return "enum";
-    case static_cast<std::uint32_t>(ListingStrategy::Mft): return "mft";
-    default: return "auto";
+    case static_cast<std::uint32_t>(ListingStrategy::Enumerate):
+      return "enum";
+    case static_cast<std::uint32_t>(ListingStrategy::Mft):
+      return "mft";
+    default:
+      return "auto";
   }
 }
 

@@ -4,8 +4,8 @@
 
 namespace sizewalk {
 
-/// How directories are listed. Only `Enumerate` does anything on Linux; the other codes are kept so that
-/// a summary can name the way that was asked for.
+/// How directories are listed. Only `Enumerate` does anything on Linux; the other codes are kept so
+/// that a summary can name the way that was asked for.
 enum class ListingStrategy : std::uint32_t { Auto = 0, Enumerate = 1, Mft = 2 };
 
 /// "auto", "enum" or "mft"; any unknown code is "auto".
@@ -15,10 +15,12 @@ const char* listingStrategyName(std::uint32_t code);
 struct ScanOptions {
   /// Options for a scan that starts now: thresholds 30 and 182 days back, no last scan.
   static ScanOptions startingNow();
-  /// The same with a clock that reads `now`; a clock earlier than a threshold's distance gives 0 for it.
+  /// The same with a clock that reads `now`; a clock earlier than a threshold's distance gives 0
+  /// for it.
   static ScanOptions startingAt(std::uint32_t now);
 
-  /// Makes births at or after `time` count as added since the last scan; 0 means that none is known.
+  /// Makes births at or after `time` count as added since the last scan; 0 means that none is
+  /// known.
   void setLastScanTime(std::uint32_t time) {
     lastScanTime = time;
     hasLastScan = time != 0;

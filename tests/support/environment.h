@@ -8,8 +8,8 @@
 
 namespace test {
 
-/// Sets environment variables for a scope and puts the old values back. Not for use beside other threads
-/// that read the environment.
+/// Sets environment variables for a scope and puts the old values back. Not for use beside other
+/// threads that read the environment.
 class ScopedEnvironment {
  public:
   ScopedEnvironment() = default;
@@ -25,7 +25,8 @@ class ScopedEnvironment {
   std::map<std::string, std::optional<std::string>> saved_;
 };
 
-/// HOME and every XDG directory inside a temporary directory, so that nothing of the user's is touched.
+/// HOME and every XDG directory inside a temporary directory, so that nothing of the user's is
+/// touched.
 class PrivateHome {
  public:
   PrivateHome();

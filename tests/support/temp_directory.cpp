@@ -21,8 +21,7 @@ namespace {
 
 TempDirectory::TempDirectory() {
   const char* parent = std::getenv("TMPDIR");
-  std::string pattern =
-      std::string(parent && *parent ? parent : "/tmp") + "/heapgauge-test-XXXXXX";
+  std::string pattern = std::string(parent && *parent ? parent : "/tmp") + "/heapgauge-test-XXXXXX";
   if (!mkdtemp(pattern.data())) fail(pattern);
   path_ = fs::canonical(pattern).string();
 }
