@@ -1,0 +1,50 @@
+#include "base/files.h"
+
+#include <fcntl.h>
+#include <sys/types.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstddef>
+
+#include "base/file_descriptor.h"
+
+namespace base {
+
+namespace {
+bool writeAll(int fd, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = ::write(fd, bytes.data(), bytes.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
+}
+}  // namespace
+
+std::optional<std::string> readWholeFile(const std::string& path) {
+  const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!file.valid()) return std::nullopt;
+  std::string content;
+  std::array<char, 8192> buffer;
+  while (true) {
+    const ssize_t got = ::read(file.get(), buffer.data(), buffer.size());
+    if (got == 0) return content;
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) return std::nullopt;
+    content.append(buffer.data(), static_cast<std::size_t>(got));
+  }
+}
+
+WriteOutcome writeWholeFile(const std::string& path, std::string_view content) {
+  FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
+  if (!file.valid()) return WriteOutcome::NotOpened;
+  const bool written = writeAll(file.get(), content);
+  // A network file system may report only at the close that it had no room.
+  const bool closed = file.close();
+  return written && closed ? WriteOutcome::Written : WriteOutcome::Incomplete;
+}
+
+}  // namespace base
