@@ -1,0 +1,424 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <mutex>
+#include <random>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "sizewalk/file_tree.h"
+#include "tests/sizewalk/tree_model.h"
+
+namespace sizewalk {
+namespace {
+
+using test::add;
+using test::expectSumsMatchRecount;
+using test::Listing;
+
+/// The tree as anyone would first write it: objects with children, sums by recursion. Nodes have
+/// the indices that the tree gives them.
+class NaiveModel {
+ public:
+  struct Node {
+    NodeId parent = 0;
+    std::uint64_t size = 0;
+    bool folder = false;
+    bool read = false;
+    bool excluded = false;
+    bool brokenListing = false;
+    std::vector<NodeId> children = {};
+  };
+
+  NaiveModel() : nodes(1) { nodes[0].folder = true; }
+
+  NodeId append(NodeId parent, std::uint64_t size, bool folder) {
+    const auto id = static_cast<NodeId>(nodes.size());
+    nodes.push_back({.parent = parent, .size = size, .folder = folder});
+    nodes[parent].children.push_back(id);
+    return id;
+  }
+
+  std::uint64_t sizeOf(NodeId node) const {
+    std::uint64_t sum = nodes[node].size;
+    for (const NodeId child : nodes[node].children) {
+      if (!nodes[child].excluded) sum += sizeOf(child);
+    }
+    return sum;
+  }
+
+  std::uint64_t brokenListings(NodeId node = 0) const {
+    std::uint64_t sum = nodes[node].brokenListing;
+    for (const NodeId child : nodes[node].children) {
+      if (!nodes[child].excluded) sum += brokenListings(child);
+    }
+    return sum;
+  }
+
+  std::vector<NodeId> reachable(NodeId from = 0) const {
+    std::vector<NodeId> result = {from};
+    for (std::size_t i = 0; i < result.size(); ++i) {
+      const Node& node = nodes[result[i]];
+      result.insert(result.end(), node.children.begin(), node.children.end());
+    }
+    return result;
+  }
+
+  bool visible(NodeId node) const {
+    for (; node != 0; node = nodes[node].parent) {
+      if (nodes[node].excluded) return false;
+      if (std::ranges::find(nodes[nodes[node].parent].children, node) ==
+          nodes[nodes[node].parent].children.end()) {
+        return false;
+      }
+    }
+    return true;
+  }
+
+  std::vector<Node> nodes;
+};
+
+/// Drives a tree and a model through the same random changes.
+class RandomChanges {
+ public:
+  explicit RandomChanges(unsigned seed) : random_(seed), tree_(options()) {
+    tree_.createRoot("/r");
+  }
+
+  void step() {
+    switch (pick(10)) {
+      case 0:
+      case 1:
+      case 2:
+      case 3:
+        addListing();
+        break;
+      case 4:
+      case 5:
+      case 6:
+        takeOut();
+        break;
+      case 7:
+      case 8:
+        putBack();
+        break;
+      default:
+        readAnew();
+        break;
+    }
+  }
+
+  void putAllBack() {
+    while (!records_.empty()) putBack();
+  }
+
+  void compare() {
+    for (const NodeId node : model_.reachable()) {
+      ASSERT_EQ(tree_.apparentSize(node), model_.sizeOf(node)) << "node " << node;
+      ASSERT_EQ(tree_.flags(node).has(NodeFlag::Excluded), model_.nodes[node].excluded);
+    }
+    expectSumsMatchRecount(tree_, model_.brokenListings());
+    std::uint64_t out = 0;
+    for (const RemovedSubtree& record : records_) out += record.allocatedBytes;
+    ASSERT_EQ(tree_.takenOutBytes(), out);
+  }
+
+ private:
+  static ScanOptions options() {
+    ScanOptions options;
+    options.monthThreshold = 1000;
+    options.sixMonthThreshold = 500;
+    options.setLastScanTime(700);
+    return options;
+  }
+
+  std::size_t pick(std::size_t below) {
+    return std::uniform_int_distribution<std::size_t>(0, below - 1)(random_);
+  }
+
+  // The walk goes on inside what was taken out, so any folder that hangs together with the root
+  // will do.
+  void addListing() {
+    std::vector<NodeId> unread;
+    for (const NodeId node : model_.reachable()) {
+      if (model_.nodes[node].folder && !model_.nodes[node].read) unread.push_back(node);
+    }
+    if (unread.empty()) return;
+    const NodeId folder = unread[pick(unread.size())];
+    model_.nodes[folder].read = true;
+    Listing listing(folder);
+    for (std::size_t left = pick(7); left > 0; --left) {
+      static const char* const kNames[] = {"a.txt", "b.mp3", "c", "d.iso"};
+      if (pick(2) == 0) {
+        listing.folder("folder", static_cast<std::uint32_t>(pick(1500)));
+        model_.append(folder, 0, true);
+      } else {
+        const std::uint64_t size = pick(10000);
+        const auto birth = static_cast<std::uint32_t>(pick(1500));
+        listing.file(kNames[pick(4)], size, size * 2, birth);
+        model_.append(folder, size, false);
+      }
+    }
+    model_.nodes[folder].brokenListing = pick(5) == 0;
+    listing.errors(model_.nodes[folder].brokenListing);
+    add(tree_, listing);
+  }
+
+  void takeOut() {
+    const std::vector<NodeId> candidates = model_.reachable();
+    const NodeId node = candidates[pick(candidates.size())];
+    const bool possible = node != 0 && model_.visible(node);
+    const RemovedSubtree record = tree_.removeSubtree(node);
+    ASSERT_EQ(record.valid, possible);
+    if (!possible) return;
+    ASSERT_EQ(record.allocatedBytes, 2 * model_.sizeOf(node));
+    model_.nodes[node].excluded = true;
+    records_.push_back(record);
+  }
+
+  void putBack() {
+    if (records_.empty()) return;
+    const std::size_t which = pick(records_.size());
+    const RemovedSubtree record = records_[which];
+    records_.erase(records_.begin() + static_cast<std::ptrdiff_t>(which));
+    tree_.restoreSubtree(record);
+    tree_.restoreSubtree(record);  // a second time does nothing
+    model_.nodes[static_cast<std::size_t>(record.node)].excluded = false;
+  }
+
+  void readAnew() {
+    if (pick(4) != 0) return;
+    std::vector<NodeId> folders;
+    for (const NodeId node : model_.reachable()) {
+      if (model_.nodes[node].folder) folders.push_back(node);
+    }
+    const NodeId folder = folders[pick(folders.size())];
+    ASSERT_EQ(tree_.dropContents(folder), model_.visible(folder));
+    if (!model_.visible(folder)) return;
+    const std::vector<NodeId> gone = model_.reachable(folder);
+    std::erase_if(records_, [&](const RemovedSubtree& record) {
+      const auto node = static_cast<NodeId>(record.node);
+      return node != folder && std::ranges::find(gone, node) != gone.end();
+    });
+    model_.nodes[folder].children.clear();
+    model_.nodes[folder].read = false;
+    model_.nodes[folder].brokenListing = false;
+  }
+
+  std::mt19937 random_;
+  FileTree tree_;
+  NaiveModel model_;
+  std::vector<RemovedSubtree> records_;
+};
+
+TEST(FileTreeRemoval, KeepsEverySumRightThroughRandomChanges) {
+  for (unsigned seed = 1; seed <= 40; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    RandomChanges changes(seed);
+    for (int i = 0; i < 120; ++i) {
+      changes.step();
+      if (i % 5 == 0) changes.compare();
+      if (testing::Test::HasFailure()) return;
+    }
+    changes.putAllBack();
+    changes.compare();
+  }
+}
+
+/// /r with folder a (node 1) holding x.txt (3) and y.txt (4), and folder b (2), not read.
+struct SmallTree {
+  SmallTree() {
+    tree.createRoot("/r");
+    add(tree, Listing(0).folder("a").folder("b"));
+    add(tree, Listing(1).file("x.txt", 10, 512).file("y.txt", 20, 1024));
+  }
+  FileTree tree;
+};
+
+TEST(FileTreeRemoval, SubtractsFromAncestorsAndSavesTheChildRange) {
+  SmallTree small;
+  const RemovedSubtree record = small.tree.removeSubtree(1);
+  EXPECT_TRUE(record.valid);
+  EXPECT_EQ(record.node, 1);
+  EXPECT_EQ(record.firstChild, 3u);
+  EXPECT_EQ(record.childCount, 2u);
+  EXPECT_EQ(record.allocatedBytes, 1536u);
+  EXPECT_TRUE(small.tree.flags(1).has(NodeFlag::Excluded));
+  EXPECT_TRUE(small.tree.children(1).empty());
+  EXPECT_EQ(small.tree.apparentSize(kRootNode), 0u);
+  EXPECT_EQ(small.tree.itemCount(kRootNode), 0);
+  EXPECT_EQ(small.tree.kindTotals(classifyName("x.txt")), KindTotals{});
+  EXPECT_EQ(small.tree.takenOutBytes(), 1536u);
+
+  small.tree.restoreSubtree(record);
+  EXPECT_EQ(small.tree.children(1).first, 3u);
+  EXPECT_EQ(small.tree.apparentSize(kRootNode), 30u);
+  EXPECT_EQ(small.tree.takenOutBytes(), 0u);
+  expectSumsMatchRecount(small.tree);
+}
+
+TEST(FileTreeRemoval, PutsBackWhatTheWalkFoundInsideMeanwhile) {
+  SmallTree small;
+  const RemovedSubtree record = small.tree.removeSubtree(2);
+  EXPECT_EQ(record.allocatedBytes, 0u);
+  const auto inner = add(small.tree, Listing(2).file("late.txt", 100, 2048).folder("deeper"));
+  add(small.tree, Listing(inner.front()).file("later.txt", 1000, 4096));
+  EXPECT_EQ(small.tree.apparentSize(kRootNode), 30u) << "nothing rolls up past a taken-out node";
+  EXPECT_EQ(small.tree.apparentSize(2), 1100u);
+  EXPECT_EQ(small.tree.totals().files, 2u);
+
+  small.tree.restoreSubtree(record);
+  EXPECT_EQ(small.tree.apparentSize(kRootNode), 1130u);
+  EXPECT_EQ(small.tree.children(2).size(), 2u);
+  EXPECT_EQ(small.tree.totals().files, 4u);
+  expectSumsMatchRecount(small.tree);
+}
+
+TEST(FileTreeRemoval, IgnoresRecordsThatMeanNothing) {
+  SmallTree small;
+  small.tree.restoreSubtree({});
+  small.tree.restoreSubtree({.node = 900, .allocatedBytes = 5, .valid = true});
+  small.tree.restoreSubtree({.node = -1, .allocatedBytes = 5, .valid = true});
+  small.tree.restoreSubtree({.node = 1, .firstChild = 3, .childCount = 2, .valid = true});
+  RemovedSubtree undone = small.tree.removeSubtree(1);
+  undone.valid = false;
+  small.tree.restoreSubtree(undone);
+  EXPECT_TRUE(small.tree.flags(1).has(NodeFlag::Excluded));
+  EXPECT_EQ(small.tree.apparentSize(kRootNode), 0u);
+}
+
+TEST(FileTreeRemoval, RefusesTheRootAndWhatIsAlreadyOut) {
+  SmallTree small;
+  EXPECT_FALSE(small.tree.removeSubtree(kRootNode).valid);
+  EXPECT_FALSE(small.tree.removeSubtree(900).valid);
+  EXPECT_TRUE(small.tree.removeSubtree(1).valid);
+  EXPECT_FALSE(small.tree.removeSubtree(1).valid);
+  EXPECT_FALSE(small.tree.removeSubtree(3).valid) << "inside what is out";
+}
+
+TEST(FileTreeRemoval, TakesHardLinksAndErrorsOutOfTheirTotals) {
+  FileTree tree;
+  tree.createRoot("/r");
+  const auto folders = add(tree, Listing(0).folder("a").folder("b").file("one", 9, 512, 0, 7));
+  add(tree, Listing(folders[0]).file("two", 9, 512, 0, 7).unreadableEntry("broken").errors(2));
+  add(tree, Listing(folders[1]).unreadable());
+  const ScanTotals before = tree.totals();
+  EXPECT_EQ(before.hardLinks, 1u);
+  EXPECT_EQ(before.errors, 4u);
+  const RemovedSubtree record = tree.removeSubtree(folders[0]);
+  EXPECT_EQ(tree.totals().hardLinks, 0u);
+  EXPECT_EQ(tree.totals().hardLinkBytes, 0u);
+  EXPECT_EQ(tree.totals().errors, 1u);
+  tree.restoreSubtree(record);
+  EXPECT_EQ(tree.totals(), before);
+}
+
+TEST(FileTreeReadAnew, DropsTheOldContentsFromEveryTotal) {
+  SmallTree small;
+  ASSERT_TRUE(small.tree.dropContents(1));
+  EXPECT_EQ(small.tree.apparentSize(kRootNode), 0u);
+  EXPECT_TRUE(small.tree.children(1).empty());
+  EXPECT_EQ(small.tree.totals().files, 0u);
+  EXPECT_EQ(small.tree.totals().directories, 2u) << "the folders themselves stay";
+  add(small.tree, Listing(1).file("new.txt", 5, 512));
+  EXPECT_EQ(small.tree.apparentSize(kRootNode), 5u);
+  expectSumsMatchRecount(small.tree);
+}
+
+TEST(FileTreeReadAnew, CountsAHardLinkAgainWhereItTurnsUpNext) {
+  FileTree tree;
+  tree.createRoot("/r");
+  const auto folders = add(tree, Listing(0).folder("a").folder("b"));
+  add(tree, Listing(folders[0]).file("counted", 9, 512, 0, 7));
+  add(tree, Listing(folders[1]).file("duplicate", 9, 512, 0, 7));
+  ASSERT_EQ(tree.totals().hardLinks, 1u);
+
+  ASSERT_TRUE(tree.dropContents(folders[0]));
+  add(tree, Listing(folders[0]).file("again", 9, 512, 0, 7));
+  const NodeId again = tree.children(folders[0]).first;
+  EXPECT_EQ(tree.allocatedSize(again), 512u);
+  EXPECT_FALSE(tree.flags(again).has(NodeFlag::HardLinkDuplicate));
+
+  ASSERT_TRUE(tree.dropContents(folders[1]));
+  EXPECT_EQ(tree.totals().hardLinks, 0u);
+  EXPECT_EQ(tree.totals().hardLinkBytes, 0u);
+  add(tree, Listing(folders[1]).file("stillDuplicate", 9, 512, 0, 7));
+  EXPECT_EQ(tree.totals().hardLinks, 1u);
+  expectSumsMatchRecount(tree);
+}
+
+TEST(FileTreeReadAnew, VoidsRecordsOfWhatLayInside) {
+  SmallTree small;
+  const RemovedSubtree record = small.tree.removeSubtree(3);
+  ASSERT_TRUE(small.tree.dropContents(1));
+  EXPECT_EQ(small.tree.takenOutBytes(), 0u);
+  small.tree.restoreSubtree(record);
+  EXPECT_EQ(small.tree.apparentSize(kRootNode), 0u);
+  EXPECT_FALSE(small.tree.removeSubtree(4).valid) << "what was dropped cannot be taken out";
+}
+
+TEST(FileTreeReadAnew, ForgetsOldErrorsOfTheFolder) {
+  FileTree tree;
+  tree.createRoot("/r");
+  const NodeId locked = add(tree, Listing(0).folder("locked")).front();
+  add(tree, Listing(locked).unreadable());
+  ASSERT_TRUE(tree.dropContents(locked));
+  EXPECT_FALSE(tree.flags(locked).has(NodeFlag::Unreadable));
+  EXPECT_EQ(tree.totals().errors, 0u);
+}
+
+TEST(FileTreeReadAnew, RefusesWhatIsNotAVisibleDirectory) {
+  SmallTree small;
+  EXPECT_FALSE(small.tree.dropContents(3));
+  EXPECT_FALSE(small.tree.dropContents(900));
+  const RemovedSubtree record = small.tree.removeSubtree(1);
+  ASSERT_TRUE(record.valid);
+  EXPECT_FALSE(small.tree.dropContents(1));
+}
+
+/// One thread adds as a walk does; the other takes out and puts back wherever it pleases.
+TEST(FileTreeThreads, ChangesDuringTheWalkLeaveEverySumRight) {
+  FileTree tree;
+  tree.createRoot("/r");
+  std::atomic<bool> finished{false};
+  std::thread walk([&] {
+    std::mt19937 random(5);
+    std::vector<NodeId> unread = {kRootNode};
+    for (int folders = 0; folders < 3000 && !unread.empty(); ++folders) {
+      const std::size_t which = random() % unread.size();
+      Listing listing(unread[which]);
+      unread.erase(unread.begin() + static_cast<std::ptrdiff_t>(which));
+      for (int i = 0; i < 3; ++i) listing.folder("d" + std::to_string(i));
+      for (int i = 0; i < 4; ++i) listing.file("f.txt", random() % 1000, random() % 1000, 1);
+      const auto next = add(tree, listing);
+      unread.insert(unread.end(), next.begin(), next.end());
+    }
+    finished = true;
+  });
+  std::mt19937 random(6);
+  std::vector<RemovedSubtree> records;
+  while (!finished) {
+    const auto node = static_cast<NodeId>(random() % tree.nodeCount());
+    const RemovedSubtree record = tree.removeSubtree(node);
+    if (record.valid) records.push_back(record);
+    if (records.size() > 20) {
+      const std::size_t which = random() % records.size();
+      tree.restoreSubtree(records[which]);
+      records.erase(records.begin() + static_cast<std::ptrdiff_t>(which));
+    }
+  }
+  walk.join();
+  expectSumsMatchRecount(tree);
+  while (!records.empty()) {
+    tree.restoreSubtree(records.back());
+    records.pop_back();
+  }
+  expectSumsMatchRecount(tree);
+  EXPECT_EQ(tree.totals().files, 3000u * 4);
+  EXPECT_EQ(tree.takenOutBytes(), 0u);
+}
+
+}  // namespace
+}  // namespace sizewalk
