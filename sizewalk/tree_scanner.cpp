@@ -1,0 +1,242 @@
+#include "sizewalk/tree_scanner.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <new>
+#include <span>
+#include <thread>
+#include <utility>
+
+#include "sizewalk/directory_reader.h"
+#include "sizewalk/fatal.h"
+#include "sizewalk/storage_probe.h"
+
+namespace sizewalk {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::size_t kFreeResults = 256;
+constexpr std::size_t kPathReserve = 1024;
+constexpr std::size_t kBufferAlignment = 16;
+constexpr auto kProgressInterval = std::chrono::milliseconds(100);
+
+std::uint64_t nanoseconds(Clock::duration duration) {
+  return static_cast<std::uint64_t>(
+      std::chrono::duration_cast<std::chrono::nanoseconds>(duration).count());
+}
+
+/// Runs a thread's work; there is no way on for a walk that has no memory left.
+template <typename Work>
+void runThread(Work work) noexcept {
+  try {
+    work();
+  } catch (const std::bad_alloc&) {
+    endProgram("Heap Gauge: out of memory while scanning.");
+  }
+}
+
+/// Tells how long each step of a thread took, with one reading of the clock between two steps.
+class StepTimer {
+ public:
+  /// Adds the time since the last call, or construction, to `total`.
+  void addTo(std::uint64_t* total) {
+    const Clock::time_point now = Clock::now();
+    *total += nanoseconds(now - last_);
+    last_ = now;
+  }
+
+ private:
+  Clock::time_point last_ = Clock::now();
+};
+
+}  // namespace
+
+int chooseReaderCount(int asked, const std::function<int()>& probe, unsigned processors) {
+  if (asked >= 1) return asked;
+  if (probe) {
+    const int answer = probe();
+    if (answer > 0) return answer;
+  }
+  if (processors == 0) return 2;
+  return std::clamp(static_cast<int>(processors) - 2, 1, 8);
+}
+
+/// One reader thread's own things.
+class TreeScanner::Reader {
+ public:
+  Reader(TreeScanner* scanner, WorkList* workList)
+      : scanner_(*scanner),
+        workList_(*workList),
+        rules_{scanner->options_.dedupeHardLinks, &workList->closedFlag()},
+        blocks_((scanner->options_.readBufferSize + kBufferAlignment - 1) / kBufferAlignment) {
+    path_.reserve(kPathReserve);
+  }
+
+  void run() {
+    NodeId directory = kRootNode;
+    StepTimer timer;
+    while (workList_.pop(&directory)) {
+      timer.addTo(&times_.idleNs);
+      std::unique_ptr<DirectoryResult> result = scanner_.takeFreeResult(directory);
+      scanner_.tree_.path(directory, &path_);
+      timer.addTo(&times_.pathNs);
+      read(result.get(), &timer);
+      scanner_.results_->push(std::move(result));
+      timer.addTo(&times_.handOverNs);
+    }
+    timer.addTo(&times_.idleNs);
+  }
+
+  const WalkStatistics& times() const { return times_; }
+
+ private:
+  /// Opens, lists and closes the directory at `path_`.
+  void read(DirectoryResult* result, StepTimer* timer) {
+    const base::FileDescriptor fd = openDirectory(path_);
+    timer->addTo(&times_.openNs);
+    if (fd.valid()) {
+      readDirectory(rules_, fd.get(), result, std::as_writable_bytes(std::span(blocks_)));
+    } else {
+      result->unreadable = true;
+      ++result->errors;
+    }
+    timer->addTo(&times_.listNs);
+  }
+
+  struct alignas(kBufferAlignment) Block {
+    std::byte bytes[kBufferAlignment];
+  };
+
+  TreeScanner& scanner_;
+  WorkList& workList_;
+  ReadRules rules_;
+  std::vector<Block> blocks_;
+  std::string path_;
+  WalkStatistics times_;
+};
+
+TreeScanner::TreeScanner(const ScanOptions& options) : options_(options), tree_(options) {}
+
+void TreeScanner::setRoot(std::string rootPath, std::uint32_t birthTime) {
+  tree_.createRoot(std::move(rootPath), birthTime);
+}
+
+void TreeScanner::walk(NodeId start) {
+  control_.arm();
+  if (!tree_.dropContents(start)) return;
+  results_ = std::make_unique<ResultQueue>();
+  {
+    const base::MutexLock lock(progressMutex_);
+    stopProgress_ = false;
+  }
+  {
+    const base::MutexLock lock(statisticsMutex_);
+    statistics_ = {};
+  }
+  WorkList workList(start);
+  control_.begin(&workList);
+
+  std::thread progressThread;
+  if (onProgress) progressThread = std::thread([this] { runProgress(); });
+  std::function<int()> probe;
+  if (!rootPath().empty()) probe = [this] { return probeReaderThreads(rootPath()); };
+  const int readerCount =
+      chooseReaderCount(options_.threads, probe, std::thread::hardware_concurrency());
+  std::vector<std::thread> readers;
+  for (int i = 0; i < readerCount; ++i) {
+    readers.emplace_back([&] { runThread([&] { runReader(&workList); }); });
+  }
+  std::thread integrator([&] { runThread([&] { runIntegrator(&workList); }); });
+
+  for (std::thread& reader : readers) reader.join();
+  results_->close();
+  integrator.join();
+  if (progressThread.joinable()) {
+    {
+      const base::MutexLock lock(progressMutex_);
+      stopProgress_ = true;
+    }
+    progressStopped_.notifyAll();
+    progressThread.join();
+  }
+  {
+    const base::MutexLock lock(statisticsMutex_);
+    statistics_.queueWaits = results_->producerWaits();
+    statistics_.emptyQueueWaits = results_->consumerWaits();
+  }
+  control_.end();
+}
+
+void TreeScanner::runReader(WorkList* workList) {
+  Reader reader(this, workList);
+  reader.run();
+  const WalkStatistics& times = reader.times();
+  const base::MutexLock lock(statisticsMutex_);
+  statistics_.pathNs += times.pathNs;
+  statistics_.openNs += times.openNs;
+  statistics_.listNs += times.listNs;
+  statistics_.handOverNs += times.handOverNs;
+  statistics_.idleNs += times.idleNs;
+}
+
+void TreeScanner::runIntegrator(WorkList* workList) {
+  std::vector<NodeId> subdirectories;
+  std::uint64_t busyNs = 0;
+  const Clock::time_point started = Clock::now();
+  while (std::unique_ptr<DirectoryResult> result = results_->pop()) {
+    StepTimer timer;
+    tree_.addChildren(*result, &subdirectories);
+    workList->pushAll(subdirectories);
+    workList->done();
+    timer.addTo(&busyNs);
+    giveBack(std::move(result));
+  }
+  const base::MutexLock lock(statisticsMutex_);
+  statistics_.integratorBusyNs = busyNs;
+  statistics_.integratorElapsedNs = nanoseconds(Clock::now() - started);
+}
+
+void TreeScanner::runProgress() {
+  while (true) {
+    onProgress(progress());
+    const base::MutexLock lock(progressMutex_);
+    const Clock::time_point next = Clock::now() + kProgressInterval;
+    while (!stopProgress_ && Clock::now() < next) progressStopped_.waitUntil(progressMutex_, next);
+    if (stopProgress_) return;
+  }
+}
+
+ScanProgress TreeScanner::progress() const {
+  const auto nodes = std::uint64_t{tree_.nodeCount()};
+  const auto files = static_cast<std::uint64_t>(tree_.itemCount(kRootNode));
+  return {files, nodes - std::min(files, nodes), nodes, tree_.allocatedSize(kRootNode)};
+}
+
+std::unique_ptr<DirectoryResult> TreeScanner::takeFreeResult(NodeId directory) {
+  std::unique_ptr<DirectoryResult> result;
+  {
+    const base::MutexLock lock(freeMutex_);
+    if (!freeResults_.empty()) {
+      result = std::move(freeResults_.back());
+      freeResults_.pop_back();
+    }
+  }
+  if (!result) result = std::make_unique<DirectoryResult>();
+  result->reset(directory);
+  return result;
+}
+
+void TreeScanner::giveBack(std::unique_ptr<DirectoryResult> result) {
+  const base::MutexLock lock(freeMutex_);
+  if (freeResults_.size() < kFreeResults) freeResults_.push_back(std::move(result));
+}
+
+WalkStatistics TreeScanner::statistics() const {
+  const base::MutexLock lock(statisticsMutex_);
+  return statistics_;
+}
+
+}  // namespace sizewalk

@@ -1,0 +1,118 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "base/mutex.h"
+#include "sizewalk/directory_result.h"
+#include "sizewalk/file_tree.h"
+#include "sizewalk/result_queue.h"
+#include "sizewalk/scan_options.h"
+#include "sizewalk/walk_control.h"
+#include "sizewalk/work_list.h"
+
+namespace sizewalk {
+
+/// What a running walk reports.
+struct ScanProgress {
+  std::uint64_t files = 0;    // the root's item count
+  std::uint64_t folders = 0;  // published nodes that are not files
+  std::uint64_t nodes = 0;    // published nodes
+  std::uint64_t bytes = 0;    // the root's allocated size
+};
+
+/// Where the time of the last walk went, in nanoseconds of the monotonic clock, and how its queue
+/// fared.
+struct WalkStatistics {
+  std::uint64_t integratorBusyNs = 0;
+  std::uint64_t integratorElapsedNs = 0;
+  /// Times a reader waited for room in the result queue.
+  std::uint64_t queueWaits = 0;
+  /// Times the integrator waited for a result.
+  std::uint64_t emptyQueueWaits = 0;
+  // Summed over all readers:
+  std::uint64_t pathNs = 0;      // building paths
+  std::uint64_t openNs = 0;      // opening directories
+  std::uint64_t listNs = 0;      // listing and examining entries
+  std::uint64_t handOverNs = 0;  // pushing results, waits for room included
+  std::uint64_t idleNs = 0;      // waiting for a directory to read
+};
+
+/// The number of reader threads: `asked` when it is 1 or more; else what `probe` says of the
+/// storage, where it is set and answers above 0; else `processors` minus 2, kept within 1 and 8,
+/// and 2 when `processors` is 0 (unknown).
+int chooseReaderCount(int asked, const std::function<int()>& probe, unsigned processors);
+
+/// Walks one folder tree with several threads and fills the file tree while it does.
+///
+/// N readers list directories, each into a `DirectoryResult` of its own; one integrator takes the
+/// results and alone writes the tree, pushing the subdirectories it met back to the readers' work
+/// list. Locking the tree per reader instead would make every reader pay for the roll-up; merging
+/// per-thread trees at the end would leave nothing to look at while the walk runs.
+class TreeScanner {
+ public:
+  explicit TreeScanner(const ScanOptions& options);
+  TreeScanner(const TreeScanner&) = delete;
+  TreeScanner& operator=(const TreeScanner&) = delete;
+
+  /// Called about every 100 ms while a walk runs, on a thread of its own, and once when it starts.
+  /// Set it before `walk`; while it is empty there is no such thread.
+  std::function<void(const ScanProgress&)> onProgress;
+
+  /// Makes the tree's root: the absolute path of the folder, free of symbolic links in its last
+  /// component. Call once, before `walk`.
+  void setRoot(std::string rootPath, std::uint32_t birthTime = 0);
+
+  /// Reads everything below `start` into the tree and returns when all is read or the walk was
+  /// cancelled; what was read stays. A folder that was walked before is read anew: its old contents
+  /// leave every total first. Does nothing for a node that is not a visible directory. One walk at
+  /// a time, on any thread.
+  void walk(NodeId start);
+
+  /// Ends the walk soon: no new directory is read, long ones are broken off. Any thread, never
+  /// waits.
+  void cancel() { control_.cancel(); }
+  /// Forgets a cancel that came after the last walk. `walk` does so too; a caller that hands the
+  /// walk to another thread calls it before, so that a cancel from then on counts.
+  void arm() { control_.arm(); }
+  /// Whether the walk that runs, or ran last, was cancelled.
+  bool cancelRequested() const { return control_.cancelRequested(); }
+
+  const FileTree& tree() const { return tree_; }
+  FileTree& tree() { return tree_; }
+  const std::string& rootPath() const { return tree_.rootPath(); }
+  const ScanOptions& options() const { return options_; }
+  /// Of the last walk; call it when none runs.
+  WalkStatistics statistics() const;
+
+ private:
+  class Reader;
+
+  void runReader(WorkList* workList);
+  void runIntegrator(WorkList* workList);
+  void runProgress();
+  ScanProgress progress() const;
+  std::unique_ptr<DirectoryResult> takeFreeResult(NodeId directory);
+  void giveBack(std::unique_ptr<DirectoryResult> result);
+
+  const ScanOptions options_;
+  FileTree tree_;
+  WalkControl control_;
+  std::unique_ptr<ResultQueue> results_;  // of the current walk
+
+  base::Mutex freeMutex_;  // guards freeResults_
+  std::vector<std::unique_ptr<DirectoryResult>> freeResults_ GUARDED_BY(freeMutex_);
+
+  mutable base::Mutex statisticsMutex_;  // guards statistics_
+  WalkStatistics statistics_ GUARDED_BY(statisticsMutex_);
+
+  base::Mutex progressMutex_;  // lets the end of the walk cut a progress pause short
+  base::CondVar progressStopped_;
+  bool stopProgress_ GUARDED_BY(progressMutex_) = false;
+};
+
+}  // namespace sizewalk
