@@ -13,21 +13,11 @@
 
 #include "sizewalk/file_kinds.h"
 #include "sizewalk/hard_link_set.h"
+#include "sizewalk/retry.h"
 
 namespace sizewalk {
 
 namespace {
-
-/// A system call interrupted by a signal is asked again, but not for ever: on a file system that
-/// keeps being interrupted the entry counts as unreadable.
-constexpr int kInterruptRetries = 100;
-
-template <typename Call>
-auto retryInterrupted(Call call) {
-  auto result = call();
-  for (int i = 0; result < 0 && errno == EINTR && i < kInterruptRetries; ++i) result = call();
-  return result;
-}
 
 constexpr int kOpenFlags = O_RDONLY | O_NONBLOCK | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 constexpr int kStepFlags = O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
@@ -176,11 +166,19 @@ class Listing {
     entry->kind = kKindFolder;
     entry->flags = NodeFlag::Directory;
     entry->itemCount = 0;
-    if (device_ != 0 && device_ != deviceId(status)) {
+    if (isMountPoint(status)) {
       entry->flags = entry->flags.with(NodeFlag::MountPoint);
     } else {
       result_->subdirectories.push_back(static_cast<std::uint32_t>(result_->entries.size()));
     }
+  }
+
+  /// Another device, or, where the kernel tells (5.8), any root of a mount: a bind mount has the
+  /// device of the tree around it, and entering it would count the same bytes twice.
+  bool isMountPoint(const struct statx& status) const {
+    if (device_ == 0) return false;
+    return device_ != deviceId(status) ||
+           (status.stx_attributes & status.stx_attributes_mask & STATX_ATTR_MOUNT_ROOT) != 0;
   }
 
   static void fillSizes(const struct statx& status, EntryRecord* entry) {

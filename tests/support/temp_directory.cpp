@@ -36,8 +36,11 @@ std::string TempDirectory::operator/(std::string_view relative) const {
 }
 
 void writeFile(const std::string& path, std::string_view content) {
-  fs::create_directories(fs::path(path).parent_path());
   std::ofstream file(path, std::ios::binary | std::ios::trunc);
+  if (!file) {
+    fs::create_directories(fs::path(path).parent_path());
+    file.open(path, std::ios::binary | std::ios::trunc);
+  }
   file.write(content.data(), static_cast<std::streamsize>(content.size()));
   if (!file.flush()) fail(path);
 }

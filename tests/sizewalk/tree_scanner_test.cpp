@@ -1,0 +1,360 @@
+#include "sizewalk/tree_scanner.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <filesystem>
+#include <map>
+#include <string>
+#include <thread>
+#include <tuple>
+#include <vector>
+
+#include "tests/sizewalk/tree_model.h"
+#include "tests/support/file_access.h"
+#include "tests/support/real_tree.h"
+#include "tests/support/temp_directory.h"
+
+namespace sizewalk {
+namespace {
+
+namespace fs = std::filesystem;
+using test::TempDirectory;
+using test::writeFile;
+
+ScanOptions withThreads(int threads) {
+  ScanOptions options = ScanOptions::startingNow();
+  options.threads = threads;
+  return options;
+}
+
+/// A scan of one folder, from start to end.
+struct Scan {
+  explicit Scan(const std::string& path, int threads = 4) : scanner(withThreads(threads)) {
+    scanner.setRoot(path);
+    scanner.walk(kRootNode);
+  }
+  const FileTree& tree() const { return scanner.tree(); }
+  TreeScanner scanner;
+};
+
+/// Everything that a tree says of each path, free of the order in which directories were read.
+using Entry = std::tuple<std::int16_t, std::uint8_t, std::uint64_t, std::uint64_t, std::int32_t>;
+std::map<std::string, Entry> describe(const FileTree& tree) {
+  std::map<std::string, Entry> result;
+  for (NodeId node = 0; node < tree.nodeCount(); ++node) {
+    result[tree.path(node)] = {tree.kind(node), tree.flags(node).bits(), tree.apparentSize(node),
+                               tree.allocatedSize(node), tree.itemCount(node)};
+  }
+  return result;
+}
+
+/// The sums of the files below `path`, asked of the file system by other means.
+struct Expected {
+  explicit Expected(const std::string& path) {
+    for (const auto& entry : fs::recursive_directory_iterator(path)) {
+      struct stat status;
+      if (lstat(entry.path().c_str(), &status) != 0) continue;
+      ++entries;
+      if (S_ISDIR(status.st_mode)) continue;
+      ++files;
+      apparent += static_cast<std::uint64_t>(status.st_size);
+      allocated += static_cast<std::uint64_t>(status.st_blocks) * 512;
+    }
+  }
+  std::uint64_t entries = 0, files = 0, apparent = 0, allocated = 0;
+};
+
+NodeId nodeOf(const FileTree& tree, const std::string& path) {
+  for (NodeId node = 0; node < tree.nodeCount(); ++node) {
+    if (tree.path(node) == path) return node;
+  }
+  ADD_FAILURE() << path << " is not in the tree";
+  return kRootNode;
+}
+
+TEST(TreeScanner, CountsARealTreeAsTheFileSystemDoes) {
+  const TempDirectory dir;
+  test::makeBushyTree(dir.path(), 1, 200, 8);
+  const Expected expected(dir.path());
+  const Scan scan(dir.path());
+  EXPECT_EQ(scan.tree().nodeCount(), expected.entries + 1);
+  EXPECT_EQ(scan.tree().apparentSize(kRootNode), expected.apparent);
+  EXPECT_EQ(scan.tree().allocatedSize(kRootNode), expected.allocated);
+  EXPECT_EQ(scan.tree().itemCount(kRootNode), static_cast<std::int32_t>(expected.files));
+  EXPECT_EQ(scan.tree().addedLastMonth(kRootNode), expected.allocated) << "all was just made";
+  test::expectSumsMatchRecount(scan.tree());
+}
+
+TEST(TreeScanner, FindsTheSameWithAnyNumberOfReaders) {
+  const TempDirectory dir;
+  test::makeBushyTree(dir.path(), 2, 150, 6);
+  const auto serial = describe(Scan(dir.path(), 1).tree());
+  EXPECT_GT(serial.size(), 500u);
+  EXPECT_EQ(describe(Scan(dir.path(), 2).tree()), serial);
+  EXPECT_EQ(describe(Scan(dir.path(), 8).tree()), serial);
+}
+
+TEST(TreeScanner, ReadsAFolderWithoutSubfolders) {
+  const TempDirectory dir;
+  writeFile(dir / "a", "12345");
+  const Scan scan(dir.path());
+  EXPECT_EQ(scan.tree().nodeCount(), 2u);
+  EXPECT_EQ(scan.tree().apparentSize(kRootNode), 5u);
+  EXPECT_EQ(scan.tree().totals().directories, 0u);
+}
+
+TEST(TreeScanner, ReadsAnEmptyFolder) {
+  const TempDirectory dir;
+  EXPECT_EQ(Scan(dir.path()).tree().nodeCount(), 1u);
+}
+
+TEST(TreeScanner, GoesFiveThousandLevelsDown) {
+  const TempDirectory dir;
+  test::makeDeepTree(dir.path(), 5000, 12345);
+  const Scan scan(dir.path());
+  EXPECT_EQ(scan.tree().nodeCount(), 5002u);
+  EXPECT_EQ(scan.tree().apparentSize(kRootNode), 12345u);
+  EXPECT_EQ(scan.tree().totals().errors, 0u);
+  EXPECT_EQ(scan.tree().countSubtree(kRootNode), 5002u);
+}
+
+TEST(TreeScanner, MarksWhatItMayNotReadAndGoesOn) {
+  const TempDirectory dir;
+  writeFile(dir / "locked/inside", "x");
+  writeFile(dir / "open/inside", "yy");
+  ASSERT_EQ(chmod(dir.path().c_str(), 0755), 0);
+  ASSERT_EQ(chmod((dir / "locked").c_str(), 0), 0);
+  const test::OrdinaryFileAccess ordinary;
+  const Scan scan(dir.path());
+  const NodeId locked = nodeOf(scan.tree(), dir / "locked");
+  EXPECT_TRUE(scan.tree().flags(locked).has(NodeFlag::Unreadable));
+  EXPECT_EQ(scan.tree().childCount(locked), 0u);
+  EXPECT_EQ(scan.tree().apparentSize(kRootNode), 2u);
+  EXPECT_EQ(scan.tree().totals().errors, 1u);
+}
+
+TEST(TreeScanner, CountsAFileWithSeveralNamesOnce) {
+  const TempDirectory dir;
+  writeFile(dir / "a/first", std::string(10000, 'x'));
+  test::makeDirectory(dir / "b");
+  ASSERT_EQ(link((dir / "a/first").c_str(), (dir / "b/second").c_str()), 0);
+  const Scan scan(dir.path());
+  EXPECT_EQ(scan.tree().apparentSize(kRootNode), 10000u);
+  EXPECT_EQ(scan.tree().totals().hardLinks, 1u);
+  EXPECT_GT(scan.tree().totals().hardLinkBytes, 0u);
+  EXPECT_EQ(scan.tree().itemCount(kRootNode), 1);
+}
+
+TEST(TreeScanner, NeverFollowsASymbolicLink) {
+  const TempDirectory dir;
+  writeFile(dir / "elsewhere/big", std::string(10000, 'x'));
+  test::makeDirectory(dir / "scanned");
+  ASSERT_EQ(symlink("../elsewhere", (dir / "scanned/link").c_str()), 0);
+  ASSERT_EQ(symlink(".", (dir / "scanned/loop").c_str()), 0);
+  EXPECT_EQ(Scan(dir / "scanned").tree().nodeCount(), 3u);
+}
+
+TEST(TreeScanner, LeavesTheStartAloneWhenCancelledBeforehand) {
+  const TempDirectory dir;
+  writeFile(dir / "file", "x");
+  TreeScanner scanner(withThreads(2));
+  scanner.setRoot(dir.path());
+  scanner.cancel();
+  scanner.walk(kRootNode);
+  EXPECT_TRUE(scanner.cancelRequested());
+  EXPECT_EQ(scanner.tree().nodeCount(), 1u);
+  EXPECT_EQ(scanner.tree().totals().systemCalls, 0u);
+}
+
+TEST(TreeScanner, EndsAWalkInTheMiddleWithRightSums) {
+  const TempDirectory dir;
+  test::makeBushyTree(dir.path(), 3, 400, 10);
+  const std::uint64_t all = Expected(dir.path()).entries + 1;
+  // A cancel may come too late on a fast machine; repeat until one came in time.
+  for (int attempt = 0;; ++attempt) {
+    ASSERT_LT(attempt, 200) << "no walk was caught in the middle";
+    TreeScanner scanner(withThreads(2));
+    scanner.setRoot(dir.path());
+    std::thread watcher([&] {
+      while (scanner.tree().nodeCount() < 50) std::this_thread::yield();
+      scanner.cancel();
+    });
+    scanner.walk(kRootNode);
+    watcher.join();
+    test::expectSumsMatchRecount(scanner.tree());
+    EXPECT_TRUE(scanner.cancelRequested());
+    if (scanner.tree().nodeCount() < all) break;
+  }
+}
+
+TEST(TreeScanner, WalksAgainAfterALateCancel) {
+  const TempDirectory dir;
+  writeFile(dir / "sub/file", "x");
+  Scan scan(dir.path());
+  scan.scanner.cancel();
+  writeFile(dir / "sub/second", "yy");
+  scan.scanner.walk(nodeOf(scan.tree(), dir / "sub"));
+  EXPECT_FALSE(scan.scanner.cancelRequested());
+  EXPECT_EQ(scan.tree().apparentSize(kRootNode), 3u);
+}
+
+TEST(TreeScanner, ReadsOneFolderAnewAndLeavesTheRest) {
+  const TempDirectory dir;
+  writeFile(dir / "changed/old", std::string(100, 'x'));
+  writeFile(dir / "changed/deep/er", std::string(50, 'x'));
+  writeFile(dir / "same/file", std::string(7, 'x'));
+  Scan scan(dir.path());
+  const NodeId same = nodeOf(scan.tree(), dir / "same/file");
+  const NodeId changed = nodeOf(scan.tree(), dir / "changed");
+  fs::remove_all(dir / "changed/deep");
+  writeFile(dir / "changed/new", std::string(1000, 'x'));
+  writeFile(dir / "same/unseen", std::string(9, 'x'));
+
+  scan.scanner.walk(changed);
+  EXPECT_EQ(scan.tree().apparentSize(changed), 1100u);
+  EXPECT_EQ(scan.tree().apparentSize(kRootNode), 1107u);
+  EXPECT_EQ(scan.tree().name(same), "file");
+  EXPECT_EQ(scan.tree().countSubtree(kRootNode), 6u);
+  test::expectSumsMatchRecount(scan.tree());
+}
+
+TEST(TreeScanner, ReadsTheWholeTreeAnewTheSame) {
+  const TempDirectory dir;
+  test::makeBushyTree(dir.path(), 4, 60, 5);
+  writeFile(dir / "linked", "0123456789");
+  ASSERT_EQ(link((dir / "linked").c_str(), (dir / "twin").c_str()), 0);
+  Scan scan(dir.path());
+  const ScanTotals before = scan.tree().totals();
+  const std::uint64_t bytes = scan.tree().allocatedSize(kRootNode);
+  scan.scanner.walk(kRootNode);
+  ScanTotals after = scan.tree().totals();
+  EXPECT_GT(after.systemCalls, before.systemCalls);
+  after.systemCalls = before.systemCalls;
+  EXPECT_EQ(after, before);
+  EXPECT_EQ(scan.tree().allocatedSize(kRootNode), bytes);
+  test::expectSumsMatchRecount(scan.tree());
+}
+
+TEST(TreeScanner, WalksNothingButAVisibleFolder) {
+  const TempDirectory dir;
+  writeFile(dir / "file", "x");
+  Scan scan(dir.path());
+  scan.scanner.walk(1);
+  scan.scanner.walk(500);
+  EXPECT_EQ(scan.tree().nodeCount(), 2u);
+}
+
+TEST(TreeScanner, ReportsProgressUntilItsEnd) {
+  const TempDirectory dir;
+  test::makeBushyTree(dir.path(), 5, 50, 5);
+  TreeScanner scanner(withThreads(1));
+  scanner.setRoot(dir.path());
+  std::vector<ScanProgress> reports;
+  scanner.onProgress = [&](const ScanProgress& progress) { reports.push_back(progress); };
+  scanner.walk(kRootNode);
+  ASSERT_FALSE(reports.empty());
+  for (const ScanProgress& report : reports) {
+    EXPECT_LE(report.files + report.folders, scanner.tree().nodeCount());
+    EXPECT_LE(report.bytes, scanner.tree().allocatedSize(kRootNode));
+    EXPECT_EQ(report.folders, report.nodes - report.files);
+  }
+}
+
+TEST(TreeScanner, GivesAnEmptyRootPathNothingToRead) {
+  TreeScanner scanner(withThreads(0));
+  scanner.setRoot("");
+  scanner.walk(kRootNode);
+  EXPECT_TRUE(scanner.tree().flags(kRootNode).has(NodeFlag::Unreadable));
+  EXPECT_EQ(scanner.tree().totals().errors, 1u);
+}
+
+TEST(TreeScanner, TellsWhereItsTimeWent) {
+  const TempDirectory dir;
+  test::makeBushyTree(dir.path(), 6, 100, 8);
+  const Scan scan(dir.path(), 2);
+  const WalkStatistics statistics = scan.scanner.statistics();
+  EXPECT_GT(statistics.listNs, 0u);
+  EXPECT_GT(statistics.pathNs, 0u);
+  EXPECT_GT(statistics.openNs, 0u);
+  EXPECT_GT(statistics.handOverNs, 0u);
+  EXPECT_GT(statistics.integratorBusyNs, 0u);
+  EXPECT_GE(statistics.integratorElapsedNs, statistics.integratorBusyNs);
+}
+
+TEST(ReaderCount, IsWhatWasAskedFor) {
+  EXPECT_EQ(chooseReaderCount(
+                1, [] { return 30; }, 64),
+            1);
+  EXPECT_EQ(chooseReaderCount(100, nullptr, 2), 100);
+}
+
+TEST(ReaderCount, FollowsTheStorageWhereItIsKnown) {
+  EXPECT_EQ(chooseReaderCount(
+                0, [] { return 4; }, 64),
+            4);
+  EXPECT_EQ(chooseReaderCount(
+                -3, [] { return 4; }, 64),
+            4);
+}
+
+TEST(ReaderCount, LeavesTwoProcessorsToOthers) {
+  EXPECT_EQ(chooseReaderCount(0, nullptr, 6), 4);
+  EXPECT_EQ(chooseReaderCount(0, nullptr, 64), 8);
+  EXPECT_EQ(chooseReaderCount(0, nullptr, 1), 1);
+  EXPECT_EQ(chooseReaderCount(0, nullptr, 2), 1);
+  EXPECT_EQ(chooseReaderCount(
+                0, [] { return 0; }, 6),
+            4);
+}
+
+TEST(ReaderCount, IsTwoWhenNothingIsKnown) { EXPECT_EQ(chooseReaderCount(0, nullptr, 0), 2); }
+
+/// Number of threads of this process.
+int threadCount() {
+  int count = 0;
+  for ([[maybe_unused]] const auto& task : fs::directory_iterator("/proc/self/task")) ++count;
+  return count;
+}
+
+TEST(TreeScanner, StartsExactlyTheReadersAskedFor) {
+  const TempDirectory dir;
+  test::makeBushyTree(dir.path(), 7, 300, 10);
+  const int before = threadCount();
+  std::atomic<bool> finished{false};
+  std::thread walking([&] {
+    const Scan scan(dir.path(), 1);
+    finished = true;
+  });
+  int most = 0;
+  while (!finished) most = std::max(most, threadCount());
+  walking.join();
+  EXPECT_EQ(most, before + 3) << "the thread that walks, one reader and the integrator";
+}
+
+TEST(ScanOptions, LookBackAMonthAndHalfAYear) {
+  const ScanOptions options = ScanOptions::startingAt(1000000000);
+  EXPECT_EQ(options.monthThreshold, 1000000000u - 2592000);
+  EXPECT_EQ(options.sixMonthThreshold, 1000000000u - 15724800);
+  EXPECT_FALSE(options.hasLastScan);
+  EXPECT_EQ(options.readBufferSize, 262144u);
+}
+
+TEST(ScanOptions, DoNotLookBackBeyondTheEpoch) {
+  const ScanOptions options = ScanOptions::startingAt(2592001);
+  EXPECT_EQ(options.monthThreshold, 1u);
+  EXPECT_EQ(options.sixMonthThreshold, 0u);
+}
+
+TEST(ScanOptions, NameTheirStrategies) {
+  EXPECT_STREQ(listingStrategyName(0), "auto");
+  EXPECT_STREQ(listingStrategyName(1), "enum");
+  EXPECT_STREQ(listingStrategyName(2), "mft");
+  EXPECT_STREQ(listingStrategyName(3), "auto");
+}
+
+}  // namespace
+}  // namespace sizewalk

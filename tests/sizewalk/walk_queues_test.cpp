@@ -1,0 +1,150 @@
+#include <gtest/gtest.h>
+
+#include <thread>
+#include <vector>
+
+#include "sizewalk/result_queue.h"
+#include "sizewalk/walk_control.h"
+#include "sizewalk/work_list.h"
+
+namespace sizewalk {
+namespace {
+
+std::unique_ptr<DirectoryResult> resultFor(NodeId directory) {
+  auto result = std::make_unique<DirectoryResult>();
+  result->reset(directory);
+  return result;
+}
+
+TEST(WorkList, HandsOutTheMostRecentlyPushedFirst) {
+  WorkList list(0);
+  NodeId directory = 99;
+  ASSERT_TRUE(list.pop(&directory));
+  EXPECT_EQ(directory, 0u);
+  list.pushAll(std::vector<NodeId>{1, 2, 3});
+  ASSERT_TRUE(list.pop(&directory));
+  EXPECT_EQ(directory, 3u);
+  list.pushAll(std::vector<NodeId>{7});
+  ASSERT_TRUE(list.pop(&directory));
+  EXPECT_EQ(directory, 7u);
+}
+
+TEST(WorkList, ClosesWhenTheLastDirectoryIsDone) {
+  WorkList list(0);
+  NodeId directory;
+  ASSERT_TRUE(list.pop(&directory));
+  list.pushAll(std::vector<NodeId>{1});
+  list.done();
+  EXPECT_FALSE(list.closedFlag());
+  ASSERT_TRUE(list.pop(&directory));
+  list.done();
+  EXPECT_TRUE(list.closedFlag());
+  EXPECT_FALSE(list.pop(&directory));
+}
+
+TEST(WorkList, GivesNothingOutOnceClosedEvenWhenDirectoriesRemain) {
+  WorkList list(0);
+  list.close();
+  NodeId directory;
+  EXPECT_FALSE(list.pop(&directory));
+}
+
+TEST(WorkList, WakesEveryReaderThatWaits) {
+  WorkList list(0);
+  NodeId first;
+  ASSERT_TRUE(list.pop(&first));
+  std::atomic<int> got{0};
+  std::vector<std::thread> readers;
+  for (int i = 0; i < 4; ++i) {
+    readers.emplace_back([&] {
+      NodeId directory;
+      while (list.pop(&directory)) {
+        ++got;
+        list.done();
+      }
+    });
+  }
+  std::vector<NodeId> batch(1000, 5);
+  list.pushAll(batch);
+  list.done();
+  for (std::thread& reader : readers) reader.join();
+  EXPECT_EQ(got, 1000);
+}
+
+TEST(ResultQueue, IsFirstInFirstOutAcrossItsErasures) {
+  ResultQueue queue;
+  NodeId pushed = 0, popped = 0;
+  for (int round = 0; round < 20; ++round) {
+    for (int i = 0; i < 700; ++i) queue.push(resultFor(pushed++));
+    for (int i = 0; i < 700; ++i) ASSERT_EQ(queue.pop()->directory, popped++);
+  }
+  EXPECT_EQ(queue.producerWaits(), 0u);
+}
+
+TEST(ResultQueue, MakesAProducerWaitForRoomAndCountsIt) {
+  ResultQueue queue;
+  for (NodeId i = 0; i < ResultQueue::kCapacity; ++i) queue.push(resultFor(i));
+  EXPECT_EQ(queue.producerWaits(), 0u);
+  std::thread producer([&] { queue.push(resultFor(5000)); });
+  while (queue.producerWaits() == 0) std::this_thread::yield();
+  EXPECT_EQ(queue.pop()->directory, 0u);
+  producer.join();
+  for (NodeId i = 1; i < ResultQueue::kCapacity; ++i) ASSERT_EQ(queue.pop()->directory, i);
+  EXPECT_EQ(queue.pop()->directory, 5000u);
+}
+
+TEST(ResultQueue, IsEmptiedBeforeItsEndShows) {
+  ResultQueue queue;
+  queue.push(resultFor(1));
+  queue.close();
+  EXPECT_EQ(queue.pop()->directory, 1u);
+  EXPECT_EQ(queue.pop(), nullptr);
+}
+
+TEST(ResultQueue, LetsAWaitingProducerGoWhenItCloses) {
+  ResultQueue queue;
+  for (NodeId i = 0; i < ResultQueue::kCapacity; ++i) queue.push(resultFor(i));
+  std::thread producer([&] { queue.push(resultFor(9)); });
+  while (queue.producerWaits() == 0) std::this_thread::yield();
+  queue.close();
+  producer.join();
+}
+
+TEST(WalkControl, ClosesAListPublishedAfterTheCancel) {
+  WalkControl control;
+  control.arm();
+  control.cancel();
+  WorkList list(0);
+  control.begin(&list);
+  EXPECT_TRUE(list.closedFlag());
+  EXPECT_TRUE(control.cancelRequested());
+  control.end();
+}
+
+TEST(WalkControl, ClosesTheRunningList) {
+  WalkControl control;
+  WorkList list(0);
+  control.begin(&list);
+  EXPECT_FALSE(list.closedFlag());
+  control.cancel();
+  EXPECT_TRUE(list.closedFlag());
+  control.end();
+}
+
+TEST(WalkControl, ForgetsACancelThatCameAfterTheWalk) {
+  WalkControl control;
+  WorkList first(0);
+  control.begin(&first);
+  control.end();
+  control.cancel();
+  EXPECT_TRUE(control.cancelRequested());
+  control.arm();
+  EXPECT_FALSE(control.cancelRequested());
+  WorkList second(0);
+  control.begin(&second);
+  EXPECT_FALSE(second.closedFlag());
+  control.end();
+}
+
+}  // namespace
+}  // namespace sizewalk
