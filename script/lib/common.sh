@@ -1,0 +1,40 @@
+# shellcheck shell=bash
+# What the scripts share: where the source tree is, how they speak, how they configure and build.
+# Sourced, never run. `root` is the absolute path of the source tree.
+
+root=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/../.." && pwd -P)
+
+# Standard output belongs to the program or to a script's result, so everything else goes to stderr.
+say() { printf '%s\n' "$*" >&2; }
+
+die() {
+  say "${0##*/}: $*"
+  exit 1
+}
+
+# Holds the build directories while the command runs: two scripts at once would spoil each other's.
+with_build_lock() {
+  mkdir -p "$root/build" || return
+  (
+    flock 9 || exit
+    "$@" 9>&-
+  ) 9>"$root/build/.lock"
+}
+
+# configure PRESET [CMAKE ARGUMENT]...
+configure() {
+  local preset=$1 cache=$root/build/$1/CMakeCache.txt
+  shift
+  # A tree that was moved or copied with its build directory starts over instead of failing.
+  if [[ -f $cache ]] && ! grep -qxF "CMAKE_HOME_DIRECTORY:INTERNAL=$root" "$cache"; then
+    set -- --fresh "$@"
+  fi
+  with_build_lock cmake -S "$root" --preset "$preset" "$@"
+}
+
+# compile PRESET [CMAKE --build ARGUMENT]...
+compile() {
+  local preset=$1
+  shift
+  with_build_lock cmake --build "$root/build/$preset" --parallel "$(nproc)" "$@"
+}

@@ -1,0 +1,151 @@
+# shellcheck shell=bash
+# Runs the steps of script/test, shows how far they are and keeps the sum. Sourced by it.
+# A step's output is shown only when it fails.
+
+log_directory=  # where the output of the steps goes; for the sourcing script to set
+without_aslr=() # the command that runs another without address randomisation, where there is one
+passed=0
+failed=0
+skipped=()
+step_number=0
+
+# step NAME COMMAND...: sets `step_status` and `step_log`. A long one says every 20 seconds where it is.
+step() {
+  local name=$1 started=$SECONDS finished
+  shift
+  step_number=$((step_number + 1))
+  step_log=$log_directory/$step_number.log
+  printf '[%4d s] %s\n' "$SECONDS" "$name"
+  exec {finished}< <(
+    status=0
+    "$@" >"$step_log" 2>&1 </dev/null || status=$?
+    echo "$status"
+  )
+  while ! IFS= read -r -t 20 -u "$finished" step_status; do
+    # read answers 1 at the end of the stream and more than 128 when its time is over.
+    if (($? <= 128)); then
+      step_status=1
+      break
+    fi
+    printf '         ... %d s: %s\n' "$((SECONDS - started))" "$(tail -n 1 -- "$step_log" | cut -c 1-100)"
+  done
+  exec {finished}<&-
+}
+
+show_log() { sed 's/^/    | /' -- "$step_log"; }
+
+count_failed() {
+  failed=$((failed + 1))
+  printf '         FAILED: %s\n' "$1"
+}
+
+count_skipped() { skipped+=("$1"); }
+
+# check NAME COMMAND...: counts as one. Exit status 77 is a skip, its last line the reason.
+check() {
+  step "$@"
+  case $step_status in
+    0) passed=$((passed + 1)) ;;
+    77) count_skipped "$1: $(tail -n 1 -- "$step_log")" ;;
+    *)
+      show_log
+      count_failed "$1"
+      ;;
+  esac
+}
+
+# tap_tests NAME COMMAND...: runs a program that reports in the Test Anything Protocol
+# ("ok NAME", "not ok NAME", "ok NAME # SKIP reason") and counts what it reports.
+tap_tests() {
+  local name=$1 line ok=0 bad=0 skips=0
+  step "$@"
+  while IFS= read -r line; do
+    case $line in
+      'ok '*' # SKIP '*)
+        line=${line#ok }
+        count_skipped "$name: ${line/ \# SKIP /: }"
+        skips=$((skips + 1))
+        ;;
+      'ok '*) ok=$((ok + 1)) ;;
+      'not ok '*)
+        bad=$((bad + 1))
+        count_failed "$name: ${line#not ok }"
+        ;;
+    esac
+  done <"$step_log"
+  passed=$((passed + ok))
+  ((step_status == 0 && bad == 0)) || show_log
+  if ((step_status != 0 && bad == 0)); then
+    count_failed "$name: ended with status $step_status"
+  elif ((ok + bad + skips == 0)); then
+    count_failed "$name: reported no test"
+  fi
+}
+
+# Reads what ctest --output-junit wrote; prints a line for each test: "passed NAME", "failed NAME" or
+# "skipped NAME: reason". The counts in the file's head will not do: there, a test whose program could not
+# be found counts as skipped.
+read_junit() {
+  # shellcheck disable=SC2016  # the program is awk's
+  awk '
+    function text(line) {
+      gsub(/&lt;/, "<", line); gsub(/&gt;/, ">", line); gsub(/&quot;/, "\"", line)
+      gsub(/&apos;/, "\047", line); gsub(/&amp;/, "\\&", line)
+      return line
+    }
+    function attribute(line, name) {
+      if (!match(line, " " name "=\"[^\"]*\"")) return ""
+      return text(substr(line, RSTART + length(name) + 3, RLENGTH - length(name) - 4))
+    }
+    /^\t<testcase / {
+      name = attribute($0, "name"); status = attribute($0, "status")
+      reason = ""; in_reason = 0; told_to_skip = 0
+    }
+    /^\t\t<skipped message="SKIP_/ { told_to_skip = 1 }
+    /^\[  SKIPPED \]/ { in_reason = 0 }
+    in_reason { reason = reason (reason == "" ? "" : " ") text($0) }
+    /^[^ ]*:[0-9]+: Skipped$/ { in_reason = 1 }
+    /^\t<\/testcase>/ {
+      if (status == "run") print "passed " name
+      else if (status == "disabled") print "skipped " name ": disabled"
+      else if (status == "notrun" && told_to_skip) print "skipped " name ": " (reason == "" ? "no reason given" : reason)
+      else print "failed " name
+    }' "$1"
+}
+
+# ctest_tests NAME BUILD_DIRECTORY [CTEST ARGUMENT]...: counts each test that ctest knows.
+ctest_tests() {
+  local name=$1 junit=$log_directory/junit.xml line bad=0
+  rm -f -- "$junit"
+  step "$name" "${without_aslr[@]}" ctest --test-dir "$2" --parallel 2 --no-tests=error \
+    --output-on-failure --output-junit "$junit" "${@:3}"
+  if [[ -f $junit ]]; then
+    while IFS= read -r line; do
+      case $line in
+        'passed '*) passed=$((passed + 1)) ;;
+        'skipped '*) count_skipped "$name: ${line#skipped }" ;;
+        'failed '*)
+          bad=$((bad + 1))
+          count_failed "$name: ${line#failed }"
+          ;;
+      esac
+    done < <(read_junit "$junit")
+  fi
+  if ((step_status != 0)); then
+    # The output of failed tests stands between the lines that say what started and what passed.
+    grep -vE '^ *([0-9]+/[0-9]+ Test +#.* (Passed|\*\*\*Skipped) |Start +[0-9]+:)' -- "$step_log" | sed 's/^/    | /' || :
+    ((bad)) || count_failed "$name: ctest ended with status $step_status"
+  fi
+}
+
+# Names what was skipped and prints the sum. Fails unless everything that ran passed.
+finish() {
+  local line="$passed passed, $failed failed"
+  if ((${#skipped[@]})); then
+    echo "Skipped:"
+    printf '  %s\n' "${skipped[@]}"
+    line+=", ${#skipped[@]} skipped"
+  fi
+  echo "$line"
+  ((failed == 0))
+}
