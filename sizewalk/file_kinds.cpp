@@ -184,10 +184,10 @@ std::uint16_t classifyName(std::string_view name) {
   const std::string_view extension = name.substr(start);
   if (extension.size() > kLongestExtension) return otherKind;
 
+  // Bytes past ASCII need no test of their own: no listed extension holds one.
   std::uint64_t key = 0;
   for (const char c : extension) {
     const auto byte = static_cast<unsigned char>(c);
-    if (byte >= 0x80) return otherKind;
     const bool upper = byte >= 'A' && byte <= 'Z';
     key = key << 8 | static_cast<unsigned char>(upper ? byte + ('a' - 'A') : byte);
   }

@@ -139,6 +139,7 @@ TEST(ClassifyName, CountsTheLastDotOnly) {
 TEST(ClassifyName, FoldsAsciiCase) {
   EXPECT_EQ(kindOf("Photo.JPG"), "JPEG image");
   EXPECT_EQ(kindOf("AZ.Bz2"), "Bzip2 archive");
+  EXPECT_EQ(kindOf("a.GZ"), "GZip archive");
   EXPECT_EQ(kindOf("a.z@p"), "Other");  // '@' and '[' border on the letters
   EXPECT_EQ(kindOf("a.[ip"), "Other");
 }
@@ -170,6 +171,7 @@ TEST(ClassifyName, LooksForTheDotInTheLastTwelveBytesOnly) {
 
 TEST(ClassifyName, CallsExtensionsOfMoreThanEightBytesOther) {
   EXPECT_EQ(kindOf("file.abcdefghi"), "Other");
+  EXPECT_EQ(kindOf("file.xsettings"), "Other");  // the last eight of its nine bytes are listed
   EXPECT_EQ(kindOf("setup.appxbundle"), "Other");
   EXPECT_EQ(kindOf("setup.msixbundle"), "Other");
   EXPECT_EQ(kindOf("log4j.properties"), "Other");
