@@ -208,10 +208,15 @@ TEST(SettingsStore, RemovesTheTemporaryFileWhenItCannotReplace) {
 }
 
 TEST(SettingsStore, LivesInMemoryWithoutAConfigurationDirectory) {
+  const test::TempDirectory directory;
+  test::writeFile(directory / ".tmp", "not ours");
+  const fs::path before = fs::current_path();
+  fs::current_path(directory.path());
   SettingsStore store("");
   store.setBool("A", true);
+  fs::current_path(before);
   EXPECT_TRUE(store.getBool("A", false));
-  EXPECT_FALSE(fs::exists(".tmp"));
+  EXPECT_EQ(test::readFile(directory / ".tmp"), "not ours");
 }
 
 // In a process of its own: the instance is made once, and other tests may have made it elsewhere.
