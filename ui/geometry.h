@@ -1,0 +1,32 @@
+#pragma once
+
+namespace ui {
+
+/// A rectangle in device pixels. With `w` or `h` not greater than 0 it is empty.
+struct Rect {
+  int x = 0;
+  int y = 0;
+  int w = 0;
+  int h = 0;
+
+  bool empty() const { return w <= 0 || h <= 0; }
+  /// The first column right of it and the first row below it.
+  int right() const { return x + w; }
+  int bottom() const { return y + h; }
+  bool contains(int px, int py) const {
+    return px >= x && py >= y && px < right() && py < bottom();
+  }
+
+  bool operator==(const Rect&) const = default;
+};
+
+/// What lies in both; (0, 0, 0, 0) when nothing does.
+Rect intersect(const Rect& a, const Rect& b);
+
+/// `logical` pixels in device pixels, rounded half up (toward zero for negative sizes). `scale` is
+/// that of the connection.
+constexpr int scaled(double logical, double scale) {
+  return static_cast<int>(logical * scale + 0.5);
+}
+
+}  // namespace ui

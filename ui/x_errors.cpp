@@ -1,0 +1,56 @@
+#include "ui/x_errors.h"
+
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <string_view>
+
+namespace ui {
+
+namespace {
+
+ErrorTrap* activeTrap = nullptr;  // window thread only, like every Xlib call
+
+[[noreturn]] int handleLostConnection(Display*) {
+  constexpr std::string_view kMessage = "Lost the connection to the X server.\n";
+  // Nothing can be done about a failed write here.
+  [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, kMessage.data(), kMessage.size());
+  _exit(1);
+}
+
+}  // namespace
+
+int handleError(Display* display, XErrorEvent* error) {
+  if (activeTrap && activeTrap->display_ == display && error->serial >= activeTrap->firstSerial_) {
+    activeTrap->caught_ = true;
+    return 0;
+  }
+  if (error->error_code == BadWindow) return 0;
+  std::array<char, 128> text{};
+  XGetErrorText(display, error->error_code, text.data(), static_cast<int>(text.size()));
+  std::fprintf(stderr, "X error: %s (request %d.%d, resource 0x%lx)\n", text.data(),
+               int{error->request_code}, int{error->minor_code}, error->resourceid);
+  return 0;
+}
+
+void installErrorHandlers() {
+  XSetErrorHandler(handleError);
+  XSetIOErrorHandler(handleLostConnection);
+}
+
+ErrorTrap::ErrorTrap(Display* display) : display_(display), firstSerial_(NextRequest(display)) {
+  activeTrap = this;
+}
+
+ErrorTrap::~ErrorTrap() {
+  XSync(display_, False);
+  activeTrap = nullptr;
+}
+
+bool ErrorTrap::caught() {
+  XSync(display_, False);
+  return caught_;
+}
+
+}  // namespace ui
