@@ -1,0 +1,129 @@
+#include "tests/ui/other_client.h"
+
+#include <X11/Xatom.h>
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+
+#include <stdexcept>
+
+namespace test {
+
+struct OtherClient::Native {
+  Native() : display(XOpenDisplay(nullptr)) {
+    if (!display) throw std::runtime_error("no X server");
+  }
+  ~Native() { XCloseDisplay(display); }
+
+  Atom atom(const std::string& name) const { return XInternAtom(display, name.c_str(), False); }
+  void sync() const { XSync(display, False); }
+  void send(::Window window, XEvent& event) const {
+    event.xany.window = window;
+    XSendEvent(display, window, False, NoEventMask, &event);
+    sync();
+  }
+
+  Display* display;
+};
+
+OtherClient::OtherClient() : native_(std::make_unique<Native>()) {}
+OtherClient::~OtherClient() = default;
+
+void OtherClient::moveWindow(unsigned long window, int x, int y) {
+  XMoveWindow(native_->display, window, x, y);
+  native_->sync();
+}
+
+void OtherClient::resizeWindow(unsigned long window, int width, int height) {
+  XResizeWindow(native_->display, window, static_cast<unsigned>(width),
+                static_cast<unsigned>(height));
+  native_->sync();
+}
+
+void OtherClient::sendConfigure(unsigned long window, int width, int height) {
+  XEvent event{};
+  event.xconfigure.type = ConfigureNotify;
+  event.xconfigure.event = window;
+  event.xconfigure.width = width;
+  event.xconfigure.height = height;
+  native_->send(window, event);
+}
+
+void OtherClient::sendExpose(unsigned long window, int count) {
+  XEvent event{};
+  event.xexpose.type = Expose;
+  event.xexpose.count = count;
+  native_->send(window, event);
+}
+
+void OtherClient::sendProtocol(unsigned long window, const std::string& protocol) {
+  XEvent event{};
+  event.xclient.type = ClientMessage;
+  event.xclient.message_type = native_->atom("WM_PROTOCOLS");
+  event.xclient.format = 32;
+  event.xclient.data.l[0] = static_cast<long>(native_->atom(protocol));
+  native_->send(window, event);
+}
+
+namespace {
+
+struct Property {
+  Atom type = 0;
+  int format = 0;
+  unsigned long length = 0;
+  unsigned char* data = nullptr;
+  ~Property() { XFree(data); }
+};
+
+void read(Display* display, ::Window window, Atom name, Property& property) {
+  unsigned long rest = 0;
+  XGetWindowProperty(display, window, name, 0, 1 << 20, False, AnyPropertyType, &property.type,
+                     &property.format, &property.length, &rest, &property.data);
+}
+
+}  // namespace
+
+std::string OtherClient::textProperty(unsigned long window, const std::string& name,
+                                      const std::string& type) {
+  Property property;
+  read(native_->display, window, native_->atom(name), property);
+  if (property.type != native_->atom(type) || property.format != 8) return {};
+  return {reinterpret_cast<const char*>(property.data), property.length};
+}
+
+std::vector<unsigned long> OtherClient::longProperty(unsigned long window,
+                                                     const std::string& name) {
+  Property property;
+  read(native_->display, window, native_->atom(name), property);
+  if (property.format != 32) return {};
+  const auto* items = reinterpret_cast<const unsigned long*>(property.data);
+  return {items, items + property.length};
+}
+
+std::string OtherClient::atomName(unsigned long atom) {
+  char* name = XGetAtomName(native_->display, atom);
+  const std::string copy = name ? name : "";
+  XFree(name);
+  return copy;
+}
+
+std::pair<int, int> OtherClient::sizeOf(unsigned long window) {
+  XWindowAttributes attributes{};
+  XGetWindowAttributes(native_->display, window, &attributes);
+  return {attributes.width, attributes.height};
+}
+
+long OtherClient::eventMask(unsigned long window) {
+  XWindowAttributes attributes{};
+  XGetWindowAttributes(native_->display, window, &attributes);
+  return attributes.all_event_masks;
+}
+
+unsigned long OtherClient::screenPixel(unsigned long window, int x, int y) {
+  XImage* image = XGetImage(native_->display, window, x, y, 1, 1, AllPlanes, ZPixmap);
+  if (!image) throw std::runtime_error("the window is not on the screen");
+  const unsigned long pixel = XGetPixel(image, 0, 0);
+  XDestroyImage(image);
+  return pixel;
+}
+
+}  // namespace test

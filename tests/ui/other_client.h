@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace test {
+
+/// A second client of the X server that DISPLAY names: it moves the pointer and presses keys as a
+/// user would, plays the window manager, and looks at what the window under test shows. Window ids
+/// are X ids. Each call returns once the server has carried it out.
+class OtherClient {
+ public:
+  OtherClient();
+  ~OtherClient();
+  OtherClient(const OtherClient&) = delete;
+  OtherClient& operator=(const OtherClient&) = delete;
+
+  void moveWindow(unsigned long window, int x, int y);
+  void resizeWindow(unsigned long window, int width, int height);
+  /// Tells the window of a size that it does not have.
+  void sendConfigure(unsigned long window, int width, int height);
+  void sendExpose(unsigned long window, int count);
+  /// A WM_PROTOCOLS message whose first word is the atom of `protocol`, as a close button sends it.
+  void sendProtocol(unsigned long window, const std::string& protocol);
+
+  /// The bytes of a property of format 8; empty when there is none of that type.
+  std::string textProperty(unsigned long window, const std::string& name, const std::string& type);
+  /// The items of a property of format 32 of any type.
+  std::vector<unsigned long> longProperty(unsigned long window, const std::string& name);
+  std::string atomName(unsigned long atom);
+  /// Width and height of a window; zeros when it does not exist.
+  std::pair<int, int> sizeOf(unsigned long window);
+  /// The events that any client asked of the window.
+  long eventMask(unsigned long window);
+  /// The raw pixel of the window that is on the screen now.
+  unsigned long screenPixel(unsigned long window, int x, int y);
+
+ private:
+  struct Native;
+  std::unique_ptr<Native> native_;
+};
+
+}  // namespace test

@@ -1,0 +1,221 @@
+#include "ui/window.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <vector>
+
+#include "tests/ui/window_test_base.h"
+
+namespace test {
+namespace {
+
+TEST_F(WindowTest, IsCreatedWithItsSizeAndEventMask) {
+  EXPECT_EQ(window.xid(), 0u);
+  ASSERT_TRUE(window.create("Heap Gauge", 320, 240));
+  ASSERT_NE(window.xid(), 0u);
+  EXPECT_EQ(window.width(), 320);
+  EXPECT_EQ(window.height(), 240);
+  EXPECT_EQ(other.sizeOf(window.xid()), std::pair(320, 240));
+  EXPECT_EQ(other.eventMask(window.xid()), 0x22806D);
+}
+
+TEST_F(WindowTest, CannotBeCreatedWhenTheServerRefuses) {
+  EXPECT_FALSE(window.create("Too wide", 65536, 100));  // 0 in the protocol's 16 bits
+  EXPECT_EQ(window.xid(), 0u);
+  EXPECT_TRUE(window.create("Fits", 100, 100));
+}
+
+TEST_F(WindowTest, CannotBeCreatedTwice) {
+  ASSERT_TRUE(window.create("One", 100, 100));
+  const unsigned long first = window.xid();
+  EXPECT_FALSE(window.create("Two", 200, 100));
+  EXPECT_EQ(window.xid(), first);
+  EXPECT_EQ(window.width(), 100);
+}
+
+TEST_F(WindowTest, TakesNoSettingsBeforeItIsCreated) {
+  window.setTitle("early");
+  window.setClass("a", "b");
+  window.setMinSize(1, 2);
+  window.show();
+  ASSERT_TRUE(window.create("late", 100, 100));
+  settle();
+  EXPECT_EQ(other.textProperty(window.xid(), "_NET_WM_NAME", "UTF8_STRING"), "late");
+}
+
+TEST_F(WindowTest, NamesItselfInBothTitleProperties) {
+  ASSERT_TRUE(window.create("Heap Gauge", 100, 100));
+  settle();
+  EXPECT_EQ(other.textProperty(window.xid(), "WM_NAME", "STRING"), "Heap Gauge");
+  EXPECT_EQ(other.textProperty(window.xid(), "_NET_WM_NAME", "UTF8_STRING"), "Heap Gauge");
+  window.setTitle("Bücher – Heap Gauge");
+  settle();
+  EXPECT_EQ(other.textProperty(window.xid(), "_NET_WM_NAME", "UTF8_STRING"), "Bücher – Heap Gauge");
+}
+
+TEST_F(WindowTest, TellsTheWindowManagerItsClassAndLeastSize) {
+  ASSERT_TRUE(window.create("Heap Gauge", 100, 100));
+  window.setClass("heapgauge", "Heapgauge");
+  window.setMinSize(640, 420);
+  settle();
+  EXPECT_EQ(other.textProperty(window.xid(), "WM_CLASS", "STRING"),
+            std::string("heapgauge\0Heapgauge\0", 20));
+  const std::vector<unsigned long> hints = other.longProperty(window.xid(), "WM_NORMAL_HINTS");
+  ASSERT_GE(hints.size(), 7u);
+  EXPECT_EQ(hints[0], 16u);  // PMinSize and nothing else
+  EXPECT_EQ(hints[5], 640u);
+  EXPECT_EQ(hints[6], 420u);
+}
+
+TEST_F(WindowTest, TakesPartInNoProtocolButTheCloseButton) {
+  ASSERT_TRUE(window.create("Heap Gauge", 100, 100));
+  settle();
+  const std::vector<unsigned long> protocols = other.longProperty(window.xid(), "WM_PROTOCOLS");
+  ASSERT_EQ(protocols.size(), 1u);
+  EXPECT_EQ(other.atomName(protocols[0]), "WM_DELETE_WINDOW");
+}
+
+TEST_F(WindowTest, SaysWhichProcessItBelongsTo) {
+  ASSERT_TRUE(window.create("Heap Gauge", 100, 100));
+  settle();
+  EXPECT_EQ(other.longProperty(window.xid(), "_NET_WM_PID"),
+            std::vector<unsigned long>{static_cast<unsigned long>(getpid())});
+  EXPECT_FALSE(other.textProperty(window.xid(), "WM_CLIENT_MACHINE", "STRING").empty());
+  const std::vector<unsigned long> hints = other.longProperty(window.xid(), "WM_HINTS");
+  ASSERT_GE(hints.size(), 2u);
+  EXPECT_EQ(hints[0], 1u);  // InputHint
+  EXPECT_EQ(hints[1], 1u);
+}
+
+TEST_F(WindowTest, ShowsOnTheScreenWhatWasPainted) {
+  window.onPaint = [](ui::Canvas& canvas) { canvas.fillRect({5, 5, 10, 10}, 0xFF123456); };
+  show(50, 40);
+  settle();
+  EXPECT_EQ(other.screenPixel(window.xid(), 5, 5), 0x123456u);
+  EXPECT_EQ(other.screenPixel(window.xid(), 14, 14), 0x123456u);
+}
+
+TEST_F(WindowTest, RepaintsOnceForManyInvalidations) {
+  show();
+  settle();
+  int paints = 0;
+  window.onPaint = [&](ui::Canvas&) { ++paints; };
+  for (int i = 0; i < 10; ++i) {
+    window.invalidate();
+    window.post([&] { window.invalidate(); });
+    other.sendExpose(window.xid(), 0);
+  }
+  settle();
+  EXPECT_EQ(paints, 1);
+}
+
+TEST_F(WindowTest, RepaintsOnlyAfterTheLastExposeOfASeries) {
+  show();
+  settle();
+  int paints = 0;
+  window.onPaint = [&](ui::Canvas&) { ++paints; };
+  other.sendExpose(window.xid(), 2);
+  other.sendExpose(window.xid(), 1);
+  settle();
+  EXPECT_EQ(paints, 0);
+  other.sendExpose(window.xid(), 0);
+  settle();
+  EXPECT_EQ(paints, 1);
+}
+
+TEST_F(WindowTest, ResizedTellsItsSizeAndRepaintsAtThatSize) {
+  show(200, 100);
+  settle();
+  std::vector<std::pair<int, int>> resizes;
+  window.onResize = [&](int width, int height) { resizes.emplace_back(width, height); };
+  std::pair<int, int> painted;
+  window.onPaint = [&](ui::Canvas& canvas) { painted = {canvas.width(), canvas.height()}; };
+  other.resizeWindow(window.xid(), 150, 120);
+  settle();
+  EXPECT_EQ(resizes, (std::vector{std::pair(150, 120)}));
+  EXPECT_EQ(painted, std::pair(150, 120));
+  EXPECT_EQ(window.width(), 150);
+  EXPECT_EQ(capture().height, 120);
+}
+
+TEST_F(WindowTest, OnlyMovedNeitherTellsASizeNorRepaints) {
+  show(200, 100);
+  settle();
+  int resizes = 0;
+  int paints = 0;
+  window.onResize = [&](int, int) { ++resizes; };
+  window.onPaint = [&](ui::Canvas&) { ++paints; };
+  other.moveWindow(window.xid(), 30, 40);
+  settle();
+  EXPECT_EQ(resizes, 0);
+  EXPECT_EQ(paints, 0);
+}
+
+TEST_F(WindowTest, WithoutAreaHasABufferOfOnePixel) {
+  show(200, 100);
+  std::pair<int, int> told;
+  std::pair<int, int> painted;
+  ui::Rect clip;
+  window.onResize = [&](int width, int height) { told = {width, height}; };
+  window.onPaint = [&](ui::Canvas& canvas) {
+    painted = {canvas.width(), canvas.height()};
+    clip = canvas.clip();
+  };
+  other.sendConfigure(window.xid(), 0, 0);
+  settle();
+  EXPECT_EQ(told, std::pair(0, 0));
+  EXPECT_EQ(painted, std::pair(1, 1));
+  EXPECT_TRUE(clip.empty());
+}
+
+TEST_F(WindowTest, CreatedWithoutAreaIsOnePixelLarge) {
+  ASSERT_TRUE(window.create("Nothing", 0, -5));
+  settle();
+  EXPECT_EQ(other.sizeOf(window.xid()), std::pair(1, 1));
+  EXPECT_EQ(window.width(), 1);
+}
+
+TEST_F(WindowTest, StaysOpenWhenTheCloseQuerySaysNo) {
+  show();
+  int queries = 0;
+  bool closed = false;
+  window.onCloseQuery = [&] { return ++queries > 1; };
+  window.onClose = [&] { closed = true; };
+  other.sendProtocol(window.xid(), "WM_DELETE_WINDOW");
+  settle();  // returns because the loop still ticks
+  EXPECT_EQ(queries, 1);
+  EXPECT_FALSE(closed);
+}
+
+TEST_F(WindowTest, ClosesAfterOnCloseWhenTheCloseQuerySaysYes) {
+  show();
+  std::vector<std::string> order;
+  window.onCloseQuery = [&] {
+    order.push_back("query");
+    return true;
+  };
+  window.onClose = [&] { order.push_back("close"); };
+  other.sendProtocol(window.xid(), "WM_DELETE_WINDOW");
+  window.run();
+  order.push_back("ended");
+  EXPECT_EQ(order, (std::vector<std::string>{"query", "close", "ended"}));
+}
+
+TEST_F(WindowTest, ClosesWithoutAnyCallable) {
+  show();
+  other.sendProtocol(window.xid(), "WM_DELETE_WINDOW");
+  window.run();  // returns
+}
+
+TEST_F(WindowTest, IgnoresOtherMessages) {
+  show();
+  bool asked = false;
+  window.onCloseQuery = [&] { return asked = true; };
+  other.sendProtocol(window.xid(), "WM_TAKE_FOCUS");
+  settle();
+  EXPECT_FALSE(asked);
+}
+
+}  // namespace
+}  // namespace test

@@ -1,0 +1,24 @@
+#include "ui/back_buffer.h"
+
+namespace ui {
+
+std::unique_ptr<BackBuffer> BackBuffer::create(const Connection& connection, ::Window window,
+                                               int width, int height) {
+  const Connection::Native& x = connection.native();
+  const Pixmap pixmap =
+      XCreatePixmap(x.display, window, static_cast<unsigned>(width), static_cast<unsigned>(height),
+                    static_cast<unsigned>(x.depth));
+  std::unique_ptr<BackBuffer> buffer(new BackBuffer(x.display, pixmap, width, height));
+  buffer->draw_ = XftDrawCreate(x.display, pixmap, x.visual, x.colormap);
+  return buffer->draw_ ? std::move(buffer) : nullptr;
+}
+
+BackBuffer::BackBuffer(Display* display, Pixmap pixmap, int width, int height)
+    : display_(display), pixmap_(pixmap), width_(width), height_(height) {}
+
+BackBuffer::~BackBuffer() {
+  if (draw_) XftDrawDestroy(draw_);
+  XFreePixmap(display_, pixmap_);
+}
+
+}  // namespace ui

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <memory>
+
+#include "ui/x11.h"
+
+namespace ui {
+
+/// The pixmap a window is painted in before it is shown, with its Xft draw.
+class BackBuffer {
+ public:
+  /// A buffer of `width` x `height` (at least 1 each) for `window`. Null when no draw can be made
+  /// on it.
+  static std::unique_ptr<BackBuffer> create(const Connection& connection, ::Window window,
+                                            int width, int height);
+  ~BackBuffer();
+  BackBuffer(const BackBuffer&) = delete;
+  BackBuffer& operator=(const BackBuffer&) = delete;
+
+  Pixmap pixmap() const { return pixmap_; }
+  XftDraw* draw() const { return draw_; }
+  int width() const { return width_; }
+  int height() const { return height_; }
+
+ private:
+  BackBuffer(Display* display, Pixmap pixmap, int width, int height);
+
+  Display* display_;
+  Pixmap pixmap_;
+  XftDraw* draw_ = nullptr;
+  int width_;
+  int height_;
+};
+
+}  // namespace ui

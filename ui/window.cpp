@@ -1,0 +1,194 @@
+#include "ui/window.h"
+
+#include <X11/Xatom.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "ui/capture.h"
+#include "ui/window_native.h"
+#include "ui/x_errors.h"
+
+namespace ui {
+
+namespace {
+
+constexpr long kEventMask = KeyPressMask | ButtonPressMask | ButtonReleaseMask | LeaveWindowMask |
+                            PointerMotionMask | ExposureMask | StructureNotifyMask |
+                            FocusChangeMask;
+
+void replaceProperty(Display* display, ::Window window, Atom property, Atom type,
+                     const std::string& bytes) {
+  XChangeProperty(display, window, property, type, 8, PropModeReplace,
+                  reinterpret_cast<const unsigned char*>(bytes.data()),
+                  static_cast<int>(bytes.size()));
+}
+
+}  // namespace
+
+Window::Native::Native(Window& window_)
+    : owner(window_), display(window_.connection_.native().display) {}
+
+Window::Native::~Native() {
+  backBuffer.reset();
+  if (gc) XFreeGC(display, gc);
+  if (window) {
+    XDestroyWindow(display, window);
+    XFlush(display);
+  }
+}
+
+bool Window::Native::makeWindow(int width, int height) {
+  const Connection::Native& x = owner.connection_.native();
+  XSetWindowAttributes attributes{};
+  attributes.background_pixel = BlackPixel(display, x.screen);
+  attributes.event_mask = kEventMask;
+  // Keeps the old frame in place while a larger one is being painted; the default forgets it.
+  attributes.bit_gravity = NorthWestGravity;
+
+  ErrorTrap trap(display);
+  const ::Window made =
+      XCreateWindow(display, RootWindow(display, x.screen), 0, 0, static_cast<unsigned>(width),
+                    static_cast<unsigned>(height), 0, x.depth, InputOutput, x.visual,
+                    CWBackPixel | CWEventMask | CWBitGravity, &attributes);
+  if (made == 0 || trap.caught()) return false;
+  window = made;
+  gc = XCreateGC(display, window, 0, nullptr);
+  return true;
+}
+
+void Window::Native::introduceToWindowManager() {
+  wmDeleteWindow = XInternAtom(display, "WM_DELETE_WINDOW", False);
+  XSetWMProtocols(display, window, &wmDeleteWindow, 1);
+
+  XWMHints hints{};
+  hints.flags = InputHint;
+  hints.input = True;
+  XSetWMHints(display, window, &hints);
+
+  const long pid = getpid();  // properties of format 32 are passed as longs
+  XChangeProperty(display, window, XInternAtom(display, "_NET_WM_PID", False), XA_CARDINAL, 32,
+                  PropModeReplace, reinterpret_cast<const unsigned char*>(&pid), 1);
+  std::array<char, 256> host{};
+  if (gethostname(host.data(), host.size() - 1) == 0) {
+    replaceProperty(display, window, XA_WM_CLIENT_MACHINE, XA_STRING, host.data());
+  }
+}
+
+Window::Window(Connection& connection)
+    : connection_(connection), native_(std::make_unique<Native>(*this)) {}
+
+Window::~Window() = default;
+
+bool Window::create(const std::string& title, int width, int height) {
+  if (native_->window) return false;
+  width = std::max(1, width);
+  height = std::max(1, height);
+  if (!native_->makeWindow(width, height)) return false;
+  width_ = width;
+  height_ = height;
+  setTitle(title);
+  native_->introduceToWindowManager();
+  return true;
+}
+
+void Window::setTitle(const std::string& title) {
+  if (!native_->window) return;
+  Display* display = native_->display;
+  XStoreName(display, native_->window, title.c_str());
+  replaceProperty(display, native_->window, XInternAtom(display, "_NET_WM_NAME", False),
+                  XInternAtom(display, "UTF8_STRING", False), title);
+}
+
+void Window::setClass(const std::string& name, const std::string& className) {
+  if (!native_->window) return;
+  std::string nameCopy = name;  // Xlib takes them as pointers to non-const
+  std::string classCopy = className;
+  XClassHint hint{nameCopy.data(), classCopy.data()};
+  XSetClassHint(native_->display, native_->window, &hint);
+}
+
+void Window::setMinSize(int width, int height) {
+  if (!native_->window) return;
+  XSizeHints hints{};
+  hints.flags = PMinSize;
+  hints.min_width = width;
+  hints.min_height = height;
+  XSetWMNormalHints(native_->display, native_->window, &hints);
+}
+
+void Window::show() {
+  if (!native_->window) return;
+  XMapWindow(native_->display, native_->window);
+  XFlush(native_->display);
+}
+
+void Window::invalidate() { needsRedraw_ = true; }
+
+void Window::post(Task task) {
+  tasks_.append(std::move(task));
+  wakePipe_.wake();
+}
+
+void Window::setTick(int intervalMs, std::function<void()> onTick) {
+  tick_.set(intervalMs, std::move(onTick), now());
+}
+
+void Window::stopTick() { tick_.stop(); }
+
+void Window::quit() { running_ = false; }
+
+unsigned long Window::xid() const { return native_->window; }
+
+std::int64_t Window::now() {
+  timeval time{};
+  gettimeofday(&time, nullptr);
+  return std::int64_t{time.tv_sec} * 1000 + time.tv_usec / 1000;
+}
+
+bool Window::fitBackBuffer() {
+  const int width = std::max(1, width_);
+  const int height = std::max(1, height_);
+  std::unique_ptr<BackBuffer>& buffer = native_->backBuffer;
+  if (buffer && buffer->width() == width && buffer->height() == height) return true;
+  buffer.reset();  // first, so that two buffers never exist at once
+  if (!native_->window) return false;
+  buffer = BackBuffer::create(connection_, native_->window, width, height);
+  return buffer != nullptr;
+}
+
+void Window::paint() {
+  needsRedraw_ = false;
+  if (!fitBackBuffer()) return;
+  const BackBuffer& buffer = *native_->backBuffer;
+  const PaintTarget target = {buffer.pixmap(), buffer.draw(), native_->gc, buffer.width(),
+                              buffer.height()};
+  Canvas canvas(connection_, target);
+  canvas.pushClip({0, 0, width_, height_});
+  if (onPaint) onPaint(canvas);
+  canvas.popClip();
+  XCopyArea(native_->display, buffer.pixmap(), native_->window, native_->gc, 0, 0,
+            static_cast<unsigned>(buffer.width()), static_cast<unsigned>(buffer.height()), 0, 0);
+  XFlush(native_->display);
+}
+
+bool Window::capture(const std::string& path) const {
+  const BackBuffer* buffer = native_->backBuffer.get();
+  if (!buffer || width_ < 1 || height_ < 1) return false;
+  // The window grew since the last paint: the buffer lacks the rest of the picture.
+  if (buffer->width() < width_ || buffer->height() < height_) return false;
+  struct Destroy {
+    void operator()(XImage* image) const { XDestroyImage(image); }
+  };
+  const std::unique_ptr<XImage, Destroy> image(
+      XGetImage(native_->display, buffer->pixmap(), 0, 0, static_cast<unsigned>(width_),
+                static_cast<unsigned>(height_), AllPlanes, ZPixmap));
+  if (!image) return false;
+  return writePpm(path, width_, height_, connection_.native().pixelFormat,
+                  [&](int x, int y) { return XGetPixel(image.get(), x, y); });
+}
+
+}  // namespace ui

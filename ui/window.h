@@ -1,0 +1,104 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "ui/canvas.h"
+#include "ui/connection.h"
+#include "ui/task_queue.h"
+#include "ui/tick.h"
+#include "ui/wake_pipe.h"
+
+namespace ui {
+
+/// The program's top-level window and its event loop. The application sets the callables, each of
+/// which may be left empty; one that is running must not replace itself.
+///
+/// Everything is painted into a back buffer and shown whole, at most once a turn of the loop. Sizes
+/// are device pixels. All of it belongs to the thread that calls `run`, the window thread, except
+/// `post`.
+class Window {
+ public:
+  /// Draws the whole window.
+  std::function<void(Canvas&)> onPaint;
+  std::function<void(int width, int height)> onResize;
+  /// The window is about to close: `run` ends after it.
+  std::function<void()> onClose;
+  /// Asked when the user closes the window; false keeps it open.
+  std::function<bool()> onCloseQuery;
+
+  /// No X window yet. `connection` outlives this.
+  explicit Window(Connection& connection);
+  /// Ends every X resource. Tasks that did not run are destroyed; no thread may be in `post`.
+  ~Window();
+  Window(const Window&) = delete;
+  Window& operator=(const Window&) = delete;
+
+  /// Makes the X window, not yet shown. A side below 1 becomes 1: X knows no empty windows.
+  /// False when the server refuses, or when there is a window already.
+  bool create(const std::string& title, int width, int height);
+
+  // The following four do nothing before `create`.
+
+  /// `title` is UTF-8.
+  void setTitle(const std::string& title);
+  /// The instance and class names by which window managers and desktop entries know the program.
+  void setClass(const std::string& name, const std::string& className);
+  void setMinSize(int width, int height);
+  void show();
+
+  /// Asks for a repaint in this turn of the loop, or in the next when called while painting.
+  void invalidate();
+  /// Has the window thread run `task`, after those posted before. Any thread, and tasks too; the
+  /// task is destroyed on the window thread.
+  void post(Task task);
+  /// Calls `onTick` every `intervalMs` while the loop runs, instead of any earlier tick. Late ticks
+  /// are not made up for.
+  void setTick(int intervalMs, std::function<void()> onTick);
+  void stopTick();
+
+  /// Handles tasks, events, ticks and repaints until `quit` or an accepted close.
+  void run();
+  /// Has `run` return once what is being called has returned.
+  void quit();
+
+  /// Writes the last painted frame to `path` as a PPM file, from the back buffer: what covers the
+  /// window does not show. False when nothing was painted at this size yet or the file cannot be
+  /// opened; later write errors are not reported.
+  bool capture(const std::string& path) const;
+
+  /// Milliseconds since the epoch.
+  static std::int64_t now();
+
+  Connection& connection() const { return connection_; }
+  double scale() const { return connection_.scale(); }
+  int width() const { return width_; }
+  int height() const { return height_; }
+  /// The X window's id, 0 before `create`: to own a selection with.
+  unsigned long xid() const;
+
+ private:
+  struct Native;
+
+  void dispatchPending();
+  void paint();
+  bool fitBackBuffer();
+  void waitForWork();
+  void resized(int width, int height);
+  void closeAsked();
+
+  Connection& connection_;
+  std::unique_ptr<Native> native_;
+  int width_ = 0;
+  int height_ = 0;
+  bool running_ = false;
+  bool needsRedraw_ = false;
+  // Made with the window and never changed, so that `post` needs no lock to use it.
+  const WakePipe wakePipe_;
+  TaskQueue tasks_;
+  Tick tick_;
+};
+
+}  // namespace ui

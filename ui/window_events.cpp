@@ -1,0 +1,76 @@
+#include <poll.h>
+
+#include <array>
+
+#include "ui/window_native.h"
+
+// The event loop of the window, and what it does with each event.
+
+namespace ui {
+
+void Window::run() {
+  running_ = true;
+  while (running_) {
+    tasks_.runAll();
+    if (!running_) return;
+    dispatchPending();
+    if (!running_) return;
+    tasks_.runAll();
+    tick_.runIfDue(now());
+    if (needsRedraw_) paint();
+    // Xlib may have read events into its queue while it waited for an answer, where no wait on the
+    // descriptor sees them.
+    if (running_ && XPending(native_->display) == 0) waitForWork();
+  }
+}
+
+void Window::dispatchPending() {
+  while (running_ && XPending(native_->display) > 0) {
+    XEvent event;
+    XNextEvent(native_->display, &event);
+    native_->dispatch(event);
+  }
+}
+
+/// Sleeps until X has something to say, a task is posted or the tick is due.
+void Window::waitForWork() {
+  // poll and not select: a program started with many descriptors open gets one at or above
+  // FD_SETSIZE here, and select would write beyond its sets. poll passes over a descriptor of -1.
+  std::array<pollfd, 2> descriptors = {
+      {{ConnectionNumber(native_->display), POLLIN, 0}, {wakePipe_.readEnd(), POLLIN, 0}}};
+  const int ready = poll(descriptors.data(), descriptors.size(), tick_.msUntilDue(now()));
+  // A failure, such as an interrupting signal, just ends the wait.
+  if (ready > 0 && descriptors[1].revents & POLLIN) wakePipe_.drain();
+}
+
+void Window::resized(int width, int height) {
+  if (width == width_ && height == height_) return;
+  width_ = width;
+  height_ = height;
+  if (onResize) onResize(width, height);
+  needsRedraw_ = true;
+}
+
+void Window::closeAsked() {
+  if (onCloseQuery && !onCloseQuery()) return;
+  if (onClose) onClose();
+  running_ = false;
+}
+
+void Window::Native::dispatch(XEvent& event) {
+  switch (event.type) {
+    case Expose:
+      if (event.xexpose.count == 0) owner.needsRedraw_ = true;
+      break;
+    case ConfigureNotify:
+      owner.resized(event.xconfigure.width, event.xconfigure.height);
+      break;
+    case ClientMessage:
+      if (static_cast<Atom>(event.xclient.data.l[0]) == wmDeleteWindow) owner.closeAsked();
+      break;
+    default:
+      break;
+  }
+}
+
+}  // namespace ui

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <memory>
+
+#include "ui/back_buffer.h"
+#include "ui/window.h"
+#include "ui/x11.h"
+
+namespace ui {
+
+/// The X side of a `Window`, and the handlers of its events.
+struct Window::Native {
+  explicit Native(Window& window);
+  ~Native();
+  Native(const Native&) = delete;
+  Native& operator=(const Native&) = delete;
+
+  /// Makes the X window and the GC; false when the server refuses.
+  bool makeWindow(int width, int height);
+  /// Registers for the close button of the window manager, and says which process on which machine
+  /// this is, so that a hung program can be ended from the desktop.
+  void introduceToWindowManager();
+
+  void dispatch(XEvent& event);
+
+  Window& owner;
+  Display* display;
+  ::Window window = 0;
+  GC gc = nullptr;
+  std::unique_ptr<BackBuffer> backBuffer;
+  Atom wmDeleteWindow = 0;
+};
+
+}  // namespace ui
