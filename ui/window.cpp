@@ -30,7 +30,7 @@ void replaceProperty(Display* display, ::Window window, Atom property, Atom type
 }  // namespace
 
 Window::Native::Native(Window& window_)
-    : owner(window_), display(window_.connection_.native().display) {}
+    : owner(window_), display(window_.connection_.native().display), clipboard(display) {}
 
 Window::Native::~Native() {
   backBuffer.reset();
@@ -148,6 +148,12 @@ std::int64_t Window::now() {
   gettimeofday(&time, nullptr);
   return std::int64_t{time.tv_sec} * 1000 + time.tv_usec / 1000;
 }
+
+void Window::setClipboardText(const std::string& text) {
+  native_->clipboard.offer(text, native_->window);
+}
+
+const std::string& Window::clipboardText() const { return native_->clipboard.text(); }
 
 bool Window::fitBackBuffer() {
   const int width = std::max(1, width_);

@@ -7,6 +7,7 @@
 
 #include "ui/canvas.h"
 #include "ui/connection.h"
+#include "ui/input.h"
 #include "ui/task_queue.h"
 #include "ui/tick.h"
 #include "ui/wake_pipe.h"
@@ -23,6 +24,16 @@ class Window {
  public:
   /// Draws the whole window.
   std::function<void(Canvas&)> onPaint;
+  /// Buttons other than the wheel.
+  std::function<void(const MouseEvent&)> onPress;
+  std::function<void(const MouseEvent&)> onRelease;
+  /// The pointer moved; of several motions waiting, the last.
+  std::function<void(const MouseEvent&)> onMotion;
+  /// The pointer left the window.
+  std::function<void()> onLeave;
+  /// One step of the wheel: `dy` -1 is up, `dx` -1 left.
+  std::function<void(const MouseEvent&, int dx, int dy)> onWheel;
+  std::function<void(const KeyEvent&)> onKey;
   std::function<void(int width, int height)> onResize;
   /// The window is about to close: `run` ends after it.
   std::function<void()> onClose;
@@ -68,6 +79,12 @@ class Window {
   /// window does not show. False when nothing was painted at this size yet or the file cannot be
   /// opened; later write errors are not reported.
   bool capture(const std::string& path) const;
+
+  /// Offers `text` to other clients as the CLIPBOARD selection, until one of them takes it over.
+  /// Before `create` the text is only kept.
+  void setClipboardText(const std::string& text);
+  /// What this window offers; empty once another client took the selection over.
+  const std::string& clipboardText() const;
 
   /// Milliseconds since the epoch.
   static std::int64_t now();

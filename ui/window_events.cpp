@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "ui/input_events.h"
 #include "ui/window_native.h"
 
 // The event loop of the window, and what it does with each event.
@@ -59,18 +60,61 @@ void Window::closeAsked() {
 
 void Window::Native::dispatch(XEvent& event) {
   switch (event.type) {
+    case KeyPress:
+      return handleKey(event.xkey);
+    case ButtonPress:
+      return handlePress(event.xbutton);
+    case ButtonRelease:
+      return handleRelease(event.xbutton);
+    case MotionNotify:
+      return handleMotion(event);
+    case LeaveNotify:
+      if (owner.onLeave) owner.onLeave();
+      return;
     case Expose:
-      if (event.xexpose.count == 0) owner.needsRedraw_ = true;
-      break;
+      if (event.xexpose.count == 0) owner.invalidate();
+      return;
     case ConfigureNotify:
-      owner.resized(event.xconfigure.width, event.xconfigure.height);
-      break;
+      return owner.resized(event.xconfigure.width, event.xconfigure.height);
     case ClientMessage:
-      if (static_cast<Atom>(event.xclient.data.l[0]) == wmDeleteWindow) owner.closeAsked();
-      break;
+      return handleClientMessage(event.xclient);
+    case SelectionClear:
+      return clipboard.handleClear(event.xselectionclear);
+    case SelectionRequest:
+      return clipboard.answer(event.xselectionrequest);
     default:
-      break;
+      return;
   }
+}
+
+void Window::Native::handleClientMessage(const XClientMessageEvent& event) {
+  if (static_cast<Atom>(event.data.l[0]) == wmDeleteWindow) owner.closeAsked();
+}
+
+void Window::Native::handleKey(XKeyEvent& event) {
+  if (owner.onKey) owner.onKey(keyEventOf(event));
+}
+
+void Window::Native::handlePress(const XButtonEvent& event) {
+  if (const auto step = wheelStepOf(event.button)) {
+    if (owner.onWheel) owner.onWheel(mouseEventOf(event, 1), step->dx, step->dy);
+    return;
+  }
+  const int count = clicks.press(event.x, event.y, now());
+  if (owner.onPress) owner.onPress(mouseEventOf(event, count));
+}
+
+void Window::Native::handleRelease(const XButtonEvent& event) {
+  if (wheelStepOf(event.button)) return;
+  if (owner.onRelease) owner.onRelease(releaseEventOf(event, clicks.count()));
+}
+
+void Window::Native::handleMotion(XEvent& event) {
+  // Only the newest position counts: a view that takes longer than the pointer's rate must not fall
+  // behind.
+  while (XCheckTypedWindowEvent(display, window, MotionNotify, &event)) {
+  }
+  if (owner.onMotion) owner.onMotion(mouseEventOf(event.xmotion));
 }
 
 }  // namespace ui

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "ui/back_buffer.h"
+#include "ui/clipboard.h"
 #include "ui/window.h"
 #include "ui/x11.h"
 
@@ -22,6 +23,11 @@ struct Window::Native {
   void introduceToWindowManager();
 
   void dispatch(XEvent& event);
+  void handleClientMessage(const XClientMessageEvent& event);
+  void handleKey(XKeyEvent& event);
+  void handlePress(const XButtonEvent& event);
+  void handleRelease(const XButtonEvent& event);
+  void handleMotion(XEvent& event);
 
   Window& owner;
   Display* display;
@@ -29,6 +35,8 @@ struct Window::Native {
   GC gc = nullptr;
   std::unique_ptr<BackBuffer> backBuffer;
   Atom wmDeleteWindow = 0;
+  Clipboard clipboard;
+  ClickCounter clicks;
 };
 
 }  // namespace ui

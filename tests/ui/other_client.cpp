@@ -3,10 +3,15 @@
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
+#include <X11/extensions/XTest.h>
 
 #include <stdexcept>
 
 namespace test {
+
+namespace {
+constexpr Time kRequestTime = 12345;
+}
 
 struct OtherClient::Native {
   Native() : display(XOpenDisplay(nullptr)) {
@@ -22,11 +27,98 @@ struct OtherClient::Native {
     sync();
   }
 
+  void pressOrReleaseKey(KeySym keysym, Bool down) const {
+    const KeyCode code = XKeysymToKeycode(display, keysym);
+    if (code == 0) throw std::runtime_error("no such key");
+    XTestFakeKeyEvent(display, code, down, CurrentTime);
+    sync();
+  }
+  ::Window makeWindow() const {
+    return XCreateSimpleWindow(display, DefaultRootWindow(display), -10, -10, 1, 1, 0, 0, 0);
+  }
+
   Display* display;
+  ::Window requestor = 0;
 };
 
 OtherClient::OtherClient() : native_(std::make_unique<Native>()) {}
 OtherClient::~OtherClient() = default;
+
+void OtherClient::movePointer(int x, int y) {
+  XTestFakeMotionEvent(native_->display, -1, x, y, CurrentTime);
+  native_->sync();
+}
+
+void OtherClient::pressButton(unsigned button) {
+  XTestFakeButtonEvent(native_->display, button, True, CurrentTime);
+  native_->sync();
+}
+
+void OtherClient::releaseButton(unsigned button) {
+  XTestFakeButtonEvent(native_->display, button, False, CurrentTime);
+  native_->sync();
+}
+
+void OtherClient::focus(unsigned long window) {
+  XSetInputFocus(native_->display, window, RevertToPointerRoot, CurrentTime);
+  native_->sync();
+}
+
+void OtherClient::pressKey(unsigned long keysym) { native_->pressOrReleaseKey(keysym, True); }
+void OtherClient::releaseKey(unsigned long keysym) { native_->pressOrReleaseKey(keysym, False); }
+
+void OtherClient::requestSelection(const std::string& selection, const std::string& target,
+                                   const std::string& name) {
+  native_->requestor = native_->makeWindow();
+  XConvertSelection(native_->display, native_->atom(selection), native_->atom(target),
+                    name.empty() ? None : native_->atom(name), native_->requestor, kRequestTime);
+  native_->sync();
+}
+
+void OtherClient::sendSelectionRequest(unsigned long owner, const std::string& selection,
+                                       const std::string& target) {
+  native_->requestor = native_->makeWindow();
+  XEvent event{};
+  event.xselectionrequest.type = SelectionRequest;
+  event.xselectionrequest.owner = owner;
+  event.xselectionrequest.requestor = native_->requestor;
+  event.xselectionrequest.selection = native_->atom(selection);
+  event.xselectionrequest.target = native_->atom(target);
+  event.xselectionrequest.property = native_->atom("ANSWER");
+  XSendEvent(native_->display, owner, False, NoEventMask, &event);
+  native_->sync();
+}
+
+void OtherClient::destroyRequestor() {
+  XDestroyWindow(native_->display, native_->requestor);
+  native_->sync();
+}
+
+std::optional<OtherClient::Answer> OtherClient::answer() {
+  XEvent event;
+  native_->sync();
+  if (!XCheckTypedWindowEvent(native_->display, native_->requestor, SelectionNotify, &event)) {
+    return std::nullopt;
+  }
+  const XSelectionEvent& notify = event.xselection;
+  return Answer{atomName(notify.selection), atomName(notify.target),
+                notify.property ? atomName(notify.property) : "", notify.time == kRequestTime};
+}
+
+unsigned long OtherClient::requestor() const { return native_->requestor; }
+
+void OtherClient::takeSelection(const std::string& selection) {
+  makeOwner(selection, native_->makeWindow());
+}
+
+void OtherClient::makeOwner(const std::string& selection, unsigned long window) {
+  XSetSelectionOwner(native_->display, native_->atom(selection), window, CurrentTime);
+  native_->sync();
+}
+
+unsigned long OtherClient::selectionOwner(const std::string& selection) {
+  return XGetSelectionOwner(native_->display, native_->atom(selection));
+}
 
 void OtherClient::moveWindow(unsigned long window, int x, int y) {
   XMoveWindow(native_->display, window, x, y);

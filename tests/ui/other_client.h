@@ -2,7 +2,9 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace test {
@@ -17,6 +19,16 @@ class OtherClient {
   OtherClient(const OtherClient&) = delete;
   OtherClient& operator=(const OtherClient&) = delete;
 
+  /// To a place on the screen; without a window manager the window under test lies at its top left
+  /// corner.
+  void movePointer(int x, int y);
+  void pressButton(unsigned button);
+  void releaseButton(unsigned button);
+  /// Keys go to the window that has the focus.
+  void focus(unsigned long window);
+  void pressKey(unsigned long keysym);
+  void releaseKey(unsigned long keysym);
+
   void moveWindow(unsigned long window, int x, int y);
   void resizeWindow(unsigned long window, int width, int height);
   /// Tells the window of a size that it does not have.
@@ -24,6 +36,31 @@ class OtherClient {
   void sendExpose(unsigned long window, int count);
   /// A WM_PROTOCOLS message whose first word is the atom of `protocol`, as a close button sends it.
   void sendProtocol(unsigned long window, const std::string& protocol);
+
+  /// Asks the owner of `selection` for it as `target`, to be stored on the property ANSWER of a
+  /// window made for this. With `name` empty no property is named, as clients from before ICCCM do
+  /// it.
+  void requestSelection(const std::string& selection, const std::string& target,
+                        const std::string& name = "ANSWER");
+  /// Sends `owner` a request for a selection that it need not own.
+  void sendSelectionRequest(unsigned long owner, const std::string& selection,
+                            const std::string& target);
+  /// Destroys the window that the last request was made for.
+  void destroyRequestor();
+  /// The answer to the last request; `property` is empty for a refusal.
+  struct Answer {
+    std::string selection;
+    std::string target;
+    std::string property;
+    bool timeIsThatOfTheRequest = false;
+  };
+  /// Nothing while there is no answer yet.
+  std::optional<Answer> answer();
+  unsigned long requestor() const;
+  /// Makes a window of this client the owner of `selection`.
+  void takeSelection(const std::string& selection);
+  void makeOwner(const std::string& selection, unsigned long window);
+  unsigned long selectionOwner(const std::string& selection);
 
   /// The bytes of a property of format 8; empty when there is none of that type.
   std::string textProperty(unsigned long window, const std::string& name, const std::string& type);

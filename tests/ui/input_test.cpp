@@ -1,0 +1,258 @@
+#include "ui/input.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "tests/ui/window_test_base.h"
+#include "ui/keys.h"
+
+namespace test {
+namespace {
+
+TEST(ClickCounter, CountsAPress399MsLaterAsTheSecond) {
+  ui::ClickCounter counter;
+  EXPECT_EQ(counter.count(), 0);
+  EXPECT_EQ(counter.press(50, 50, 1'000'000), 1);
+  EXPECT_EQ(counter.press(50, 50, 1'000'399), 2);
+  EXPECT_EQ(counter.count(), 2);
+}
+
+TEST(ClickCounter, StartsAgain400MsLater) {
+  ui::ClickCounter counter;
+  EXPECT_EQ(counter.press(50, 50, 1'000'000), 1);
+  EXPECT_EQ(counter.press(50, 50, 1'000'400), 1);
+}
+
+TEST(ClickCounter, CountsQuickPressesWithoutBound) {
+  ui::ClickCounter counter;
+  for (int i = 1; i <= 10; ++i) EXPECT_EQ(counter.press(50, 50, 1'000'000 + i * 399), i);
+}
+
+TEST(ClickCounter, AllowsFourPixelsInEachDirection) {
+  ui::ClickCounter counter;
+  EXPECT_EQ(counter.press(50, 50, 1'000'000), 1);
+  EXPECT_EQ(counter.press(54, 46, 1'000'010), 2);
+  EXPECT_EQ(counter.press(50, 50, 1'000'020), 3);
+}
+
+TEST(ClickCounter, StartsAgainFivePixelsAway) {
+  for (const auto& [x, y] : {std::pair{55, 50}, {45, 50}, {50, 55}, {50, 45}}) {
+    ui::ClickCounter counter;
+    counter.press(50, 50, 1'000'000);
+    EXPECT_EQ(counter.press(x, y, 1'000'010), 1) << x << "," << y;
+    EXPECT_EQ(counter.press(x, y, 1'000'020), 2) << "measured from the latest press";
+  }
+}
+
+/// A press, release, motion or wheel step in one line.
+std::string describe(const std::string& what, const ui::MouseEvent& event) {
+  return what + " " + std::to_string(event.x) + "," + std::to_string(event.y) + " button " +
+         std::to_string(event.button) + " clicks " + std::to_string(event.clicks) +
+         (event.shift ? " shift" : "") + (event.ctrl ? " ctrl" : "");
+}
+
+class InputTest : public WindowTest {
+ protected:
+  void SetUp() override {
+    show();
+    other.movePointer(50, 40);
+    settle();
+    window.onPress = [&](const ui::MouseEvent& e) { seen.push_back(describe("press", e)); };
+    window.onRelease = [&](const ui::MouseEvent& e) { seen.push_back(describe("release", e)); };
+    window.onMotion = [&](const ui::MouseEvent& e) { seen.push_back(describe("motion", e)); };
+    window.onLeave = [&] { seen.push_back("leave"); };
+    window.onWheel = [&](const ui::MouseEvent& e, int dx, int dy) {
+      seen.push_back(describe("wheel", e) + " by " + std::to_string(dx) + "," + std::to_string(dy));
+    };
+    window.onKey = [&](const ui::KeyEvent& e) { keys.push_back(e); };
+  }
+
+  void click(unsigned button) {
+    other.pressButton(button);
+    other.releaseButton(button);
+  }
+
+  std::vector<std::string> seen;
+  std::vector<ui::KeyEvent> keys;
+};
+
+using Lines = std::vector<std::string>;
+
+TEST_F(InputTest, TellsPressAndReleaseWithPlaceAndButton) {
+  click(1);
+  other.movePointer(90, 60);
+  settle();
+  seen.clear();
+  click(3);
+  settle();
+  EXPECT_EQ(seen, (Lines{"press 90,60 button 3 clicks 1", "release 90,60 button 3 clicks 1"}));
+}
+
+TEST_F(InputTest, CountsADoubleClick) {
+  click(1);
+  click(1);
+  settle();
+  EXPECT_EQ(seen, (Lines{"press 50,40 button 1 clicks 1", "release 50,40 button 1 clicks 1",
+                         "press 50,40 button 1 clicks 2", "release 50,40 button 1 clicks 2"}));
+}
+
+TEST_F(InputTest, CountsALeftAndAQuickRightClickAsOneSeries) {
+  click(1);
+  click(3);
+  settle();
+  ASSERT_EQ(seen.size(), 4u);
+  EXPECT_EQ(seen[2], "press 50,40 button 3 clicks 2");
+}
+
+TEST_F(InputTest, TellsExtraButtonsAsPresses) {
+  click(8);
+  settle();
+  EXPECT_EQ(seen, (Lines{"press 50,40 button 8 clicks 1", "release 50,40 button 8 clicks 1"}));
+}
+
+TEST_F(InputTest, TellsHeldKeysWithAPressButNotWithARelease) {
+  click(1);
+  other.pressKey(0xffe1);  // Shift_L
+  other.pressKey(0xffe3);  // Control_L
+  click(1);
+  other.releaseKey(0xffe3);
+  other.releaseKey(0xffe1);
+  settle();
+  ASSERT_EQ(seen.size(), 4u);
+  EXPECT_EQ(seen[2], "press 50,40 button 1 clicks 2 shift ctrl");
+  EXPECT_EQ(seen[3], "release 50,40 button 1 clicks 2");
+}
+
+TEST_F(InputTest, TellsWheelStepsInFourDirectionsAndNoReleases) {
+  for (unsigned button = 4; button <= 7; ++button) click(button);
+  settle();
+  EXPECT_EQ(
+      seen,
+      (Lines{"wheel 50,40 button 4 clicks 1 by 0,-1", "wheel 50,40 button 5 clicks 1 by 0,1",
+             "wheel 50,40 button 6 clicks 1 by -1,0", "wheel 50,40 button 7 clicks 1 by 1,0"}));
+}
+
+TEST_F(InputTest, TellsHeldKeysWithTheWheel) {
+  other.pressKey(0xffe3);  // Control_L
+  click(4);
+  other.releaseKey(0xffe3);
+  settle();
+  EXPECT_EQ(seen, (Lines{"wheel 50,40 button 4 clicks 1 ctrl by 0,-1"}));
+}
+
+TEST_F(InputTest, WheelDoesNotDisturbADoubleClick) {
+  click(1);
+  click(4);
+  click(1);
+  settle();
+  ASSERT_EQ(seen.size(), 5u);
+  EXPECT_EQ(seen[3], "press 50,40 button 1 clicks 2");
+}
+
+TEST_F(InputTest, TellsOnlyTheNewestOfManyMotions) {
+  for (int i = 0; i <= 100; ++i) other.movePointer(i, i / 2);
+  settle();
+  EXPECT_EQ(seen, (Lines{"motion 100,50 button 0 clicks 1"}));
+}
+
+TEST_F(InputTest, TellsHeldKeysWithAMotion) {
+  other.pressKey(0xffe1);  // Shift_L
+  other.movePointer(60, 41);
+  other.releaseKey(0xffe1);
+  settle();
+  EXPECT_EQ(seen, (Lines{"motion 60,41 button 0 clicks 1 shift"}));
+}
+
+TEST_F(InputTest, TellsWhenThePointerLeaves) {
+  other.movePointer(600, 500);
+  settle();
+  EXPECT_EQ(seen, (Lines{"leave"}));
+}
+
+TEST_F(InputTest, TellsKeysWithTheirText) {
+  other.focus(window.xid());
+  other.pressKey('a');
+  other.releaseKey('a');
+  settle();
+  ASSERT_EQ(keys.size(), 1u);
+  EXPECT_EQ(keys[0].keysym, static_cast<unsigned long>('a'));
+  EXPECT_EQ(keys[0].text, "a");
+  EXPECT_FALSE(keys[0].shift);
+  EXPECT_FALSE(keys[0].ctrl);
+}
+
+TEST_F(InputTest, TellsLettersAsTheModifiersMakeThem) {
+  other.focus(window.xid());
+  other.pressKey(0xffe1);  // Shift_L
+  other.pressKey('a');
+  other.releaseKey('a');
+  other.releaseKey(0xffe1);
+  settle();
+  ASSERT_EQ(keys.size(), 2u);
+  EXPECT_EQ(keys[0].text, "");
+  EXPECT_FALSE(keys[0].shift);  // the state before the key itself
+  EXPECT_EQ(keys[1].keysym, static_cast<unsigned long>('A'));
+  EXPECT_EQ(keys[1].text, "A");
+  EXPECT_TRUE(keys[1].shift);
+}
+
+TEST_F(InputTest, TellsControlWithALetter) {
+  other.focus(window.xid());
+  other.pressKey(0xffe3);  // Control_L
+  other.pressKey('c');
+  other.releaseKey('c');
+  other.releaseKey(0xffe3);
+  settle();
+  ASSERT_EQ(keys.size(), 2u);
+  EXPECT_EQ(keys[1].keysym, static_cast<unsigned long>('c'));
+  EXPECT_TRUE(keys[1].ctrl);
+}
+
+TEST_F(InputTest, TellsKeysWithoutText) {
+  other.focus(window.xid());
+  for (const unsigned long key : {ui::key::kF5, ui::key::kPageDown, ui::key::kEscape}) {
+    other.pressKey(key);
+    other.releaseKey(key);
+  }
+  settle();
+  ASSERT_EQ(keys.size(), 3u);
+  EXPECT_EQ(keys[0].keysym, ui::key::kF5);
+  EXPECT_EQ(keys[0].text, "");
+  EXPECT_EQ(keys[1].keysym, ui::key::kPageDown);
+  EXPECT_EQ(keys[2].keysym, ui::key::kEscape);
+}
+
+TEST_F(InputTest, DropsWhatNoCallableIsSetFor) {
+  window.onPress = nullptr;
+  window.onRelease = nullptr;
+  window.onMotion = nullptr;
+  window.onLeave = nullptr;
+  window.onWheel = nullptr;
+  window.onKey = nullptr;
+  click(1);
+  click(4);
+  other.focus(window.xid());
+  other.pressKey('a');
+  other.releaseKey('a');
+  other.movePointer(600, 500);
+  settle();
+  EXPECT_TRUE(seen.empty());
+}
+
+TEST_F(InputTest, CountsAPressThatNoCallableIsSetFor) {
+  const auto onPress = window.onPress;
+  window.onPress = nullptr;
+  click(1);
+  settle();
+  window.onPress = onPress;
+  click(1);
+  settle();
+  ASSERT_FALSE(seen.empty());
+  EXPECT_EQ(seen.back(), "release 50,40 button 1 clicks 2");
+}
+
+}  // namespace
+}  // namespace test

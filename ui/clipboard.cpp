@@ -1,0 +1,66 @@
+#include "ui/clipboard.h"
+
+#include <X11/Xatom.h>
+
+#include <algorithm>
+#include <array>
+
+namespace ui {
+
+Clipboard::Clipboard(Display* display)
+    : display_(display),
+      clipboard_(XInternAtom(display, "CLIPBOARD", False)),
+      utf8String_(XInternAtom(display, "UTF8_STRING", False)),
+      targets_(XInternAtom(display, "TARGETS", False)) {}
+
+void Clipboard::offer(const std::string& text, ::Window window) {
+  text_ = text;
+  if (window == 0) return;
+  XSetSelectionOwner(display_, clipboard_, window, CurrentTime);
+  XFlush(display_);
+}
+
+void Clipboard::handleClear(const XSelectionClearEvent& event) {
+  // The window may own other selections as well, whose loss says nothing about this one.
+  if (event.selection == clipboard_) text_.clear();
+}
+
+void Clipboard::answer(const XSelectionRequestEvent& request) const {
+  // A client from before ICCCM names no property and expects the answer on the one named like the
+  // target.
+  const Atom property = request.property ? request.property : request.target;
+  XEvent notify{};
+  notify.xselection.type = SelectionNotify;
+  notify.xselection.requestor = request.requestor;
+  notify.xselection.selection = request.selection;
+  notify.xselection.target = request.target;
+  notify.xselection.time = request.time;
+  notify.xselection.property = deliver(request, property) ? property : None;
+  XSendEvent(display_, request.requestor, False, NoEventMask, &notify);
+}
+
+bool Clipboard::deliver(const XSelectionRequestEvent& request, Atom property) const {
+  if (request.selection != clipboard_) return false;
+  if (request.target == targets_) {
+    const std::array<Atom, 3> offered = {targets_, utf8String_, XA_STRING};
+    XChangeProperty(display_, request.requestor, property, XA_ATOM, 32, PropModeReplace,
+                    reinterpret_cast<const unsigned char*>(offered.data()),
+                    static_cast<int>(offered.size()));
+    return true;
+  }
+  if (request.target != utf8String_ && request.target != XA_STRING) return false;
+  if (!fitsOneRequest()) return false;
+  XChangeProperty(display_, request.requestor, property, request.target, 8, PropModeReplace,
+                  reinterpret_cast<const unsigned char*>(text_.data()),
+                  static_cast<int>(text_.size()));
+  return true;
+}
+
+bool Clipboard::fitsOneRequest() const {
+  // Xlib does not split a property, and a request that is too long breaks the connection.
+  constexpr long kHeaderBytes = 64;
+  const long units = std::max(XExtendedMaxRequestSize(display_), XMaxRequestSize(display_));
+  return static_cast<long>(text_.size()) <= units * 4 - kHeaderBytes;
+}
+
+}  // namespace ui

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace ui {
+
+/// Something the pointer did.
+struct MouseEvent {
+  /// Position in window pixels.
+  int x = 0;
+  int y = 0;
+  /// X's number: 1 left, 2 middle, 3 right, 8 and up extra buttons, 4 to 7 the wheel; 0 for motion.
+  int button = 0;
+  /// 1 for a single press, 2 for a double one, and so on without bound; 1 for motion and wheel.
+  int clicks = 1;
+  /// Keys that were held; false for releases.
+  bool shift = false;
+  bool ctrl = false;
+};
+
+/// A key that was pressed.
+struct KeyEvent {
+  /// X's key symbol: one of ui/keys.h, or the character's code for ASCII. Letters come as the
+  /// modifiers make them, upper case with Shift.
+  unsigned long keysym = 0;
+  /// What the key types, at most 32 bytes; empty for keys without text.
+  std::string text;
+  bool shift = false;
+  bool ctrl = false;
+};
+
+/// Counts the presses of a series of quick clicks in one place. All buttons share one series.
+class ClickCounter {
+ public:
+  /// A press at (x, y) in device pixels, at `nowMs` milliseconds: its number in its series. It
+  /// continues the series when it is at most 4 pixels away from the press before in either
+  /// direction and at most 399 ms later.
+  int press(int x, int y, std::int64_t nowMs);
+  /// The number of the last press; 0 before any.
+  int count() const { return count_; }
+
+ private:
+  std::int64_t lastPressMs_ = 0;
+  int lastPressX_ = 0;
+  int lastPressY_ = 0;
+  int count_ = 0;
+};
+
+}  // namespace ui

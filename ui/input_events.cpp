@@ -1,0 +1,69 @@
+#include "ui/input_events.h"
+
+#include <X11/keysym.h>
+
+#include <algorithm>
+#include <array>
+
+#include "ui/keys.h"
+
+namespace ui {
+
+static_assert(key::kBackspace == XK_BackSpace && key::kTab == XK_Tab &&
+              key::kBackTab == XK_ISO_Left_Tab && key::kReturn == XK_Return &&
+              key::kKeypadEnter == XK_KP_Enter && key::kEscape == XK_Escape &&
+              key::kSpace == XK_space && key::kHome == XK_Home && key::kLeft == XK_Left &&
+              key::kUp == XK_Up && key::kRight == XK_Right && key::kDown == XK_Down &&
+              key::kPageUp == XK_Page_Up && key::kPageDown == XK_Page_Down && key::kEnd == XK_End &&
+              key::kMenu == XK_Menu && key::kDelete == XK_Delete && key::kF1 == XK_F1 &&
+              key::kF5 == XK_F5 && key::kF10 == XK_F10);
+
+namespace {
+
+bool hasShift(unsigned state) { return (state & ShiftMask) != 0; }
+bool hasCtrl(unsigned state) { return (state & ControlMask) != 0; }
+
+}  // namespace
+
+std::optional<WheelStep> wheelStepOf(unsigned button) {
+  switch (button) {
+    case 4:
+      return WheelStep{0, -1};
+    case 5:
+      return WheelStep{0, +1};
+    case 6:
+      return WheelStep{-1, 0};
+    case 7:
+      return WheelStep{+1, 0};
+    default:
+      return std::nullopt;
+  }
+}
+
+MouseEvent mouseEventOf(const XButtonEvent& event, int clicks) {
+  return {event.x,
+          event.y,
+          static_cast<int>(event.button),
+          clicks,
+          hasShift(event.state),
+          hasCtrl(event.state)};
+}
+
+MouseEvent releaseEventOf(const XButtonEvent& event, int clicks) {
+  return {event.x, event.y, static_cast<int>(event.button), clicks, false, false};
+}
+
+MouseEvent mouseEventOf(const XMotionEvent& event) {
+  return {event.x, event.y, 0, 1, hasShift(event.state), hasCtrl(event.state)};
+}
+
+KeyEvent keyEventOf(XKeyEvent& event) {
+  std::array<char, 32> buffer{};
+  KeySym keysym = NoSymbol;
+  const int length =
+      XLookupString(&event, buffer.data(), static_cast<int>(buffer.size()), &keysym, nullptr);
+  const auto bytes = static_cast<std::size_t>(std::max(0, length));
+  return {keysym, std::string(buffer.data(), bytes), hasShift(event.state), hasCtrl(event.state)};
+}
+
+}  // namespace ui
