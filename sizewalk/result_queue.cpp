@@ -7,6 +7,8 @@ namespace sizewalk {
 namespace {
 /// Taken results are erased from the front of the array only this many at a time.
 constexpr std::size_t kEraseAfter = 4096;
+/// How long less than a batch may lie there while every reader is busy.
+constexpr auto kLongestPause = std::chrono::milliseconds(10);
 }  // namespace
 
 void ResultQueue::push(std::unique_ptr<DirectoryResult> result) {
@@ -20,7 +22,16 @@ void ResultQueue::push(std::unique_ptr<DirectoryResult> result) {
       --producersWaiting_;
     }
     results_.push_back(std::move(result));
-    wake = std::exchange(consumerWaiting_, false);
+    if (results_.size() - readPosition_ >= kBatch) wake = std::exchange(consumerWaiting_, false);
+  }
+  if (wake) resultCame_.notifyOne();
+}
+
+void ResultQueue::flush() {
+  bool wake = false;
+  {
+    const base::MutexLock lock(mutex_);
+    if (readPosition_ < results_.size()) wake = std::exchange(consumerWaiting_, false);
   }
   if (wake) resultCame_.notifyOne();
 }
@@ -34,8 +45,9 @@ std::unique_ptr<DirectoryResult> ResultQueue::pop() {
       if (closed_) return nullptr;
       ++consumerWaits_;
       consumerWaiting_ = true;
-      resultCame_.wait(mutex_);
+      resultCame_.waitUntil(mutex_, std::chrono::steady_clock::now() + kLongestPause);
     }
+    consumerWaiting_ = false;
     result = std::move(results_[readPosition_++]);
     if (readPosition_ > kEraseAfter) {
       results_.erase(results_.begin(),

@@ -15,10 +15,15 @@ namespace sizewalk {
 class ResultQueue {
  public:
   static constexpr std::size_t kCapacity = 1024;
+  /// Results that wake a waiting integrator.
+  static constexpr std::size_t kBatch = 32;
 
   /// Waits while the queue is full, unless it is closed.
   void push(std::unique_ptr<DirectoryResult> result);
-  /// Waits for a result; null once the queue is closed and empty.
+  /// Wakes the integrator for what there is. A reader calls it before it waits for the integrator's
+  /// doing.
+  void flush();
+  /// Waits for a result; null once the queue is closed and empty. Integrator only.
   std::unique_ptr<DirectoryResult> pop();
   void close();
 

@@ -78,7 +78,7 @@ class TreeScanner::Reader {
   void run() {
     NodeId directory = kRootNode;
     StepTimer timer;
-    while (workList_.pop(&directory)) {
+    while (nextDirectory(&directory)) {
       timer.addTo(&times_.idleNs);
       std::unique_ptr<DirectoryResult> result = scanner_.takeFreeResult(directory);
       scanner_.tree_.path(directory, &path_);
@@ -93,6 +93,12 @@ class TreeScanner::Reader {
   const WalkStatistics& times() const { return times_; }
 
  private:
+  bool nextDirectory(NodeId* directory) {
+    if (workList_.tryPop(directory)) return true;
+    scanner_.results_->flush();  // what is to be read next may lie in results not yet integrated
+    return workList_.pop(directory);
+  }
+
   /// Opens, lists and closes the directory at `path_`.
   void read(DirectoryResult* result, StepTimer* timer) {
     const base::FileDescriptor fd = openDirectory(path_);

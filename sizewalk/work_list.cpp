@@ -25,7 +25,16 @@ bool WorkList::pop(NodeId* directory) {
   ++waiting_;
   while (stack_.empty() && !closed_.load(std::memory_order_relaxed)) changed_.wait(mutex_);
   --waiting_;
-  if (closed_.load(std::memory_order_relaxed)) return false;
+  return take(directory);
+}
+
+bool WorkList::tryPop(NodeId* directory) {
+  const base::MutexLock lock(mutex_);
+  return take(directory);
+}
+
+bool WorkList::take(NodeId* directory) {
+  if (stack_.empty() || closed_.load(std::memory_order_relaxed)) return false;
   *directory = stack_.back();
   stack_.pop_back();
   return true;

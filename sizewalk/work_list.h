@@ -22,6 +22,8 @@ class WorkList {
   /// Waits for a directory and takes the most recently pushed one. False once the list is closed,
   /// even when directories remain.
   bool pop(NodeId* directory);
+  /// As `pop`, but false at once when there is nothing to take now.
+  bool tryPop(NodeId* directory);
   /// One popped directory has been integrated, its subdirectories pushed. The last one closes the
   /// list.
   void done();
@@ -31,6 +33,7 @@ class WorkList {
   const std::atomic<bool>& closedFlag() const { return closed_; }
 
  private:
+  bool take(NodeId* directory) REQUIRES(mutex_);
   void closeLocked() REQUIRES(mutex_);
 
   base::Mutex mutex_;  // guards the members below
