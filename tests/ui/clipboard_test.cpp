@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/ui/child.h"
+#include "tests/support/child.h"
 #include "tests/ui/window_test_base.h"
 
 namespace test {

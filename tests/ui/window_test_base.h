@@ -5,10 +5,10 @@
 #include <functional>
 #include <memory>
 
+#include "tests/support/other_client.h"
+#include "tests/support/picture.h"
 #include "tests/support/temp_directory.h"
 #include "tests/support/x_server.h"
-#include "tests/ui/other_client.h"
-#include "tests/ui/picture.h"
 #include "ui/connection.h"
 #include "ui/window.h"
 

@@ -1,4 +1,4 @@
-#include "tests/ui/picture.h"
+#include "tests/support/picture.h"
 
 #include <algorithm>
 #include <cstdio>

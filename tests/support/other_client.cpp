@@ -1,4 +1,4 @@
-#include "tests/ui/other_client.h"
+#include "tests/support/other_client.h"
 
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
