@@ -19,6 +19,9 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::size_t kFreeResults = 256;
+/// A result that grew beyond this many entries is not kept for reuse: in time every kept one would have met a
+/// large directory, and all of them together would hold more memory than the tree.
+constexpr std::size_t kReusableEntries = 1024;
 constexpr std::size_t kPathReserve = 1024;
 constexpr std::size_t kBufferAlignment = 16;
 constexpr auto kProgressInterval = std::chrono::milliseconds(100);
@@ -236,6 +239,7 @@ std::unique_ptr<DirectoryResult> TreeScanner::takeFreeResult(NodeId directory) {
 }
 
 void TreeScanner::giveBack(std::unique_ptr<DirectoryResult> result) {
+  if (result->entries.capacity() > kReusableEntries) return;
   const base::MutexLock lock(freeMutex_);
   if (freeResults_.size() < kFreeResults) freeResults_.push_back(std::move(result));
 }
