@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace bench {
+
+/// A million small files in a directory of its own, in tmpfs where there is one, removed at the end
+/// of the scope. Ten folders of a hundred folders of ten folders hold a hundred files each.
+class MillionFiles {
+ public:
+  MillionFiles();
+  ~MillionFiles();
+  MillionFiles(const MillionFiles&) = delete;
+  MillionFiles& operator=(const MillionFiles&) = delete;
+
+  const std::string& path() const { return path_; }
+
+ private:
+  std::string path_;
+};
+
+}  // namespace bench
