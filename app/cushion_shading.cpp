@@ -1,0 +1,203 @@
+#include "app/cushion_shading.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cmath>
+#include <limits>
+#include <vector>
+
+#include "app/cushion_kernels.h"
+#include "app/parallel.h"
+
+namespace app {
+
+namespace {
+
+/// Blocks that are taken or passed over together. Neighbours in the list are neighbours on the map.
+constexpr std::size_t kRunLength = 64;
+/// Below this many pixels for each, starting a thread costs more than it saves.
+constexpr std::int64_t kPixelsPerThread = 131072;
+constexpr unsigned kMostThreads = 16;
+/// A thread that is held up leaves its share to the others; more bands cut more runs in two.
+constexpr unsigned kBandsPerThread = 2;
+/// Runs measured in one go by one thread.
+constexpr std::size_t kRunsPerPiece = 512;
+
+PaintJobs paintJobsOf(ShadingKernel kernel) {
+#if defined(__x86_64__)
+  if (kernel == ShadingKernel::Avx2) return paintJobsAvx2;
+  if (kernel == ShadingKernel::Avx512) return paintJobsAvx512;
+#endif
+  (void)kernel;
+  return paintJobsPlain;
+}
+
+std::uint32_t scaled(std::uint32_t channel, double factor) {
+  const double value = channel * factor;
+  return value < 255 ? static_cast<std::uint32_t>(value) : 255;
+}
+
+/// Consecutive blocks, and the rows between which they lie.
+struct Run {
+  std::size_t first = 0;
+  std::size_t last = 0;
+  Band rows;
+};
+
+/// Shades all blocks, band by band of the image: within a band the blocks are painted in their
+/// order, so no two threads ever write one pixel and the last block over a pixel wins as it does on
+/// one thread.
+class MapShader {
+ public:
+  MapShader(std::span<const TreemapBlock> blocks, std::span<const std::uint32_t> colours,
+            const MapImage& image, unsigned threads)
+      : blocks_(blocks),
+        colours_(colours),
+        image_(image),
+        threads_(threads),
+        bandCount_(threads == 1 ? 1 : std::min(threads * kBandsPerThread, rowCount())),
+        runs_((blocks.size() + kRunLength - 1) / kRunLength) {}
+
+  void shade() {
+    const std::size_t pieces = (runs_.size() + kRunsPerPiece - 1) / kRunsPerPiece;
+    forEachOnThreads(pieces, threads_, [this](std::size_t piece) {
+      const std::size_t last = std::min((piece + 1) * kRunsPerPiece, runs_.size());
+      for (std::size_t run = piece * kRunsPerPiece; run < last; ++run) measure(run);
+    });
+    forEachOnThreads(bandCount_, threads_, [this](std::size_t band) { paint(band); });
+  }
+
+ private:
+  void measure(std::size_t index) {
+    Run& run = runs_[index];
+    run.first = index * kRunLength;
+    run.last = std::min(run.first + kRunLength, blocks_.size());
+    run.rows = {0, image_.height};
+    if (bandCount_ == 1) return;
+    double top = std::numeric_limits<double>::infinity();
+    double bottom = -top;
+    for (std::size_t i = run.first; i < run.last; ++i) {
+      top = std::min(top, blocks_[i].rect.y);
+      bottom = std::max(bottom, blocks_[i].rect.y + blocks_[i].rect.height);
+    }
+    run.rows = {pixelEdge(top, image_.height), pixelEdge(bottom, image_.height)};
+  }
+
+  void paint(std::size_t index) const {
+    const Band band = {bandEdge(index), bandEdge(index + 1)};
+    const std::size_t rowLength = static_cast<std::size_t>(image_.width);
+    const std::size_t from = static_cast<std::size_t>(band.top) * rowLength;
+    const std::size_t length = static_cast<std::size_t>(band.bottom - band.top) * rowLength;
+    std::fill_n(image_.pixels + from, length, kMapBackground);
+    std::fill_n(image_.blockAt + from, length, kNoBlock);
+    const PaintJobs paintJobs = paintJobsOf(availableShadingKernels().back());
+    std::array<PaintJob, kRunLength> jobs;
+    for (const Run& run : runs_) {
+      if (run.rows.bottom <= band.top || run.rows.top >= band.bottom) continue;
+      const std::size_t count = gatherJobs(run, band, jobs);
+      paintJobs(std::span(jobs).first(count), image_);
+    }
+  }
+
+  /// Half of a large tree's blocks may have no pixel, without any pattern: they are dropped without
+  /// a branch, which would be mispredicted as often as not.
+  std::size_t gatherJobs(const Run& run, const Band& band,
+                         std::array<PaintJob, kRunLength>& jobs) const {
+    std::size_t count = 0;
+    for (std::size_t i = run.first; i < run.last; ++i) {
+      const TreemapBlock& block = blocks_[i];
+      const PixelBounds bounds = pixelBounds(block.rect, image_.width, band);
+      jobs[count] = {bounds, &block.cushion, colours_[i], static_cast<std::uint32_t>(i)};
+      count += static_cast<std::size_t>(block.painted & !bounds.empty());
+    }
+    return count;
+  }
+
+  unsigned rowCount() const { return static_cast<unsigned>(image_.height); }
+  std::int32_t bandEdge(std::size_t band) const {
+    return static_cast<std::int32_t>(std::size_t{rowCount()} * band / bandCount_);
+  }
+
+  const std::span<const TreemapBlock> blocks_;
+  const std::span<const std::uint32_t> colours_;
+  const MapImage image_;
+  const unsigned threads_;
+  const unsigned bandCount_;
+  std::vector<Run> runs_;
+};
+
+}  // namespace
+
+std::span<const ShadingKernel> availableShadingKernels() {
+  static constexpr std::array kAll = {ShadingKernel::Plain, ShadingKernel::Avx2,
+                                      ShadingKernel::Avx512};
+#if defined(__x86_64__)
+  static const std::size_t available = [] {
+    if (__builtin_cpu_supports("avx2") == 0) return 1;
+    const bool wide = __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512vl");
+    return wide ? 3 : 2;
+  }();
+#else
+  constexpr std::size_t available = 1;
+#endif
+  return std::span(kAll).first(available);
+}
+
+std::uint32_t shadePixel(const CushionCoefficients& cushion, std::uint32_t colour,
+                         std::int32_t column, std::int32_t row) {
+  const double gx = 2 * cushion.quadraticX * (column + 0.5) + cushion.linearX;
+  const double gy = 2 * cushion.quadraticY * (row + 0.5) + cushion.linearY;
+  const double cosine =
+      (gx * kLightAcross + gy * kLightAcross + kLightUp) / std::sqrt(gx * gx + gy * gy + 1);
+  const double factor = cosine < 0 ? kShadow : (kDiffuse * cosine + kAmbient) * kGain;
+  if (cosine >= 0 && factor >= 1) return colour & 0xFFFFFF;
+  return scaled(colour >> 16 & 255, factor) << 16 | scaled(colour >> 8 & 255, factor) << 8 |
+         scaled(colour & 255, factor);
+}
+
+void shadeExactly(const PaintJob& job, std::int32_t column, std::int32_t row, unsigned unsure,
+                  std::uint32_t* pixels) {
+  for (; unsure != 0; unsure &= unsure - 1) {
+    const int offset = std::countr_zero(unsure);
+    pixels[offset] = shadePixel(*job.cushion, job.colour, column + offset, row);
+  }
+}
+
+void paintJobsPlain(std::span<const PaintJob> jobs, const MapImage& image) {
+  for (const PaintJob& job : jobs) {
+    for (std::int32_t row = job.bounds.top; row < job.bounds.bottom; ++row) {
+      const std::size_t start =
+          static_cast<std::size_t>(row) * static_cast<std::size_t>(image.width);
+      for (std::int32_t column = job.bounds.left; column < job.bounds.right; ++column) {
+        const std::size_t at = start + static_cast<std::size_t>(column);
+        image.pixels[at] = shadePixel(*job.cushion, job.colour, column, row);
+        image.blockAt[at] = job.blockIndex;
+      }
+    }
+  }
+}
+
+void shadeBlock(const TreemapBlock& block, std::uint32_t colour, std::uint32_t blockIndex,
+                std::uint32_t* pixels, std::uint32_t* blockAt, std::int32_t width,
+                std::int32_t height) {
+  shadeBlockWith(availableShadingKernels().back(), block, colour, blockIndex,
+                 {pixels, blockAt, width, height});
+}
+
+void shadeBlockWith(ShadingKernel kernel, const TreemapBlock& block, std::uint32_t colour,
+                    std::uint32_t blockIndex, const MapImage& image) {
+  const PaintJob job = {pixelBounds(block.rect, image.width, {0, image.height}), &block.cushion,
+                        colour, blockIndex};
+  if (!job.bounds.empty()) paintJobsOf(kernel)({&job, 1}, image);
+}
+
+void shadeBlocks(std::span<const TreemapBlock> blocks, std::span<const std::uint32_t> colours,
+                 const MapImage& image, unsigned threads) {
+  const std::int64_t pixels = std::int64_t{image.width} * image.height;
+  const auto worthwhile =
+      static_cast<unsigned>(std::clamp<std::int64_t>(pixels / kPixelsPerThread, 1, kMostThreads));
+  MapShader(blocks, colours, image, std::min(std::max(threads, 1U), worthwhile)).shade();
+}
+
+}  // namespace app

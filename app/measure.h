@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+
+#include "sizewalk/file_tree.h"
+
+namespace app {
+
+/// What the views measure an item by. The numbers are those of the settings file and the measure
+/// menu.
+enum class Measure : int {
+  CurrentSize = 0,
+  AddedLastMonth = 1,
+  AddedLastSixMonths = 2,
+  AddedSinceLastScan = 3,
+};
+
+struct MeasureSettings {
+  Measure measure = Measure::CurrentSize;
+  /// The current size is what the item takes on disk instead of its length. The added-byte measures
+  /// count allocated bytes either way.
+  bool physicalSize = false;
+  friend bool operator==(const MeasureSettings&, const MeasureSettings&) = default;
+};
+
+/// Bytes of `node` under the measure; 0 for a node that has been taken out of the tree, so that no
+/// view shows it or picks it. A sum past the signed range comes out negative and is shown by no
+/// view either. Any thread; on a tree that is being written two calls may differ.
+inline std::int64_t measureValue(const sizewalk::FileTree& tree, sizewalk::NodeId node,
+                                 const MeasureSettings& settings) {
+  if (tree.flags(node).has(sizewalk::NodeFlag::Excluded)) return 0;
+  switch (settings.measure) {
+    case Measure::AddedLastMonth:
+      return static_cast<std::int64_t>(tree.addedLastMonth(node));
+    case Measure::AddedLastSixMonths:
+      return static_cast<std::int64_t>(tree.addedLastSixMonths(node));
+    case Measure::AddedSinceLastScan:
+      return static_cast<std::int64_t>(tree.addedSinceLastScan(node));
+    case Measure::CurrentSize:
+      break;
+  }
+  return static_cast<std::int64_t>(settings.physicalSize ? tree.allocatedSize(node)
+                                                         : tree.apparentSize(node));
+}
+
+}  // namespace app

@@ -1,0 +1,33 @@
+#include "app/parallel.h"
+
+#include <algorithm>
+#include <atomic>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+namespace app {
+
+void forEachOnThreads(std::size_t count, unsigned threads,
+                      const std::function<void(std::size_t)>& work) {
+  std::atomic<std::size_t> next = 0;  // the first piece that nobody has taken
+  const auto takePieces = [&] {
+    for (std::size_t i; (i = next.fetch_add(1, std::memory_order_relaxed)) < count;) work(i);
+  };
+  const std::size_t helperCount = std::min<std::size_t>(std::max(threads, 1U), count);
+  std::vector<std::jthread> helpers;
+  helpers.reserve(helperCount);
+  try {
+    while (helpers.size() + 1 < helperCount) helpers.emplace_back(takePieces);
+  } catch (const std::system_error&) {
+    // No more threads to be had; those there are take its pieces.
+  }
+  takePieces();
+}
+
+unsigned hardwareThreads() {
+  static const unsigned count = std::max(1U, std::thread::hardware_concurrency());
+  return count;
+}
+
+}  // namespace app

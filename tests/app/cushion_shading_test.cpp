@@ -1,0 +1,256 @@
+#include "app/cushion_shading.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <random>
+#include <string>
+
+#include "app/parallel.h"
+#include "tests/app/naive_map.h"
+
+namespace app {
+namespace {
+
+constexpr int kWidth = 61;
+constexpr int kHeight = 43;
+
+/// Two images with a frame of untouchable pixels behind them.
+struct Canvas {
+  static constexpr std::size_t kSize = std::size_t{kWidth} * kHeight;
+  std::vector<std::uint32_t> pixels = std::vector<std::uint32_t>(kSize, kMapBackground);
+  std::vector<std::uint32_t> blockAt = std::vector<std::uint32_t>(kSize, kNoBlock);
+
+  MapImage image() { return {pixels.data(), blockAt.data(), kWidth, kHeight}; }
+};
+
+TreemapBlock blockOf(const MapRect& rect, const CushionCoefficients& cushion = {}) {
+  TreemapBlock block;
+  block.rect = rect;
+  block.cushion = cushion;
+  return block;
+}
+
+/// Every kernel of this machine against the definition.
+void expectAllKernelsShadeAsDefined(const TreemapBlock& block, std::uint32_t colour) {
+  Canvas expected;
+  test::shadeNaively(block, colour, 77, &expected.pixels, &expected.blockAt, kWidth, kHeight);
+  for (const ShadingKernel kernel : availableShadingKernels()) {
+    Canvas canvas;
+    shadeBlockWith(kernel, block, colour, 77, canvas.image());
+    const std::string which = "kernel " + std::to_string(static_cast<int>(kernel));
+    ASSERT_TRUE(canvas.pixels == expected.pixels) << which;
+    ASSERT_TRUE(canvas.blockAt == expected.blockAt) << which;
+  }
+}
+
+double uniform(std::mt19937_64& random, double from, double to) {
+  return std::uniform_real_distribution<double>(from, to)(random);
+}
+
+/// An edge in, at and beyond the image, often on a half pixel.
+double randomEdge(std::mt19937_64& random, double extent) {
+  const double edge = uniform(random, -0.3 * extent, 1.3 * extent);
+  switch (random() % 4) {
+    case 0:
+      return std::floor(edge) + 0.5;
+    case 1:
+      return std::floor(edge);
+    case 2:
+      return std::nextafter(std::floor(edge) + 0.5, random() % 2 == 0 ? -1e9 : 1e9);
+    default:
+      return edge;
+  }
+}
+
+MapRect randomRect(std::mt19937_64& random) {
+  const double x = randomEdge(random, kWidth);
+  const double y = randomEdge(random, kHeight);
+  const bool small = random() % 2 == 0;
+  return {x, y, small ? uniform(random, 0, 5) : std::abs(randomEdge(random, kWidth) - x),
+          small ? uniform(random, 0, 5) : std::abs(randomEdge(random, kHeight) - y)};
+}
+
+CushionCoefficients randomCushion(std::mt19937_64& random, const MapRect& rect) {
+  CushionCoefficients cushion;
+  switch (random() % 4) {
+    case 0:  // as the layout makes them
+      for (int level = 0; level < 5; ++level) addRidge(rect, uniform(random, 0, 0.4), &cushion);
+      break;
+    case 1: {  // flat up to steep
+      const double scale = std::pow(10, uniform(random, -6, 3));
+      cushion = {uniform(random, -scale, scale), uniform(random, -scale, scale),
+                 uniform(random, -scale, scale), uniform(random, -scale, scale)};
+      break;
+    }
+    case 2:  // towards the light, where the factor is about 1
+      cushion = {uniform(random, -0.001, 0.001), uniform(random, -0.001, 0.001),
+                 uniform(random, 0, 0.6), uniform(random, 0, 0.6)};
+      break;
+    default:  // at the edge of the shadow, where the cosine is about 0
+      cushion = {uniform(random, -1e-4, 1e-4), uniform(random, -1e-4, 1e-4), -4, 0};
+      cushion.linearX += uniform(random, -0.01, 0.01);
+      break;
+  }
+  return cushion;
+}
+
+TEST(ShadeBlock, IsTheSameWithEveryKernelOnRandomBlocks) {
+  std::mt19937_64 random(11);
+  for (int i = 0; i < 40000; ++i) {
+    const MapRect rect = randomRect(random);
+    const auto colour = static_cast<std::uint32_t>(random());
+    expectAllKernelsShadeAsDefined(blockOf(rect, randomCushion(random, rect)), colour);
+    if (HasFatalFailure()) FAIL() << "block " << i;
+  }
+}
+
+TEST(ShadeBlock, IsTheSameWithEveryKernelAtEveryWidthAndPlace) {
+  std::mt19937_64 random(12);
+  for (int width = 0; width <= 36; ++width) {
+    for (int height = 0; height <= 9; ++height) {
+      for (const double x : {0.0, 1.0, 5.0, static_cast<double>(kWidth - width)}) {
+        for (const double y : {0.0, 3.0, static_cast<double>(kHeight - height)}) {
+          const MapRect rect = {x, y, static_cast<double>(width), static_cast<double>(height)};
+          expectAllKernelsShadeAsDefined(blockOf(rect, randomCushion(random, rect)), 0x64FA7D);
+          if (HasFatalFailure()) FAIL() << width << " x " << height;
+        }
+      }
+    }
+  }
+}
+
+TEST(ShadeBlock, IsTheSameWithEveryKernelForExtremeCoefficients) {
+  const double huge = std::numeric_limits<double>::max();
+  const double infinite = std::numeric_limits<double>::infinity();
+  const double notANumber = std::numeric_limits<double>::quiet_NaN();
+  const double values[] = {0,    -0.0, 1e-320, 1e-30, 1,     -4,       9.99e8,    1e9,
+                           -1e9, 1e15, -1e19,  1e38,  -huge, infinite, notANumber};
+  for (const double a : values) {
+    for (const double b : values) {
+      for (const CushionCoefficients& cushion :
+           {CushionCoefficients{a, 0, b, 0}, CushionCoefficients{0, a, 0, b},
+            CushionCoefficients{a, b, 0, 0}, CushionCoefficients{0, 0, a, b}}) {
+        for (const MapRect& rect : {MapRect{1, 1, 3, 2}, MapRect{20, 20, 37, 3}}) {
+          expectAllKernelsShadeAsDefined(blockOf(rect, cushion), 0xFF7D01);
+          if (HasFatalFailure()) FAIL() << a << ", " << b;
+        }
+      }
+    }
+  }
+}
+
+TEST(ShadeBlock, IsTheSameWithEveryKernelForEveryChannelValue) {
+  std::mt19937_64 random(13);
+  for (std::uint32_t value = 0; value < 256; ++value) {
+    for (int i = 0; i < 4; ++i) {
+      const MapRect rect = {2, 2, 32, 5};
+      const std::uint32_t colour = value << 16 | (255 - value) << 8 | (value ^ 0x55);
+      expectAllKernelsShadeAsDefined(blockOf(rect, randomCushion(random, rect)), colour);
+      if (HasFatalFailure()) FAIL() << value;
+    }
+  }
+}
+
+TEST(ShadeBlock, RoundsEdgesHalfAwayFromZero) {
+  for (const auto& [edge, first] :
+       {std::pair{2.5, 3}, {0.49999999999999994, 0}, {0.5, 1}, {-0.5, 0}}) {
+    Canvas canvas;
+    shadeBlock(blockOf({edge, 0, 10.5 - edge, 1}), 0xFFFFFF, 5, canvas.pixels.data(),
+               canvas.blockAt.data(), kWidth, kHeight);
+    for (int x = 0; x < kWidth; ++x) {
+      EXPECT_EQ(canvas.blockAt[static_cast<std::size_t>(x)], x >= first && x < 11 ? 5 : kNoBlock)
+          << edge << " at " << x;
+    }
+  }
+}
+
+TEST(ShadeBlock, DrawsNothingWhenItRoundsAwayOrLiesOutside) {
+  for (const MapRect& rect :
+       {MapRect{3.5, 3, 0.9, 9}, MapRect{3, 4.6, 9, 0.8}, MapRect{-9, 0, 9.4, 9},
+        MapRect{kWidth - 0.5, 0, 9, 9}, MapRect{0, kHeight, 9, 9}, MapRect{1e300, 0, 9, 9},
+        MapRect{-1e300, 0, 9, 9}, MapRect{9, 9, -4, 4}}) {
+    for (const ShadingKernel kernel : availableShadingKernels()) {
+      Canvas canvas;
+      shadeBlockWith(kernel, blockOf(rect), 0xFFFFFF, 0, canvas.image());
+      EXPECT_TRUE(canvas.pixels == Canvas().pixels) << rect.x;
+      EXPECT_TRUE(canvas.blockAt == Canvas().blockAt) << rect.x;
+    }
+  }
+}
+
+TEST(ShadeBlock, LeavesExactlyThePartInShadowOfEachChannel) {
+  for (const std::uint32_t channel : {0U, 1U, 5U, 124U, 125U, 126U, 250U, 255U}) {
+    for (const ShadingKernel kernel : availableShadingKernels()) {
+      Canvas canvas;
+      shadeBlockWith(kernel, blockOf({0, 0, 20, 4}, {0, 0, -9, -9}), channel * 0x010101, 0,
+                     canvas.image());
+      const auto left = static_cast<std::uint32_t>(channel * 0.208);
+      EXPECT_EQ(canvas.pixels[0], left * 0x010101) << channel;
+    }
+  }
+}
+
+TEST(ShadeBlock, ShowsTheColourItselfWhereItIsBrightest) {
+  for (const ShadingKernel kernel : availableShadingKernels()) {
+    Canvas canvas;
+    // Square to the light: the cosine is 1 and the factor past it.
+    shadeBlockWith(kernel, blockOf({0, 0, 20, 4}, {0, 0, 0.25, 0.25}), 0xFFFE7F01, 0,
+                   canvas.image());
+    EXPECT_EQ(canvas.pixels[0], 0xFE7F01U);
+    EXPECT_EQ(canvas.pixels[19], 0xFE7F01U);
+  }
+}
+
+TEST(ShadeBlock, LiesFlatAtNineteenTwentiethsOfTheColour) {
+  Canvas canvas;
+  shadeBlock(blockOf({0, 0, 3, 3}), 0xFF8040, 0, canvas.pixels.data(), canvas.blockAt.data(),
+             kWidth, kHeight);
+  EXPECT_EQ(canvas.pixels[0], 0xFD7F3FU);  // (0.8 * 4/sqrt(18) + 0.2) * 1.04 = 0.99241...
+}
+
+TEST(ShadeBlocks, PaintsLaterBlocksOverEarlierOnesOnAnyNumberOfThreads) {
+  std::mt19937_64 random(14);
+  const int width = 700;
+  const int height = 640;
+  std::vector<TreemapBlock> blocks;
+  std::vector<std::uint32_t> colours;
+  for (int i = 0; i < 3000; ++i) {
+    const MapRect rect = {uniform(random, -20, width), uniform(random, -20, height),
+                          uniform(random, 0, i % 50 == 0 ? 400 : 9),
+                          uniform(random, 0, i % 50 == 1 ? 400 : 9)};
+    blocks.push_back(blockOf(rect, randomCushion(random, rect)));
+    blocks.back().painted = i % 7 != 0;
+    colours.push_back(static_cast<std::uint32_t>(random()));
+  }
+  const std::size_t size = std::size_t{width} * height;
+  std::vector<std::uint32_t> expectedPixels(size, 0x1C1C1E);
+  std::vector<std::uint32_t> expectedBlockAt(size, 0xFFFFFFFF);
+  for (std::size_t i = 0; i < blocks.size(); ++i) {
+    if (!blocks[i].painted) continue;
+    test::shadeNaively(blocks[i], colours[i], static_cast<std::uint32_t>(i), &expectedPixels,
+                       &expectedBlockAt, width, height);
+  }
+  for (const unsigned threads : {0U, 1U, 2U, 3U, 8U}) {
+    std::vector<std::uint32_t> pixels(size, 1);
+    std::vector<std::uint32_t> blockAt(size, 2);
+    shadeBlocks(blocks, colours, {pixels.data(), blockAt.data(), width, height}, threads);
+    EXPECT_TRUE(pixels == expectedPixels) << threads;
+    EXPECT_TRUE(blockAt == expectedBlockAt) << threads;
+  }
+}
+
+TEST(ForEachOnThreads, DoesEveryPieceOnce) {
+  for (const unsigned threads : {0U, 1U, 2U, 7U}) {
+    for (const std::size_t count : {0U, 1U, 3U, 1000U}) {
+      std::vector<int> calls(count, 0);
+      forEachOnThreads(count, threads, [&](std::size_t i) { ++calls[i]; });
+      EXPECT_EQ(std::count(calls.begin(), calls.end(), 1), static_cast<std::ptrdiff_t>(count));
+    }
+  }
+}
+
+}  // namespace
+}  // namespace app
