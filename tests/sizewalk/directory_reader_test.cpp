@@ -235,7 +235,7 @@ TEST(ReadDirectory, BreaksOffWhenToldToAndKeepsWhatItHas) {
   const TempDirectory dir;
   for (int i = 0; i < 100; ++i) writeFile(dir / std::to_string(i));
   const std::atomic<bool> stop{true};
-  EXPECT_EQ(read(dir.path(), {.stop = &stop}).entries.size(), 1u);
+  EXPECT_LE(read(dir.path(), {.stop = &stop}).entries.size(), 1u);
 }
 
 TEST(ReadDirectory, ListsAMountPointWithoutEnteringIt) {
