@@ -1,0 +1,199 @@
+// The built program, started as a user starts it, on an X server of the test's own.
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <set>
+#include <string>
+#include <vector>
+
+#include "tests/support/child.h"
+#include "tests/support/environment.h"
+#include "tests/support/other_client.h"
+#include "tests/support/picture.h"
+#include "tests/support/real_tree.h"
+#include "tests/support/temp_directory.h"
+#include "tests/support/x_server.h"
+
+namespace {
+
+using test::Child;
+using test::Picture;
+using test::PrivateHome;
+using test::ScopedEnvironment;
+using test::TempDirectory;
+using test::XServer;
+
+constexpr std::uint32_t kBackground = 0x1C1C1E;
+
+/// 960 lines at 96 dpi are 254 mm to the line, so that the interface scale is exactly 1.
+const test::XServerOptions kScreen = {.height = 960};
+
+/// One run of the program, to its end.
+struct Outcome {
+  explicit Outcome(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), HEAPGAUGE_PROGRAM);
+    Child child(arguments, "/dev/null", dir / "out", dir / "errors");
+    status = child.wait().value_or(-2);
+    output = test::readFile(dir / "out");
+    errors = test::readFile(dir / "errors");
+  }
+  TempDirectory dir;
+  int status = -2;
+  std::string output;
+  std::string errors;
+};
+
+class Program : public testing::Test {
+ protected:
+  PrivateHome home_;
+  TempDirectory dir_;
+};
+
+TEST_F(Program, PrintsItsVersionWithoutADisplay) {
+  ScopedEnvironment environment;
+  environment.unset("DISPLAY");
+  const Outcome run({"--version"});
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(run.output, "1.1.1\n");
+  EXPECT_EQ(run.errors, "");
+}
+
+TEST_F(Program, PrintsItsUsage) {
+  const Outcome run({"-h"});
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(run.output,
+            "Heap Gauge 1.1.1\n"
+            "usage: heapgauge [path]\n"
+            "  path    a folder to scan at once, instead of the chooser\n"
+            "\n"
+            "  --capture FILE        draw one frame to a PPM file and exit\n"
+            "  --capture-after SEC   how long to wait first (default 1)\n"
+            "\n"
+            "Environment:\n"
+            "  HEAPGAUGE_THEME=light|dark   override the desktop's setting\n");
+  EXPECT_EQ(Outcome({"--help"}).output, run.output);
+}
+
+TEST_F(Program, LetsTheVersionWinOverACaptureBeforeIt) {
+  const Outcome run({"--capture", dir_ / "out.ppm", "--version"});
+  EXPECT_EQ(run.output, "1.1.1\n");
+  EXPECT_NE(access((dir_ / "out.ppm").c_str(), F_OK), 0);
+}
+
+TEST_F(Program, ExplainsThatItNeedsADisplay) {
+  ScopedEnvironment environment;
+  environment.unset("DISPLAY");
+  const Outcome run({});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.errors,
+            "Cannot open a connection to the X display.\n"
+            "This is a graphical application; DISPLAY has to be set.\n"
+            "On a Wayland-only session it reaches the screen through XWayland.\n");
+}
+
+TEST_F(Program, TakesAScreenOfSixteenBitsForNoDisplay) {
+  const XServer server({.depth = 16});
+  const Outcome run({"--capture", dir_ / "f.ppm"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_TRUE(run.errors.starts_with("Cannot open a connection to the X display.\n"));
+}
+
+TEST_F(Program, LeavesATreemapOfARealFolderInTheCapture) {
+  const XServer server(kScreen);
+  test::makeBushyTree(dir_ / "scanned", 1, 60, 8);
+  const std::string file = dir_ / "frame.ppm";
+  const Outcome run({dir_ / "scanned", "--capture", file, "--capture-after", "0"});
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(run.errors, "");
+  const Picture picture = test::readPpm(file);
+  EXPECT_EQ(picture.width, 1100);
+  EXPECT_EQ(picture.height, 720);
+  EXPECT_LT(picture.count(kBackground), picture.width * picture.height / 100)
+      << "the files fill the map";
+  const std::set<std::uint32_t> colours(picture.pixels.begin(), picture.pixels.end());
+  EXPECT_GT(colours.size(), 500u) << "cushions shade every block";
+}
+
+TEST_F(Program, CapturesTheSamePictureOfTheSameFolder) {
+  const XServer server(kScreen);
+  test::makeBushyTree(dir_ / "scanned", 2, 20, 5);
+  for (const char* name : {"one.ppm", "two.ppm"}) {
+    const Outcome run({dir_ / "scanned", "--capture", dir_ / name, "--capture-after", "0"});
+    ASSERT_EQ(run.status, 0);
+  }
+  EXPECT_EQ(test::readFile(dir_ / "one.ppm"), test::readFile(dir_ / "two.ppm"));
+}
+
+TEST_F(Program, ScalesItsWindowWithTheScreen) {
+  const XServer server({.width = 2400, .height = 1600, .resources = "Xft.dpi:\t192\n"});
+  const Outcome run({"--capture", dir_ / "f.ppm", "--capture-after", "0"});
+  EXPECT_EQ(run.status, 0);
+  const Picture picture = test::readPpm(dir_ / "f.ppm");
+  EXPECT_EQ(picture.width, 2200);
+  EXPECT_EQ(picture.height, 1440);
+}
+
+TEST_F(Program, ScansTheFolderThatALinkLeadsTo) {
+  const XServer server(kScreen);
+  test::makeBushyTree(dir_ / "scanned", 3, 10, 4);
+  ASSERT_EQ(symlink("scanned", (dir_ / "link").c_str()), 0);
+  ASSERT_EQ(Outcome({dir_ / "scanned", "--capture", dir_ / "a.ppm", "--capture-after", "0"}).status,
+            0);
+  const Outcome run({dir_ / "link", "--capture", dir_ / "b.ppm", "--capture-after", "0"});
+  EXPECT_EQ(run.errors, "");
+  EXPECT_EQ(test::readFile(dir_ / "a.ppm"), test::readFile(dir_ / "b.ppm"));
+}
+
+TEST_F(Program, SaysWhyAPathCannotBeScanned) {
+  const XServer server(kScreen);
+  test::writeFile(dir_ / "file");
+  const std::string missing = dir_ / "missing";
+  const Outcome absent({missing, "--capture", dir_ / "f.ppm", "--capture-after", "0"});
+  EXPECT_EQ(absent.status, 0);
+  EXPECT_EQ(absent.errors,
+            "This folder cannot be scanned: " + missing + " - No such file or directory\n");
+  const Outcome file({dir_ / "file", "--capture", dir_ / "f.ppm", "--capture-after", "0"});
+  EXPECT_EQ(file.errors,
+            "This folder cannot be scanned: " + (dir_ / "file") + " - Not a directory\n");
+  EXPECT_EQ(test::readPpm(dir_ / "f.ppm").count(kBackground), 1100 * 720);
+}
+
+TEST_F(Program, ScansTheLastOfTwoPathsAndIgnoresUnknownOptions) {
+  const XServer server(kScreen);
+  test::makeBushyTree(dir_ / "scanned", 4, 10, 4);
+  const Outcome run({dir_ / "missing", "-x", "", dir_ / "scanned", "--capture", dir_ / "f.ppm",
+                     "--capture-after", "abc"});
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(run.errors, "");
+  EXPECT_LT(test::readPpm(dir_ / "f.ppm").count(kBackground), 1100 * 720 / 100);
+}
+
+TEST_F(Program, ReportsACaptureThatCannotBeWrittenAndEndsWell) {
+  const XServer server(kScreen);
+  const std::string file = dir_ / "no/such/folder/f.ppm";
+  const Outcome run({"--capture", file, "--capture-after", "0"});
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(run.errors, "could not write " + file + "\n");
+}
+
+TEST_F(Program, TakesADelayBelowNothingForNone) {
+  const XServer server(kScreen);
+  for (const char* delay : {"-5", "nan", "0.05"}) {
+    const Outcome run({"--capture", dir_ / "f.ppm", "--capture-after", delay});
+    EXPECT_EQ(run.status, 0) << delay;
+  }
+}
+
+TEST_F(Program, RemembersTheScanAndTouchesNothingElseOfTheUsers) {
+  const XServer server(kScreen);
+  test::writeFile(dir_ / "scanned/file", "x");
+  ASSERT_EQ(Outcome({dir_ / "scanned", "--capture", dir_ / "f.ppm", "--capture-after", "0"}).status,
+            0);
+  const std::string history =
+      test::readFile(home_.path() + "/.local/share/heapgauge/scan-history.txt");
+  EXPECT_TRUE(history.ends_with("\t" + (dir_ / "scanned") + "\n")) << history;
+}
+
+}  // namespace
