@@ -108,11 +108,8 @@ std::optional<OtherClient::Answer> OtherClient::answer() {
 unsigned long OtherClient::requestor() const { return native_->requestor; }
 
 void OtherClient::takeSelection(const std::string& selection) {
-  makeOwner(selection, native_->makeWindow());
-}
-
-void OtherClient::makeOwner(const std::string& selection, unsigned long window) {
-  XSetSelectionOwner(native_->display, native_->atom(selection), window, CurrentTime);
+  XSetSelectionOwner(native_->display, native_->atom(selection), native_->makeWindow(),
+                     CurrentTime);
   native_->sync();
 }
 

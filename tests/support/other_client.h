@@ -59,7 +59,6 @@ class OtherClient {
   unsigned long requestor() const;
   /// Makes a window of this client the owner of `selection`.
   void takeSelection(const std::string& selection);
-  void makeOwner(const std::string& selection, unsigned long window);
   unsigned long selectionOwner(const std::string& selection);
 
   /// The bytes of a property of format 8; empty when there is none of that type.

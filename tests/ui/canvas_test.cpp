@@ -218,6 +218,23 @@ TEST_F(CanvasTest, ClipConfinesXftAsWell) {
   expectExactly(picture, 0xFF0000, {20, 30, 40, 10});
 }
 
+TEST_F(CanvasTest, ClipConfinesTheGraphicsContextAsWell) {
+  const auto picture = onWhite([&](ui::Canvas& canvas) {
+    const ui::ScopedClip clip(canvas, {20, 30, 40, 10});
+    const ui::PaintTarget& target = canvas.target();
+    Display* display = connection->native().display;
+    XSetForeground(display, target.gc, 0xFF0000);
+    XFillRectangle(display, target.drawable, target.gc, 0, 0, 200, 100);
+  });
+  expectExactly(picture, 0xFF0000, {20, 30, 40, 10});
+}
+
+TEST_F(CanvasTest, ClipLeftBehindDoesNotConfineWhatIsShown) {
+  onWhite([](ui::Canvas& canvas) { canvas.pushClip({0, 0, 1, 1}); });
+  settle();
+  EXPECT_EQ(other.screenPixel(window.xid(), 150, 80), 0xFFFFFFu);
+}
+
 TEST_F(CanvasTest, PoppingAnEmptyStackLeavesTheWholeBufferDrawable) {
   const auto picture = onWhite([](ui::Canvas& canvas) {
     for (int i = 0; i < 3; ++i) canvas.popClip();

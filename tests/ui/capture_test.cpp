@@ -58,7 +58,9 @@ TEST_F(CaptureTest, FailsForAWindowWithoutArea) {
   other.sendConfigure(window.xid(), 0, 50);
   settle();
   ASSERT_EQ(window.width(), 0);
+  ::testing::internal::CaptureStderr();
   EXPECT_FALSE(window.capture(directory / "frame.ppm"));
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "") << "the server was asked nonetheless";
 }
 
 TEST_F(CaptureTest, FailsUntilAGrownWindowWasPainted) {
@@ -66,7 +68,9 @@ TEST_F(CaptureTest, FailsUntilAGrownWindowWasPainted) {
   bool captured = true;
   window.onResize = [&](int, int) { captured = window.capture(directory / "frame.ppm"); };
   other.resizeWindow(window.xid(), 60, 50);
+  ::testing::internal::CaptureStderr();
   settle();
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "") << "the server was asked nonetheless";
   EXPECT_FALSE(captured);
   EXPECT_EQ(capture().width, 60);
 }

@@ -5,6 +5,7 @@
 
 #include "tests/support/child.h"
 #include "tests/ui/window_test_base.h"
+#include "ui/x11.h"
 
 namespace test {
 namespace {
@@ -121,7 +122,10 @@ TEST_F(ClipboardTest, ForgetsItsTextWhenAnotherProgramCopies) {
 
 TEST_F(ClipboardTest, KeepsItsTextWhenAnotherSelectionIsLost) {
   window.setClipboardText("ours");
-  other.makeOwner("_OTHER", window.xid());
+  Display* display = connection->native().display;
+  XSetSelectionOwner(display, XInternAtom(display, "_OTHER", False), window.xid(), CurrentTime);
+  XSync(display, False);
+  ASSERT_EQ(other.selectionOwner("_OTHER"), window.xid());
   other.takeSelection("_OTHER");
   settle();
   EXPECT_EQ(window.clipboardText(), "ours");

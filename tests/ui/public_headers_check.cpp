@@ -1,0 +1,15 @@
+// The headers that applications include must not bring in Xlib, whose macros break other code.
+// Nothing runs here: this file compiles or it does not.
+
+#include "ui/canvas.h"
+#include "ui/capture.h"
+#include "ui/colour.h"
+#include "ui/connection.h"
+#include "ui/geometry.h"
+#include "ui/input.h"
+#include "ui/keys.h"
+#include "ui/window.h"
+
+#if defined(None) || defined(Bool) || defined(Status) || defined(Success) || defined(_X11_XLIB_H_)
+#error "a public header of the toolkit includes Xlib"
+#endif
