@@ -1,11 +1,13 @@
 #pragma once
 
-#include <sys/types.h>
+#include <array>
+#include <cstdint>
 
 namespace test {
 
-/// Checks file access as an ordinary user for this thread and the threads it starts meanwhile: the
-/// super-user, as whom tests may run, can read everything. Does nothing for an ordinary user.
+/// Lets permissions count for this thread, and for the threads it starts meanwhile, even when the
+/// tests run as the super-user, who may read everything otherwise. Does nothing for an ordinary
+/// user.
 class OrdinaryFileAccess {
  public:
   OrdinaryFileAccess();
@@ -14,7 +16,8 @@ class OrdinaryFileAccess {
   OrdinaryFileAccess& operator=(const OrdinaryFileAccess&) = delete;
 
  private:
-  uid_t previous_;
+  /// The thread's effective capabilities before, as capset(2) lays them out.
+  std::array<std::uint32_t, 2> effective_{};
 };
 
 }  // namespace test
