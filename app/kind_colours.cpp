@@ -87,7 +87,7 @@ std::uint32_t KindColours::colourForKind(int kind) const {
     if (const auto rank = rankOf(kind, kindSlots_)) {
       constexpr int kCycle = sizewalk::kKindCount - kFixedKinds;
       const int place = (*rank % kCycle + kCycle) % kCycle;  // a rank below 0 cycles too
-      return colours_[static_cast<std::size_t>(kFixedKinds + place)];
+      return colours_[static_cast<std::size_t>(kFixedKinds) + static_cast<std::size_t>(place)];
     }
   }
   if (kind < 0 || kind >= sizewalk::kKindCount) return kNoKindColour;

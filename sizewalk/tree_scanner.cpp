@@ -19,8 +19,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::size_t kFreeResults = 256;
-/// A result that grew beyond this many entries is not kept for reuse: in time every kept one would have met a
-/// large directory, and all of them together would hold more memory than the tree.
+/// A result that grew beyond this many entries is not kept for reuse: in time every kept one would
+/// have met a large directory, and all of them together would hold more memory than the tree.
 constexpr std::size_t kReusableEntries = 1024;
 constexpr std::size_t kPathReserve = 1024;
 constexpr std::size_t kBufferAlignment = 16;
@@ -155,6 +155,7 @@ void TreeScanner::walk(NodeId start) {
   const int readerCount =
       chooseReaderCount(options_.threads, probe, std::thread::hardware_concurrency());
   std::vector<std::thread> readers;
+  readers.reserve(static_cast<std::size_t>(readerCount));
   for (int i = 0; i < readerCount; ++i) {
     readers.emplace_back([&] { runThread([&] { runReader(&workList); }); });
   }

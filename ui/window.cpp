@@ -29,8 +29,8 @@ void replaceProperty(Display* display, ::Window window, Atom property, Atom type
 
 }  // namespace
 
-Window::Native::Native(Window& window_)
-    : owner(window_), display(window_.connection_.native().display), clipboard(display) {}
+Window::Native::Native(Window& ownerWindow)
+    : owner(ownerWindow), display(ownerWindow.connection_.native().display), clipboard(display) {}
 
 Window::Native::~Native() {
   backBuffer.reset();
