@@ -8,10 +8,11 @@ passed=0
 failed=0
 skipped=()
 step_number=0
+heartbeat_seconds=${HEARTBEAT_SECONDS:-20}
 
-# step NAME COMMAND...: sets `step_status` and `step_log`. A long one says every 20 seconds where it is.
+# step NAME COMMAND...: sets `step_status` and `step_log`. A long one says every so often where it is.
 step() {
-  local name=$1 started=$SECONDS finished
+  local name=$1 started=$SECONDS finished outcome
   shift
   step_number=$((step_number + 1))
   step_log=$log_directory/$step_number.log
@@ -21,9 +22,12 @@ step() {
     "$@" >"$step_log" 2>&1 </dev/null || status=$?
     echo "$status"
   )
-  while ! IFS= read -r -t 20 -u "$finished" step_status; do
+  while :; do
+    outcome=0
+    IFS= read -r -t "$heartbeat_seconds" -u "$finished" step_status || outcome=$?
+    ((outcome == 0)) && break
     # read answers 1 at the end of the stream and more than 128 when its time is over.
-    if (($? <= 128)); then
+    if ((outcome <= 128)); then
       step_status=1
       break
     fi
