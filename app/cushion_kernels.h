@@ -36,13 +36,13 @@ struct Band {
 
 /// `edge` rounded half away from zero, then clamped to [0, limit].
 inline std::int32_t pixelEdge(double edge, std::int32_t limit) {
-  // Clamping first gives the same and leaves only values for which a conversion is defined;
-  // truncating and looking at the remainder is exact where adding 0.5 would round
-  // 0.49999999999999994 up.
+  // Clamping first gives the same and leaves only values for which a conversion is defined. The
+  // addend is the last number before a half: with the half itself 0.49999999999999994 would round
+  // up to 1, with this the sum rounds to the whole number for every half and stays below it for
+  // everything less.
   const double top = limit;
   const double clamped = edge > 0 ? (edge < top ? edge : top) : 0;
-  const auto whole = static_cast<std::int32_t>(clamped);
-  return whole + (clamped - whole >= 0.5 ? 1 : 0);
+  return static_cast<std::int32_t>(clamped + 0.49999999999999994);
 }
 
 inline PixelBounds pixelBounds(const MapRect& rect, std::int32_t width, const Band& band) {

@@ -1,16 +1,18 @@
-// Does the map keep up with a large tree? Lays out and shades a million small files at 1920 × 1080
-// and prints medians in milliseconds, each against the least that the work could cost done plainly:
+// Does the map keep up with a large tree? Lays out and shades a million small files at 1920 × 1080,
+// each step against the least that it could cost done plainly:
 //
-//   shading   the plain scalar loop over the same blocks in the same colours, on one thread;
 //   layout    one pass that sums the children of every laid-out folder and sorts what of them is
-//   drawn; render    layout, colours, shading and outlines together, into a fresh and into a
-//   recycled render.
+//   drawn; shading   the plain scalar loop over the same blocks in the same colours, on one thread;
+//   render    layout, colours, shading and outlines together, in the memory of the last render as
+//   the view
+//             does it, against fresh memory.
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
+#include <cstdlib>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/cushion_kernels.h"
@@ -19,6 +21,7 @@
 #include "app/treemap_layout.h"
 #include "app/treemap_render.h"
 #include "bench/support/paired_timing.h"
+#include "bench/support/row.h"
 #include "sizewalk/file_kinds.h"
 #include "sizewalk/file_tree.h"
 
@@ -31,6 +34,9 @@ using sizewalk::NodeId;
 constexpr int kWidth = 1920;
 constexpr int kHeight = 1080;
 constexpr std::size_t kPairs = 15;
+constexpr const char* kLayoutBar = "at most 2.00";
+constexpr const char* kShadingBar = "at most 0.33";
+constexpr const char* kNoBar = "-";
 constexpr app::MeasureSettings kMeasure;
 
 /// A tree made up in memory, the same in every run.
@@ -82,23 +88,20 @@ class TreeMaker {
   sizewalk::DirectoryResult result_;
 };
 
-/// `files` files: a tenth of them in one folder, the rest three levels down in folders of 1 to
-/// `mostInFolder`.
+/// `files` files: a tenth of them in one folder, the rest in folders of up to `mostInFolder`, each
+/// with a few subfolders.
 void makeTree(FileTree* tree, std::size_t files, std::size_t mostInFolder, double sizeSpread) {
   TreeMaker maker(tree, sizeSpread);
-  const std::vector<NodeId> top = maker.fill(sizewalk::kRootNode, 10, 21);
-  maker.fill(top.front(), files / 10, 0);
+  std::vector<NodeId> folders = maker.fill(sizewalk::kRootNode, 10, 20);
+  maker.fill(folders.back(), files / 10, 0);
+  folders.pop_back();
   std::size_t left = files - files / 10 - 10;
-  std::vector<NodeId> middle;
-  for (std::size_t i = 1; i < top.size(); ++i) {
-    for (const NodeId folder : maker.fill(top[i], 0, maker.uniform(10, 60)))
-      middle.push_back(folder);
-  }
-  for (std::size_t i = 0; left > 0; i = (i + 1) % middle.size()) {
-    // Folders are listed once, so the ones in the middle get their subfolders one chain further in.
-    const std::size_t count = std::min(left, maker.uniform(1, mostInFolder));
+  for (std::size_t next = 0; left > 0; ++next) {
+    const std::size_t count = std::min(left, maker.uniform(0, mostInFolder));
     left -= count;
-    middle[i] = maker.fill(middle[i], count, 1).front();
+    for (const NodeId folder : maker.fill(folders[next], count, maker.uniform(1, 4))) {
+      folders.push_back(folder);
+    }
   }
 }
 
@@ -133,11 +136,6 @@ double sumAndSort(const FileTree& tree, const std::vector<TreemapBlock>& blocks,
   return check;
 }
 
-void report(const char* what, const bench::PairedTiming& timing) {
-  std::printf("  %-34s %9.2f ms  against %9.2f ms   %5.2f times as fast\n", what,
-              timing.candidateMs, timing.baselineMs, timing.speedup);
-}
-
 std::vector<TreemapBlock> layOut(const FileTree& tree) {
   std::vector<TreemapBlock> blocks;
   app::layoutTreemap(tree, sizewalk::kRootNode, {0, 0, kWidth, kHeight}, 0, kMeasure, {}, {},
@@ -145,85 +143,96 @@ std::vector<TreemapBlock> layOut(const FileTree& tree) {
   return blocks;
 }
 
-void benchLayout(const FileTree& tree) {
+void report(const std::string& question, const bench::PairedTiming& timing, const char* bar) {
+  bench::printRow(question, bench::milliseconds(timing.candidateMs),
+                  bench::milliseconds(timing.baselineMs), bench::times(1 / timing.speedup), bar);
+}
+
+void benchLayout(const FileTree& tree, const std::string& what) {
   std::vector<TreemapBlock> blocks = layOut(tree);
   const std::vector<TreemapBlock> laidOut = blocks;
   std::vector<app::WeightedItem> entries;
   double check = 0;
   const auto baseline = [&] { check += sumAndSort(tree, laidOut, &entries); };
-  report("layout, fresh memory", bench::timePaired(kPairs, baseline, [&] { layOut(tree); }));
-  report("layout, recycled memory", bench::timePaired(kPairs, baseline, [&] {
-           blocks.clear();
-           app::layoutTreemap(tree, sizewalk::kRootNode, {0, 0, kWidth, kHeight}, 0, kMeasure, {},
-                              {}, app::kRidgeHeight, &blocks);
-         }));
-  if (check < 0) std::puts("");  // so that the sums are needed
+  const auto layout = [&] {
+    blocks.clear();
+    app::layoutTreemap(tree, sizewalk::kRootNode, {0, 0, kWidth, kHeight}, 0, kMeasure, {}, {},
+                       app::kRidgeHeight, &blocks);
+  };
+  report("Treemap layout, " + what + ", against summing and sorting alone",
+         bench::timePaired(kPairs, baseline, layout), kLayoutBar);
+  if (check < 0) std::abort();  // never; it makes the sums count
 }
 
 /// Block after block, pixel after pixel.
 void shadePlainly(const std::vector<TreemapBlock>& blocks,
                   const std::vector<std::uint32_t>& colours, const app::MapImage& image) {
+  const auto pixels =
+      static_cast<std::size_t>(image.width) * static_cast<std::size_t>(image.height);
+  std::fill_n(image.pixels, pixels, app::kMapBackground);
+  std::fill_n(image.blockAt, pixels, app::kNoBlock);
   for (std::size_t i = 0; i < blocks.size(); ++i) {
-    if (!blocks[i].painted) continue;
-    app::shadeBlockWith(app::ShadingKernel::Plain, blocks[i], colours[i],
-                        static_cast<std::uint32_t>(i), image);
+    const TreemapBlock& block = blocks[i];
+    if (!block.painted) continue;
+    const auto bounds = app::pixelBounds(block.rect, image.width, {0, image.height});
+    for (std::int32_t row = bounds.top; row < bounds.bottom; ++row) {
+      const std::size_t start =
+          static_cast<std::size_t>(row) * static_cast<std::size_t>(image.width);
+      for (std::int32_t column = bounds.left; column < bounds.right; ++column) {
+        const std::size_t at = start + static_cast<std::size_t>(column);
+        image.pixels[at] = app::shadePixel(block.cushion, colours[i], column, row);
+        image.blockAt[at] = static_cast<std::uint32_t>(i);
+      }
+    }
   }
 }
 
-void benchShading(const FileTree& tree, const app::KindColours& colours) {
+void benchShading(const FileTree& tree, const std::string& what) {
+  const app::KindColours kinds(true);
   const std::vector<TreemapBlock> blocks = layOut(tree);
-  std::vector<std::uint32_t> colourOfBlock(blocks.size());
-  for (std::size_t i = 0; i < blocks.size(); ++i) {
-    colourOfBlock[i] = colours.colourForKind(tree.kind(static_cast<NodeId>(blocks[i].id)));
+  std::vector<std::uint32_t> colours;
+  for (const TreemapBlock& block : blocks) {
+    colours.push_back(kinds.colourForKind(tree.kind(static_cast<NodeId>(block.id))));
   }
   std::vector<std::uint32_t> pixels(std::size_t{kWidth} * kHeight);
   std::vector<std::uint32_t> blockAt(pixels.size());
   const app::MapImage image = {pixels.data(), blockAt.data(), kWidth, kHeight};
-  const auto plain = [&] {
-    std::fill(pixels.begin(), pixels.end(), app::kMapBackground);
-    std::fill(blockAt.begin(), blockAt.end(), app::kNoBlock);
-    shadePlainly(blocks, colourOfBlock, image);
+  const auto plain = [&] { shadePlainly(blocks, colours, image); };
+  const auto shading = [&](unsigned threads) {
+    return bench::timePaired(kPairs, plain,
+                             [&] { app::shadeBlocks(blocks, colours, image, threads); });
   };
-  for (unsigned threads = 1; threads <= app::hardwareThreads(); ++threads) {
-    const std::string what = "shading, threads: " + std::to_string(threads);
-    report(what.c_str(), bench::timePaired(kPairs, plain, [&] {
-             app::shadeBlocks(blocks, colourOfBlock, image, threads);
-           }));
-  }
+  const std::string question = "Treemap shading, " + what + ", ";
+  report(question + "against the plain loop", shading(app::hardwareThreads()), kShadingBar);
+  report(question + "on one thread, against the plain loop", shading(1), kNoBar);
 }
 
-void benchRender(const FileTree& tree, const app::KindColours& colours) {
+void benchRender(const FileTree& tree, const std::string& what) {
+  const app::KindColours colours(true);
   app::RenderedTreemap last;
-  const auto timing = bench::timePaired(
-      kPairs,
-      [&] {
-        app::renderTreemap(tree, sizewalk::kRootNode, kWidth, kHeight, colours, {}, kMeasure);
-      },
-      [&] {
-        last = app::renderTreemap(tree, sizewalk::kRootNode, kWidth, kHeight, colours, {}, kMeasure,
-                                  std::move(last));
-      });
-  report("render, recycled against fresh", timing);
+  const auto fresh = [&] {
+    app::renderTreemap(tree, sizewalk::kRootNode, kWidth, kHeight, colours, {}, kMeasure);
+  };
+  const auto recycled = [&] {
+    last = app::renderTreemap(tree, sizewalk::kRootNode, kWidth, kHeight, colours, {}, kMeasure,
+                              std::move(last));
+  };
+  report("Whole treemap render, " + what + ", in recycled memory against fresh",
+         bench::timePaired(kPairs, fresh, recycled), kNoBar);
 }
 
-void benchTree(const char* name, std::size_t mostInFolder, double sizeSpread) {
+void benchTree(const std::string& what, std::size_t mostInFolder, double sizeSpread) {
   FileTree tree;
   makeTree(&tree, 1000000, mostInFolder, sizeSpread);
-  const std::vector<TreemapBlock> blocks = layOut(tree);
-  std::size_t painted = 0;
-  for (const TreemapBlock& block : blocks) painted += block.painted ? 1 : 0;
-  std::printf("%s: %u nodes, %zu blocks, %zu of them painted\n", name, tree.nodeCount(),
-              blocks.size(), painted);
-  const app::KindColours colours(true);
-  benchLayout(tree);
-  benchShading(tree, colours);
-  benchRender(tree, colours);
+  benchLayout(tree, what);
+  benchShading(tree, what);
+  benchRender(tree, what);
 }
 
 }  // namespace
 
 int main() {
-  benchTree("files of like size", 400, 0.5);
-  benchTree("files of mixed size", 400, 1.5);
-  benchTree("many small folders", 12, 1.0);
+  benchTree("a million files of like size", 400, 0.5);
+  benchTree("a million files of mixed size", 400, 1.5);
+  benchTree("a million files in small folders", 12, 1.5);
 }
