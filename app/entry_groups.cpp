@@ -13,6 +13,22 @@ bool comesBefore(const WeightedItem& a, const WeightedItem& b) {
   return a.weight != b.weight ? a.weight > b.weight : a.id < b.id;
 }
 
+/// Most folders and groups are short, and there the plainest sort is the fastest.
+template <typename Iterator, typename Before>
+void sortShortOrLong(Iterator first, Iterator last, Before before) {
+  constexpr std::ptrdiff_t kShort = 12;
+  if (last - first > kShort) {
+    std::sort(first, last, before);
+    return;
+  }
+  for (Iterator next = first; next != last; ++next) {
+    const auto value = *next;
+    Iterator hole = next;
+    for (; hole != first && before(value, hole[-1]); --hole) *hole = hole[-1];
+    *hole = value;
+  }
+}
+
 }  // namespace
 
 EntryGroups::EntryGroups() : cells_(kInitialCells) {}
@@ -38,7 +54,7 @@ void EntryGroups::add(std::int32_t key, const WeightedItem& entry) {
 void EntryGroups::arrange(std::vector<WeightedItem>* out) {
   order_.resize(groups_.size());
   std::iota(order_.begin(), order_.end(), 0U);
-  std::sort(order_.begin(), order_.end(), [this](std::uint32_t a, std::uint32_t b) {
+  sortShortOrLong(order_.begin(), order_.end(), [this](std::uint32_t a, std::uint32_t b) {
     return groups_[a].weight != groups_[b].weight ? groups_[a].weight > groups_[b].weight : a < b;
   });
   std::uint32_t start = 0;
@@ -50,7 +66,7 @@ void EntryGroups::arrange(std::vector<WeightedItem>* out) {
   for (const Member& member : members_) (*out)[groups_[member.group].start++] = member.entry;
   for (const Group& group : groups_) {
     const auto end = out->begin() + group.start;  // moved there by the distribution
-    std::sort(end - group.count, end, comesBefore);
+    sortShortOrLong(end - group.count, end, comesBefore);
   }
 }
 
