@@ -1,3 +1,6 @@
+// Eight pixels at a time: a row of eight, or two rows of up to four. There are no masks worth
+// having in this instruction set, so every width has its own stores.
+
 #include "app/cushion_kernels.h"
 
 #if defined(__x86_64__)
@@ -151,8 +154,8 @@ INLINE_AVX2 bool fitsSinglePrecision(const CushionCoefficients& cushion) {
 }
 
 /// Widths that are no multiple of the vector's are covered by letting the last vector overlap the
-/// one before, which computes some pixels twice, to the same values. Masked stores lost: on several
-/// processors they take longer than the whole vector does to compute.
+/// one before, which computes some pixels twice, to the same values. This instruction set's
+/// masked stores are microcoded on some processors and slower there than that.
 INLINE_AVX2 void paint(const Painter& p) {
   const PixelBounds& bounds = p.job.bounds;
   const std::int32_t columns = bounds.right - bounds.left;

@@ -1,3 +1,9 @@
+// Sixteen pixels at a time, laid out by the block's shape: a row of sixteen, two rows of eight,
+// four rows of four, or four blocks of two by two. Shape matters more than width here: where a
+// million files share a screen, a block has two to five pixels, and a kernel that only knows rows
+// computes mostly lanes that nobody needs. Stores are masked, so a vector may reach over the
+// block's edges.
+
 #include "app/cushion_kernels.h"
 
 #include <algorithm>

@@ -1,3 +1,18 @@
+// Cushions after "Cushion Treemaps: Visualization of Hierarchical Information" (van Wijk and van de
+// Wetering, 1999): a block's surface is a sum of parabolas, its gradient therefore linear in the
+// pixel's place, and one fixed light turns the gradient into a shade.
+//
+// All kernels give the same picture bit for bit: `shadePixel` says what a pixel is, the vector
+// kernels (see cushion_kernels.h) prove that they would come to the same or else ask it. Threads
+// share the image by bands of rows, never by blocks: neighbouring blocks may round onto the same
+// pixel, and then the later one has to win. Each band goes through the blocks in their order;
+// blocks that lie together in the list lie together on the map, so a band passes over whole runs
+// that do not reach it.
+//
+// A list of jobs for each band, filled in a first pass, would round no block twice, at the price of
+// tens of megabytes of fresh memory for each picture. Bands of a few rows, meant to keep both
+// images' rows in the first cache, took up to half as long again: too many runs crossed their edges.
+
 #include "app/cushion_shading.h"
 
 #include <algorithm>
@@ -21,7 +36,7 @@ constexpr std::int64_t kPixelsPerThread = 131072;
 constexpr unsigned kMostThreads = 16;
 /// A thread that is held up leaves its share to the others; more bands cut more runs in two.
 constexpr unsigned kBandsPerThread = 2;
-/// Runs measured in one go by one thread.
+/// Runs looked through in one go by one thread.
 constexpr std::size_t kRunsPerPiece = 512;
 
 PaintJobs paintJobsOf(ShadingKernel kernel) {
@@ -63,13 +78,14 @@ class MapShader {
     const std::size_t pieces = (runs_.size() + kRunsPerPiece - 1) / kRunsPerPiece;
     forEachOnThreads(pieces, threads_, [this](std::size_t piece) {
       const std::size_t last = std::min((piece + 1) * kRunsPerPiece, runs_.size());
-      for (std::size_t run = piece * kRunsPerPiece; run < last; ++run) measure(run);
+      for (std::size_t run = piece * kRunsPerPiece; run < last; ++run) findRows(run);
     });
     forEachOnThreads(bandCount_, threads_, [this](std::size_t band) { paint(band); });
   }
 
  private:
-  void measure(std::size_t index) {
+  /// A single band needs no rows: every run reaches it.
+  void findRows(std::size_t index) {
     Run& run = runs_[index];
     run.first = index * kRunLength;
     run.last = std::min(run.first + kRunLength, blocks_.size());
@@ -100,8 +116,8 @@ class MapShader {
     }
   }
 
-  /// Half of a large tree's blocks may have no pixel, without any pattern: they are dropped without
-  /// a branch, which would be mispredicted as often as not.
+  /// What has no pixel is dropped here, without a branch: where blocks are a pixel wide it comes
+  /// without any pattern, and a misprediction costs more than rounding a block's edges.
   std::size_t gatherJobs(const Run& run, const Band& band,
                          std::array<PaintJob, kRunLength>& jobs) const {
     std::size_t count = 0;

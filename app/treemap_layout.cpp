@@ -12,9 +12,9 @@
 // member decide. The plain definition, all members for every candidate, is quadratic in the row's
 // length.
 //
-// One hash map per folder from group key to member list was the first form of the grouping; its
-// allocations cost more than the layout proper. Sorting all entries by (group, weight) in one go
-// lost too: distributing them over the groups first leaves short runs to sort.
+// The grouping keeps one hash table for all folders and distributes the entries over the groups in
+// linear time, which leaves short runs to sort. A map from key to member list, made anew for each
+// folder, would allocate several times per folder, and most folders have a handful of entries.
 
 #include "app/treemap_layout.h"
 

@@ -242,6 +242,55 @@ TEST(ShadeBlocks, PaintsLaterBlocksOverEarlierOnesOnAnyNumberOfThreads) {
   }
 }
 
+TEST(ShadeBlocks, KeepsWhatLiesAtTheTopOverABlockThatReachesTheBottom) {
+  const int width = 700;
+  const int height = 640;
+  std::vector<TreemapBlock> blocks(1, blockOf({0, 0, width, height}));
+  for (int i = 0; i < 2000; ++i) {
+    blocks.push_back(blockOf({static_cast<double>(i % 200), static_cast<double>(i / 200), 1, 1}));
+  }
+  // Blocks of one run stand together, so fill the first with copies of the large one.
+  blocks.insert(blocks.begin(), 200, blocks.front());
+  const std::vector<std::uint32_t> colours(blocks.size(), 0xFFFFFF);
+  std::vector<std::uint32_t> pixels(std::size_t{width} * height);
+  std::vector<std::uint32_t> blockAt(pixels.size());
+  shadeBlocks(blocks, colours, {pixels.data(), blockAt.data(), width, height}, 2);
+  EXPECT_EQ(blockAt[0], 201U);
+  EXPECT_EQ(blockAt[9 * width + 199], 2200U);
+  EXPECT_EQ(blockAt[200], 200U);
+  EXPECT_EQ(blockAt.back(), 200U);
+}
+
+/// Enough of them for every kernel's rare pixels, those that the error bound leaves open, to turn
+/// up.
+TEST(ShadeBlocks, PaintsTinyBlocksSideBySideAsDefined) {
+  std::mt19937_64 random(15);
+  const int width = 640;
+  const int height = 480;
+  std::vector<TreemapBlock> blocks;
+  std::vector<std::uint32_t> colours;
+  for (int y = 0; y < height; y += 2) {
+    for (int x = 0; x < width; x += 2) {
+      const MapRect rect = {uniform(random, x - 0.4, x + 0.4), uniform(random, y - 0.4, y + 0.4),
+                            uniform(random, 0.2, 2), uniform(random, 0.2, 2)};
+      blocks.push_back(blockOf(rect, randomCushion(random, rect)));
+      colours.push_back(static_cast<std::uint32_t>(random()));
+    }
+  }
+  const std::size_t size = std::size_t{width} * height;
+  std::vector<std::uint32_t> expectedPixels(size, kMapBackground);
+  std::vector<std::uint32_t> expectedBlockAt(size, kNoBlock);
+  for (std::size_t i = 0; i < blocks.size(); ++i) {
+    test::shadeNaively(blocks[i], colours[i], static_cast<std::uint32_t>(i), &expectedPixels,
+                       &expectedBlockAt, width, height);
+  }
+  std::vector<std::uint32_t> pixels(size);
+  std::vector<std::uint32_t> blockAt(size);
+  shadeBlocks(blocks, colours, {pixels.data(), blockAt.data(), width, height}, 2);
+  EXPECT_TRUE(pixels == expectedPixels);
+  EXPECT_TRUE(blockAt == expectedBlockAt);
+}
+
 TEST(ForEachOnThreads, DoesEveryPieceOnce) {
   for (const unsigned threads : {0U, 1U, 2U, 7U}) {
     for (const std::size_t count : {0U, 1U, 3U, 1000U}) {
