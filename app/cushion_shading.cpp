@@ -11,7 +11,8 @@
 //
 // A list of jobs for each band, filled in a first pass, would round no block twice, at the price of
 // tens of megabytes of fresh memory for each picture. Bands of a few rows, meant to keep both
-// images' rows in the first cache, took up to half as long again: too many runs crossed their edges.
+// images' rows in the first cache, took up to half as long again: too many runs crossed their
+// edges.
 
 #include "app/cushion_shading.h"
 
@@ -149,7 +150,7 @@ std::span<const ShadingKernel> availableShadingKernels() {
   static constexpr std::array kAll = {ShadingKernel::Plain, ShadingKernel::Avx2,
                                       ShadingKernel::Avx512};
 #if defined(__x86_64__)
-  static const std::size_t available = [] {
+  static const std::size_t available = []() -> std::size_t {
     if (__builtin_cpu_supports("avx2") == 0) return 1;
     const bool wide = __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512vl");
     return wide ? 3 : 2;

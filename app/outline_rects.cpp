@@ -3,8 +3,8 @@
 // bytes a cell with the index of the block in place of the rectangle itself. The hash keeps eight
 // consecutive nodes together in one cache line's worth of cells: siblings have consecutive indices
 // and come in one after the other, so filling mostly stays within the cache. std::unordered_map
-// allocates for each node; with 400,000 blocks it took six times as long to fill, more than twice as
-// long as shading the whole map.
+// allocates for each node; with 400,000 blocks it took six times as long to fill, more than twice
+// as long as shading the whole map.
 
 #include "app/outline_rects.h"
 
