@@ -181,7 +181,58 @@ INLINE_AVX2 void paint(const Painter& p) {
   if (left < bounds.right) paintStrip(p, bounds.right - 8, bounds);
 }
 
+/// `pixelBounds` with the four edges side by side: the same operations, so the same pixels.
+class EdgeRounder {
+ public:
+  INLINE_AVX2 EdgeRounder(std::int32_t width, const Band& band)
+      : limits_(_mm256_setr_pd(width, width, band.bottom, band.bottom)),
+        lowest_(_mm_setr_epi32(0, 0, band.top, 0)) {}
+
+  /// The edges in the order of `PixelBounds`.
+  INLINE_AVX2 __m128i round(const MapRect& rect) const {
+    const __m256d place = _mm256_loadu_pd(&rect.x);
+    const __m256d size = _mm256_permute4x64_pd(place, 0xFA);
+    const __m256d edges = _mm256_add_pd(_mm256_permute4x64_pd(place, 0x50),
+                                        _mm256_blend_pd(_mm256_setzero_pd(), size, 0xA));
+    // The edge first: an edge that is no number becomes 0.
+    const __m256d clamped = _mm256_min_pd(_mm256_max_pd(edges, _mm256_setzero_pd()), limits_);
+    const __m128i whole = _mm256_cvttpd_epi32(clamped);
+    const __m256d rest = _mm256_sub_pd(clamped, _mm256_cvtepi32_pd(whole));
+    const __m256d up = _mm256_cmp_pd(rest, _mm256_set1_pd(0.5), _CMP_GE_OQ);
+    const __m128i ones = _mm256_cvttpd_epi32(_mm256_and_pd(up, _mm256_set1_pd(1)));
+    return _mm_max_epi32(_mm_add_epi32(whole, ones), lowest_);
+  }
+
+ private:
+  __m256d limits_;
+  __m128i lowest_;
+};
+
+/// Whether left < right and top < bottom.
+INLINE_AVX2 bool hasPixels(__m128i bounds) {
+  const __m128i ends = _mm_shuffle_epi32(bounds, 0xF5);
+  const int later = _mm_movemask_ps(_mm_castsi128_ps(_mm_cmpgt_epi32(ends, bounds)));
+  return (later & 5) == 5;
+}
+
 }  // namespace
+
+[[gnu::target("avx2")]] std::size_t gatherJobsAvx2(const BlockRun& run, std::int32_t width,
+                                                   const Band& band, PaintJob* jobs) {
+  const EdgeRounder rounder(width, band);
+  std::size_t count = 0;
+  for (std::size_t i = 0; i < run.blocks.size(); ++i) {
+    const TreemapBlock& block = run.blocks[i];
+    const __m128i bounds = rounder.round(block.rect);
+    PaintJob& job = jobs[count];
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(&job.bounds), bounds);
+    job.cushion = &block.cushion;
+    job.colour = run.colours[i];
+    job.blockIndex = run.firstIndex + static_cast<std::uint32_t>(i);
+    count += static_cast<std::size_t>(block.painted & hasPixels(bounds));
+  }
+  return count;
+}
 
 [[gnu::target("avx2")]] void paintJobsAvx2(std::span<const PaintJob> jobs, const MapImage& image) {
   for (const PaintJob& job : jobs) {

@@ -66,6 +66,22 @@ struct PaintJob {
   std::uint32_t blockIndex = 0;
 };
 
+/// Blocks that follow each other in the list, and what belongs to each of them.
+struct BlockRun {
+  std::span<const TreemapBlock> blocks;
+  std::span<const std::uint32_t> colours;
+  /// Of the first block in the whole list.
+  std::uint32_t firstIndex = 0;
+};
+
+/// Writes a job for each painted block of the run that has pixels in the band, in their order, and
+/// returns their number. `jobs` has room for the whole run.
+using GatherJobs = std::size_t (*)(const BlockRun& run, std::int32_t width, const Band& band,
+                                   PaintJob* jobs);
+
+std::size_t gatherJobsPlain(const BlockRun& run, std::int32_t width, const Band& band,
+                            PaintJob* jobs);
+
 /// Carries out jobs in their order.
 using PaintJobs = void (*)(std::span<const PaintJob> jobs, const MapImage& image);
 
@@ -105,6 +121,8 @@ void shadeExactly(const PaintJob& job, std::int32_t column, std::int32_t row, un
                   std::uint32_t* pixels);
 
 #if defined(__x86_64__)
+std::size_t gatherJobsAvx2(const BlockRun& run, std::int32_t width, const Band& band,
+                           PaintJob* jobs);
 void paintJobsAvx2(std::span<const PaintJob> jobs, const MapImage& image);
 void paintJobsAvx512(std::span<const PaintJob> jobs, const MapImage& image);
 #endif

@@ -40,13 +40,19 @@ constexpr unsigned kBandsPerThread = 2;
 /// Runs looked through in one go by one thread.
 constexpr std::size_t kRunsPerPiece = 512;
 
-PaintJobs paintJobsOf(ShadingKernel kernel) {
+/// The two steps of shading in one instruction set.
+struct KernelSteps {
+  GatherJobs gather;
+  PaintJobs paint;
+};
+
+KernelSteps stepsOf(ShadingKernel kernel) {
 #if defined(__x86_64__)
-  if (kernel == ShadingKernel::Avx2) return paintJobsAvx2;
-  if (kernel == ShadingKernel::Avx512) return paintJobsAvx512;
+  if (kernel == ShadingKernel::Avx2) return {gatherJobsAvx2, paintJobsAvx2};
+  if (kernel == ShadingKernel::Avx512) return {gatherJobsAvx2, paintJobsAvx512};
 #endif
   (void)kernel;
-  return paintJobsPlain;
+  return {gatherJobsPlain, paintJobsPlain};
 }
 
 std::uint32_t scaled(std::uint32_t channel, double factor) {
@@ -108,27 +114,19 @@ class MapShader {
     const std::size_t length = static_cast<std::size_t>(band.bottom - band.top) * rowLength;
     std::fill_n(image_.pixels + from, length, kMapBackground);
     std::fill_n(image_.blockAt + from, length, kNoBlock);
-    const PaintJobs paintJobs = paintJobsOf(availableShadingKernels().back());
+    const KernelSteps steps = stepsOf(availableShadingKernels().back());
     std::array<PaintJob, kRunLength> jobs;
     for (const Run& run : runs_) {
       if (run.rows.bottom <= band.top || run.rows.top >= band.bottom) continue;
-      const std::size_t count = gatherJobs(run, band, jobs);
-      paintJobs(std::span(jobs).first(count), image_);
+      const std::size_t count = steps.gather(blocksOf(run), image_.width, band, jobs.data());
+      steps.paint(std::span(jobs).first(count), image_);
     }
   }
 
-  /// What has no pixel is dropped here, without a branch: where blocks are a pixel wide it comes
-  /// without any pattern, and a misprediction costs more than rounding a block's edges.
-  std::size_t gatherJobs(const Run& run, const Band& band,
-                         std::array<PaintJob, kRunLength>& jobs) const {
-    std::size_t count = 0;
-    for (std::size_t i = run.first; i < run.last; ++i) {
-      const TreemapBlock& block = blocks_[i];
-      const PixelBounds bounds = pixelBounds(block.rect, image_.width, band);
-      jobs[count] = {bounds, &block.cushion, colours_[i], static_cast<std::uint32_t>(i)};
-      count += static_cast<std::size_t>(block.painted & !bounds.empty());
-    }
-    return count;
+  BlockRun blocksOf(const Run& run) const {
+    const std::size_t length = run.last - run.first;
+    return {blocks_.subspan(run.first, length), colours_.subspan(run.first, length),
+            static_cast<std::uint32_t>(run.first)};
   }
 
   unsigned rowCount() const { return static_cast<unsigned>(image_.height); }
@@ -181,6 +179,21 @@ void shadeExactly(const PaintJob& job, std::int32_t column, std::int32_t row, un
   }
 }
 
+// What has no pixel is dropped without a branch: where blocks are a pixel wide it comes without any
+// pattern, and a misprediction costs more than rounding a block's edges.
+std::size_t gatherJobsPlain(const BlockRun& run, std::int32_t width, const Band& band,
+                            PaintJob* jobs) {
+  std::size_t count = 0;
+  for (std::size_t i = 0; i < run.blocks.size(); ++i) {
+    const TreemapBlock& block = run.blocks[i];
+    const PixelBounds bounds = pixelBounds(block.rect, width, band);
+    jobs[count] = {bounds, &block.cushion, run.colours[i],
+                   run.firstIndex + static_cast<std::uint32_t>(i)};
+    count += static_cast<std::size_t>(block.painted & !bounds.empty());
+  }
+  return count;
+}
+
 void paintJobsPlain(std::span<const PaintJob> jobs, const MapImage& image) {
   for (const PaintJob& job : jobs) {
     for (std::int32_t row = job.bounds.top; row < job.bounds.bottom; ++row) {
@@ -204,9 +217,12 @@ void shadeBlock(const TreemapBlock& block, std::uint32_t colour, std::uint32_t b
 
 void shadeBlockWith(ShadingKernel kernel, const TreemapBlock& block, std::uint32_t colour,
                     std::uint32_t blockIndex, const MapImage& image) {
-  const PaintJob job = {pixelBounds(block.rect, image.width, {0, image.height}), &block.cushion,
-                        colour, blockIndex};
-  if (!job.bounds.empty()) paintJobsOf(kernel)({&job, 1}, image);
+  const KernelSteps steps = stepsOf(kernel);
+  TreemapBlock painted = block;
+  painted.painted = true;
+  PaintJob job;
+  const BlockRun run = {{&painted, 1}, {&colour, 1}, blockIndex};
+  if (steps.gather(run, image.width, {0, image.height}, &job) != 0) steps.paint({&job, 1}, image);
 }
 
 void shadeBlocks(std::span<const TreemapBlock> blocks, std::span<const std::uint32_t> colours,

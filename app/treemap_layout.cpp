@@ -160,7 +160,7 @@ void Layouter::layOut(NodeId node, const MapRect& rect, std::int32_t depth,
                       CushionCoefficients cushion, double height) {
   if (depth > 0) addRidge(rect, height, &cushion);
   TreemapBlock block = {
-      rect, static_cast<std::int32_t>(node), depth, true, 0, BlockReason::laidOut, cushion};
+      rect, static_cast<std::int32_t>(node), depth, 0, true, BlockReason::laidOut, cushion};
   const auto endAsLeaf = [&](BlockReason reason) {
     block.reason = reason;
     out_.push_back(block);
@@ -244,7 +244,7 @@ void Layouter::place(const PlacedItem& item, const Rest& rest, const TreemapBloc
     return;
   }
   TreemapBlock& block = out_.emplace_back(
-      TreemapBlock{item.rect, item.id, depth, true, 0, BlockReason::laidOut, folder.cushion});
+      TreemapBlock{item.rect, item.id, depth, 0, true, BlockReason::laidOut, folder.cushion});
   addRidge(item.rect, height, &block.cushion);
   if (item.id == kRestMarker) {
     block.id = rest.id;

@@ -48,7 +48,7 @@ inline constexpr std::int32_t kFreeSpaceBlock = -2;
 inline constexpr std::int32_t kOtherSpaceBlock = -3;
 
 /// Why a block came to be what it is.
-enum class BlockReason : std::uint32_t {
+enum class BlockReason : std::uint8_t {
   /// Placed by its folder: a file, an extra block, or a folder (unpainted) whose contents follow.
   laidOut = 0,
   /// A folder with no children, or with none published yet.
@@ -71,11 +71,11 @@ struct TreemapBlock {
   std::int32_t id = 0;
   /// The focused folder is at depth 0, its children at 1.
   std::int32_t depth = 0;
+  /// Entries merged into a rest block; 0 for every other block.
+  std::int32_t restCount = 0;
   /// False for a folder whose contents were laid out: it is there to be outlined, never drawn nor
   /// hit.
   bool painted = true;
-  /// Entries merged into a rest block; 0 for every other block.
-  std::int32_t restCount = 0;
   BlockReason reason = BlockReason::laidOut;
   CushionCoefficients cushion;
   friend bool operator==(const TreemapBlock&, const TreemapBlock&) = default;

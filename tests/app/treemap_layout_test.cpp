@@ -57,7 +57,7 @@ TEST(TreemapLayout, PutsTheFoldersOwnBlockFirstAndUnpainted) {
   fillRoot(tree, {file(50)});
   const std::vector<TreemapBlock> blocks = layOut(tree, 40, 30);
   ASSERT_EQ(blocks.size(), 2U);
-  EXPECT_EQ(blocks[0], (TreemapBlock{{0, 0, 40, 30}, 0, 0, false, 0, BlockReason::laidOut, {}}));
+  EXPECT_EQ(blocks[0], (TreemapBlock{{0, 0, 40, 30}, 0, 0, 0, false, BlockReason::laidOut, {}}));
   EXPECT_TRUE(blocks[1].painted);
   EXPECT_EQ(blocks[1].depth, 1);
   EXPECT_EQ(blocks[1].reason, BlockReason::laidOut);

@@ -259,10 +259,10 @@ TEST(DominantKind, PassesOverWhatIsTakenOut) {
 
 TEST(OutlineRects, KeepTheLargestBlockOfANodeAndTheFirstOfEqualOnes) {
   std::vector<TreemapBlock> blocks(4);
-  blocks[0] = {{0, 0, 2, 2}, 9, 1, true, 0, BlockReason::laidOut, {}};
-  blocks[1] = {{0, 0, 3, 3}, 9, 1, true, 0, BlockReason::laidOut, {}};
-  blocks[2] = {{5, 5, 9, 1}, 9, 1, true, 0, BlockReason::laidOut, {}};
-  blocks[3] = {{0, 0, 99, 99}, 9, 1, true, 4, BlockReason::rest, {}};
+  blocks[0] = {{0, 0, 2, 2}, 9, 1, 0, true, BlockReason::laidOut, {}};
+  blocks[1] = {{0, 0, 3, 3}, 9, 1, 0, true, BlockReason::laidOut, {}};
+  blocks[2] = {{5, 5, 9, 1}, 9, 1, 0, true, BlockReason::laidOut, {}};
+  blocks[3] = {{0, 0, 99, 99}, 9, 1, 4, true, BlockReason::rest, {}};
   OutlineRects rects;
   rects.assign(blocks);
   EXPECT_EQ(rects.blockOf(9), 1U);
