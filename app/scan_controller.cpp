@@ -28,33 +28,33 @@ double seconds(Clock::duration duration) { return std::chrono::duration<double>(
 
 double seconds(std::uint64_t nanoseconds) { return static_cast<double>(nanoseconds) * 1e-9; }
 
-/// The folder that a path stands for once every symbolic link on the way is followed; errno on
-/// failure.
+/// The folder that a path stands for once every symbolic link on the way is followed.
 struct ResolvedFolder {
   std::string path;
   std::uint32_t birthTime = 0;
-  int error = 0;
+  int error = 0;  // an errno, 0 when the folder can be scanned
 };
 
-ResolvedFolder failed(int error) { return {{}, 0, error}; }
-
-std::uint32_t birthTimeOf(const struct statx& status) {
-  if (!(status.stx_mask & STATX_BTIME)) return 0;
-  const std::int64_t time = status.stx_btime.tv_sec;
-  return time < 0 || time > UINT32_MAX ? 0 : static_cast<std::uint32_t>(time);
+/// A path beyond what the kernel takes is used as it stands: only it, not what links on the way
+/// make of it, can be asked for.
+std::string resolveLinks(const std::string& path) {
+  if (path.size() >= PATH_MAX) return path;
+  const std::unique_ptr<char, decltype(&free)> real(realpath(path.c_str(), nullptr), &free);
+  return real ? real.get() : std::string();
 }
 
 ResolvedFolder resolveFolder(const std::string& path) {
-  const std::unique_ptr<char, decltype(&free)> real(realpath(path.c_str(), nullptr), &free);
-  if (!real) return failed(errno);
+  const std::string real = resolveLinks(path);
+  if (real.empty()) return {{}, 0, path.empty() ? ENOENT : errno};
+  // A folder that cannot be opened would show as an empty map without a word.
+  const base::FileDescriptor folder = sizewalk::openDirectory(real);
+  if (!folder.valid()) return {{}, 0, errno};
   struct statx status;
-  if (statx(AT_FDCWD, real.get(), AT_SYMLINK_NOFOLLOW, STATX_TYPE | STATX_BTIME, &status) != 0) {
-    return failed(errno);
+  if (statx(folder.get(), "", AT_EMPTY_PATH | AT_STATX_DONT_SYNC, STATX_BTIME | STATX_CTIME,
+            &status) != 0) {
+    return {{}, 0, errno};
   }
-  if (!S_ISDIR(status.stx_mode)) return failed(ENOTDIR);
-  // A folder that cannot be listed would show as an empty map without a word.
-  if (!sizewalk::openDirectory(real.get()).valid()) return failed(errno);
-  return {real.get(), birthTimeOf(status), 0};
+  return {real, sizewalk::birthOrChangeTime(status), 0};
 }
 
 ScanSummary summarise(const TreeScanner& scanner) {
@@ -83,6 +83,13 @@ ScanSummary summarise(const TreeScanner& scanner) {
   return summary;
 }
 
+ScanSummary failure(int error) {
+  ScanSummary summary;
+  summary.failure = static_cast<std::uint32_t>(error);
+  summary.failureText = std::generic_category().message(error);
+  return summary;
+}
+
 }  // namespace
 
 std::string absolutePath(const std::string& path) {
@@ -93,7 +100,8 @@ std::string absolutePath(const std::string& path) {
   if (error) absolute = path;
   if (std::ranges::find(absolute, "..") != absolute.end()) {
     const fs::path real = fs::canonical(absolute, error);
-    if (!error) absolute = real;
+    if (error) return absolute;  // as it stands: the scan will say what is wrong with it
+    absolute = real;
   }
   std::string normal = absolute.lexically_normal().native();
   while (normal.size() > 1 && normal.back() == '/') normal.pop_back();
@@ -123,14 +131,19 @@ void ScanController::start(const std::string& path) {
   join();
   path_ = absolutePath(path);
   summary_ = {};
-  sizewalk::ScanOptions options = sizewalk::ScanOptions::startingNow();
+  sizewalk::ScanOptions options;
   options.setLastScanTime(sizewalk::lastScanTime(path_));
   scanner_ = std::make_unique<TreeScanner>(options);
   scanner_->onProgress = onProgress_;
   running_ = true;
   finished_ = false;
   neverStarted_ = false;
-  thread_ = std::thread([this, scanner = scanner_.get(), folder = path_] { run(scanner, folder); });
+  try {
+    thread_ =
+        std::thread([this, scanner = scanner_.get(), folder = path_] { run(scanner, folder); });
+  } catch (const std::system_error& error) {
+    finish(failure(error.code().value()));
+  }
 }
 
 const ScanSummary& ScanController::summary() const {
@@ -141,15 +154,19 @@ const ScanSummary& ScanController::summary() const {
 void ScanController::run(TreeScanner* scanner, const std::string& path) {
   const Clock::time_point started = Clock::now();
   const ResolvedFolder folder = resolveFolder(path);
-  if (folder.error == 0) {
-    scanner->setRoot(folder.path, folder.birthTime);
-    scanner->walk(sizewalk::kRootNode);
+  if (folder.error != 0) {
+    finish(failure(folder.error));
+    return;
   }
+  scanner->setRoot(folder.path, folder.birthTime);
+  scanner->walk(sizewalk::kRootNode);
   ScanSummary summary = summarise(*scanner);
-  summary.failure = static_cast<std::uint32_t>(folder.error);
-  if (folder.error != 0) summary.failureText = std::generic_category().message(folder.error);
   summary.elapsedSeconds = seconds(Clock::now() - started);
-  if (!summary.cancelled && folder.error == 0) sizewalk::recordScan(path, 0);
+  if (!summary.cancelled) sizewalk::recordScan(path, 0);
+  finish(summary);
+}
+
+void ScanController::finish(const ScanSummary& summary) {
   summary_ = summary;
   finished_.store(true, std::memory_order_release);
   if (onFinished_) onFinished_();

@@ -68,7 +68,7 @@ class ScanController {
   /// Ends a running scan soon; what was found stays. Does not wait.
   void stop();
 
-  /// The current scan's scanner, kept after its end; null before the first `start`.
+  /// The current scan's scanner, until the next `start` replaces it; null before the first.
   const sizewalk::TreeScanner* scanner() const { return scanner_.get(); }
   sizewalk::TreeScanner* scanner() { return scanner_.get(); }
   /// Absolute path of the current scan, without "." and ".." and trailing slashes.
@@ -86,6 +86,7 @@ class ScanController {
  private:
   void join();
   void run(sizewalk::TreeScanner* scanner, const std::string& path);
+  void finish(const ScanSummary& summary);
 
   std::function<void(const sizewalk::ScanProgress&)> onProgress_;
   std::function<void()> onFinished_;

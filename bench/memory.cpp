@@ -47,7 +47,7 @@ int main(int argc, char** argv) {
   malloc_trim(0);
   const double before = status("VmRSS");
 
-  sizewalk::TreeScanner scanner(sizewalk::ScanOptions::startingNow());
+  sizewalk::TreeScanner scanner{sizewalk::ScanOptions()};
   scanner.setRoot(path);
   scanner.walk(sizewalk::kRootNode);
 

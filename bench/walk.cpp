@@ -33,7 +33,7 @@ struct Place {
 };
 
 std::uint64_t scan(const std::string& path) {
-  TreeScanner scanner(ScanOptions::startingNow());
+  TreeScanner scanner{ScanOptions()};
   scanner.setRoot(path);
   scanner.walk(sizewalk::kRootNode);
   return scanner.tree().nodeCount();

@@ -73,13 +73,6 @@ std::uint64_t directoryDevice(int fd, DirectoryResult* result) {
   return deviceId(status);
 }
 
-std::uint32_t entryTime(const struct statx& status) {
-  const std::int64_t seconds =
-      status.stx_mask & STATX_BTIME ? status.stx_btime.tv_sec : status.stx_ctime.tv_sec;
-  if (seconds < 0 || seconds > std::numeric_limits<std::uint32_t>::max()) return 0;
-  return static_cast<std::uint32_t>(seconds);
-}
-
 /// Lists one directory into one result; lives as long as that takes.
 class Listing {
  public:
@@ -134,7 +127,7 @@ class Listing {
 
   void addExamined(std::string_view name, const struct statx& status) {
     EntryRecord entry;
-    entry.birthTime = entryTime(status);
+    entry.birthTime = birthOrChangeTime(status);
     entry.itemCount = 1;
     switch (status.stx_mode & S_IFMT) {
       case S_IFREG:
@@ -197,6 +190,13 @@ class Listing {
 base::FileDescriptor openDirectory(const std::string& path) {
   if (path.size() >= PATH_MAX) return openLongPath(path);
   return openAt(AT_FDCWD, path.c_str(), kOpenFlags);
+}
+
+std::uint32_t birthOrChangeTime(const struct statx& status) {
+  const std::int64_t seconds =
+      status.stx_mask & STATX_BTIME ? status.stx_btime.tv_sec : status.stx_ctime.tv_sec;
+  if (seconds < 0 || seconds > std::numeric_limits<std::uint32_t>::max()) return 0;
+  return static_cast<std::uint32_t>(seconds);
 }
 
 void readDirectory(const ReadRules& rules, int fd, DirectoryResult* result,

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/stat.h>
+
 #include <atomic>
 #include <cstddef>
 #include <span>
@@ -14,6 +16,10 @@ namespace sizewalk {
 /// a symbolic link in the last component. A path longer than the kernel takes in one call is opened
 /// step by step from an ancestor. On failure the descriptor is none and errno says why. Any thread.
 base::FileDescriptor openDirectory(const std::string& path);
+
+/// When the entry came to be, in seconds since the epoch: its birth time, or its change time where
+/// the file system keeps none. 0 when that is unknown or does not fit.
+std::uint32_t birthOrChangeTime(const struct statx& status);
 
 /// What a reader needs to know of the scan it works for.
 struct ReadRules {

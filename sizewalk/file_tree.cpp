@@ -6,49 +6,9 @@
 
 #include "sizewalk/fatal.h"
 
-// Taking subtrees out while the walk goes on rests on one rule: a sum is rolled up as far as the
-// first taken-out node and no further, and only what no taken-out node stands above counts in the
-// totals. So a taken-out node always carries what its subtree holds at the moment, and putting it
-// back is adding that to what lies above, whether or not the walk has been inside since. Keeping a
-// copy of the sums in the removal record instead would put back what the subtree held when it was
-// taken out, and lose the rest.
-
 namespace sizewalk {
 
 namespace {
-
-constexpr std::array kScanFields = {&ScanTotals::files,         &ScanTotals::directories,
-                                    &ScanTotals::datedEntries,  &ScanTotals::hardLinks,
-                                    &ScanTotals::hardLinkBytes, &ScanTotals::errors,
-                                    &ScanTotals::systemCalls};
-
-constexpr std::array kKindFields = {
-    &KindTotals::allocatedSize,  &KindTotals::apparentSize,       &KindTotals::count,
-    &KindTotals::addedLastMonth, &KindTotals::addedLastSixMonths, &KindTotals::addedSinceLastScan};
-
-std::uint64_t loadShared(std::uint64_t& value) {
-  return std::atomic_ref(value).load(std::memory_order_relaxed);
-}
-
-/// Adds with one writer, so that a load and a store suffice; wraps, so that it also subtracts.
-void addShared(std::uint64_t& value, std::uint64_t amount) {
-  std::atomic_ref(value).store(loadShared(value) + amount, std::memory_order_relaxed);
-}
-
-template <typename Totals, typename Fields>
-Totals loadTotals(Totals& shared, const Fields& fields) {
-  Totals copy;
-  for (const auto field : fields) copy.*field = loadShared(shared.*field);
-  return copy;
-}
-
-template <typename Totals, typename Fields>
-void addTotals(Totals& shared, const Totals& amount, const Fields& fields, bool add) {
-  for (const auto field : fields) {
-    const std::uint64_t value = amount.*field;
-    if (value != 0) addShared(shared.*field, add ? value : 0 - value);
-  }
-}
 
 std::string_view lastComponent(std::string_view path) {
   const std::size_t slash = path.rfind('/');
@@ -57,37 +17,6 @@ std::string_view lastComponent(std::string_view path) {
 }
 
 }  // namespace
-
-/// The six values that roll up. Unsigned with wrap-around, so that the same code adds and
-/// subtracts.
-struct FileTree::Sums {
-  std::uint64_t apparentSize = 0;
-  std::uint64_t allocatedSize = 0;
-  std::uint32_t itemCount = 0;
-  std::uint64_t addedLastMonth = 0;
-  std::uint64_t addedLastSixMonths = 0;
-  std::uint64_t addedSinceLastScan = 0;
-
-  void add(const Sums& other) {
-    apparentSize += other.apparentSize;
-    allocatedSize += other.allocatedSize;
-    itemCount += other.itemCount;
-    addedLastMonth += other.addedLastMonth;
-    addedLastSixMonths += other.addedLastSixMonths;
-    addedSinceLastScan += other.addedSinceLastScan;
-  }
-
-  Sums negated() const {
-    return {0 - apparentSize,   0 - allocatedSize,      0 - itemCount,
-            0 - addedLastMonth, 0 - addedLastSixMonths, 0 - addedSinceLastScan};
-  }
-};
-
-/// Every total that the visible nodes of a subtree account for.
-struct FileTree::Tally {
-  ScanTotals scan;
-  std::array<KindTotals, kKindCount> kinds{};
-};
 
 FileTree::FileTree(const ScanOptions& options, TreeLimits limits)
     : options_(options),
@@ -112,15 +41,13 @@ void FileTree::createRoot(std::string rootPath, std::uint32_t birthTime) {
   const base::MutexLock lock(writeMutex_);
   rootPath_ = std::move(rootPath);
   growTo(1);
+  end_ = 1;
   EntryRecord root;
   root.kind = kKindFolder;
   root.birthTime = birthTime;
   writeNode(kRootNode, kRootNode, root, lastComponent(rootPath_), NodeFlag::Directory, {});
   publish();
 }
-
-// --- Growing
-// ------------------------------------------------------------------------------------------
 
 void FileTree::growTo(std::uint64_t nodes) {
   if (nodes > limits_.nodes) {
@@ -140,7 +67,6 @@ void FileTree::growTo(std::uint64_t nodes) {
   addedLastMonth_.grow(nodes);
   addedLastSixMonths_.grow(nodes);
   addedSinceLastScan_.grow(nodes);
-  end_ = nodes;
 }
 
 /// A name lies within one page, so that it can be handed out as one piece; what is left of a page
@@ -162,80 +88,80 @@ void FileTree::addChildren(const DirectoryResult& result, std::vector<NodeId>* s
   subdirectories->clear();
   const base::MutexLock lock(writeMutex_);
   const NodeId directory = result.directory;
-  const bool visible = !beneathExcluded(directory);
-  noteErrors(result, visible);
-  if (result.entries.empty()) return;
-
-  const std::uint64_t first = end_;
-  growTo(end_ + result.entries.size());
-  const auto firstNode = static_cast<NodeId>(first);
-  const Sums batch = appendEntries(result, firstNode, visible);
-  setChildren(directory, firstNode, static_cast<std::uint32_t>(result.entries.size()));
-  if (visible) {
-    addShared(totals_.files, batch.itemCount);
-    addShared(totals_.directories, result.subdirectories.size());
+  const Visibility visibility = visibilityInside(directory);
+  Tally tally;
+  noteErrors(result, &tally);
+  totals_.addSystemCalls(result.systemCalls);
+  if (!result.entries.empty()) {
+    const auto first = static_cast<NodeId>(end_);
+    growTo(end_ + result.entries.size());
+    const NodeSums batch = appendEntries(result, first, visibility, &tally);
+    end_ += result.entries.size();
+    setChildren(directory, {first, static_cast<NodeId>(end_)});
+    rollUp(directory, batch);
+    for (const std::uint32_t position : result.subdirectories) {
+      subdirectories->push_back(first + position);
+    }
   }
-  rollUp(directory, batch);
+  if (visibility == Visibility::Visible) totals_.add(tally);
   publish();
-  for (const std::uint32_t position : result.subdirectories) {
-    subdirectories->push_back(firstNode + position);
-  }
 }
 
-void FileTree::noteErrors(const DirectoryResult& result, bool visible) {
-  addShared(totals_.systemCalls, result.systemCalls);
+void FileTree::noteErrors(const DirectoryResult& result, Tally* tally) {
   if (result.unreadable) {
     setFlags(result.directory, flags(result.directory).with(NodeFlag::Unreadable));
   }
   if (result.errors == 0) return;
-  if (visible) addShared(totals_.errors, result.errors);
+  tally->scan.errors += result.errors;
   const auto flagged = static_cast<std::uint64_t>(std::ranges::count_if(
       result.entries, [](const EntryRecord& e) { return e.flags.has(NodeFlag::Unreadable); }));
   const std::uint64_t unflagged = result.errors - flagged - (result.unreadable ? 1 : 0);
-  if (unflagged != 0) listingFailures_.push_back({result.directory, unflagged});
+  if (unflagged != 0) listingFailures_[result.directory] += unflagged;
 }
 
-FileTree::Sums FileTree::appendEntries(const DirectoryResult& result, NodeId first, bool visible) {
-  Sums batch;
-  std::uint64_t dated = 0;
+/// Writes the nodes from `first` on and returns their sums.
+NodeSums FileTree::appendEntries(const DirectoryResult& result, NodeId first, Visibility visibility,
+                                 Tally* tally) {
+  NodeSums batch;
   NodeId node = first;
   for (const EntryRecord& entry : result.entries) {
-    const bool duplicate = noteHardLink(entry, node, visible);
-    const Sums sums = entrySums(entry, duplicate);
-    const NodeFlags flags = duplicate ? entry.flags.with(NodeFlag::HardLinkDuplicate) : entry.flags;
-    writeNode(node, result.directory, entry, result.nameOf(entry), flags, sums);
-    dated += entry.birthTime != 0;
-    if (visible && !entry.flags.has(NodeFlag::Directory)) {
-      KindTotals& kind = kindTotals_[entry.kind];
-      addShared(kind.allocatedSize, sums.allocatedSize);
-      addShared(kind.apparentSize, sums.apparentSize);
-      addShared(kind.count, 1);
-      addShared(kind.addedLastMonth, sums.addedLastMonth);
-      addShared(kind.addedLastSixMonths, sums.addedLastSixMonths);
-      addShared(kind.addedSinceLastScan, sums.addedSinceLastScan);
+    NodeFlags flags = entry.flags;
+    NodeSums sums;
+    if (isDuplicate(entry, node, visibility)) {
+      flags = flags.with(NodeFlag::HardLinkDuplicate);
+      duplicates_.push_back({node, entry.allocatedSize});
+      tally->scan.hardLinks += 1;
+      tally->scan.hardLinkBytes += entry.allocatedSize;
+    } else {
+      sums = entrySums(entry);
     }
+    writeNode(node, result.directory, entry, result.nameOf(entry), flags, sums);
+    tally->scan.datedEntries += entry.birthTime != 0;
+    if (!flags.has(NodeFlag::Directory)) tally->addToKind(entry.kind, sums);
     batch.add(sums);
     ++node;
   }
-  if (visible) addShared(totals_.datedEntries, dated);
+  tally->scan.files += batch.itemCount;
+  tally->scan.directories += result.subdirectories.size();
   return batch;
 }
 
-/// True when the entry's file was counted at another node before.
-bool FileTree::noteHardLink(const EntryRecord& entry, NodeId node, bool visible) {
+/// Whether the entry's file is counted at another node. One that was counted at a node taken out
+/// since is counted here, where it can be seen.
+bool FileTree::isDuplicate(const EntryRecord& entry, NodeId node, Visibility visibility) {
   if (entry.hardLinkKey == 0 || !options_.dedupeHardLinks) return false;
-  if (hardLinks_.findOrInsert(entry.hardLinkKey, node) == node) return false;
-  duplicates_.push_back({node, entry.allocatedSize});
-  if (visible) {
-    addShared(totals_.hardLinks, 1);
-    addShared(totals_.hardLinkBytes, entry.allocatedSize);
+  const NodeId counted = hardLinks_.findOrInsert(entry.hardLinkKey, node);
+  if (counted == node) return false;
+  if (visibility == Visibility::Hidden || visibilityInside(counted) == Visibility::Visible) {
+    return true;
   }
-  return true;
+  hardLinks_.assign(entry.hardLinkKey, node);
+  displaced_.push_back({entry.hardLinkKey, counted});
+  return false;
 }
 
-FileTree::Sums FileTree::entrySums(const EntryRecord& entry, bool duplicate) const {
-  if (duplicate) return {};
-  Sums sums;
+NodeSums FileTree::entrySums(const EntryRecord& entry) const {
+  NodeSums sums;
   sums.apparentSize = entry.apparentSize;
   sums.allocatedSize = entry.allocatedSize;
   sums.itemCount = entry.itemCount;
@@ -251,7 +177,7 @@ FileTree::Sums FileTree::entrySums(const EntryRecord& entry, bool duplicate) con
 }
 
 void FileTree::writeNode(NodeId node, NodeId parent, const EntryRecord& entry,
-                         std::string_view name, NodeFlags flags, const Sums& sums) {
+                         std::string_view name, NodeFlags flags, const NodeSums& sums) {
   parent_[node] = parent;
   nameOffset_[node] = storeName(name);
   nameLength_[node] = static_cast<std::uint16_t>(name.size());
@@ -267,10 +193,7 @@ void FileTree::writeNode(NodeId node, NodeId parent, const EntryRecord& entry,
   // firstChild and childCount: the fresh page holds the 0 they start with.
 }
 
-// --- Sums
-// ---------------------------------------------------------------------------------------------
-
-FileTree::Sums FileTree::sumsOf(NodeId node) const {
+NodeSums FileTree::sumsOf(NodeId node) const {
   return {apparentSize_.load(node),
           allocatedSize_.load(node),
           static_cast<std::uint32_t>(itemCount_.load(node)),
@@ -279,7 +202,7 @@ FileTree::Sums FileTree::sumsOf(NodeId node) const {
           addedSinceLastScan_.load(node)};
 }
 
-void FileTree::addSums(NodeId node, const Sums& sums) {
+void FileTree::addSums(NodeId node, const NodeSums& sums) {
   apparentSize_.add(node, sums.apparentSize);
   allocatedSize_.add(node, sums.allocatedSize);
   itemCount_.store(node, static_cast<std::int32_t>(
@@ -290,7 +213,7 @@ void FileTree::addSums(NodeId node, const Sums& sums) {
 }
 
 /// Adds `sums` to `from` and to what lies above it, up to the root or the first taken-out node.
-void FileTree::rollUp(NodeId from, const Sums& sums) {
+void FileTree::rollUp(NodeId from, const NodeSums& sums) {
   for (NodeId node = from;; node = parent_[node]) {
     addSums(node, sums);
     if (node == kRootNode || flags(node).has(NodeFlag::Excluded)) return;
@@ -301,173 +224,24 @@ void FileTree::publish() { published_.store(static_cast<NodeId>(end_), std::memo
 
 void FileTree::setFlags(NodeId node, NodeFlags flags) { flags_.store(node, flags.bits()); }
 
-/// A change of an existing range passes through 0, which `children` uses to tell a torn pair.
-void FileTree::setChildren(NodeId node, NodeId first, std::uint32_t count) {
-  childCount_.store(node, 0, std::memory_order_release);
-  firstChild_.store(node, first, std::memory_order_release);
-  childCount_.store(node, count, std::memory_order_release);
+/// A range that readers may have seen is replaced between two steps of a counter, so that nobody
+/// takes the start of one range with the length of another.
+void FileTree::setChildren(NodeId node, NodeRange range) {
+  const bool seen = firstChild_[node] != 0;
+  if (seen) rangeChanges_.fetch_add(1, std::memory_order_acq_rel);
+  firstChild_.store(node, range.first, std::memory_order_release);
+  childCount_.store(node, range.size(), std::memory_order_release);
+  if (seen) rangeChanges_.fetch_add(1, std::memory_order_release);
 }
 
 NodeRange FileTree::children(NodeId node) const {
   const NodeId end = nodeCount();
+  const std::uint64_t before = rangeChanges_.load(std::memory_order_acquire);
   const std::uint32_t count = childCount_.load(node, std::memory_order_acquire);
   const NodeId first = firstChild_.load(node, std::memory_order_acquire);
-  // The count read twice: equal counts around a changed start would need the start to have been
-  // written between two equal values, and every change writes a 0 between them.
-  if (count == 0 || childCount_.load(node) != count || first >= end) return {};
+  const bool torn = before % 2 != 0 || rangeChanges_.load(std::memory_order_acquire) != before;
+  if (torn || count == 0 || first >= end) return {};
   return {first, first + std::min(count, end - first)};
-}
-
-// --- Taking out and putting back
-// ------------------------------------------------------------------------
-
-bool FileTree::beneathExcluded(NodeId node) const {
-  if (takenOut_.empty()) return false;
-  for (;; node = parent_[node]) {
-    if (flags(node).has(NodeFlag::Excluded)) return true;
-    if (node == kRootNode) return false;
-  }
-}
-
-/// Whether the root leads to `node` without passing anything taken out or dropped.
-bool FileTree::isVisible(NodeId node) const {
-  if (node >= end_) return false;
-  for (; node != kRootNode; node = parent_[node]) {
-    const NodeId above = parent_[node];
-    const NodeId first = firstChild_[above];
-    if (node < first || node - first >= childCount_[above]) return false;
-    if (flags(node).has(NodeFlag::Excluded)) return false;
-  }
-  return true;
-}
-
-bool FileTree::isWithin(NodeId node, NodeId folder) const {
-  while (node != folder && node != kRootNode) node = parent_[node];
-  return node == folder;
-}
-
-void FileTree::tallyNode(NodeId node, Tally* tally) const {
-  const NodeFlags flags = this->flags(node);
-  tally->scan.datedEntries += birthTime_[node] != 0;
-  tally->scan.errors += flags.has(NodeFlag::Unreadable);
-  if (flags.has(NodeFlag::Directory)) {
-    tally->scan.directories += !flags.has(NodeFlag::MountPoint);
-    return;
-  }
-  tally->scan.files += static_cast<std::uint32_t>(itemCount_[node]);
-  KindTotals& kind = tally->kinds[kind_[node]];
-  kind.allocatedSize += allocatedSize_[node];
-  kind.apparentSize += apparentSize_[node];
-  kind.count += 1;
-  kind.addedLastMonth += addedLastMonth_[node];
-  kind.addedLastSixMonths += addedLastSixMonths_[node];
-  kind.addedSinceLastScan += addedSinceLastScan_[node];
-  if (flags.has(NodeFlag::HardLinkDuplicate)) {
-    const auto found = std::ranges::lower_bound(duplicates_, node, {}, &Duplicate::node);
-    tally->scan.hardLinks += 1;
-    tally->scan.hardLinkBytes += found->bytes;
-  }
-}
-
-/// What `node` and all that is visible beneath it account for.
-FileTree::Tally FileTree::tallySubtree(NodeId node) const {
-  Tally tally;
-  tallyNode(node, &tally);
-  std::vector<NodeId> folders = {node};
-  while (!folders.empty()) {
-    const NodeId folder = folders.back();
-    folders.pop_back();
-    const NodeId first = firstChild_[folder];
-    for (NodeId child = first; child != first + childCount_[folder]; ++child) {
-      if (flags(child).has(NodeFlag::Excluded)) continue;
-      tallyNode(child, &tally);
-      if (childCount_[child] != 0) folders.push_back(child);
-    }
-  }
-  for (const ListingFailure& failure : listingFailures_) {
-    NodeId above = failure.directory;
-    while (above != node && above != kRootNode && !flags(above).has(NodeFlag::Excluded)) {
-      above = parent_[above];
-    }
-    if (above == node) tally.scan.errors += failure.errors;
-  }
-  return tally;
-}
-
-void FileTree::applyTally(const Tally& tally, bool add) {
-  addTotals(totals_, tally.scan, kScanFields, add);
-  for (std::size_t kind = 0; kind < tally.kinds.size(); ++kind) {
-    addTotals(kindTotals_[kind], tally.kinds[kind], kKindFields, add);
-  }
-}
-
-RemovedSubtree FileTree::removeSubtree(NodeId node) {
-  const base::MutexLock lock(writeMutex_);
-  if (node == kRootNode || !isVisible(node)) return {};
-  const Sums sums = sumsOf(node);
-  const RemovedSubtree record = {static_cast<std::int32_t>(node), firstChild_[node],
-                                 childCount_[node], sums.allocatedSize, true};
-  applyTally(tallySubtree(node), false);
-  rollUp(parent_[node], sums.negated());
-  setFlags(node, flags(node).with(NodeFlag::Excluded));
-  setChildren(node, 0, 0);
-  takenOut_.push_back({node, sums.allocatedSize});
-  takenOutBytes_.fetch_add(sums.allocatedSize, std::memory_order_relaxed);
-  publish();
-  return record;
-}
-
-void FileTree::restoreSubtree(const RemovedSubtree& record) {
-  const base::MutexLock lock(writeMutex_);
-  if (!record.valid || record.node < 0 || static_cast<NodeId>(record.node) >= end_) return;
-  const auto node = static_cast<NodeId>(record.node);
-  const auto found = std::ranges::find(takenOut_, node, &TakenOut::node);
-  if (found == takenOut_.end()) return;
-
-  takenOut_.erase(found);
-  takenOutBytes_.fetch_sub(record.allocatedBytes, std::memory_order_relaxed);
-  setFlags(node, flags(node).without(NodeFlag::Excluded));
-  // A folder that had not been read when it was taken out may have been read since: then its range
-  // is set.
-  if (record.childCount != 0) setChildren(node, record.firstChild, record.childCount);
-  rollUp(parent_[node], sumsOf(node));
-  if (!beneathExcluded(node)) applyTally(tallySubtree(node), true);
-  publish();
-}
-
-bool FileTree::dropContents(NodeId folder) {
-  const base::MutexLock lock(writeMutex_);
-  if (!isVisible(folder) || !isDirectory(folder)) return false;
-
-  Tally contents = tallySubtree(folder);
-  contents.scan.datedEntries -= birthTime_[folder] != 0;  // the folder itself stays
-  contents.scan.directories -= !flags(folder).has(NodeFlag::MountPoint);
-  applyTally(contents, false);
-  setFlags(folder, flags(folder).without(NodeFlag::Unreadable));
-  rollUp(folder, sumsOf(folder).negated());
-
-  const auto within = [&](NodeId node) { return isWithin(node, folder); };
-  hardLinks_.eraseIf(within);
-  std::erase_if(listingFailures_, [&](const auto& failure) { return within(failure.directory); });
-  std::erase_if(duplicates_, [&](const auto& duplicate) { return within(duplicate.node); });
-  std::erase_if(takenOut_, [&](const TakenOut& taken) {
-    if (!within(taken.node)) return false;
-    takenOutBytes_.fetch_sub(taken.bytes, std::memory_order_relaxed);
-    return true;
-  });
-  setChildren(folder, 0, 0);
-  publish();
-  return true;
-}
-
-// --- Reading
-// --------------------------------------------------------------------------------------------
-
-ScanTotals FileTree::totals() const { return loadTotals(totals_, kScanFields); }
-
-KindTotals FileTree::kindTotals(int kind) const {
-  if (kind < 0 || kind >= kKindCount) return {};
-  return loadTotals(kindTotals_[static_cast<std::size_t>(kind)], kKindFields);
 }
 
 std::string FileTree::path(NodeId node) const {

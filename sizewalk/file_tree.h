@@ -1,20 +1,20 @@
 #pragma once
 
-#include <array>
 #include <atomic>
 #include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "base/mutex.h"
 #include "sizewalk/directory_result.h"
-#include "sizewalk/file_kinds.h"
 #include "sizewalk/hard_link_set.h"
 #include "sizewalk/node.h"
 #include "sizewalk/paged_column.h"
 #include "sizewalk/scan_options.h"
+#include "sizewalk/tree_totals.h"
 
 namespace sizewalk {
 
@@ -22,36 +22,6 @@ namespace sizewalk {
 struct TreeLimits {
   std::uint64_t nodes = 268435456;
   std::uint64_t nameBytes = 4294967296;
-};
-
-/// What the entries of one file kind add up to. Directories are not counted into kinds.
-struct KindTotals {
-  std::uint64_t allocatedSize = 0;
-  std::uint64_t apparentSize = 0;
-  /// Directory entries, so a hard-link duplicate counts here although its sizes are 0.
-  std::uint64_t count = 0;
-  std::uint64_t addedLastMonth = 0;
-  std::uint64_t addedLastSixMonths = 0;
-  std::uint64_t addedSinceLastScan = 0;
-  friend bool operator==(const KindTotals&, const KindTotals&) = default;
-};
-
-/// What the visible part of a tree, or of one subtree, adds up to beside its sizes.
-struct ScanTotals {
-  /// Sum of the entries' item counts.
-  std::uint64_t files = 0;
-  /// Subdirectories handed to the walk; mount points are not among them.
-  std::uint64_t directories = 0;
-  /// Entries with a known birth time.
-  std::uint64_t datedEntries = 0;
-  std::uint64_t hardLinks = 0;
-  /// Allocated bytes of the duplicates, as they would be if each counted for itself.
-  std::uint64_t hardLinkBytes = 0;
-  /// Entries that could not be examined, directories that could not be opened or listed to the end.
-  std::uint64_t errors = 0;
-  /// Status and listing calls issued by the readers. Only grows.
-  std::uint64_t systemCalls = 0;
-  friend bool operator==(const ScanTotals&, const ScanTotals&) = default;
 };
 
 /// What is needed to put a taken-out subtree back.
@@ -62,6 +32,8 @@ struct RemovedSubtree {
   std::uint32_t childCount = 0;
   /// The subtree's allocated bytes when it was taken out.
   std::uint64_t allocatedBytes = 0;
+  /// Tells this removal from every other one of the same node.
+  std::uint64_t serial = 0;
   bool valid = false;
 };
 
@@ -88,34 +60,36 @@ class FileTree {
   /// system.
   void createRoot(std::string rootPath, std::uint32_t birthTime = 0);
 
-  // --- Writing
-  // --------------------------------------------------------------------------------------
+  // Writing. One of these runs at a time, whichever thread calls it.
 
   /// Appends the entries of one read directory as the children of `result.directory`, rolls their
   /// sums up and publishes them. Sets `subdirectories` to the nodes that are to be read next.
-  /// Beneath a taken-out node sums go no further than that node and no total changes. Ends the
-  /// program when a limit is passed; throws std::bad_alloc when there is no memory for another
-  /// page.
+  /// Beneath a taken-out node sums go no further than that node and no total changes. A directory
+  /// is added once, and again only after `dropContents`.
+  ///
+  /// Ends the program when a limit is passed. Throws std::bad_alloc when there is no memory for
+  /// another page; the tree is then fit only to be destroyed.
   void addChildren(const DirectoryResult& result, std::vector<NodeId>* subdirectories);
 
   /// Forgets what `folder` holds, before it is read anew: its contents leave every sum and total
   /// and the hard-link set, and records of subtrees taken out beneath it become void. The nodes
-  /// stay allocated but nothing leads to them. Returns false, changing nothing, when `folder` is
-  /// not a visible directory.
+  /// stay allocated, so that an index which somebody holds stays readable, but nothing leads to
+  /// them. No walk may be running. Returns false, changing nothing, when `folder` is not a visible
+  /// directory.
   bool dropContents(NodeId folder);
 
   /// Takes `node` and all it holds out of the tree: every ancestor and every total drops by what
-  /// the subtree holds. Hard-link duplicates elsewhere of files within stay duplicates. Returns an
-  /// invalid record, changing nothing, for the root and for a node that is not visible.
+  /// the subtree holds. Its other names, where a file within has any, stay duplicates of size 0 as
+  /// long as they are not read anew. Returns an invalid record, changing nothing, for the root and
+  /// for a node that is not visible.
   RemovedSubtree removeSubtree(NodeId node);
 
   /// Puts back what `removeSubtree` took out, with what the subtree holds by now: a walk may have
-  /// gone on inside it. Does nothing for a record that is not valid or whose node is not taken out
-  /// (any more).
+  /// gone on inside it. Does nothing for a record that is not valid, or not the one of the node's
+  /// present removal.
   void restoreSubtree(const RemovedSubtree& record);
 
-  // --- Reading: any thread
-  // ----------------------------------------------------------------------------
+  // Reading, by any thread.
 
   /// Nodes published so far; smaller indices are complete.
   NodeId nodeCount() const noexcept { return published_.load(std::memory_order_acquire); }
@@ -146,12 +120,14 @@ class FileTree {
   /// even while the folder is being read anew.
   NodeRange children(NodeId node) const;
 
-  ScanTotals totals() const;
-  /// All zero for a kind outside the table.
-  KindTotals kindTotals(int kind) const;
+  ScanTotals totals() const { return totals_.scan(); }
+  /// All zero for a kind outside the list.
+  KindTotals kindTotals(int kind) const { return totals_.kind(kind); }
   /// Allocated bytes of all subtrees that are taken out, each as large as when it was taken.
   std::uint64_t takenOutBytes() const { return takenOutBytes_.load(std::memory_order_relaxed); }
 
+  /// Of the scanned folder; to be asked by other threads once `nodeCount()` is above 0, as are all
+  /// paths.
   const std::string& rootPath() const { return rootPath_; }
   /// The full path of `node`. It may be longer than the kernel accepts in one call.
   std::string path(NodeId node) const;
@@ -163,67 +139,74 @@ class FileTree {
   std::uint64_t countSubtree(NodeId node) const;
 
  private:
-  struct Sums;
-  struct Tally;
+  enum class Visibility { Visible, Hidden };
   struct TakenOut {
-    NodeId node;
-    std::uint64_t bytes;
+    NodeRange children;
+    std::uint64_t bytes = 0;
+    std::uint64_t serial = 0;
   };
   struct Duplicate {
     NodeId node;
     std::uint64_t bytes;
   };
-  struct ListingFailure {
-    NodeId directory;
-    std::uint64_t errors;
+  /// A file that was counted at `node` until that was taken out and another name turned up.
+  struct Displaced {
+    std::uint64_t key;
+    NodeId node;
   };
 
   void growTo(std::uint64_t nodes) REQUIRES(writeMutex_);
   std::uint32_t storeName(std::string_view name) REQUIRES(writeMutex_);
-  void noteErrors(const DirectoryResult& result, bool visible) REQUIRES(writeMutex_);
-  Sums appendEntries(const DirectoryResult& result, NodeId first, bool visible)
+  void noteErrors(const DirectoryResult& result, Tally* tally) REQUIRES(writeMutex_);
+  NodeSums appendEntries(const DirectoryResult& result, NodeId first, Visibility visibility,
+                         Tally* tally) REQUIRES(writeMutex_);
+  bool isDuplicate(const EntryRecord& entry, NodeId node, Visibility visibility)
       REQUIRES(writeMutex_);
-  Sums entrySums(const EntryRecord& entry, bool duplicate) const;
-  bool noteHardLink(const EntryRecord& entry, NodeId node, bool visible) REQUIRES(writeMutex_);
+  NodeSums entrySums(const EntryRecord& entry) const;
   void writeNode(NodeId node, NodeId parent, const EntryRecord& entry, std::string_view name,
-                 NodeFlags flags, const Sums& sums) REQUIRES(writeMutex_);
-  void setChildren(NodeId node, NodeId first, std::uint32_t count) REQUIRES(writeMutex_);
+                 NodeFlags flags, const NodeSums& sums) REQUIRES(writeMutex_);
+  void setChildren(NodeId node, NodeRange range) REQUIRES(writeMutex_);
   void setFlags(NodeId node, NodeFlags flags) REQUIRES(writeMutex_);
+  void publish() REQUIRES(writeMutex_);
 
-  Sums sumsOf(NodeId node) const;
-  void addSums(NodeId node, const Sums& sums) REQUIRES(writeMutex_);
-  void rollUp(NodeId from, const Sums& sums) REQUIRES(writeMutex_);
-  bool beneathExcluded(NodeId node) const REQUIRES(writeMutex_);
+  NodeSums sumsOf(NodeId node) const;
+  void addSums(NodeId node, const NodeSums& sums) REQUIRES(writeMutex_);
+  void rollUp(NodeId from, const NodeSums& sums) REQUIRES(writeMutex_);
+  Visibility visibilityInside(NodeId node) const REQUIRES(writeMutex_);
   bool isVisible(NodeId node) const REQUIRES(writeMutex_);
   bool isWithin(NodeId node, NodeId folder) const;
+  NodeRange writtenChildren(NodeId node) const REQUIRES(writeMutex_);
   Tally tallySubtree(NodeId node) const REQUIRES(writeMutex_);
   void tallyNode(NodeId node, Tally* tally) const REQUIRES(writeMutex_);
-  void applyTally(const Tally& tally, bool add) REQUIRES(writeMutex_);
-  void publish() REQUIRES(writeMutex_);
+  std::vector<bool> nodesBelow(NodeId folder) const REQUIRES(writeMutex_);
+  void forget(const std::vector<bool>& gone) REQUIRES(writeMutex_);
+  void settleDisplaced(NodeId restored) REQUIRES(writeMutex_);
+  void makeDuplicate(NodeId node) REQUIRES(writeMutex_);
 
   const ScanOptions options_;
   const TreeLimits limits_;
   std::string rootPath_;
 
   /// Serialises the integrator with the window thread's own changes. Guards the plain members below
-  /// and every write to the columns.
+  /// and every write to the columns and totals.
   mutable base::Mutex writeMutex_;
-  std::uint64_t end_ GUARDED_BY(writeMutex_) = 0;       // nodes written, published or about to be
+  std::uint64_t end_ GUARDED_BY(writeMutex_) = 0;       // nodes that are complete
   std::uint64_t namesEnd_ GUARDED_BY(writeMutex_) = 0;  // bytes of the name store in use
   HardLinkSet hardLinks_ GUARDED_BY(writeMutex_);
-  std::vector<TakenOut> takenOut_ GUARDED_BY(writeMutex_);
   /// What hard-link duplicates would have taken, in ascending order of node.
   std::vector<Duplicate> duplicates_ GUARDED_BY(writeMutex_);
-  /// Errors that no node's flag stands for: listings that broke off.
-  std::vector<ListingFailure> listingFailures_ GUARDED_BY(writeMutex_);
+  std::vector<Displaced> displaced_ GUARDED_BY(writeMutex_);
+  std::unordered_map<NodeId, TakenOut> takenOut_ GUARDED_BY(writeMutex_);
+  std::uint64_t lastSerial_ GUARDED_BY(writeMutex_) = 0;
+  /// By directory, errors that no node's flag stands for: listings that broke off.
+  std::unordered_map<NodeId, std::uint64_t> listingFailures_ GUARDED_BY(writeMutex_);
 
   /// Publishes the columns below it.
   std::atomic<NodeId> published_{0};
   std::atomic<std::uint64_t> takenOutBytes_{0};
-
-  /// Written under the mutex, read by anyone, field by field through relaxed atomics.
-  mutable ScanTotals totals_;
-  mutable std::array<KindTotals, kKindCount> kindTotals_{};
+  /// Odd while a child range that readers may have seen is being replaced.
+  std::atomic<std::uint64_t> rangeChanges_{0};
+  SharedTotals totals_;
 
   PagedColumn<NodeId> parent_;
   PagedColumn<std::uint32_t> nameOffset_;

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <vector>
 
 #include "sizewalk/node.h"
@@ -31,6 +32,11 @@ class HardLinkSet {
   /// The node counted for `key` before; or `node` itself when the key is new, which then stands for
   /// it. `key` is not 0.
   NodeId findOrInsert(std::uint64_t key, NodeId node);
+
+  /// The node counted for `key`; nothing when the key is unknown.
+  std::optional<NodeId> find(std::uint64_t key) const;
+  /// Makes `node` the one counted for `key`, which must be known.
+  void assign(std::uint64_t key, NodeId node);
 
   /// Forgets every key whose counted node satisfies `gone`.
   void eraseIf(const std::function<bool(NodeId)>& gone);

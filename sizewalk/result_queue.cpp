@@ -41,9 +41,9 @@ std::unique_ptr<DirectoryResult> ResultQueue::pop() {
   bool wake = false;
   {
     const base::MutexLock lock(mutex_);
+    if (readPosition_ == results_.size() && !closed_) ++consumerWaits_;
     while (readPosition_ == results_.size()) {
       if (closed_) return nullptr;
-      ++consumerWaits_;
       consumerWaiting_ = true;
       resultCame_.waitUntil(mutex_, std::chrono::steady_clock::now() + kLongestPause);
     }

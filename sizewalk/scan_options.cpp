@@ -24,15 +24,10 @@ const char* listingStrategyName(std::uint32_t code) {
   }
 }
 
-ScanOptions ScanOptions::startingAt(std::uint32_t now) {
-  ScanOptions options;
-  options.monthThreshold = secondsBefore(now, kMonthSeconds);
-  options.sixMonthThreshold = secondsBefore(now, kSixMonthSeconds);
-  return options;
-}
+ScanOptions::ScanOptions() : ScanOptions(static_cast<std::uint32_t>(std::time(nullptr))) {}
 
-ScanOptions ScanOptions::startingNow() {
-  return startingAt(static_cast<std::uint32_t>(std::time(nullptr)));
-}
+ScanOptions::ScanOptions(std::uint32_t now)
+    : monthThreshold(secondsBefore(now, kMonthSeconds)),
+      sixMonthThreshold(secondsBefore(now, kSixMonthSeconds)) {}
 
 }  // namespace sizewalk

@@ -14,10 +14,10 @@ const char* listingStrategyName(std::uint32_t code);
 /// What a scan counts and how hard it works. Times are seconds since the epoch.
 struct ScanOptions {
   /// Options for a scan that starts now: thresholds 30 and 182 days back, no last scan.
-  static ScanOptions startingNow();
+  ScanOptions();
   /// The same with a clock that reads `now`; a clock earlier than a threshold's distance gives 0
   /// for it.
-  static ScanOptions startingAt(std::uint32_t now);
+  explicit ScanOptions(std::uint32_t now);
 
   /// Makes births at or after `time` count as added since the last scan; 0 means that none is
   /// known.
@@ -32,9 +32,9 @@ struct ScanOptions {
   /// Counts a file that has several names once.
   bool dedupeHardLinks = true;
   /// Births at or after it count as added in the last month.
-  std::uint32_t monthThreshold = 0;
+  std::uint32_t monthThreshold;
   /// Births at or after it count as added in the last six months.
-  std::uint32_t sixMonthThreshold = 0;
+  std::uint32_t sixMonthThreshold;
   bool hasLastScan = false;
   /// Births at or after it count as added since the last scan, when `hasLastScan`.
   std::uint32_t lastScanTime = 0;

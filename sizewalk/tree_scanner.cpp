@@ -21,7 +21,7 @@ using Clock = std::chrono::steady_clock;
 constexpr std::size_t kFreeResults = 256;
 /// A result that grew beyond this many entries is not kept for reuse: in time every kept one would
 /// have met a large directory, and all of them together would hold more memory than the tree.
-constexpr std::size_t kReusableEntries = 1024;
+constexpr std::size_t kReusableEntries = 256;
 constexpr std::size_t kPathReserve = 1024;
 constexpr std::size_t kBufferAlignment = 16;
 constexpr auto kProgressInterval = std::chrono::milliseconds(100);
@@ -104,7 +104,7 @@ class TreeScanner::Reader {
 
   /// Opens, lists and closes the directory at `path_`.
   void read(DirectoryResult* result, StepTimer* timer) {
-    const base::FileDescriptor fd = openDirectory(path_);
+    base::FileDescriptor fd = openDirectory(path_);
     timer->addTo(&times_.openNs);
     if (fd.valid()) {
       readDirectory(rules_, fd.get(), result, std::as_writable_bytes(std::span(blocks_)));
@@ -112,6 +112,7 @@ class TreeScanner::Reader {
       result->unreadable = true;
       ++result->errors;
     }
+    fd.close();
     timer->addTo(&times_.listNs);
   }
 
@@ -135,49 +136,56 @@ void TreeScanner::setRoot(std::string rootPath, std::uint32_t birthTime) {
 
 void TreeScanner::walk(NodeId start) {
   control_.arm();
-  if (!tree_.dropContents(start)) return;
+  WorkList workList(start);
+  control_.begin(&workList);
+  // A walk that was cancelled by now leaves what an earlier one found.
+  if (!workList.closedFlag() && tree_.dropContents(start)) readAll(&workList);
+  control_.end();
+}
+
+void TreeScanner::readAll(WorkList* workList) {
   results_ = std::make_unique<ResultQueue>();
-  {
-    const base::MutexLock lock(progressMutex_);
-    stopProgress_ = false;
-  }
   {
     const base::MutexLock lock(statisticsMutex_);
     statistics_ = {};
   }
-  WorkList workList(start);
-  control_.begin(&workList);
-
-  std::thread progressThread;
-  if (onProgress) progressThread = std::thread([this] { runProgress(); });
-  std::function<int()> probe;
-  if (!rootPath().empty()) probe = [this] { return probeReaderThreads(rootPath()); };
-  const int readerCount =
-      chooseReaderCount(options_.threads, probe, std::thread::hardware_concurrency());
-  std::vector<std::thread> readers;
-  readers.reserve(static_cast<std::size_t>(readerCount));
-  for (int i = 0; i < readerCount; ++i) {
-    readers.emplace_back([&] { runThread([&] { runReader(&workList); }); });
+  std::thread progressThread = startProgress();
+  std::vector<std::thread> readers(static_cast<std::size_t>(readerCount()));
+  for (std::thread& reader : readers) {
+    reader = std::thread([&] { runThread([&] { runReader(workList); }); });
   }
-  std::thread integrator([&] { runThread([&] { runIntegrator(&workList); }); });
+  std::thread integrator([&] { runThread([&] { runIntegrator(workList); }); });
 
   for (std::thread& reader : readers) reader.join();
   results_->close();
   integrator.join();
-  if (progressThread.joinable()) {
-    {
-      const base::MutexLock lock(progressMutex_);
-      stopProgress_ = true;
-    }
-    progressStopped_.notifyAll();
-    progressThread.join();
-  }
+  stopProgress(&progressThread);
+  const base::MutexLock lock(statisticsMutex_);
+  statistics_.queueWaits = results_->producerWaits();
+  statistics_.emptyQueueWaits = results_->consumerWaits();
+}
+
+int TreeScanner::readerCount() const {
+  std::function<int()> probe;
+  if (!rootPath().empty()) probe = [this] { return probeReaderThreads(rootPath()); };
+  return chooseReaderCount(options_.threads, probe, std::thread::hardware_concurrency());
+}
+
+std::thread TreeScanner::startProgress() {
+  if (!onProgress) return {};
+  const base::MutexLock lock(progressMutex_);
+  stopProgress_ = false;
+  return std::thread([this] { runThread([this] { runProgress(); }); });
+}
+
+void TreeScanner::stopProgress(std::thread* progressThread) {
+  if (!progressThread->joinable()) return;
   {
-    const base::MutexLock lock(statisticsMutex_);
-    statistics_.queueWaits = results_->producerWaits();
-    statistics_.emptyQueueWaits = results_->consumerWaits();
+    const base::MutexLock lock(progressMutex_);
+    stopProgress_ = true;
   }
-  control_.end();
+  progressStopped_.notifyAll();
+  progressThread->join();
 }
 
 void TreeScanner::runReader(WorkList* workList) {

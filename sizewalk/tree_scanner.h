@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "base/mutex.h"
@@ -69,16 +70,14 @@ class TreeScanner {
 
   /// Reads everything below `start` into the tree and returns when all is read or the walk was
   /// cancelled; what was read stays. A folder that was walked before is read anew: its old contents
-  /// leave every total first. Does nothing for a node that is not a visible directory. One walk at
-  /// a time, on any thread.
+  /// leave every total first, though not the memory. A mount point is entered when the walk starts
+  /// there. Does nothing for a node that is not a visible directory. One walk at a time, on any
+  /// thread.
   void walk(NodeId start);
 
   /// Ends the walk soon: no new directory is read, long ones are broken off. Any thread, never
   /// waits.
   void cancel() { control_.cancel(); }
-  /// Forgets a cancel that came after the last walk. `walk` does so too; a caller that hands the
-  /// walk to another thread calls it before, so that a cancel from then on counts.
-  void arm() { control_.arm(); }
   /// Whether the walk that runs, or ran last, was cancelled.
   bool cancelRequested() const { return control_.cancelRequested(); }
 
@@ -92,6 +91,10 @@ class TreeScanner {
  private:
   class Reader;
 
+  void readAll(WorkList* workList);
+  int readerCount() const;
+  std::thread startProgress();
+  void stopProgress(std::thread* progressThread);
   void runReader(WorkList* workList);
   void runIntegrator(WorkList* workList);
   void runProgress();

@@ -41,7 +41,8 @@ class WorkList {
   std::vector<NodeId> stack_ GUARDED_BY(mutex_);
   std::uint64_t pending_ GUARDED_BY(mutex_) = 1;  // pushed and not yet integrated
   std::uint64_t waiting_ GUARDED_BY(mutex_) = 0;  // readers inside `pop` without a directory
-  std::atomic<bool> closed_{false};               // written under the mutex, polled without it
+  /// Written under the mutex, polled without it for every entry: on a line of its own.
+  alignas(64) std::atomic<bool> closed_{false};
 };
 
 }  // namespace sizewalk

@@ -41,8 +41,13 @@ class Controller : public testing::Test {
   TempDirectory dir_;
   std::atomic<int> progressReports_{0};
   std::atomic<int> ends_{0};
+  std::atomic<std::uint64_t> filesAtEnd_{0};
   ScanController controller_{[this](const sizewalk::ScanProgress&) { ++progressReports_; },
-                             [this] { ++ends_; }};
+                             [this] {
+                               if (controller_.finished())
+                                 filesAtEnd_ = controller_.summary().files;
+                               ++ends_;
+                             }};
 };
 
 TEST_F(Controller, HasNothingToShowBeforeItsFirstScan) {
@@ -82,8 +87,8 @@ TEST_F(Controller, RunsAScanToItsEndAndSumsItUp) {
 TEST_F(Controller, TellsItsOwnerOfTheEndAfterTheSummaryIsInPlace) {
   writeFile(dir_ / "file", "x");
   scan(dir_.path());
-  controller_.start(dir_.path());  // joins the first scan's thread
-  EXPECT_GE(ends_, 1);
+  while (ends_ == 0) std::this_thread::yield();
+  EXPECT_EQ(filesAtEnd_, 1u);
 }
 
 TEST_F(Controller, RecordsAFinishedScanAndComparesTheNextWithIt) {
@@ -123,6 +128,23 @@ TEST_F(Controller, SaysWhatIsWrongWithAPath) {
   EXPECT_NE(controller_.summary().failure, 0u);
 }
 
+TEST_F(Controller, TakesNoWayUpOutOfWhatIsNotThere) {
+  writeFile(dir_ / "file", "x");
+  scan(dir_ / "missing/..");
+  EXPECT_EQ(controller_.summary().failureText, "No such file or directory");
+  scan(dir_ / "file/..");
+  EXPECT_EQ(controller_.summary().failureText, "Not a directory");
+}
+
+TEST_F(Controller, ScansAFolderBeyondTheLongestPathOfTheKernel) {
+  test::makeDeepTree(dir_.path(), 3000, 77);  // each level adds "/d"
+  std::string path = dir_.path();
+  for (int i = 0; i < 2500; ++i) path += "/d";
+  scan(path);
+  EXPECT_EQ(controller_.summary().failureText, "");
+  EXPECT_EQ(controller_.scanner()->tree().apparentSize(sizewalk::kRootNode), 77u);
+}
+
 TEST_F(Controller, SaysThatAFolderMayNotBeRead) {
   test::makeDirectory(dir_ / "locked");
   ASSERT_EQ(chmod((dir_ / "locked").c_str(), 0), 0);
@@ -160,6 +182,7 @@ TEST_F(Controller, DoesNotRecordAScanThatWasStopped) {
     controller_.stop();
     waitForEnd();
     if (controller_.summary().cancelled) break;
+    sizewalk::saveHistory({});  // it came to its end before it was stopped
   }
   ASSERT_TRUE(controller_.summary().cancelled);
   EXPECT_EQ(sizewalk::lastScanTime(dir_ / "big"), 0u);
@@ -173,6 +196,7 @@ TEST_F(Controller, StopsAndJoinsARunningScanWhenItIsDestroyed) {
     controller.start(dir_ / "big");
   }
   EXPECT_EQ(ends, 5) << "every background thread came to its end before its controller went";
+  EXPECT_EQ(sizewalk::lastScanTime(dir_ / "big"), 0u) << "and none of them by reading everything";
 }
 
 TEST(AbsolutePath, LeavesOutWhatMeansNothing) {

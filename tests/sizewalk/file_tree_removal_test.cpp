@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
-#include <mutex>
+#include <map>
 #include <random>
 #include <string>
 #include <thread>
@@ -29,6 +29,7 @@ class NaiveModel {
     bool read = false;
     bool excluded = false;
     bool brokenListing = false;
+    std::uint64_t key = 0;  // of a file that may have other names
     std::vector<NodeId> children = {};
   };
 
@@ -115,10 +116,13 @@ class RandomChanges {
   }
 
   void compare() {
+    takeOverCountedNames();
     for (const NodeId node : model_.reachable()) {
       ASSERT_EQ(tree_.apparentSize(node), model_.sizeOf(node)) << "node " << node;
+      ASSERT_EQ(tree_.allocatedSize(node), 2 * model_.sizeOf(node)) << "node " << node;
       ASSERT_EQ(tree_.flags(node).has(NodeFlag::Excluded), model_.nodes[node].excluded);
     }
+    expectEveryFileCountedOnce();
     expectSumsMatchRecount(tree_, model_.brokenListings());
     std::uint64_t out = 0;
     for (const RemovedSubtree& record : records_) out += record.allocatedBytes;
@@ -138,6 +142,26 @@ class RandomChanges {
     return std::uniform_int_distribution<std::size_t>(0, below - 1)(random_);
   }
 
+  /// Which of a file's names is counted is the tree's choice, within the rules that
+  /// expectEveryFileCountedOnce holds it to; the model follows.
+  void takeOverCountedNames() {
+    for (const NodeId node : model_.reachable()) {
+      if (model_.nodes[node].key != 0) model_.nodes[node].size = tree_.apparentSize(node);
+    }
+  }
+
+  void expectEveryFileCountedOnce() {
+    std::map<std::uint64_t, int> counted;
+    for (const NodeId node : model_.reachable()) {
+      const std::uint64_t key = model_.nodes[node].key;
+      if (key == 0 || !model_.visible(node)) continue;
+      const bool duplicate = tree_.flags(node).has(NodeFlag::HardLinkDuplicate);
+      ASSERT_EQ(tree_.apparentSize(node), duplicate ? 0 : 100 * key);
+      ASSERT_EQ(tree_.itemCount(node), duplicate ? 0 : 1);
+      ASSERT_LE(counted[key] += !duplicate, 1) << "a file counted twice";
+    }
+  }
+
   // The walk goes on inside what was taken out, so any folder that hangs together with the root
   // will do.
   void addListing() {
@@ -151,7 +175,18 @@ class RandomChanges {
     Listing listing(folder);
     for (std::size_t left = pick(7); left > 0; --left) {
       static const char* const kNames[] = {"a.txt", "b.mp3", "c", "d.iso"};
-      if (pick(2) == 0) {
+      const std::size_t what = pick(12);
+      if (what == 0) {
+        listing.mountPoint("mount");
+        model_.append(folder, 0, false);
+      } else if (what == 1) {
+        listing.unreadableEntry("broken");
+        model_.append(folder, 0, false);
+      } else if (what <= 3) {
+        const std::uint64_t key = 1 + pick(5);
+        listing.file("linked.iso", 100 * key, 200 * key, 600, key);
+        model_.nodes[model_.append(folder, 100 * key, false)].key = key;
+      } else if (what <= 7) {
         listing.folder("folder", static_cast<std::uint32_t>(pick(1500)));
         model_.append(folder, 0, true);
       } else {
@@ -173,6 +208,7 @@ class RandomChanges {
     const RemovedSubtree record = tree_.removeSubtree(node);
     ASSERT_EQ(record.valid, possible);
     if (!possible) return;
+    takeOverCountedNames();
     ASSERT_EQ(record.allocatedBytes, 2 * model_.sizeOf(node));
     model_.nodes[node].excluded = true;
     records_.push_back(record);
@@ -315,6 +351,87 @@ TEST(FileTreeRemoval, TakesHardLinksAndErrorsOutOfTheirTotals) {
   EXPECT_EQ(tree.totals(), before);
 }
 
+TEST(FileTreeRemoval, IgnoresTheRecordOfAnEarlierRemoval) {
+  SmallTree small;
+  const RemovedSubtree unread = small.tree.removeSubtree(2);
+  small.tree.restoreSubtree(unread);
+  add(small.tree, Listing(2).file("late", 5, 512));
+  const RemovedSubtree present = small.tree.removeSubtree(2);
+  small.tree.restoreSubtree(unread);
+  EXPECT_TRUE(small.tree.flags(2).has(NodeFlag::Excluded));
+  EXPECT_EQ(small.tree.takenOutBytes(), 512u);
+  small.tree.restoreSubtree(present);
+  EXPECT_EQ(small.tree.children(2).size(), 1u);
+  expectSumsMatchRecount(small.tree);
+}
+
+/// /r with folders a (1) and b (2); a file of two names, of which a's (3) was met first.
+struct LinkedTree {
+  LinkedTree() {
+    tree.createRoot("/r");
+    add(tree, Listing(0).folder("a").folder("b"));
+    add(tree, Listing(1).file("counted", 9, 512, 0, 7));
+  }
+  FileTree tree;
+};
+
+TEST(FileTreeRemoval, CountsAFileAtAnotherNameThatTurnsUpWhileItsFirstIsOut) {
+  LinkedTree linked;
+  const RemovedSubtree record = linked.tree.removeSubtree(1);
+  add(linked.tree, Listing(2).file("second", 9, 512, 0, 7));
+  EXPECT_EQ(linked.tree.allocatedSize(kRootNode), 512u);
+  EXPECT_EQ(linked.tree.totals().hardLinks, 0u);
+
+  linked.tree.restoreSubtree(record);
+  EXPECT_EQ(linked.tree.allocatedSize(kRootNode), 512u) << "still one file";
+  EXPECT_TRUE(linked.tree.flags(3).has(NodeFlag::HardLinkDuplicate));
+  EXPECT_EQ(linked.tree.allocatedSize(1), 0u);
+  EXPECT_EQ(linked.tree.totals().hardLinks, 1u);
+  EXPECT_EQ(linked.tree.totals().hardLinkBytes, 512u);
+  EXPECT_EQ(linked.tree.totals().files, 1u);
+  expectSumsMatchRecount(linked.tree);
+}
+
+TEST(FileTreeRemoval, CountsAFileAtItsFirstNameAgainWhenTheOtherIsOutByThen) {
+  LinkedTree linked;
+  const RemovedSubtree first = linked.tree.removeSubtree(1);
+  add(linked.tree, Listing(2).file("second", 9, 512, 0, 7));
+  const RemovedSubtree second = linked.tree.removeSubtree(2);
+  EXPECT_EQ(linked.tree.allocatedSize(kRootNode), 0u);
+  linked.tree.restoreSubtree(first);
+  EXPECT_EQ(linked.tree.allocatedSize(1), 512u);
+  linked.tree.restoreSubtree(second);
+  EXPECT_EQ(linked.tree.allocatedSize(2), 0u);
+  EXPECT_EQ(linked.tree.allocatedSize(kRootNode), 512u);
+  expectSumsMatchRecount(linked.tree);
+}
+
+TEST(FileTreeRemoval, RemembersADisplacedNameWhenTheOtherIsReadAnew) {
+  LinkedTree linked;
+  const RemovedSubtree first = linked.tree.removeSubtree(1);
+  add(linked.tree, Listing(2).file("second", 9, 512, 0, 7));
+  ASSERT_TRUE(linked.tree.dropContents(2));
+  linked.tree.restoreSubtree(first);
+  EXPECT_EQ(linked.tree.allocatedSize(kRootNode), 512u);
+  add(linked.tree, Listing(2).file("second", 9, 512, 0, 7));
+  EXPECT_EQ(linked.tree.allocatedSize(kRootNode), 512u);
+  EXPECT_EQ(linked.tree.totals().hardLinks, 1u);
+  expectSumsMatchRecount(linked.tree);
+}
+
+TEST(FileTreeRemoval, CountsMountPointsNotAmongTheDirectories) {
+  FileTree tree;
+  tree.createRoot("/r");
+  const NodeId folder = add(tree, Listing(0).folder("a")).front();
+  add(tree, Listing(folder).mountPoint("mounted").folder("plain"));
+  EXPECT_EQ(tree.totals().directories, 2u);
+  const RemovedSubtree record = tree.removeSubtree(folder);
+  EXPECT_EQ(tree.totals().directories, 0u);
+  tree.restoreSubtree(record);
+  EXPECT_EQ(tree.totals().directories, 2u);
+  EXPECT_FALSE(tree.removeSubtree(kRootNode).valid);
+}
+
 TEST(FileTreeReadAnew, DropsTheOldContentsFromEveryTotal) {
   SmallTree small;
   ASSERT_TRUE(small.tree.dropContents(1));
@@ -376,6 +493,32 @@ TEST(FileTreeReadAnew, RefusesWhatIsNotAVisibleDirectory) {
   const RemovedSubtree record = small.tree.removeSubtree(1);
   ASSERT_TRUE(record.valid);
   EXPECT_FALSE(small.tree.dropContents(1));
+}
+
+TEST(FileTreeThreads, AReaderNeverTakesTheStartOfOneRangeWithTheLengthOfAnother) {
+  FileTree tree;
+  tree.createRoot("/r");
+  const NodeId folder = add(tree, Listing(0).folder("a").file("x", 1)).front();
+  add(tree, Listing(folder).file("1", 1).file("2", 1).file("3", 1));
+  std::atomic<bool> finished{false};
+  std::thread reader([&] {
+    while (!finished) {
+      const NodeRange range = tree.children(folder);
+      for (NodeId node = range.first; node < range.last; ++node) {
+        ASSERT_EQ(tree.parent(node), folder);
+      }
+    }
+  });
+  for (int i = 0; i < 3000; ++i) {
+    tree.restoreSubtree(tree.removeSubtree(folder));
+    tree.dropContents(folder);
+    Listing listing(folder);
+    for (int file = 0; file < 1 + i % 4; ++file) listing.file("f", 1);
+    add(tree, listing);
+  }
+  finished = true;
+  reader.join();
+  expectSumsMatchRecount(tree);
 }
 
 /// One thread adds as a walk does; the other takes out and puts back wherever it pleases.

@@ -93,6 +93,30 @@ TEST(ResultQueue, MakesAProducerWaitForRoomAndCountsIt) {
   EXPECT_EQ(queue.pop()->directory, 5000u);
 }
 
+TEST(ResultQueue, CountsOneWaitOfTheIntegratorHoweverLongItTakes) {
+  ResultQueue queue;
+  std::thread integrator([&] {
+    while (queue.pop()) {
+    }
+  });
+  while (queue.consumerWaits() == 0) std::this_thread::yield();
+  for (NodeId i = 0; i < ResultQueue::kBatch; ++i) queue.push(resultFor(i));
+  while (queue.consumerWaits() == 1) std::this_thread::yield();
+  EXPECT_EQ(queue.consumerWaits(), 2u) << "one for the batch, one after it";
+  queue.push(resultFor(99));
+  queue.flush();
+  queue.close();
+  integrator.join();
+}
+
+TEST(ResultQueue, FlushesNothingOutOfAnEmptyQueue) {
+  ResultQueue queue;
+  queue.flush();
+  queue.push(resultFor(1));
+  queue.flush();
+  EXPECT_EQ(queue.pop()->directory, 1u);
+}
+
 TEST(ResultQueue, IsEmptiedBeforeItsEndShows) {
   ResultQueue queue;
   queue.push(resultFor(1));

@@ -1,0 +1,206 @@
+#include <algorithm>
+
+#include "sizewalk/file_tree.h"
+
+// Taking subtrees out while the walk goes on rests on one rule: a sum is rolled up as far as the
+// first taken-out node and no further, and only what no taken-out node stands above counts in the
+// totals. So a taken-out node always carries what its subtree holds at the moment, and putting it
+// back is adding that to what lies above, whether or not the walk has been inside since. Keeping a
+// copy of the sums in the removal record instead would put back what the subtree held when it was
+// taken out, and lose the rest.
+
+namespace sizewalk {
+
+FileTree::Visibility FileTree::visibilityInside(NodeId node) const {
+  if (takenOut_.empty()) return Visibility::Visible;
+  for (;; node = parent_[node]) {
+    if (flags(node).has(NodeFlag::Excluded)) return Visibility::Hidden;
+    if (node == kRootNode) return Visibility::Visible;
+  }
+}
+
+/// Whether the root leads to `node` without passing anything taken out or dropped.
+bool FileTree::isVisible(NodeId node) const {
+  if (node >= end_) return false;
+  for (; node != kRootNode; node = parent_[node]) {
+    const NodeId above = parent_[node];
+    const NodeId first = firstChild_[above];
+    if (node < first || node - first >= childCount_[above]) return false;
+    if (flags(node).has(NodeFlag::Excluded)) return false;
+  }
+  return true;
+}
+
+bool FileTree::isWithin(NodeId node, NodeId folder) const {
+  while (node != folder && node != kRootNode) node = parent_[node];
+  return node == folder;
+}
+
+/// The children that were written for `node`, of a taken-out node too.
+NodeRange FileTree::writtenChildren(NodeId node) const {
+  const auto found = takenOut_.find(node);
+  if (found != takenOut_.end() && childCount_[node] == 0) return found->second.children;
+  return {firstChild_[node], firstChild_[node] + childCount_[node]};
+}
+
+void FileTree::tallyNode(NodeId node, Tally* tally) const {
+  const NodeFlags flags = this->flags(node);
+  tally->scan.datedEntries += birthTime_[node] != 0;
+  tally->scan.errors += flags.has(NodeFlag::Unreadable);
+  if (flags.has(NodeFlag::Directory)) {
+    tally->scan.directories += !flags.has(NodeFlag::MountPoint);
+    const auto failure = listingFailures_.find(node);
+    if (failure != listingFailures_.end()) tally->scan.errors += failure->second;
+    return;
+  }
+  const NodeSums sums = sumsOf(node);
+  tally->scan.files += sums.itemCount;
+  tally->addToKind(kind_[node], sums);
+  if (flags.has(NodeFlag::HardLinkDuplicate)) {
+    tally->scan.hardLinks += 1;
+    tally->scan.hardLinkBytes +=
+        std::ranges::lower_bound(duplicates_, node, {}, &Duplicate::node)->bytes;
+  }
+}
+
+/// What `node` and all that is visible beneath it account for.
+Tally FileTree::tallySubtree(NodeId node) const {
+  Tally tally;
+  tallyNode(node, &tally);
+  std::vector<NodeId> folders = {node};
+  while (!folders.empty()) {
+    const NodeId folder = folders.back();
+    folders.pop_back();
+    const NodeId first = firstChild_[folder];
+    for (NodeId child = first; child != first + childCount_[folder]; ++child) {
+      if (flags(child).has(NodeFlag::Excluded)) continue;
+      tallyNode(child, &tally);
+      if (childCount_[child] != 0) folders.push_back(child);
+    }
+  }
+  return tally;
+}
+
+RemovedSubtree FileTree::removeSubtree(NodeId node) {
+  const base::MutexLock lock(writeMutex_);
+  if (node == kRootNode || !isVisible(node)) return {};
+  const NodeSums sums = sumsOf(node);
+  const NodeRange range = writtenChildren(node);
+  totals_.subtract(tallySubtree(node));
+  rollUp(parent_[node], sums.negated());
+  setFlags(node, flags(node).with(NodeFlag::Excluded));
+  setChildren(node, {range.first, range.first});
+  takenOut_[node] = {range, sums.allocatedSize, ++lastSerial_};
+  takenOutBytes_.fetch_add(sums.allocatedSize, std::memory_order_relaxed);
+  publish();
+  return {static_cast<std::int32_t>(node),
+          range.first,
+          range.size(),
+          sums.allocatedSize,
+          lastSerial_,
+          true};
+}
+
+void FileTree::restoreSubtree(const RemovedSubtree& record) {
+  const base::MutexLock lock(writeMutex_);
+  if (!record.valid || record.node < 0 || static_cast<NodeId>(record.node) >= end_) return;
+  const auto node = static_cast<NodeId>(record.node);
+  const auto found = takenOut_.find(node);
+  if (found == takenOut_.end() || found->second.serial != record.serial) return;
+
+  // A folder that had not been read when it was taken out may have been read since.
+  const NodeRange range = writtenChildren(node);
+  takenOut_.erase(found);
+  takenOutBytes_.fetch_sub(record.allocatedBytes, std::memory_order_relaxed);
+  setFlags(node, flags(node).without(NodeFlag::Excluded));
+  setChildren(node, range);
+  rollUp(parent_[node], sumsOf(node));
+  if (visibilityInside(node) == Visibility::Visible) {
+    totals_.add(tallySubtree(node));
+    settleDisplaced(node);
+  }
+  publish();
+}
+
+/// Files within `restored` that are counted at another name by now become duplicates of that one;
+/// where that one is taken out itself they are counted here again.
+void FileTree::settleDisplaced(NodeId restored) {
+  std::erase_if(displaced_, [&](Displaced& displaced) {
+    if (!isWithin(displaced.node, restored)) return false;
+    if (visibilityInside(displaced.node) == Visibility::Hidden) return false;
+    const NodeId counted = hardLinks_.find(displaced.key).value_or(displaced.node);
+    if (counted == displaced.node) return true;
+    if (visibilityInside(counted) == Visibility::Visible) {
+      makeDuplicate(displaced.node);
+      return true;
+    }
+    hardLinks_.assign(displaced.key, displaced.node);
+    displaced.node = counted;
+    return false;
+  });
+}
+
+/// Turns a visible file that is counted here into a duplicate.
+void FileTree::makeDuplicate(NodeId node) {
+  const NodeSums sums = sumsOf(node);
+  Tally before;
+  tallyNode(node, &before);
+  const auto place = std::ranges::lower_bound(duplicates_, node, {}, &Duplicate::node);
+  duplicates_.insert(place, {node, sums.allocatedSize});
+  setFlags(node, flags(node).with(NodeFlag::HardLinkDuplicate));
+  rollUp(node, sums.negated());
+  Tally after;
+  tallyNode(node, &after);
+  totals_.subtract(before);
+  totals_.add(after);
+}
+
+bool FileTree::dropContents(NodeId folder) {
+  const base::MutexLock lock(writeMutex_);
+  if (!isVisible(folder) || !isDirectory(folder)) return false;
+  totals_.subtract(tallySubtree(folder));
+  rollUp(folder, sumsOf(folder).negated());
+  setFlags(folder, flags(folder).without(NodeFlag::Unreadable));
+  listingFailures_.erase(folder);
+  forget(nodesBelow(folder));
+  setChildren(folder, {firstChild_[folder], firstChild_[folder]});
+  Tally itself;
+  tallyNode(folder, &itself);  // the folder stays
+  totals_.add(itself);
+  publish();
+  return true;
+}
+
+/// One bit for each node, set where it lies below `folder`, within what is taken out too.
+std::vector<bool> FileTree::nodesBelow(NodeId folder) const {
+  std::vector<bool> below(end_);
+  std::vector<NodeId> pending = {folder};
+  while (!pending.empty()) {
+    const NodeRange range = writtenChildren(pending.back());
+    pending.pop_back();
+    for (NodeId child = range.first; child < range.last; ++child) {
+      below[child] = true;
+      if (isDirectory(child)) pending.push_back(child);
+    }
+  }
+  return below;
+}
+
+/// Drops what the tree knows of nodes beside their columns.
+void FileTree::forget(const std::vector<bool>& gone) {
+  hardLinks_.eraseIf([&](NodeId node) { return gone[node]; });
+  std::erase_if(duplicates_, [&](const Duplicate& duplicate) { return gone[duplicate.node]; });
+  std::erase_if(listingFailures_, [&](const auto& failure) { return gone[failure.first]; });
+  std::erase_if(takenOut_, [&](const auto& taken) {
+    if (!gone[taken.first]) return false;
+    takenOutBytes_.fetch_sub(taken.second.bytes, std::memory_order_relaxed);
+    return true;
+  });
+  std::erase_if(displaced_, [&](const Displaced& displaced) {
+    if (gone[displaced.node]) return true;
+    // Whoever displaced it may be gone: then it is the one that is counted again.
+    return hardLinks_.findOrInsert(displaced.key, displaced.node) == displaced.node;
+  });
+}
+
+}  // namespace sizewalk
