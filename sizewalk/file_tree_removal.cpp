@@ -128,8 +128,7 @@ void FileTree::settleDisplaced(NodeId restored) {
   std::erase_if(displaced_, [&](Displaced& displaced) {
     if (!isWithin(displaced.node, restored)) return false;
     if (visibilityInside(displaced.node) == Visibility::Hidden) return false;
-    const NodeId counted = hardLinks_.find(displaced.key).value_or(displaced.node);
-    if (counted == displaced.node) return true;
+    const NodeId counted = hardLinks_.find(displaced.key);
     if (visibilityInside(counted) == Visibility::Visible) {
       makeDuplicate(displaced.node);
       return true;

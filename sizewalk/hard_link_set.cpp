@@ -30,12 +30,6 @@ NodeId HardLinkSet::findOrInsert(std::uint64_t key, NodeId node) {
   return node;
 }
 
-std::optional<NodeId> HardLinkSet::find(std::uint64_t key) const {
-  const std::uint64_t slot = slotOf(key);
-  if (keys_[slot] != key) return std::nullopt;
-  return nodes_[slot];
-}
-
 void HardLinkSet::assign(std::uint64_t key, NodeId node) { nodes_[slotOf(key)] = node; }
 
 void HardLinkSet::eraseIf(const std::function<bool(NodeId)>& gone) { rebuild(keys_.size(), gone); }

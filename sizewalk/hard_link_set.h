@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <optional>
 #include <vector>
 
 #include "sizewalk/node.h"
@@ -33,8 +32,8 @@ class HardLinkSet {
   /// it. `key` is not 0.
   NodeId findOrInsert(std::uint64_t key, NodeId node);
 
-  /// The node counted for `key`; nothing when the key is unknown.
-  std::optional<NodeId> find(std::uint64_t key) const;
+  /// The node counted for `key`, which must be known.
+  NodeId find(std::uint64_t key) const { return nodes_[slotOf(key)]; }
   /// Makes `node` the one counted for `key`, which must be known.
   void assign(std::uint64_t key, NodeId node);
 

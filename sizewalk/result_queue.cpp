@@ -7,8 +7,6 @@ namespace sizewalk {
 namespace {
 /// Taken results are erased from the front of the array only this many at a time.
 constexpr std::size_t kEraseAfter = 4096;
-/// How long less than a batch may lie there while every reader is busy.
-constexpr auto kLongestPause = std::chrono::milliseconds(10);
 }  // namespace
 
 void ResultQueue::push(std::unique_ptr<DirectoryResult> result) {
@@ -45,7 +43,7 @@ std::unique_ptr<DirectoryResult> ResultQueue::pop() {
     while (readPosition_ == results_.size()) {
       if (closed_) return nullptr;
       consumerWaiting_ = true;
-      resultCame_.waitUntil(mutex_, std::chrono::steady_clock::now() + kLongestPause);
+      resultCame_.waitUntil(mutex_, std::chrono::steady_clock::now() + longestPause_);
     }
     consumerWaiting_ = false;
     result = std::move(results_[readPosition_++]);

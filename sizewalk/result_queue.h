@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -18,6 +19,12 @@ class ResultQueue {
   /// Results that wake a waiting integrator.
   static constexpr std::size_t kBatch = 32;
 
+  /// How long less than a batch may lie there while every reader is busy.
+  static constexpr std::chrono::milliseconds kLongestPause{10};
+
+  explicit ResultQueue(std::chrono::milliseconds longestPause = kLongestPause)
+      : longestPause_(longestPause) {}
+
   /// Waits while the queue is full, unless it is closed.
   void push(std::unique_ptr<DirectoryResult> result);
   /// Wakes the integrator for what there is. A reader calls it before it waits for the integrator's
@@ -32,6 +39,7 @@ class ResultQueue {
   std::uint64_t consumerWaits() const;
 
  private:
+  const std::chrono::milliseconds longestPause_;
   mutable base::Mutex mutex_;  // guards the members below
   base::CondVar roomMade_;
   base::CondVar resultCame_;

@@ -498,8 +498,8 @@ TEST(FileTreeReadAnew, RefusesWhatIsNotAVisibleDirectory) {
 TEST(FileTreeThreads, AReaderNeverTakesTheStartOfOneRangeWithTheLengthOfAnother) {
   FileTree tree;
   tree.createRoot("/r");
-  const NodeId folder = add(tree, Listing(0).folder("a").file("x", 1)).front();
-  add(tree, Listing(folder).file("1", 1).file("2", 1).file("3", 1));
+  const auto folders = add(tree, Listing(0).folder("a").folder("b"));
+  const NodeId folder = folders[0];
   std::atomic<bool> finished{false};
   std::thread reader([&] {
     while (!finished) {
@@ -509,12 +509,15 @@ TEST(FileTreeThreads, AReaderNeverTakesTheStartOfOneRangeWithTheLengthOfAnother)
       }
     }
   });
-  for (int i = 0; i < 3000; ++i) {
-    tree.restoreSubtree(tree.removeSubtree(folder));
-    tree.dropContents(folder);
+  for (int i = 0; i < 40000; ++i) {
+    // Short and long in turns, and behind each the nodes of another folder.
     Listing listing(folder);
-    for (int file = 0; file < 1 + i % 4; ++file) listing.file("f", 1);
+    for (int file = 0; file < 1 + i % 2 * 3; ++file) listing.file("f", 1);
     add(tree, listing);
+    add(tree, Listing(folders[1]).file("1", 1).file("2", 1).file("3", 1));
+    if (i % 64 == 0) tree.restoreSubtree(tree.removeSubtree(folder));
+    tree.dropContents(folder);
+    tree.dropContents(folders[1]);
   }
   finished = true;
   reader.join();

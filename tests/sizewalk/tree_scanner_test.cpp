@@ -203,7 +203,7 @@ TEST(TreeScanner, WalksAgainAfterALateCancel) {
   EXPECT_EQ(scan.tree().apparentSize(kRootNode), 3u);
 }
 
-TEST(TreeScanner, LeavesWhatItFoundBeforeWhenCancelledBeforeItBegins) {
+TEST(TreeScanner, ForgetsACancelWithAWalkThatComesToNothing) {
   const TempDirectory dir;
   writeFile(dir / "file", "x");
   TreeScanner scanner(withThreads(2));

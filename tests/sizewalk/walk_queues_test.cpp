@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <functional>
 #include <thread>
 #include <vector>
 
@@ -107,6 +109,33 @@ TEST(ResultQueue, CountsOneWaitOfTheIntegratorHoweverLongItTakes) {
   queue.flush();
   queue.close();
   integrator.join();
+}
+
+/// Starts an integrator that, left alone, would sleep for an hour; has `act` done once it sleeps,
+/// and returns the first result that it was woken for.
+NodeId wokenFor(const std::function<void(ResultQueue&)>& act) {
+  ResultQueue queue(std::chrono::hours(1));
+  NodeId first = 0;
+  std::thread integrator([&] { first = queue.pop()->directory; });
+  while (queue.consumerWaits() == 0) std::this_thread::yield();
+  act(queue);
+  integrator.join();
+  return first;
+}
+
+TEST(ResultQueue, WakesTheIntegratorForWhatThereIsWhenItIsFlushed) {
+  EXPECT_EQ(wokenFor([](ResultQueue& queue) {
+              queue.push(resultFor(42));
+              queue.flush();
+            }),
+            42u);
+}
+
+TEST(ResultQueue, WakesTheIntegratorForABatch) {
+  EXPECT_EQ(wokenFor([](ResultQueue& queue) {
+              for (NodeId i = 0; i < ResultQueue::kBatch; ++i) queue.push(resultFor(7 + i));
+            }),
+            7u);
 }
 
 TEST(ResultQueue, FlushesNothingOutOfAnEmptyQueue) {
