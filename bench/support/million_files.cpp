@@ -22,31 +22,35 @@ void check(bool fine, const std::string& what) {
 
 /// Lengths without content: a walk asks for sizes, and a million pages of content would be 4 GB of
 /// memory.
-void fill(const std::string& folder) {
+void fill(const std::string& folder, int files) {
   const base::FileDescriptor at(open(folder.c_str(), O_RDONLY | O_DIRECTORY));
   check(at.valid(), folder);
   static const char* const kEndings[] = {"txt", "cpp", "h", "png", "so", "json", "py", "log"};
-  for (int i = 0; i < 100; ++i) {
+  for (int i = 0; i < files; ++i) {
     const std::string name = "a file of work " + std::to_string(i) + "." + kEndings[i % 8];
     const base::FileDescriptor file(openat(at.get(), name.c_str(), O_WRONLY | O_CREAT, 0600));
-    check(file.valid() && ftruncate(file.get(), 100 + i * 37) == 0, name);
+    check(file.valid() && ftruncate(file.get(), 100 + i % 100 * 37) == 0, name);
   }
 }
 
 }  // namespace
 
-MillionFiles::MillionFiles() {
+MillionFiles::MillionFiles(Shape shape) {
   const bool shared = access("/dev/shm", W_OK) == 0;
   path_ = shared ? "/dev/shm/heapgauge-bench-XXXXXX" : "/tmp/heapgauge-bench-XXXXXX";
   check(mkdtemp(path_.data()) != nullptr, path_);
   std::fprintf(stderr, "making a million files below %s\n", path_.c_str());
+  if (shape == Shape::OneFolder) {
+    fill(path_, 1000000);
+    return;
+  }
   for (int a = 0; a < 10; ++a) {
     for (int b = 0; b < 100; ++b) {
       for (int c = 0; c < 10; ++c) {
         const std::string folder = path_ + "/area " + std::to_string(a) + "/project " +
                                    std::to_string(b) + "/part " + std::to_string(c);
         std::filesystem::create_directories(folder);
-        fill(folder);
+        fill(folder, 100);
       }
     }
   }

@@ -6,10 +6,16 @@
 namespace bench {
 
 /// A million small files in a directory of its own, in tmpfs where there is one, removed at the end
-/// of the scope. Ten folders of a hundred folders of ten folders hold a hundred files each.
+/// of the scope.
 class MillionFiles {
  public:
-  MillionFiles();
+  enum class Shape {
+    /// Ten folders of a hundred folders of ten folders hold a hundred files each.
+    Project,
+    OneFolder,
+  };
+
+  explicit MillionFiles(Shape shape = Shape::Project);
   ~MillionFiles();
   MillionFiles(const MillionFiles&) = delete;
   MillionFiles& operator=(const MillionFiles&) = delete;
