@@ -21,7 +21,6 @@
 #include <bit>
 #include <cmath>
 #include <limits>
-#include <vector>
 
 #include "app/cushion_kernels.h"
 #include "app/parallel.h"
@@ -30,15 +29,11 @@ namespace app {
 
 namespace {
 
-/// Blocks that are taken or passed over together. Neighbours in the list are neighbours on the map.
-constexpr std::size_t kRunLength = 64;
 /// Below this many pixels for each, starting a thread costs more than it saves.
 constexpr std::int64_t kPixelsPerThread = 131072;
 constexpr unsigned kMostThreads = 16;
 /// A thread that is held up leaves its share to the others; more bands cut more runs in two.
 constexpr unsigned kBandsPerThread = 2;
-/// Runs looked through in one go by one thread.
-constexpr std::size_t kRunsPerPiece = 512;
 
 /// The two steps of shading in one instruction set.
 struct KernelSteps {
@@ -60,53 +55,25 @@ std::uint32_t scaled(std::uint32_t channel, double factor) {
   return value < 255 ? static_cast<std::uint32_t>(value) : 255;
 }
 
-/// Consecutive blocks, and the rows between which they lie.
-struct Run {
-  std::size_t first = 0;
-  std::size_t last = 0;
-  Band rows;
-};
-
 /// Shades all blocks, band by band of the image: within a band the blocks are painted in their
 /// order, so no two threads ever write one pixel and the last block over a pixel wins as it does on
 /// one thread.
 class MapShader {
  public:
   MapShader(std::span<const TreemapBlock> blocks, std::span<const std::uint32_t> colours,
-            const MapImage& image, unsigned threads)
+            std::span<const RunRows> rows, const MapImage& image, unsigned threads)
       : blocks_(blocks),
         colours_(colours),
+        rows_(rows),
         image_(image),
         threads_(threads),
-        bandCount_(threads == 1 ? 1 : std::min(threads * kBandsPerThread, rowCount())),
-        runs_((blocks.size() + kRunLength - 1) / kRunLength) {}
+        bandCount_(threads == 1 ? 1 : std::min(threads * kBandsPerThread, rowCount())) {}
 
-  void shade() {
-    const std::size_t pieces = (runs_.size() + kRunsPerPiece - 1) / kRunsPerPiece;
-    forEachOnThreads(pieces, threads_, [this](std::size_t piece) {
-      const std::size_t last = std::min((piece + 1) * kRunsPerPiece, runs_.size());
-      for (std::size_t run = piece * kRunsPerPiece; run < last; ++run) findRows(run);
-    });
+  void shade() const {
     forEachOnThreads(bandCount_, threads_, [this](std::size_t band) { paint(band); });
   }
 
  private:
-  /// A single band needs no rows: every run reaches it.
-  void findRows(std::size_t index) {
-    Run& run = runs_[index];
-    run.first = index * kRunLength;
-    run.last = std::min(run.first + kRunLength, blocks_.size());
-    run.rows = {0, image_.height};
-    if (bandCount_ == 1) return;
-    double top = std::numeric_limits<double>::infinity();
-    double bottom = -top;
-    for (std::size_t i = run.first; i < run.last; ++i) {
-      top = std::min(top, blocks_[i].rect.y);
-      bottom = std::max(bottom, blocks_[i].rect.y + blocks_[i].rect.height);
-    }
-    run.rows = {pixelEdge(top, image_.height), pixelEdge(bottom, image_.height)};
-  }
-
   void paint(std::size_t index) const {
     const Band band = {bandEdge(index), bandEdge(index + 1)};
     const std::size_t rowLength = static_cast<std::size_t>(image_.width);
@@ -116,17 +83,19 @@ class MapShader {
     std::fill_n(image_.blockAt + from, length, kNoBlock);
     const KernelSteps steps = stepsOf(availableShadingKernels().back());
     std::array<PaintJob, kRunLength> jobs;
-    for (const Run& run : runs_) {
-      if (run.rows.bottom <= band.top || run.rows.top >= band.bottom) continue;
+    for (std::size_t run = 0; run < rows_.size(); ++run) {
+      if (pixelEdge(rows_[run].bottom, image_.height) <= band.top) continue;
+      if (pixelEdge(rows_[run].top, image_.height) >= band.bottom) continue;
       const std::size_t count = steps.gather(blocksOf(run), image_.width, band, jobs.data());
       steps.paint(std::span(jobs).first(count), image_);
     }
   }
 
-  BlockRun blocksOf(const Run& run) const {
-    const std::size_t length = run.last - run.first;
-    return {blocks_.subspan(run.first, length), colours_.subspan(run.first, length),
-            static_cast<std::uint32_t>(run.first)};
+  BlockRun blocksOf(std::size_t run) const {
+    const std::size_t first = run * kRunLength;
+    const std::size_t length = std::min(kRunLength, blocks_.size() - first);
+    return {blocks_.subspan(first, length), colours_.subspan(first, length),
+            static_cast<std::uint32_t>(first)};
   }
 
   unsigned rowCount() const { return static_cast<unsigned>(image_.height); }
@@ -136,10 +105,10 @@ class MapShader {
 
   const std::span<const TreemapBlock> blocks_;
   const std::span<const std::uint32_t> colours_;
+  const std::span<const RunRows> rows_;
   const MapImage image_;
   const unsigned threads_;
   const unsigned bandCount_;
-  std::vector<Run> runs_;
 };
 
 }  // namespace
@@ -225,12 +194,24 @@ void shadeBlockWith(ShadingKernel kernel, const TreemapBlock& block, std::uint32
   if (steps.gather(run, image.width, {0, image.height}, &job) != 0) steps.paint({&job, 1}, image);
 }
 
+void findRunRows(std::span<const TreemapBlock> blocks, std::span<RunRows> rows) {
+  for (RunRows& run : rows) {
+    const std::size_t length = std::min(kRunLength, blocks.size());
+    run = {std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity()};
+    for (const TreemapBlock& block : blocks.first(length)) {
+      run.top = std::min(run.top, block.rect.y);
+      run.bottom = std::max(run.bottom, block.rect.y + block.rect.height);
+    }
+    blocks = blocks.subspan(length);
+  }
+}
+
 void shadeBlocks(std::span<const TreemapBlock> blocks, std::span<const std::uint32_t> colours,
-                 const MapImage& image, unsigned threads) {
+                 std::span<const RunRows> rows, const MapImage& image, unsigned threads) {
   const std::int64_t pixels = std::int64_t{image.width} * image.height;
   const auto worthwhile =
       static_cast<unsigned>(std::clamp<std::int64_t>(pixels / kPixelsPerThread, 1, kMostThreads));
-  MapShader(blocks, colours, image, std::min(std::max(threads, 1U), worthwhile)).shade();
+  MapShader(blocks, colours, rows, image, std::min(std::max(threads, 1U), worthwhile)).shade();
 }
 
 }  // namespace app

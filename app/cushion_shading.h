@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -44,10 +45,30 @@ void shadeBlock(const TreemapBlock& block, std::uint32_t colour, std::uint32_t b
 void shadeBlockWith(ShadingKernel kernel, const TreemapBlock& block, std::uint32_t colour,
                     std::uint32_t blockIndex, const MapImage& image);
 
+/// Blocks that a band of the map takes or passes over together: neighbours in the list are
+/// neighbours on the map.
+inline constexpr std::size_t kRunLength = 64;
+
+/// Between which rows, in fractional pixels, a run of blocks lies.
+struct RunRows {
+  double top = 0;
+  double bottom = 0;
+};
+
+/// The rows of each run of `kRunLength` blocks; the last run may be shorter.
+void findRunRows(std::span<const TreemapBlock> blocks, std::span<RunRows> rows);
+
+/// How many runs so many blocks make.
+constexpr std::size_t runCount(std::size_t blocks) {
+  return (blocks + kRunLength - 1) / kRunLength;
+}
+
 /// Fills both images: background everywhere, then every painted block in order, a later one over an
-/// earlier one. `colours` holds one 0xRRGGBB for each block. Uses up to `threads` threads where the
-/// image is large enough to pay for them, and has ended them all when it returns.
+/// earlier one. `colours` holds one 0xRRGGBB for each block, `rows` what `findRunRows` says of
+/// them: the caller, who has just looked at every block for its colour, has that for next to
+/// nothing. Uses up to `threads` threads where the image is large enough to pay for them, and has
+/// ended them all when it returns.
 void shadeBlocks(std::span<const TreemapBlock> blocks, std::span<const std::uint32_t> colours,
-                 const MapImage& image, unsigned threads);
+                 std::span<const RunRows> rows, const MapImage& image, unsigned threads);
 
 }  // namespace app

@@ -24,6 +24,7 @@ constexpr int kLevelsLookedAt = 8;
 /// Blocks coloured in one go by one thread. Most take nanoseconds, a folder drawn as one block
 /// microseconds.
 constexpr std::size_t kBlocksPerPiece = 4096;
+static_assert(kBlocksPerPiece % kRunLength == 0);
 
 std::optional<NodeId> largestChild(const FileTree& tree, NodeId folder,
                                    const MeasureSettings& measure) {
@@ -55,15 +56,19 @@ class BlockPainter {
 
   /// Once for each block, on one thread or another, so that a block that two threads shade has one
   /// colour even where the tree changes meanwhile.
-  void chooseColours(std::span<const TreemapBlock> blocks,
-                     std::vector<std::uint32_t>* chosen) const {
+  void chooseColours(std::span<const TreemapBlock> blocks, std::vector<std::uint32_t>* chosen,
+                     std::vector<RunRows>* rows) const {
     chosen->resize(blocks.size());
+    rows->resize(runCount(blocks.size()));
     const std::size_t pieces = (blocks.size() + kBlocksPerPiece - 1) / kBlocksPerPiece;
     forEachOnThreads(pieces, hardwareThreads(), [&](std::size_t piece) {
       const std::size_t end = std::min(blocks.size(), (piece + 1) * kBlocksPerPiece);
       for (std::size_t i = piece * kBlocksPerPiece; i < end; ++i) {
         (*chosen)[i] = blocks[i].painted ? colourOf(blocks[i]) : 0;
       }
+      const std::size_t first = piece * kBlocksPerPiece;
+      findRunRows(blocks.subspan(first, end - first),
+                  std::span(*rows).subspan(first / kRunLength, runCount(end - first)));
     });
   }
 
@@ -127,9 +132,11 @@ RenderedTreemap renderTreemap(const FileTree& tree, NodeId root, std::int32_t wi
     layoutTreemap(tree, root, {0, 0, static_cast<double>(width), static_cast<double>(height)}, 0,
                   measure, extraBlocks, {}, kRidgeHeight, &map.blocks);
     for (const ExtraBlock& extra : extraBlocks) map.extraColours.insert_or_assign(extra.id, extra);
-    BlockPainter(tree, measure, colours, map.extraColours).chooseColours(map.blocks, &map.colours);
-    shadeBlocks(map.blocks, map.colours, {map.pixels.data(), map.blockAt.data(), width, height},
-                hardwareThreads());
+    std::vector<RunRows> rows;
+    BlockPainter(tree, measure, colours, map.extraColours)
+        .chooseColours(map.blocks, &map.colours, &rows);
+    shadeBlocks(map.blocks, map.colours, rows,
+                {map.pixels.data(), map.blockAt.data(), width, height}, hardwareThreads());
   }
   map.outlineRects.assign(map.blocks);
   return map;

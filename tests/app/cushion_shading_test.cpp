@@ -26,6 +26,12 @@ struct Canvas {
   MapImage image() { return {pixels.data(), blockAt.data(), kWidth, kHeight}; }
 };
 
+std::vector<RunRows> rowsOf(const std::vector<TreemapBlock>& blocks) {
+  std::vector<RunRows> rows(runCount(blocks.size()));
+  findRunRows(blocks, rows);
+  return rows;
+}
+
 TreemapBlock blockOf(const MapRect& rect, const CushionCoefficients& cushion = {}) {
   TreemapBlock block;
   block.rect = rect;
@@ -236,7 +242,8 @@ TEST(ShadeBlocks, PaintsLaterBlocksOverEarlierOnesOnAnyNumberOfThreads) {
   for (const unsigned threads : {0U, 1U, 2U, 3U, 8U}) {
     std::vector<std::uint32_t> pixels(size, 1);
     std::vector<std::uint32_t> blockAt(size, 2);
-    shadeBlocks(blocks, colours, {pixels.data(), blockAt.data(), width, height}, threads);
+    shadeBlocks(blocks, colours, rowsOf(blocks), {pixels.data(), blockAt.data(), width, height},
+                threads);
     EXPECT_TRUE(pixels == expectedPixels) << threads;
     EXPECT_TRUE(blockAt == expectedBlockAt) << threads;
   }
@@ -254,7 +261,7 @@ TEST(ShadeBlocks, KeepsWhatLiesAtTheTopOverABlockThatReachesTheBottom) {
   const std::vector<std::uint32_t> colours(blocks.size(), 0xFFFFFF);
   std::vector<std::uint32_t> pixels(std::size_t{width} * height);
   std::vector<std::uint32_t> blockAt(pixels.size());
-  shadeBlocks(blocks, colours, {pixels.data(), blockAt.data(), width, height}, 2);
+  shadeBlocks(blocks, colours, rowsOf(blocks), {pixels.data(), blockAt.data(), width, height}, 2);
   EXPECT_EQ(blockAt[0], 201U);
   EXPECT_EQ(blockAt[9 * width + 199], 2200U);
   EXPECT_EQ(blockAt[200], 200U);
@@ -286,7 +293,7 @@ TEST(ShadeBlocks, PaintsTinyBlocksSideBySideAsDefined) {
   }
   std::vector<std::uint32_t> pixels(size);
   std::vector<std::uint32_t> blockAt(size);
-  shadeBlocks(blocks, colours, {pixels.data(), blockAt.data(), width, height}, 2);
+  shadeBlocks(blocks, colours, rowsOf(blocks), {pixels.data(), blockAt.data(), width, height}, 2);
   EXPECT_TRUE(pixels == expectedPixels);
   EXPECT_TRUE(blockAt == expectedBlockAt);
 }
