@@ -20,10 +20,12 @@
 #include "app/parallel.h"
 #include "app/treemap_layout.h"
 #include "app/treemap_render.h"
+#include "bench/support/million_files.h"
 #include "bench/support/paired_timing.h"
 #include "bench/support/row.h"
 #include "sizewalk/file_kinds.h"
 #include "sizewalk/file_tree.h"
+#include "sizewalk/tree_scanner.h"
 
 namespace {
 
@@ -194,13 +196,15 @@ void benchShading(const FileTree& tree, const std::string& what) {
   for (const TreemapBlock& block : blocks) {
     colours.push_back(kinds.colourForKind(tree.kind(static_cast<NodeId>(block.id))));
   }
+  std::vector<app::RunRows> rows(app::runCount(blocks.size()));
+  app::findRunRows(blocks, rows);
   std::vector<std::uint32_t> pixels(std::size_t{kWidth} * kHeight);
   std::vector<std::uint32_t> blockAt(pixels.size());
   const app::MapImage image = {pixels.data(), blockAt.data(), kWidth, kHeight};
   const auto plain = [&] { shadePlainly(blocks, colours, image); };
   const auto shading = [&](unsigned threads) {
     return bench::timePaired(kPairs, plain,
-                             [&] { app::shadeBlocks(blocks, colours, image, threads); });
+                             [&] { app::shadeBlocks(blocks, colours, rows, image, threads); });
   };
   const std::string question = "Treemap shading, " + what + ", ";
   report(question + "against the plain loop", shading(app::hardwareThreads()), kShadingBar);
@@ -221,18 +225,33 @@ void benchRender(const FileTree& tree, const std::string& what) {
          bench::timePaired(kPairs, fresh, recycled), kNoBar);
 }
 
-void benchTree(const std::string& what, std::size_t mostInFolder, double sizeSpread) {
-  FileTree tree;
-  makeTree(&tree, 1000000, mostInFolder, sizeSpread);
+void benchTree(const FileTree& tree, const std::string& what) {
   benchLayout(tree, what);
   benchShading(tree, what);
   benchRender(tree, what);
 }
 
+void benchMadeUpTree(const std::string& what, std::size_t mostInFolder, double sizeSpread) {
+  FileTree tree;
+  makeTree(&tree, 1000000, mostInFolder, sizeSpread);
+  benchTree(tree, what);
+}
+
+/// The tree that the walk is measured on.
+void benchScannedTree() {
+  const bench::MillionFiles files;
+  sizewalk::TreeScanner scanner{sizewalk::ScanOptions()};
+  scanner.setRoot(files.path());
+  scanner.walk(sizewalk::kRootNode);
+  benchTree(scanner.tree(), "a million files in tmpfs");
+}
+
 }  // namespace
 
 int main() {
-  benchTree("a million files of like size", 400, 0.5);
-  benchTree("a million files of mixed size", 400, 1.5);
-  benchTree("a million files in small folders", 12, 1.5);
+  benchScannedTree();
+  benchMadeUpTree("a million made-up files of like size", 400, 0.5);
+  benchMadeUpTree("a million made-up files of mixed size", 400, 1.5);
+  benchMadeUpTree("a million made-up files in small folders", 12, 1.5);
+  return 0;
 }
