@@ -137,8 +137,9 @@ TEST_F(Controller, TakesNoWayUpOutOfWhatIsNotThere) {
 }
 
 TEST_F(Controller, ScansAFolderBeyondTheLongestPathOfTheKernel) {
-  test::makeDeepTree(dir_.path(), 3000, 77);  // each level adds "/d"
-  std::string path = dir_.path();
+  const TempDirectory dir(TempDirectory::Place::Memory);
+  test::makeDeepTree(dir.path(), 3000, 77);  // each level adds "/d"
+  std::string path = dir.path();
   for (int i = 0; i < 2500; ++i) path += "/d";
   scan(path);
   EXPECT_EQ(controller_.summary().failureText, "");

@@ -198,7 +198,7 @@ TEST(ReadDirectory, TurnsAnEntryRemovedUnderItsHandsIntoAnUnreadableItem) {
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
   std::uint64_t errors = 0;
   while (errors == 0 && std::chrono::steady_clock::now() < deadline) {
-    const TempDirectory dir;
+    const TempDirectory dir(TempDirectory::Place::Memory);
     for (int i = 0; i < 4000; ++i) writeFile(dir / ("f" + std::to_string(i)), "x");
     std::thread remover([&] {
       for (int i = 3999; i >= 0; --i) unlink((dir / ("f" + std::to_string(i))).c_str());

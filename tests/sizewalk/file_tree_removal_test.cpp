@@ -509,7 +509,7 @@ TEST(FileTreeThreads, AReaderNeverTakesTheStartOfOneRangeWithTheLengthOfAnother)
       }
     }
   });
-  for (int i = 0; i < 40000; ++i) {
+  for (int i = 0; i < 8000; ++i) {
     // Short and long in turns, and behind each the nodes of another folder.
     Listing listing(folder);
     for (int file = 0; file < 1 + i % 2 * 3; ++file) listing.file("f", 1);

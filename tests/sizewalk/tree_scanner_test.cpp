@@ -115,7 +115,7 @@ TEST(TreeScanner, ReadsAnEmptyFolder) {
 }
 
 TEST(TreeScanner, GoesFiveThousandLevelsDown) {
-  const TempDirectory dir;
+  const TempDirectory dir(TempDirectory::Place::Memory);
   test::makeDeepTree(dir.path(), 5000, 12345);
   const Scan scan(dir.path());
   EXPECT_EQ(scan.tree().nodeCount(), 5002u);
@@ -172,7 +172,7 @@ TEST(TreeScanner, LeavesTheStartAloneWhenCancelledBeforehand) {
 }
 
 TEST(TreeScanner, EndsAWalkInTheMiddleWithRightSums) {
-  const TempDirectory dir;
+  const TempDirectory dir(TempDirectory::Place::Memory);
   test::makeBushyTree(dir.path(), 3, 400, 10);
   const std::uint64_t all = Expected(dir.path()).entries + 1;
   // A cancel may come too late on a fast machine; repeat until one came in time.
@@ -234,7 +234,7 @@ TEST(TreeScanner, EntersAMountPointThatItIsToldToWalk) {
 }
 
 TEST(TreeScanner, LetsOthersReadAndChangeTheTreeWhileItWalks) {
-  const TempDirectory dir;
+  const TempDirectory dir(TempDirectory::Place::Memory);
   test::makeBushyTree(dir.path(), 8, 300, 6);
   const Expected expected(dir.path());
   TreeScanner scanner(withThreads(4));
@@ -379,7 +379,7 @@ int threadCount() {
 }
 
 TEST(TreeScanner, StartsExactlyTheReadersAskedFor) {
-  const TempDirectory dir;
+  const TempDirectory dir(TempDirectory::Place::Memory);
   test::makeBushyTree(dir.path(), 7, 300, 10);
   std::thread([] {}).join();  // a sanitizer starts a thread of its own beside the first
   const int before = threadCount();

@@ -19,8 +19,9 @@ namespace {
 }
 }  // namespace
 
-TempDirectory::TempDirectory() {
-  const char* parent = std::getenv("TMPDIR");
+TempDirectory::TempDirectory(Place place) {
+  const bool inMemory = place == Place::Memory && access("/dev/shm", W_OK) == 0;
+  const char* parent = inMemory ? "/dev/shm" : std::getenv("TMPDIR");
   std::string pattern = std::string(parent && *parent ? parent : "/tmp") + "/heapgauge-test-XXXXXX";
   if (!mkdtemp(pattern.data())) fail(pattern);
   path_ = fs::canonical(pattern).string();

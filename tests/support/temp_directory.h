@@ -9,8 +9,15 @@ namespace test {
 /// A directory of a test's own, removed with all it holds at the end of the scope.
 class TempDirectory {
  public:
-  /// Below $TMPDIR or /tmp.
-  TempDirectory();
+  enum class Place {
+    /// Below $TMPDIR or /tmp.
+    Disk,
+    /// In memory where there is /dev/shm: for trees whose making and removal would keep a disk
+    /// busy for longer than the test takes.
+    Memory,
+  };
+
+  explicit TempDirectory(Place place = Place::Disk);
   ~TempDirectory();
   TempDirectory(const TempDirectory&) = delete;
   TempDirectory& operator=(const TempDirectory&) = delete;
