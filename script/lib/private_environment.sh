@@ -14,8 +14,6 @@ make_private_environment() {
   unset CTEST_PARALLEL_LEVEL CTEST_OUTPUT_ON_FAILURE
 
   private=$(mktemp -d "${TMPDIR:-/tmp}/heapgauge-script.XXXXXX")
-  # Run by root, tests take up another user's rights for a while and must still reach their files.
-  chmod 711 "$private"
   trap 'rm -rf --one-file-system -- "$private"' EXIT
   mkdir -p "$private"/{tmp,home/.config,home/.cache,home/.local/share,home/.local/state,share,etc}
   mkdir -m 700 "$private/run"
