@@ -1,8 +1,11 @@
 # shellcheck shell=bash
 # What the scripts share: where the source tree is, how they speak, how they configure and build.
-# Sourced, never run. `root` is the absolute path of the source tree.
+# Sourced, never run. `root` is the absolute path of the source tree, `scripts` that of script/ in it.
 
+unset CDPATH # where it applies, `cd` goes elsewhere and prints where
 root=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/../.." && pwd -P)
+# shellcheck disable=SC2034  # for those who source this
+scripts=$root/script
 
 # Standard output belongs to the program or to a script's result, so everything else goes to stderr.
 say() { printf '%s\n' "$*" >&2; }

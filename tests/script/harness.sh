@@ -3,6 +3,7 @@
 # Sourced; gives each test a fresh directory and runs it in a subshell, where `exit 1` fails it.
 set -uo pipefail
 
+unset CDPATH # where it applies, `cd` goes elsewhere and prints where
 # shellcheck disable=SC2034  # for the tests
 repository=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/../.." && pwd -P)
 suite_directory=$(mktemp -d)
