@@ -15,11 +15,15 @@ die() {
   exit 1
 }
 
-# Holds the build directories while the command runs: two scripts at once would spoil each other's.
+# Holds the build directories while the command runs, in a subshell: two scripts at once would spoil
+# each other's. `configure` and `compile` are to be run under it.
 with_build_lock() {
   mkdir -p "$root/build" || return
   (
-    flock 9 || exit
+    if ! flock --nonblock 9; then
+      say "Waiting for another script that builds here ..."
+      flock 9 || exit
+    fi
     "$@" 9>&-
   ) 9>"$root/build/.lock"
 }
@@ -32,12 +36,12 @@ configure() {
   if [[ -f $cache ]] && ! grep -qxF "CMAKE_HOME_DIRECTORY:INTERNAL=$root" "$cache"; then
     set -- --fresh "$@"
   fi
-  with_build_lock cmake -S "$root" --preset "$preset" "$@"
+  cmake -S "$root" --preset "$preset" "$@"
 }
 
 # compile PRESET [CMAKE --build ARGUMENT]...
 compile() {
   local preset=$1
   shift
-  with_build_lock cmake --build "$root/build/$preset" --parallel "$(nproc)" "$@"
+  cmake --build "$root/build/$preset" --parallel "$(nproc)" "$@"
 }
