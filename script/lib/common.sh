@@ -15,6 +15,17 @@ die() {
   exit 1
 }
 
+# Objects come from the user's compiler cache. Where that cannot be written to, as with a home that is
+# absent or read-only, ccache would fail every compilation: then it keeps them in the build directory.
+choose_compiler_cache() {
+  command -v ccache >/dev/null || return 0
+  local cache
+  cache=$(ccache --get-config cache_dir 2>/dev/null) || cache=
+  if [[ -z $cache ]] || ! mkdir -p -- "$cache" 2>/dev/null || [[ ! -w $cache ]]; then
+    export CCACHE_DIR=$root/build/ccache
+  fi
+}
+
 # Holds the build directories while the command runs, in a subshell: two scripts at once would spoil
 # each other's. `configure` and `compile` are to be run under it.
 with_build_lock() {
@@ -24,6 +35,7 @@ with_build_lock() {
       say "Waiting for another script that builds here ..."
       flock 9 || exit
     fi
+    choose_compiler_cache
     "$@" 9>&-
   ) 9>"$root/build/.lock"
 }

@@ -1,9 +1,10 @@
 # shellcheck shell=bash
-# A home of their own for programs that must not touch the user's. Sourced by test and bench.
+# A home of their own for programs that must not touch the user's. Sourced by test and bench, after common.sh.
 
 # Points HOME, TMPDIR and every XDG directory into a temporary directory, `private`, that is removed when
 # the script ends, and takes the desktop away. Objects still come from the user's compiler cache.
 make_private_environment() {
+  choose_compiler_cache
   if command -v ccache >/dev/null; then
     CCACHE_DIR=$(ccache --get-config cache_dir)
     export CCACHE_DIR
