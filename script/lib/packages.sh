@@ -7,33 +7,33 @@ packages() {
   case $1-$2 in
     debian-run)
       echo g++ cmake ninja-build pkg-config libx11-dev libxrender-dev libxft-dev libfontconfig-dev \
-        libpng-dev fonts-dejavu-core xvfb x11-utils netpbm
+        fonts-dejavu-core xvfb x11-utils netpbm
       ;;
     debian-test)
       echo libgtest-dev libxtst-dev clang clang-format-14 clang-tidy-14 shellcheck ccache \
         xclip xdotool openbox
       ;;
-    debian-bench) echo libbenchmark-dev ncdu gdu ;;
+    debian-bench) echo ncdu gdu ;;
     fedora-run)
       echo gcc-c++ cmake ninja-build pkgconf-pkg-config libX11-devel libXrender-devel libXft-devel \
-        fontconfig-devel libpng-devel dejavu-sans-fonts xorg-x11-server-Xvfb xdpyinfo netpbm-progs
+        fontconfig-devel dejavu-sans-fonts xorg-x11-server-Xvfb xdpyinfo netpbm-progs
       ;;
     fedora-test)
       echo gtest-devel libXtst-devel clang clang-tools-extra ShellCheck ccache xclip xdotool openbox
       ;;
-    fedora-bench) echo google-benchmark-devel ncdu gdu ;;
+    fedora-bench) echo ncdu gdu ;;
     arch-run)
-      echo gcc cmake ninja pkgconf libx11 libxrender libxft fontconfig libpng ttf-dejavu \
+      echo gcc cmake ninja pkgconf libx11 libxrender libxft fontconfig ttf-dejavu \
         xorg-server-xvfb xorg-xdpyinfo netpbm
       ;;
     arch-test) echo gtest libxtst clang shellcheck ccache xclip xdotool openbox ;;
-    arch-bench) echo benchmark ncdu gdu ;;
+    arch-bench) echo ncdu gdu ;;
     suse-run)
       echo gcc-c++ cmake ninja pkgconf-pkg-config libX11-devel libXrender-devel libXft-devel \
-        fontconfig-devel libpng16-devel dejavu-fonts xorg-x11-server-Xvfb xdpyinfo netpbm
+        fontconfig-devel dejavu-fonts xorg-x11-server-Xvfb xdpyinfo netpbm
       ;;
     suse-test) echo gtest libXtst-devel clang clang-tools ShellCheck ccache xclip xdotool openbox ;;
-    suse-bench) echo benchmark-devel ncdu gdu ;;
+    suse-bench) echo ncdu gdu ;;
   esac
 }
 
@@ -52,13 +52,13 @@ install_command() {
 requirements() {
   case $1 in
     run)
-      echo c++ cmake ninja pkg-config pc:x11 pc:xrender pc:xft pc:fontconfig pc:libpng font \
+      echo c++ cmake ninja pkg-config pc:x11 pc:xrender pc:xft pc:fontconfig font \
         Xvfb xdpyinfo pnmtopng
       ;;
     test)
       # Without clang-format 14 and clang-tidy 14 their checks are skipped: few systems still have them.
       echo pc:gtest pc:xtst clang++ shellcheck ccache xclip xdotool openbox
       ;;
-    bench) echo pc:benchmark ncdu gdu ;;
+    bench) echo ncdu gdu ;;
   esac
 }
