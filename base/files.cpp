@@ -1,6 +1,7 @@
 #include "base/files.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/types.h>
 #include <unistd.h>
 
@@ -22,11 +23,18 @@ bool writeAll(int fd, std::string_view bytes) {
   }
   return true;
 }
+
+bool isRegularFile(int fd) {
+  struct stat status {};
+  return ::fstat(fd, &status) == 0 && S_ISREG(status.st_mode);
+}
 }  // namespace
 
 std::optional<std::string> readWholeFile(const std::string& path) {
-  const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-  if (!file.valid()) return std::nullopt;
+  // Opening a FIFO for reading waits for a writer unless O_NONBLOCK is set; on regular files the
+  // flag does nothing.
+  const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  if (!file.valid() || !isRegularFile(file.get())) return std::nullopt;
   std::string content;
   std::array<char, 8192> buffer;
   while (true) {
@@ -39,7 +47,9 @@ std::optional<std::string> readWholeFile(const std::string& path) {
 }
 
 WriteOutcome writeWholeFile(const std::string& path, std::string_view content) {
-  FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
+  // O_NONBLOCK: a FIFO that nobody reads is refused instead of waited for.
+  FileDescriptor file(
+      ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK | O_CLOEXEC, 0600));
   if (!file.valid()) return WriteOutcome::NotOpened;
   const bool written = writeAll(file.get(), content);
   // A network file system may report only at the close that it had no room.

@@ -6,8 +6,9 @@
 
 namespace base {
 
-/// The whole content of a file, bytes as they are. Nothing when it cannot be opened or read to its
-/// end.
+/// The whole content of a regular file, bytes as they are. Nothing when `path` is anything else, or
+/// when it cannot be opened or read to its end. Never waits for another program: a FIFO or a device
+/// counts as unreadable.
 std::optional<std::string> readWholeFile(const std::string& path);
 
 enum class WriteOutcome {
@@ -18,7 +19,8 @@ enum class WriteOutcome {
   Incomplete,
 };
 
-/// Makes `content` the whole content of the file, created with mode 0600 when it is missing.
+/// Makes `content` the whole content of the file, created with mode 0600 when it is missing. Never
+/// waits for a reader of a FIFO.
 WriteOutcome writeWholeFile(const std::string& path, std::string_view content);
 
 }  // namespace base

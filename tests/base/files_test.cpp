@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <string>
 
@@ -25,6 +26,22 @@ TEST(ReadWholeFile, TellsAnEmptyFileFromOneItCannotRead) {
   EXPECT_EQ(readWholeFile(directory.path()), std::nullopt);  // opens, but cannot be read
 }
 
+TEST(ReadWholeFile, WaitsForNobodyAndReadsRegularFilesOnly) {
+  const test::TempDirectory directory;
+  ASSERT_EQ(mkfifo((directory / "fifo").c_str(), 0600), 0);
+  EXPECT_EQ(readWholeFile(directory / "fifo"), std::nullopt);
+  EXPECT_EQ(readWholeFile("/dev/null"), std::nullopt);
+  ASSERT_EQ(symlink("fifo", (directory / "link").c_str()), 0);
+  EXPECT_EQ(readWholeFile(directory / "link"), std::nullopt);
+}
+
+TEST(ReadWholeFile, FollowsALinkToAFile) {
+  const test::TempDirectory directory;
+  test::writeFile(directory / "file", "text");
+  ASSERT_EQ(symlink("file", (directory / "link").c_str()), 0);
+  EXPECT_EQ(readWholeFile(directory / "link"), "text");
+}
+
 TEST(WriteWholeFile, ReplacesWhatWasThere) {
   const test::TempDirectory directory;
   test::writeFile(directory / "file", "a longer text");
@@ -44,6 +61,8 @@ TEST(WriteWholeFile, SaysWhyItFailed) {
   const test::TempDirectory directory;
   EXPECT_EQ(writeWholeFile(directory / "missing/file", "text"), WriteOutcome::NotOpened);
   EXPECT_EQ(writeWholeFile("/dev/full", "text"), WriteOutcome::Incomplete);
+  ASSERT_EQ(mkfifo((directory / "fifo").c_str(), 0600), 0);
+  EXPECT_EQ(writeWholeFile(directory / "fifo", "text"), WriteOutcome::NotOpened);
 }
 
 }  // namespace

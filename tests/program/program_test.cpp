@@ -186,6 +186,20 @@ TEST_F(Program, TakesADelayBelowNothingForNone) {
   }
 }
 
+TEST_F(Program, StartsWhenItsFilesAreFifosThatNobodyWritesTo) {
+  const XServer server(kScreen);
+  const std::string data = home_.path() + "/.local/share/heapgauge";
+  const std::string configuration = home_.path() + "/.config/heapgauge";
+  test::makeDirectory(data);
+  test::makeDirectory(configuration);
+  ASSERT_EQ(mkfifo((data + "/scan-history.txt").c_str(), 0600), 0);
+  ASSERT_EQ(mkfifo((configuration + "/settings.ini").c_str(), 0600), 0);
+  test::writeFile(dir_ / "scanned/file", "x");
+  const Outcome run({dir_ / "scanned", "--capture", dir_ / "f.ppm", "--capture-after", "0"});
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(run.errors, "");
+}
+
 TEST_F(Program, RemembersTheScanAndTouchesNothingElseOfTheUsers) {
   const XServer server(kScreen);
   test::writeFile(dir_ / "scanned/file", "x");
