@@ -1,13 +1,18 @@
 #include "ui/back_buffer.h"
 
+#include "ui/x_errors.h"
+
 namespace ui {
 
 std::unique_ptr<BackBuffer> BackBuffer::create(const Connection& connection, ::Window window,
                                                int width, int height) {
   const Connection::Native& x = connection.native();
+  ErrorTrap trap(x.display);
   const Pixmap pixmap =
       XCreatePixmap(x.display, window, static_cast<unsigned>(width), static_cast<unsigned>(height),
                     static_cast<unsigned>(x.depth));
+  // Xlib names a pixmap before the server has made it.
+  if (trap.caught()) return nullptr;
   std::unique_ptr<BackBuffer> buffer(new BackBuffer(x.display, pixmap, width, height));
   buffer->draw_ = XftDrawCreate(x.display, pixmap, x.visual, x.colormap);
   return buffer->draw_ ? std::move(buffer) : nullptr;

@@ -9,8 +9,8 @@ namespace ui {
 /// The pixmap a window is painted in before it is shown, with its Xft draw.
 class BackBuffer {
  public:
-  /// A buffer of `width` x `height` (at least 1 each) for `window`. Null when no draw can be made
-  /// on it.
+  /// A buffer of `width` x `height` (at least 1 each) for `window`. Null when the server has no
+  /// room for it or no draw can be made on it. Waits for the server's answer.
   static std::unique_ptr<BackBuffer> create(const Connection& connection, ::Window window,
                                             int width, int height);
   ~BackBuffer();

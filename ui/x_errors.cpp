@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cassert>
 #include <cstdio>
 #include <string_view>
 
@@ -19,13 +20,8 @@ ErrorTrap* activeTrap = nullptr;  // window thread only, like every Xlib call
   _exit(1);
 }
 
-}  // namespace
-
 int handleError(Display* display, XErrorEvent* error) {
-  if (activeTrap && activeTrap->display_ == display && error->serial >= activeTrap->firstSerial_) {
-    activeTrap->caught_ = true;
-    return 0;
-  }
+  if (activeTrap && activeTrap->takes(display, *error)) return 0;
   if (error->error_code == BadWindow) return 0;
   std::array<char, 128> text{};
   XGetErrorText(display, error->error_code, text.data(), static_cast<int>(text.size()));
@@ -34,18 +30,27 @@ int handleError(Display* display, XErrorEvent* error) {
   return 0;
 }
 
+}  // namespace
+
 void installErrorHandlers() {
   XSetErrorHandler(handleError);
   XSetIOErrorHandler(handleLostConnection);
 }
 
 ErrorTrap::ErrorTrap(Display* display) : display_(display), firstSerial_(NextRequest(display)) {
+  assert(!activeTrap && "traps do not nest");
   activeTrap = this;
 }
 
 ErrorTrap::~ErrorTrap() {
   XSync(display_, False);
   activeTrap = nullptr;
+}
+
+bool ErrorTrap::takes(const Display* display, const XErrorEvent& error) {
+  if (display != display_ || error.serial < firstSerial_) return false;
+  caught_ = true;
+  return true;
 }
 
 bool ErrorTrap::caught() {

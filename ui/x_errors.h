@@ -6,13 +6,12 @@ namespace ui {
 
 /// Replaces Xlib's handlers for the process, which end it through `exit` while threads still run.
 ///
-/// * An X error never ends the program. BadWindow is passed over in silence: another client may
-/// destroy its
-///   window between asking for the clipboard and getting the answer. Any other error is a mistake
-///   of ours and prints one line to standard error.
-/// * A lost connection prints one line to standard error and leaves with `_exit(1)`: nothing of X
-/// may be
-///   called after it, which destructors would do.
+/// An X error never ends the program. BadWindow is passed over in silence: another client may
+/// destroy its window between asking for the clipboard and getting the answer. Any other error is a
+/// mistake of ours and prints one line to standard error.
+///
+/// A lost connection prints one line to standard error and leaves with `_exit(1)`: nothing of X may
+/// be called after it, which destructors would do.
 ///
 /// May be called again.
 void installErrorHandlers();
@@ -29,9 +28,11 @@ class ErrorTrap {
   /// Waits for the server to answer every request made so far; true when one of the trap's failed.
   bool caught();
 
- private:
-  friend int handleError(Display* display, XErrorEvent* error);
+  /// For the error handler: notes an error that is the trap's. False for those of earlier requests
+  /// and of other displays.
+  bool takes(const Display* display, const XErrorEvent& error);
 
+ private:
   Display* display_;
   unsigned long firstSerial_;
   bool caught_ = false;
