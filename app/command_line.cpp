@@ -54,8 +54,4 @@ std::string noDisplayMessage() {
 
 std::string noWindowMessage() { return "Could not create the window.\n"; }
 
-std::string captureFailedMessage(std::string_view path) {
-  return std::string("could not write ").append(path).append(1, '\n');
-}
-
 }  // namespace app

@@ -45,7 +45,4 @@ std::string noDisplayMessage();
 /// For standard error when the main window cannot be made; the exit status is 1.
 std::string noWindowMessage();
 
-/// For standard error when a capture cannot be written to `path`; the exit status stays 0.
-std::string captureFailedMessage(std::string_view path);
-
 }  // namespace app

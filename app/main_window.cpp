@@ -2,7 +2,6 @@
 
 #include <cstdio>
 
-#include "app/command_line.h"
 #include "app/format.h"
 #include "app/product.h"
 #include "app/settings_store.h"
@@ -12,8 +11,10 @@ namespace app {
 namespace {
 constexpr int kTickMs = 100;
 // Logical pixels.
-constexpr double kWidth = 1100, kHeight = 720;
-constexpr double kMinWidth = 640, kMinHeight = 420;
+constexpr double kWidth = 1100;
+constexpr double kHeight = 720;
+constexpr double kMinWidth = 640;
+constexpr double kMinHeight = 420;
 
 MeasureSettings measureFromSettings() {
   MeasureSettings measure;
@@ -31,19 +32,23 @@ std::string scanFailureText(const std::string& path, const std::string& reason) 
   return displayName(path) + " - " + reason;
 }
 
+std::string captureFailedMessage(const std::string& file) {
+  return "could not write " + file + "\n";
+}
+
 MainWindow::MainWindow(ui::Connection& connection)
     : connection_(connection),
       colours_(SettingsStore::instance().getBool("ConsistentKindColours", true)),
       window_(connection),
       map_(colours_),
-      controller_(
-          [this](const sizewalk::ScanProgress&) { window_.post([this] { refreshFromScan(); }); },
-          [this] { window_.post([this] { refreshFromScan(); }); }) {
+      // The tick follows a running scan by itself, so its progress reports go nowhere.
+      controller_({}, [this] { window_.post([this] { showScanEnd(); }); }) {
   map_.setMeasure(measureFromSettings());
 }
 
 bool MainWindow::create() {
-  window_.onPaint = [this](ui::Canvas& canvas) { paint(canvas); };
+  window_.onPrepare = [this] { prepareFrame(); };
+  window_.onPaint = [this](ui::Canvas& canvas) { map_.paint(canvas); };
   window_.onResize = [this](int width, int height) { resize(width, height); };
   if (!window_.create(windowTitle({}), connection_.scaled(kWidth), connection_.scaled(kHeight))) {
     return false;
@@ -72,7 +77,7 @@ void MainWindow::captureAfter(const std::string& file, double seconds) {
 }
 
 void MainWindow::tick() {
-  refreshFromScan();
+  followScan();
   if (const auto file = captureCountdown_.tick(scanShown_ && !endShown_)) {
     window_.invalidate();
     window_.post([this, path = *file] { capture(path); });
@@ -84,13 +89,8 @@ void MainWindow::capture(const std::string& file) {
   window_.quit();
 }
 
-void MainWindow::refreshFromScan() {
-  if (!scanShown_ || endShown_) return;
-  if (controller_.finished()) {
-    endShown_ = true;
-    showScanEnd();
-    return;
-  }
+void MainWindow::followScan() {
+  if (!scanShown_ || controller_.finished()) return;
   const sizewalk::NodeId nodes = controller_.scanner()->tree().nodeCount();
   if (nodes != shownNodes_ && pacer_.due(RefreshPacer::Clock::now())) {
     shownNodes_ = nodes;
@@ -99,6 +99,9 @@ void MainWindow::refreshFromScan() {
 }
 
 void MainWindow::showScanEnd() {
+  // The end of a scan may be posted just before another scan takes its place.
+  if (endShown_ || !controller_.finished()) return;
+  endShown_ = true;
   const ScanSummary& summary = controller_.summary();
   if (summary.failure != 0) {
     std::fprintf(stderr, "This folder cannot be scanned: %s\n",
@@ -112,11 +115,8 @@ void MainWindow::invalidateMap() {
   window_.invalidate();
 }
 
-void MainWindow::paint(ui::Canvas& canvas) {
-  const RefreshPacer::Clock::time_point start = RefreshPacer::Clock::now();
-  map_.update();
-  map_.paint(canvas);
-  pacer_.ran(start, RefreshPacer::Clock::now());
+void MainWindow::prepareFrame() {
+  pacer_.run([this] { return map_.update(); });
 }
 
 void MainWindow::resize(int width, int height) { map_.setRect({0, 0, width, height}); }

@@ -7,7 +7,6 @@
 #include "app/refresh_pacer.h"
 #include "app/scan_controller.h"
 #include "app/treemap_view.h"
-#include "ui/canvas.h"
 #include "ui/connection.h"
 #include "ui/window.h"
 
@@ -32,13 +31,14 @@ class MainWindow {
   /// Handles events until the window is closed or a capture is done.
   void run() { window_.run(); }
 
-  const ScanController& scan() const { return controller_; }
-
  private:
   void tick();
-  void paint(ui::Canvas& canvas);
+  /// Makes the map's picture anew if need be, so that painting only copies it.
+  void prepareFrame();
   void resize(int width, int height);
-  void refreshFromScan();
+  /// Marks the map when a running scan has found more.
+  void followScan();
+  /// Shows the end of the current scan, once; does nothing while it runs.
   void showScanEnd();
   void capture(const std::string& file);
   void updateTitle();
@@ -62,5 +62,8 @@ std::string windowTitle(const std::string& scanPath);
 
 /// What to tell the user of a folder that cannot be scanned: "PATH - No such file or directory".
 std::string scanFailureText(const std::string& path, const std::string& reason);
+
+/// For standard error when a capture cannot be written to `file`; the exit status stays 0.
+std::string captureFailedMessage(const std::string& file);
 
 }  // namespace app

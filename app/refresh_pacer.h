@@ -1,19 +1,28 @@
 #pragma once
 
 #include <chrono>
+#include <utility>
 
 namespace app {
 
-/// Decides how often the views follow a running scan: as often as they like while drawing is quick,
-/// and so seldom that drawing takes no more than a third of the window thread's time when it is
-/// slow.
+/// Decides how often the views follow a running scan: as often as they like while making a picture
+/// is quick, and so seldom that it takes no more than a third of the window thread's time when it
+/// is slow.
 class RefreshPacer {
  public:
   using Clock = std::chrono::steady_clock;
 
   bool due(Clock::time_point now) const { return now >= next_; }
-  /// A refresh ran from `start` to `end`: the next is due after a pause of twice as long.
-  void ran(Clock::time_point start, Clock::time_point end) { next_ = end + 2 * (end - start); }
+
+  /// Calls `refresh`, which says whether it made anything. If so, the next refresh is due after a
+  /// pause of twice the time it took; if not, whatever pause is in force goes on.
+  template <typename Refresh>
+  void run(Refresh&& refresh) {
+    const Clock::time_point start = Clock::now();
+    if (!std::forward<Refresh>(refresh)()) return;
+    const Clock::time_point end = Clock::now();
+    next_ = end + 2 * (end - start);
+  }
 
  private:
   Clock::time_point next_{};

@@ -169,6 +169,7 @@ bool Window::fitBackBuffer() {
 void Window::paint() {
   needsRedraw_ = false;
   if (!fitBackBuffer()) return;
+  if (onPrepare) onPrepare();
   const BackBuffer& buffer = *native_->backBuffer;
   const PaintTarget target = {buffer.pixmap(), buffer.draw(), native_->gc, buffer.width(),
                               buffer.height()};

@@ -22,6 +22,9 @@ namespace ui {
 /// `post`.
 class Window {
  public:
+  /// A frame is due: whatever is costly or changes state, such as layout, is done here, once for
+  /// all that happened since the last frame. `onPaint` follows.
+  std::function<void()> onPrepare;
   /// Draws the whole window.
   std::function<void(Canvas&)> onPaint;
   /// Buttons other than the wheel.
@@ -89,8 +92,6 @@ class Window {
   /// Milliseconds since the epoch.
   static std::int64_t now();
 
-  Connection& connection() const { return connection_; }
-  double scale() const { return connection_.scale(); }
   int width() const { return width_; }
   int height() const { return height_; }
   /// The X window's id, 0 before `create`: to own a selection with.

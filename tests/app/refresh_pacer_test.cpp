@@ -8,14 +8,47 @@ namespace {
 using Clock = RefreshPacer::Clock;
 using std::chrono::milliseconds;
 
+/// Works for `duration`, as the making of a picture does.
+Clock::time_point workFor(Clock::duration duration) {
+  const Clock::time_point end = Clock::now() + duration;
+  while (Clock::now() < end) {
+  }
+  return end;
+}
+
 TEST(RefreshPacer, IsDueAtOnceAtFirst) { EXPECT_TRUE(RefreshPacer().due(Clock::now())); }
 
 TEST(RefreshPacer, LeavesTwoThirdsOfTheTimeToOthers) {
   RefreshPacer pacer;
-  const Clock::time_point start = Clock::now();
-  pacer.ran(start, start + milliseconds(300));
-  EXPECT_FALSE(pacer.due(start + milliseconds(899)));
-  EXPECT_TRUE(pacer.due(start + milliseconds(900)));
+  Clock::time_point end;
+  const Clock::time_point before = Clock::now();
+  pacer.run([&] {
+    end = workFor(milliseconds(50));
+    return true;
+  });
+  const Clock::time_point after = Clock::now();
+  EXPECT_FALSE(pacer.due(end + milliseconds(99)));
+  EXPECT_TRUE(pacer.due(after + 2 * (after - before)));
+}
+
+TEST(RefreshPacer, KeepsThePauseWhenNothingWasMade) {
+  RefreshPacer pacer;
+  Clock::time_point end;
+  pacer.run([&] {
+    end = workFor(milliseconds(50));
+    return true;
+  });
+  pacer.run([] { return false; });
+  EXPECT_FALSE(pacer.due(end + milliseconds(99)));
+}
+
+TEST(RefreshPacer, IsStillDueWhenNothingWasMade) {
+  RefreshPacer pacer;
+  pacer.run([] {
+    workFor(milliseconds(5));
+    return false;
+  });
+  EXPECT_TRUE(pacer.due(Clock::now()));
 }
 
 }  // namespace

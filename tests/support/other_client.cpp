@@ -207,6 +207,12 @@ long OtherClient::eventMask(unsigned long window) {
   return attributes.all_event_masks;
 }
 
+int OtherClient::bitGravity(unsigned long window) {
+  XWindowAttributes attributes{};
+  XGetWindowAttributes(native_->display, window, &attributes);
+  return attributes.bit_gravity;
+}
+
 unsigned long OtherClient::screenPixel(unsigned long window, int x, int y) {
   XImage* image = XGetImage(native_->display, window, x, y, 1, 1, AllPlanes, ZPixmap);
   if (!image) throw std::runtime_error("the window is not on the screen");

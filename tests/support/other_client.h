@@ -70,6 +70,8 @@ class OtherClient {
   std::pair<int, int> sizeOf(unsigned long window);
   /// The events that any client asked of the window.
   long eventMask(unsigned long window);
+  /// Which part of its old picture the window keeps when its size changes; X's number.
+  int bitGravity(unsigned long window);
   /// The raw pixel of the window that is on the screen now.
   unsigned long screenPixel(unsigned long window, int x, int y);
 

@@ -10,6 +10,7 @@
 #include "tests/support/environment.h"
 #include "tests/support/x_server.h"
 #include "ui/x11.h"
+#include "ui/x_errors.h"
 
 namespace ui {
 namespace {
@@ -20,6 +21,12 @@ constexpr int kMmAt96 = 286;  // 1080 px on 286 mm are 95.9 dpi
 TEST(ScaleFor, TakesTheResourceOverTheSizeOfTheScreen) {
   EXPECT_DOUBLE_EQ(scaleFor("Xft.dpi:\t144\n", kPx, kMmAt96), 1.5);
   EXPECT_DOUBLE_EQ(scaleFor("*foo: 1\nXft.dpi: 120.0\nXft.hinting: 1\n", kPx, kMmAt96), 1.25);
+}
+
+TEST(ScaleFor, LooksTheResourceUpByItsClassAsWell) {
+  EXPECT_DOUBLE_EQ(scaleFor("Xft.Dpi: 144\n", kPx, kMmAt96), 1.5);
+  EXPECT_DOUBLE_EQ(scaleFor("*Dpi: 144\n", kPx, kMmAt96), 1.5);
+  EXPECT_DOUBLE_EQ(scaleFor("*Dpi: 144\nXft.dpi: 192\n", kPx, kMmAt96), 2.0);
 }
 
 TEST(ScaleFor, StaysBetweenThreeQuartersAndFour) {
@@ -106,6 +113,41 @@ TEST(XError, OfOurOwnMakingIsReportedAndDoesNotEndTheProgram) {
   const std::string report = ::testing::internal::GetCapturedStderr();
   EXPECT_NE(report.find("BadPixmap"), std::string::npos) << report;
   EXPECT_NE(report.find("0x1234"), std::string::npos) << report;
+}
+
+TEST(ErrorTrap, CatchesTheErrorsOfItsOwnRequestsOnly) {
+  const test::XServer server;
+  const auto connection = Connection::open();
+  ASSERT_TRUE(connection);
+  Display* display = connection->native().display;
+  ::testing::internal::CaptureStderr();
+  XFreePixmap(display, 0x1234);
+  {
+    ErrorTrap trap(display);
+    EXPECT_FALSE(trap.caught());
+    XFreePixmap(display, 0x5678);
+    EXPECT_TRUE(trap.caught());
+  }
+  XFreePixmap(display, 0x9ABC);
+  XSync(display, False);
+  const std::string report = ::testing::internal::GetCapturedStderr();
+  EXPECT_NE(report.find("0x1234"), std::string::npos) << report;
+  EXPECT_EQ(report.find("0x5678"), std::string::npos) << report;
+  EXPECT_NE(report.find("0x9abc"), std::string::npos) << report;
+}
+
+TEST(ErrorTrap, DoesNotNest) {
+#ifdef NDEBUG
+  GTEST_SKIP() << "asserted in debug builds only";
+#else
+  ::testing::FLAGS_gtest_death_test_style = "fast";
+  const test::XServer server;
+  const auto connection = Connection::open();
+  ASSERT_TRUE(connection);
+  Display* display = connection->native().display;
+  const ErrorTrap outer(display);
+  EXPECT_DEATH(ErrorTrap{display}, "traps do not nest");
+#endif
 }
 
 TEST(LostServer, EndsTheProgramWithOneLineAndStatus1) {

@@ -6,13 +6,16 @@
 #include <sys/select.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <thread>
 #include <vector>
 
 #include "tests/ui/window_test_base.h"
+#include "ui/x11.h"
 
 namespace test {
 namespace {
@@ -88,11 +91,8 @@ TEST_F(EventLoopTest, SleepsUntilSomethingHappens) {
   show();
   settle();
   for (int i = 0; i < 1000; ++i) window.post([] {});
+  window.setTick(400, [&] { window.quit(); });
   const rusage before = threadUsage();
-  std::jthread poster([&] {
-    std::this_thread::sleep_for(400ms);  // the time slept through, not a wait for anything
-    window.post([&] { window.quit(); });
-  });
   window.run();
   const rusage after = threadUsage();
   EXPECT_LT(cpuTime(after) - cpuTime(before), 100ms);
@@ -109,8 +109,10 @@ TEST_F(EventLoopTest, TicksOnceForAllTheTimeItWasBusy) {
     if (ticks.size() == 2) window.quit();
   });
   window.post([&] {
-    std::this_thread::sleep_for(350ms);  // busy
-    freeAgain = ui::Window::now();
+    const std::int64_t busyUntil = ui::Window::now() + 350;
+    do {
+      freeAgain = ui::Window::now();
+    } while (freeAgain < busyUntil);
   });
   window.run();
   ASSERT_EQ(ticks.size(), 2u);
@@ -123,10 +125,12 @@ TEST_F(EventLoopTest, StoppedTickIsNotCalled) {
   int ticks = 0;
   window.setTick(1, [&] { ++ticks; });
   window.stopTick();
-  std::jthread poster([&] {
-    std::this_thread::sleep_for(50ms);  // time enough for many ticks
-    window.post([&] { window.quit(); });
-  });
+  const std::int64_t enough = ui::Window::now() + 50;
+  const std::function<void()> turn = [&] {  // keeps the loop turning past many intervals
+    if (ui::Window::now() > enough) return window.quit();
+    window.post(turn);
+  };
+  window.post(turn);
   window.run();
   EXPECT_EQ(ticks, 0);
 }
@@ -187,6 +191,42 @@ TEST_F(EventLoopTest, HandlesNoFurtherEventAfterQuit) {
   EXPECT_EQ(resizes, 1);
 }
 
+TEST_F(EventLoopTest, HandlesEventsThatXlibReadWhileItWaitedForAnAnswer) {
+  show();
+  settle();
+  constexpr int kAsleepMs = 5000;
+  bool handled = false;
+  window.onResize = [&](int, int) {
+    handled = true;
+    window.quit();
+  };
+  window.setTick(1, [&] {
+    other.resizeWindow(window.xid(), 90, 90);
+    XSync(connection->native().display, False);
+    window.setTick(kAsleepMs, [&] { window.quit(); });
+  });
+  const std::int64_t start = ui::Window::now();
+  window.run();
+  EXPECT_TRUE(handled);
+  EXPECT_LT(ui::Window::now() - start, kAsleepMs) << "only the tick woke the loop";
+}
+
+TEST_F(EventLoopTest, DestroysTasksThatDidNotRunWithTheWindow) {
+  std::thread::id destroyedOn;
+  bool ran = false;
+  {
+    ui::Window brief(*connection);
+    std::jthread poster([&] {
+      auto token = std::make_shared<Token>(destroyedOn);
+      brief.post([&ran, held = std::move(token)] { ran = true; });
+    });
+    poster.join();
+    EXPECT_EQ(destroyedOn, std::thread::id());
+  }
+  EXPECT_EQ(destroyedOn, std::this_thread::get_id());
+  EXPECT_FALSE(ran);
+}
+
 TEST_F(EventLoopTest, CanRunAgain) {
   show();
   for (int i = 0; i < 2; ++i) {
@@ -200,18 +240,20 @@ TEST_F(EventLoopTest, CanRunAgain) {
   }
 }
 
+std::atomic<int> signalsTaken{0};
+
 TEST_F(EventLoopTest, GoesOnAfterASignal) {
   show();
   settle();
   struct sigaction action {};
-  action.sa_handler = [](int) {};  // without SA_RESTART: the wait fails
+  action.sa_handler = [](int) { ++signalsTaken; };  // without SA_RESTART: the wait fails
   struct sigaction old {};
   sigaction(SIGUSR1, &action, &old);
   const pthread_t loop = pthread_self();
   std::jthread disturber([&] {
-    for (int i = 0; i < 20; ++i) {
+    for (int i = 1; i <= 200; ++i) {
       pthread_kill(loop, SIGUSR1);
-      std::this_thread::sleep_for(1ms);  // spreads the signals over the wait
+      while (signalsTaken < i) std::this_thread::yield();  // one at a time
     }
     window.post([&] { window.quit(); });
   });

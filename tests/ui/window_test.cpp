@@ -20,6 +20,12 @@ TEST_F(WindowTest, IsCreatedWithItsSizeAndEventMask) {
   EXPECT_EQ(other.eventMask(window.xid()), 0x22806D);
 }
 
+TEST_F(WindowTest, KeepsItsOldPictureAtTheTopLeftWhileItGrows) {
+  ASSERT_TRUE(window.create("Heap Gauge", 100, 100));
+  settle();
+  EXPECT_EQ(other.bitGravity(window.xid()), 1);  // NorthWestGravity
+}
+
 TEST_F(WindowTest, CannotBeCreatedWhenTheServerRefuses) {
   EXPECT_FALSE(window.create("Too wide", 65536, 100));  // 0 in the protocol's 16 bits
   EXPECT_EQ(window.xid(), 0u);
@@ -108,6 +114,64 @@ TEST_F(WindowTest, RepaintsOnceForManyInvalidations) {
   }
   settle();
   EXPECT_EQ(paints, 1);
+}
+
+TEST_F(WindowTest, PreparesEachFrameOnceAndThenPaintsIt) {
+  show();
+  settle();
+  std::vector<std::string> order;
+  window.onPrepare = [&] { order.push_back("prepare"); };
+  window.onPaint = [&](ui::Canvas&) { order.push_back("paint"); };
+  for (int i = 0; i < 10; ++i) {
+    window.invalidate();
+    other.sendExpose(window.xid(), 0);
+  }
+  settle();
+  EXPECT_EQ(order, (std::vector<std::string>{"prepare", "paint"}));
+}
+
+TEST_F(WindowTest, PreparesAFrameOfANewSizeAfterTellingTheSize) {
+  show(200, 100);
+  settle();
+  std::vector<std::string> order;
+  window.onResize = [&](int width, int) { order.push_back("size " + std::to_string(width)); };
+  window.onPrepare = [&] { order.push_back("prepare"); };
+  other.resizeWindow(window.xid(), 150, 100);
+  other.resizeWindow(window.xid(), 160, 100);
+  settle();
+  EXPECT_EQ(order, (std::vector<std::string>{"size 150", "size 160", "prepare"}));
+}
+
+TEST_F(WindowTest, PaintsAgainWhatWasInvalidatedWhilePreparing) {
+  show();
+  settle();
+  int paints = 0;
+  window.onPrepare = [&] {
+    if (paints == 0) window.invalidate();
+  };
+  window.onPaint = [&](ui::Canvas&) { ++paints; };
+  window.invalidate();
+  EXPECT_TRUE(runUntil([&] { return paints >= 2; }));
+}
+
+TEST_F(WindowTest, PaintsNothingWhileTheServerHasNoRoomForItsBuffer) {
+  show(200, 100);
+  settle();
+  int prepared = 0;
+  int paints = 0;
+  window.onPrepare = [&] { ++prepared; };
+  window.onPaint = [&](ui::Canvas&) { ++paints; };
+  ::testing::internal::CaptureStderr();
+  other.sendConfigure(window.xid(), 40000, 10);  // the server makes no pixmap beyond 32767
+  settle();
+  EXPECT_FALSE(window.capture(directory / "frame.ppm"));
+  EXPECT_EQ(prepared, 0);
+  EXPECT_EQ(paints, 0);
+  other.sendConfigure(window.xid(), 200, 100);
+  settle();
+  EXPECT_EQ(paints, 1);
+  EXPECT_EQ(capture().width, 200);
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
 }
 
 TEST_F(WindowTest, RepaintsOnlyAfterTheLastExposeOfASeries) {
