@@ -24,7 +24,6 @@ class Canvas {
 
   int width() const;
   int height() const;
-  Connection& connection() const { return connection_; }
   /// The X handles; defined in ui/x11.h for the toolkit's own use.
   const PaintTarget& target() const { return target_; }
 
@@ -58,18 +57,6 @@ class Canvas {
   Connection& connection_;
   const PaintTarget& target_;
   std::vector<Rect> clips_;
-};
-
-/// Confines a canvas for a scope.
-class ScopedClip {
- public:
-  ScopedClip(Canvas& canvas, const Rect& rect) : canvas_(canvas) { canvas_.pushClip(rect); }
-  ~ScopedClip() { canvas_.popClip(); }
-  ScopedClip(const ScopedClip&) = delete;
-  ScopedClip& operator=(const ScopedClip&) = delete;
-
- private:
-  Canvas& canvas_;
 };
 
 /// The rectangles that make up `rect` with corners of `radius`, no two of them overlapping: three

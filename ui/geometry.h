@@ -10,12 +10,6 @@ struct Rect {
   int h = 0;
 
   bool empty() const { return w <= 0 || h <= 0; }
-  /// The first column right of it and the first row below it.
-  int right() const { return x + w; }
-  int bottom() const { return y + h; }
-  bool contains(int px, int py) const {
-    return px >= x && py >= y && px < right() && py < bottom();
-  }
 
   bool operator==(const Rect&) const = default;
 };

@@ -21,8 +21,8 @@ struct MouseEvent {
 
 /// A key that was pressed.
 struct KeyEvent {
-  /// X's key symbol: one of ui/keys.h, or the character's code for ASCII. Letters come as the
-  /// modifiers make them, upper case with Shift.
+  /// X's key symbol, as X11/keysymdef.h lists them: the character's code for ASCII. Letters come as
+  /// the modifiers make them, upper case with Shift.
   unsigned long keysym = 0;
   /// What the key types, at most 32 bytes; empty for keys without text.
   std::string text;

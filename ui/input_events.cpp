@@ -1,22 +1,9 @@
 #include "ui/input_events.h"
 
-#include <X11/keysym.h>
-
 #include <algorithm>
 #include <array>
 
-#include "ui/keys.h"
-
 namespace ui {
-
-static_assert(key::kBackspace == XK_BackSpace && key::kTab == XK_Tab &&
-              key::kBackTab == XK_ISO_Left_Tab && key::kReturn == XK_Return &&
-              key::kKeypadEnter == XK_KP_Enter && key::kEscape == XK_Escape &&
-              key::kSpace == XK_space && key::kHome == XK_Home && key::kLeft == XK_Left &&
-              key::kUp == XK_Up && key::kRight == XK_Right && key::kDown == XK_Down &&
-              key::kPageUp == XK_Page_Up && key::kPageDown == XK_Page_Down && key::kEnd == XK_End &&
-              key::kMenu == XK_Menu && key::kDelete == XK_Delete && key::kF1 == XK_F1 &&
-              key::kF5 == XK_F5 && key::kF10 == XK_F10);
 
 namespace {
 

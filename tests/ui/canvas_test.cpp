@@ -16,11 +16,15 @@ constexpr ui::Colour kWhite = 0xFFFFFFFF;
 constexpr ui::Colour kRed = 0xFFFF0000;
 constexpr ui::Rect kAll{0, 0, 200, 100};
 
+bool contains(const ui::Rect& rect, int x, int y) {
+  return x >= rect.x && x < rect.x + rect.w && y >= rect.y && y < rect.y + rect.h;
+}
+
 /// Everything in `expected` has the colour `rgb`, and nothing outside does.
 void expectExactly(const Picture& picture, std::uint32_t rgb, const ui::Rect& expected) {
   for (int y = 0; y < picture.height; ++y) {
     for (int x = 0; x < picture.width; ++x) {
-      ASSERT_EQ(picture.at(x, y) == rgb, expected.contains(x, y)) << x << "," << y;
+      ASSERT_EQ(picture.at(x, y) == rgb, contains(expected, x, y)) << x << "," << y;
     }
   }
 }
@@ -211,7 +215,7 @@ TEST_F(CanvasTest, ClipOutsideTheCurrentOneDrawsNothingUntilPopped) {
 
 TEST_F(CanvasTest, ClipConfinesXftAsWell) {
   const auto picture = onWhite([&](ui::Canvas& canvas) {
-    const ui::ScopedClip clip(canvas, {20, 30, 40, 10});
+    canvas.pushClip({20, 30, 40, 10});
     const XftColor colour = {0xFF0000, {0xFFFF, 0, 0, 0xFFFF}};
     XftDrawRect(canvas.target().draw, &colour, 0, 0, 200, 100);
   });
@@ -220,7 +224,7 @@ TEST_F(CanvasTest, ClipConfinesXftAsWell) {
 
 TEST_F(CanvasTest, ClipConfinesTheGraphicsContextAsWell) {
   const auto picture = onWhite([&](ui::Canvas& canvas) {
-    const ui::ScopedClip clip(canvas, {20, 30, 40, 10});
+    canvas.pushClip({20, 30, 40, 10});
     const ui::PaintTarget& target = canvas.target();
     Display* display = connection->native().display;
     XSetForeground(display, target.gc, 0xFF0000);
@@ -276,7 +280,7 @@ TEST_F(CanvasTest, PutPixelsPartlyOutsideShowsTheRightPart) {
   const auto pixels = numbered(30, 20);
   const auto picture = onWhite([&](ui::Canvas& canvas) {
     canvas.putPixels(-10, -5, pixels, 30, 20);
-    const ui::ScopedClip clip(canvas, {105, 58, 10, 10});
+    canvas.pushClip({105, 58, 10, 10});
     canvas.putPixels(100, 50, pixels, 30, 20);
     canvas.putPixels(65536 + 105, 65536 + 58, pixels, 30, 20);
   });
@@ -313,7 +317,7 @@ TEST(DeepScreen, ShowsFillsAndPixelsInTheirColours) {
   deep.paint([&](ui::Canvas& canvas) {
     canvas.fillRect(kAll, 0xFF8000FF);
     canvas.putPixels(10, 10, pixels, 2, 2);
-    const ui::ScopedClip clip(canvas, {20, 21, 100, 1});
+    canvas.pushClip({20, 21, 100, 1});
     canvas.putPixels(20, 20, pixels, 2, 2);
   });
   const unsigned long window = deep.window.xid();
@@ -329,7 +333,7 @@ TEST(ServerWithoutRender, StillShowsOpaqueFills) {
   WindowOnServer plain({.extraArguments = {"-extension", "RENDER"}});
   const Picture picture = plain.paint([](ui::Canvas& canvas) {
     canvas.fillRect(kAll, kWhite);
-    const ui::ScopedClip clip(canvas, {10, 10, 20, 20});
+    canvas.pushClip({10, 10, 20, 20});
     canvas.fillRect(kAll, 0xFF123456);
     canvas.fillRect(kAll, 0x00FF0000);
   });
@@ -343,8 +347,8 @@ TEST(RoundRectRuns, NeverOverlap) {
       for (int h = 1; h < 24; ++h) {
         std::vector<int> hits(24 * 24, 0);
         for (const ui::Rect& run : ui::roundRectRuns({0, 0, w, h}, radius)) {
-          for (int y = run.y; y < run.bottom(); ++y) {
-            for (int x = run.x; x < run.right(); ++x)
+          for (int y = run.y; y < run.y + run.h; ++y) {
+            for (int x = run.x; x < run.x + run.w; ++x)
               ++hits.at(static_cast<std::size_t>(y * 24 + x));
           }
         }

@@ -33,16 +33,6 @@ TEST(Rect, IsEmptyWithoutWidthOrHeight) {
   EXPECT_FALSE((Rect{-5, -5, 1, 1}.empty()));
 }
 
-TEST(Rect, ContainsItsFirstPixelButNotTheOneAfterItsLast) {
-  const Rect rect{10, 20, 3, 4};
-  EXPECT_TRUE(rect.contains(10, 20));
-  EXPECT_TRUE(rect.contains(12, 23));
-  EXPECT_FALSE(rect.contains(13, 20));
-  EXPECT_FALSE(rect.contains(10, 24));
-  EXPECT_FALSE(rect.contains(9, 20));
-  EXPECT_FALSE(rect.contains(10, 19));
-}
-
 TEST(Scaled, RoundsHalfUp) {
   EXPECT_EQ(scaled(10, 1.0), 10);
   EXPECT_EQ(scaled(1, 0.75), 1);

@@ -1,5 +1,6 @@
 #include "ui/input.h"
 
+#include <X11/keysym.h>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -7,7 +8,6 @@
 #include <vector>
 
 #include "tests/ui/window_test_base.h"
-#include "ui/keys.h"
 
 namespace test {
 namespace {
@@ -116,9 +116,9 @@ TEST_F(InputTest, TellsExtraButtonsAsPresses) {
 TEST_F(InputTest, TellsHeldKeysWithAPressButNotWithARelease) {
   click(1);
   other.pressKey(0xffe1);  // Shift_L
-  other.pressKey(0xffe3);  // Control_L
+  other.pressKey(XK_Control_L);
   click(1);
-  other.releaseKey(0xffe3);
+  other.releaseKey(XK_Control_L);
   other.releaseKey(0xffe1);
   settle();
   ASSERT_EQ(seen.size(), 4u);
@@ -136,9 +136,9 @@ TEST_F(InputTest, TellsWheelStepsInFourDirectionsAndNoReleases) {
 }
 
 TEST_F(InputTest, TellsHeldKeysWithTheWheel) {
-  other.pressKey(0xffe3);  // Control_L
+  other.pressKey(XK_Control_L);
   click(4);
-  other.releaseKey(0xffe3);
+  other.releaseKey(XK_Control_L);
   settle();
   EXPECT_EQ(seen, (Lines{"wheel 50,40 button 4 clicks 1 ctrl by 0,-1"}));
 }
@@ -201,10 +201,10 @@ TEST_F(InputTest, TellsLettersAsTheModifiersMakeThem) {
 
 TEST_F(InputTest, TellsControlWithALetter) {
   other.focus(window.xid());
-  other.pressKey(0xffe3);  // Control_L
+  other.pressKey(XK_Control_L);
   other.pressKey('c');
   other.releaseKey('c');
-  other.releaseKey(0xffe3);
+  other.releaseKey(XK_Control_L);
   settle();
   ASSERT_EQ(keys.size(), 2u);
   EXPECT_EQ(keys[1].keysym, static_cast<unsigned long>('c'));
@@ -213,16 +213,16 @@ TEST_F(InputTest, TellsControlWithALetter) {
 
 TEST_F(InputTest, TellsKeysWithoutText) {
   other.focus(window.xid());
-  for (const unsigned long key : {ui::key::kF5, ui::key::kPageDown, ui::key::kEscape}) {
+  for (const unsigned long key : {XK_F5, XK_Page_Down, XK_Escape}) {
     other.pressKey(key);
     other.releaseKey(key);
   }
   settle();
   ASSERT_EQ(keys.size(), 3u);
-  EXPECT_EQ(keys[0].keysym, ui::key::kF5);
+  EXPECT_EQ(keys[0].keysym, static_cast<unsigned long>(XK_F5));
   EXPECT_EQ(keys[0].text, "");
-  EXPECT_EQ(keys[1].keysym, ui::key::kPageDown);
-  EXPECT_EQ(keys[2].keysym, ui::key::kEscape);
+  EXPECT_EQ(keys[1].keysym, static_cast<unsigned long>(XK_Page_Down));
+  EXPECT_EQ(keys[2].keysym, static_cast<unsigned long>(XK_Escape));
 }
 
 TEST_F(InputTest, DropsWhatNoCallableIsSetFor) {
