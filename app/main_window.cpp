@@ -4,6 +4,7 @@
 
 #include "app/format.h"
 #include "app/product.h"
+#include "app/settings.h"
 #include "app/settings_store.h"
 
 namespace app {
@@ -18,7 +19,7 @@ constexpr double kMinHeight = 420;
 
 MeasureSettings measureFromSettings() {
   MeasureSettings measure;
-  measure.physicalSize = SettingsStore::instance().getBool("ShowPhysicalFileSize", true);
+  measure.physicalSize = SettingsStore::instance().get(setting::kShowPhysicalFileSize);
   return measure;
 }
 }  // namespace
@@ -38,7 +39,7 @@ std::string captureFailedMessage(const std::string& file) {
 
 MainWindow::MainWindow(ui::Connection& connection)
     : connection_(connection),
-      colours_(SettingsStore::instance().getBool("ConsistentKindColours", true)),
+      colours_(SettingsStore::instance().get(setting::kConsistentKindColours)),
       window_(connection),
       map_(colours_),
       // The tick follows a running scan by itself, so its progress reports go nowhere.

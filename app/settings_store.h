@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "app/settings.h"
+
 namespace app {
 
 /// The user's configuration directory: $XDG_CONFIG_HOME when it is set and not empty, otherwise
@@ -13,9 +15,8 @@ namespace app {
 std::string configurationHome();
 
 /// Named settings kept in "heapgauge/settings.ini" of the configuration directory. The file holds
-/// one section,
-/// "[Heapgauge]", of "key=value" lines; lines that begin with '#' or ';' and other sections are
-/// skipped when it is read and gone once it is written. Unknown keys are kept.
+/// one section, "[Heapgauge]", of "key=value" lines; lines that begin with '#' or ';' and other
+/// sections are skipped when it is read and gone once it is written. Unknown keys are kept.
 ///
 /// A default is the reader's: it is passed at each call and never stored. Window thread only.
 class SettingsStore {
@@ -31,6 +32,7 @@ class SettingsStore {
 
   /// What is stored for `key` when that is exactly "true" or "false", otherwise `fallback`.
   bool getBool(std::string_view key, bool fallback) const;
+  bool get(const Setting& setting) const { return getBool(setting.key, setting.fallback); }
 
   /// Stores the value and replaces the file at once; does neither when just that is stored already.
   /// When the file cannot be replaced the old one stays and the value holds for this run.

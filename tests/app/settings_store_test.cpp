@@ -72,6 +72,33 @@ TEST(SettingsStore, GivesDefaultsWithoutAFile) {
   EXPECT_FALSE(store.getBool("ShowFileKinds", false));
 }
 
+TEST(SettingsStore, GivesEachSettingItsOwnDefault) {
+  const SettingsStore store = Configuration().open();
+  EXPECT_FALSE(store.get(setting::kSplitHorizontally));
+  EXPECT_TRUE(store.get(setting::kShowFileKinds));
+  EXPECT_FALSE(store.get(setting::kShowFreeSpace));
+  EXPECT_FALSE(store.get(setting::kShowOtherSpace));
+  EXPECT_TRUE(store.get(setting::kShowPhysicalFileSize));
+  EXPECT_TRUE(store.get(setting::kConsistentKindColours));
+  EXPECT_TRUE(store.get(setting::kCheckForUpdates));
+}
+
+TEST(SettingsStore, FindsEachSettingByItsKeyInTheFile) {
+  const Configuration configuration;
+  configuration.write(
+      "[Heapgauge]\nSplitHorizontally=true\nShowFileKinds=false\nShowFreeSpace=true\n"
+      "ShowOtherSpace=true\nShowPhysicalFileSize=false\nConsistentKindColours=false\n"
+      "CheckForUpdates=false\n");
+  const SettingsStore store = configuration.open();
+  EXPECT_TRUE(store.get(setting::kSplitHorizontally));
+  EXPECT_FALSE(store.get(setting::kShowFileKinds));
+  EXPECT_TRUE(store.get(setting::kShowFreeSpace));
+  EXPECT_TRUE(store.get(setting::kShowOtherSpace));
+  EXPECT_FALSE(store.get(setting::kShowPhysicalFileSize));
+  EXPECT_FALSE(store.get(setting::kConsistentKindColours));
+  EXPECT_FALSE(store.get(setting::kCheckForUpdates));
+}
+
 TEST(SettingsStore, ReadsBooleansOfItsSection) {
   const Configuration configuration;
   configuration.write("[Heapgauge]\nShowFileKinds=false\n  ShowFreeSpace = true \t\r\nLast=true");
