@@ -5,7 +5,12 @@
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
 
+#include <algorithm>
+#include <memory>
+#include <span>
 #include <stdexcept>
+
+#include "tests/support/eventually.h"
 
 namespace test {
 
@@ -35,6 +40,30 @@ struct OtherClient::Native {
   }
   ::Window makeWindow() const {
     return XCreateSimpleWindow(display, DefaultRootWindow(display), -10, -10, 1, 1, 0, 0, 0);
+  }
+
+  bool isShown(::Window window, const std::string& className) const {
+    XWindowAttributes attributes{};
+    XClassHint hint{};
+    if (!XGetWindowAttributes(display, window, &attributes)) return false;
+    if (attributes.map_state != IsViewable || !XGetClassHint(display, window, &hint)) return false;
+    const bool matches = hint.res_class && className == hint.res_class;
+    XFree(hint.res_name);
+    XFree(hint.res_class);
+    return matches;
+  }
+  /// 0 when there is none.
+  ::Window findShown(const std::string& className) const {
+    ::Window root = 0;
+    ::Window parent = 0;
+    ::Window* children = nullptr;
+    unsigned count = 0;
+    XQueryTree(display, DefaultRootWindow(display), &root, &parent, &children, &count);
+    const std::unique_ptr<::Window, decltype(&XFree)> owner(children, &XFree);
+    const std::span all(children, count);
+    const auto found =
+        std::ranges::find_if(all, [&](::Window child) { return isShown(child, className); });
+    return found == all.end() ? 0 : *found;
   }
 
   Display* display;
@@ -115,6 +144,19 @@ void OtherClient::takeSelection(const std::string& selection) {
 
 unsigned long OtherClient::selectionOwner(const std::string& selection) {
   return XGetSelectionOwner(native_->display, native_->atom(selection));
+}
+
+unsigned long OtherClient::shownWindow(const std::string& className) {
+  unsigned long found = 0;
+  if (!eventually([&] { return (found = native_->findShown(className)) != 0; })) {
+    throw std::runtime_error("no window of class " + className);
+  }
+  return found;
+}
+
+void OtherClient::holdBackWindows() {
+  XSelectInput(native_->display, DefaultRootWindow(native_->display), SubstructureRedirectMask);
+  native_->sync();
 }
 
 void OtherClient::moveWindow(unsigned long window, int x, int y) {

@@ -29,6 +29,12 @@ class OtherClient {
   void pressKey(unsigned long keysym);
   void releaseKey(unsigned long keysym);
 
+  /// The top-level window on the screen whose class is `className`; waits for it, and throws
+  /// std::runtime_error when it does not come.
+  unsigned long shownWindow(const std::string& className);
+  /// Becomes a window manager that never shows a window, as one that hangs.
+  void holdBackWindows();
+
   void moveWindow(unsigned long window, int x, int y);
   void resizeWindow(unsigned long window, int width, int height);
   /// Tells the window of a size that it does not have.
