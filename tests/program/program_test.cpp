@@ -4,6 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
 #include <set>
 #include <string>
 #include <vector>
@@ -30,17 +33,29 @@ constexpr std::uint32_t kBackground = 0x1C1C1E;
 /// 960 lines at 96 dpi are 254 mm to the line, so that the interface scale is exactly 1.
 const test::XServerOptions kScreen = {.height = 960};
 
+/// Everything below `directory`, relative to it.
+std::set<std::string> filesBelow(const std::string& directory) {
+  std::set<std::string> found;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(directory)) {
+    found.insert(entry.path().lexically_relative(directory));
+  }
+  return found;
+}
+
 /// One run of the program, to its end.
 struct Outcome {
   explicit Outcome(std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), HEAPGAUGE_PROGRAM);
+    const auto start = std::chrono::steady_clock::now();
     Child child(arguments, "/dev/null", dir / "out", dir / "errors");
     status = child.wait().value_or(-2);
+    seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     output = test::readFile(dir / "out");
     errors = test::readFile(dir / "errors");
   }
   TempDirectory dir;
   int status = -2;
+  double seconds = 0;  // from its start to its end
   std::string output;
   std::string errors;
 };
@@ -178,12 +193,74 @@ TEST_F(Program, ReportsACaptureThatCannotBeWrittenAndEndsWell) {
   EXPECT_EQ(run.errors, "could not write " + file + "\n");
 }
 
+TEST_F(Program, CapturesTheBackgroundOfTheMapWithoutAFolder) {
+  const XServer server(kScreen);
+  const Outcome run({"--capture", dir_ / "f.ppm", "--capture-after", "0"});
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(test::readPpm(dir_ / "f.ppm").count(kBackground), 1100 * 720);
+}
+
+TEST_F(Program, CapturesAWindowThatWasNeverShown) {
+  const XServer server(kScreen);
+  test::OtherClient manager;
+  manager.holdBackWindows();
+  const Outcome run({"--capture", dir_ / "f.ppm", "--capture-after", "0"});
+  EXPECT_EQ(run.errors, "");
+  EXPECT_EQ(test::readPpm(dir_ / "f.ppm").count(kBackground), 1100 * 720);
+}
+
+TEST_F(Program, WaitsASecondBeforeACaptureUnlessToldOtherwise) {
+  const XServer server(kScreen);
+  const Outcome standard({"--capture", dir_ / "f.ppm"});
+  EXPECT_EQ(standard.status, 0);
+  EXPECT_GE(standard.seconds, 0.95);
+  const Outcome second({"--capture", dir_ / "f.ppm", "--capture-after", "1"});
+  EXPECT_GE(second.seconds, 0.95);
+  const Outcome half({"--capture", dir_ / "f.ppm", "--capture-after", "0.5"});
+  EXPECT_LT(half.seconds, standard.seconds);
+  EXPECT_LT(half.seconds, second.seconds);
+}
+
+TEST_F(Program, CountsTheDelayInTenthsOfASecond) {
+  const XServer server(kScreen);
+  // Ten ticks. A busy machine may be late, but not every time.
+  double shortest = 100;
+  for (int i = 0; i < 5 && shortest > 1.6; ++i) {
+    const Outcome run({"--capture", dir_ / "f.ppm", "--capture-after", "1.09"});
+    EXPECT_GE(run.seconds, 0.95);
+    shortest = std::min(shortest, run.seconds);
+  }
+  EXPECT_LT(shortest, 1.6);
+}
+
 TEST_F(Program, TakesADelayBelowNothingForNone) {
   const XServer server(kScreen);
-  for (const char* delay : {"-5", "nan", "0.05"}) {
-    const Outcome run({"--capture", dir_ / "f.ppm", "--capture-after", delay});
+  const Outcome second({"--capture", dir_ / "f.ppm", "--capture-after", "1"});
+  for (const char* delay : {"-5", "nan", "-inf", "0.05"}) {
+    const std::string file = dir_ / "frame" + delay;
+    const Outcome run({"--capture", file, "--capture-after", delay});
     EXPECT_EQ(run.status, 0) << delay;
+    EXPECT_LT(run.seconds, second.seconds) << delay;
+    EXPECT_EQ(test::readFile(file), test::readFile(dir_ / "f.ppm")) << delay;
   }
+}
+
+TEST_F(Program, SizesFilesByTheirSpaceOnDiskUnlessTheSettingSaysOtherwise) {
+  const XServer server(kScreen);
+  test::writeSparseFile(dir_ / "scanned/long.mp3", 1 << 30);
+  test::writeFile(dir_ / "scanned/full.txt", std::string(1 << 20, 'x'));
+  const auto frameWith = [&](const std::string& settings) {
+    test::writeFile(home_.path() + "/.config/heapgauge/settings.ini", settings);
+    const Outcome run({dir_ / "scanned", "--capture", dir_ / "f.ppm", "--capture-after", "0"});
+    EXPECT_EQ(run.errors, "");
+    return test::readFile(dir_ / "f.ppm");
+  };
+  const std::string standard = frameWith("");
+  EXPECT_EQ(frameWith("[Heapgauge]\nShowPhysicalFileSize=true\n"), standard);
+  EXPECT_NE(frameWith("[Heapgauge]\nShowPhysicalFileSize=false\n"), standard);
+  // On disk there is nothing beside the full file.
+  std::filesystem::remove(dir_ / "scanned/long.mp3");
+  EXPECT_EQ(frameWith(""), standard);
 }
 
 TEST_F(Program, StartsWhenItsFilesAreFifosThatNobodyWritesTo) {
@@ -208,6 +285,11 @@ TEST_F(Program, RemembersTheScanAndTouchesNothingElseOfTheUsers) {
   const std::string history =
       test::readFile(home_.path() + "/.local/share/heapgauge/scan-history.txt");
   EXPECT_TRUE(history.ends_with("\t" + (dir_ / "scanned") + "\n")) << history;
+  EXPECT_EQ(
+      filesBelow(home_.path()),
+      (std::set<std::string>{".config", ".config/heapgauge", ".local", ".local/share",
+                             ".local/share/heapgauge", ".local/share/heapgauge/scan-history.txt"}));
+  EXPECT_EQ(filesBelow(dir_.path()), (std::set<std::string>{"f.ppm", "scanned", "scanned/file"}));
 }
 
 }  // namespace
