@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/program/windowless_server.h"
 #include "tests/support/child.h"
 #include "tests/support/environment.h"
 #include "tests/support/other_client.h"
@@ -113,6 +114,15 @@ TEST_F(Program, TakesAScreenOfSixteenBitsForNoDisplay) {
   const Outcome run({"--capture", dir_ / "f.ppm"});
   EXPECT_EQ(run.status, 1);
   EXPECT_TRUE(run.errors.starts_with("Cannot open a connection to the X display.\n"));
+}
+
+TEST_F(Program, EndsWithStatus1WhenTheServerGivesItNoWindow) {
+  const XServer server(kScreen);
+  const test::WindowlessServer windowless;
+  const Outcome run({"--capture", dir_ / "f.ppm", "--capture-after", "0"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.errors, "Could not create the window.\n");
+  EXPECT_FALSE(std::filesystem::exists(dir_ / "f.ppm"));
 }
 
 TEST_F(Program, LeavesATreemapOfARealFolderInTheCapture) {
