@@ -24,7 +24,6 @@ class TreemapView {
 
   /// Gives the view its place in the window.
   void setRect(const ui::Rect& rect) { rect_ = rect; }
-  const ui::Rect& rect() const { return rect_; }
 
   /// Makes a new picture if one is due. Call it before painting. True when it made one.
   bool update();
