@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -181,6 +182,8 @@ class FileTree {
   std::vector<bool> nodesBelow(NodeId folder) const REQUIRES(writeMutex_);
   void forget(const std::vector<bool>& gone) REQUIRES(writeMutex_);
   void settleDisplaced(NodeId restored) REQUIRES(writeMutex_);
+  std::optional<Displaced> settled(const Displaced& displaced, NodeId restored)
+      REQUIRES(writeMutex_);
   void makeDuplicate(NodeId node) REQUIRES(writeMutex_);
 
   const ScanOptions options_;

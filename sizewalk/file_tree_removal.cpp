@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 #include "sizewalk/file_tree.h"
 
@@ -125,18 +127,25 @@ void FileTree::restoreSubtree(const RemovedSubtree& record) {
 /// Files within `restored` that are counted at another name by now become duplicates of that one;
 /// where that one is taken out itself they are counted here again.
 void FileTree::settleDisplaced(NodeId restored) {
-  std::erase_if(displaced_, [&](Displaced& displaced) {
-    if (!isWithin(displaced.node, restored)) return false;
-    if (visibilityInside(displaced.node) == Visibility::Hidden) return false;
-    const NodeId counted = hardLinks_.find(displaced.key);
-    if (visibilityInside(counted) == Visibility::Visible) {
-      makeDuplicate(displaced.node);
-      return true;
-    }
-    hardLinks_.assign(displaced.key, displaced.node);
-    displaced.node = counted;
-    return false;
-  });
+  std::vector<Displaced> remaining;
+  for (const Displaced& displaced : displaced_) {
+    const std::optional<Displaced> next = settled(displaced, restored);
+    if (next) remaining.push_back(*next);
+  }
+  displaced_ = std::move(remaining);
+}
+
+/// What is left to remember of `displaced` now that `restored` is back.
+std::optional<FileTree::Displaced> FileTree::settled(const Displaced& displaced, NodeId restored) {
+  if (!isWithin(displaced.node, restored)) return displaced;
+  if (visibilityInside(displaced.node) == Visibility::Hidden) return displaced;
+  const NodeId counted = hardLinks_.find(displaced.key);
+  if (visibilityInside(counted) == Visibility::Visible) {
+    makeDuplicate(displaced.node);
+    return std::nullopt;
+  }
+  hardLinks_.assign(displaced.key, displaced.node);
+  return Displaced{displaced.key, counted};
 }
 
 /// Turns a visible file that is counted here into a duplicate.
@@ -195,11 +204,14 @@ void FileTree::forget(const std::vector<bool>& gone) {
     takenOutBytes_.fetch_sub(taken.second.bytes, std::memory_order_relaxed);
     return true;
   });
-  std::erase_if(displaced_, [&](const Displaced& displaced) {
-    if (gone[displaced.node]) return true;
-    // Whoever displaced it may be gone: then it is the one that is counted again.
-    return hardLinks_.findOrInsert(displaced.key, displaced.node) == displaced.node;
-  });
+  std::erase_if(displaced_, [&](const Displaced& displaced) { return gone[displaced.node]; });
+  // Whoever displaced one of the others may be gone: then it is the one that is counted again.
+  std::vector<Displaced> remaining;
+  for (const Displaced& displaced : displaced_) {
+    const NodeId counted = hardLinks_.findOrInsert(displaced.key, displaced.node);
+    if (counted != displaced.node) remaining.push_back(displaced);
+  }
+  displaced_ = std::move(remaining);
 }
 
 }  // namespace sizewalk
