@@ -10,6 +10,7 @@ struct Rect {
   int h = 0;
 
   bool empty() const { return w <= 0 || h <= 0; }
+  bool contains(int px, int py) const { return px >= x && px < x + w && py >= y && py < y + h; }
 
   bool operator==(const Rect&) const = default;
 };
