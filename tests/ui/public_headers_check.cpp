@@ -7,6 +7,7 @@
 #include "ui/connection.h"
 #include "ui/geometry.h"
 #include "ui/input.h"
+#include "ui/palette.h"
 #include "ui/window.h"
 
 #if defined(None) || defined(Bool) || defined(Status) || defined(Success) || defined(_X11_XLIB_H_)
