@@ -7,22 +7,22 @@ packages() {
   case $1-$2 in
     debian-run)
       echo g++ cmake ninja-build pkg-config libx11-dev libxrender-dev libxft-dev libfontconfig-dev \
-        fonts-dejavu-core xvfb x11-utils netpbm
+        libpng-dev fonts-dejavu-core xvfb x11-utils netpbm
       ;;
     debian-test) echo libgtest-dev libxtst-dev clang shellcheck ccache xclip ;;
     fedora-run)
       echo gcc-c++ cmake ninja-build pkgconf-pkg-config libX11-devel libXrender-devel libXft-devel \
-        fontconfig-devel dejavu-sans-fonts xorg-x11-server-Xvfb xdpyinfo netpbm-progs
+        fontconfig-devel libpng-devel dejavu-sans-fonts xorg-x11-server-Xvfb xdpyinfo netpbm-progs
       ;;
     fedora-test) echo gtest-devel libXtst-devel clang ShellCheck ccache xclip ;;
     arch-run)
-      echo gcc cmake ninja pkgconf libx11 libxrender libxft fontconfig ttf-dejavu \
+      echo gcc cmake ninja pkgconf libx11 libxrender libxft fontconfig libpng ttf-dejavu \
         xorg-server-xvfb xorg-xdpyinfo netpbm
       ;;
     arch-test) echo gtest libxtst clang shellcheck ccache xclip ;;
     suse-run)
       echo gcc-c++ cmake ninja pkgconf-pkg-config libX11-devel libXrender-devel libXft-devel \
-        fontconfig-devel dejavu-fonts xorg-x11-server-Xvfb xdpyinfo netpbm
+        fontconfig-devel libpng16-devel dejavu-fonts xorg-x11-server-Xvfb xdpyinfo netpbm
       ;;
     suse-test) echo gtest libXtst-devel clang ShellCheck ccache xclip ;;
   esac
@@ -52,7 +52,7 @@ install_command() {
 requirements() {
   case $1 in
     run)
-      echo c++ cmake ninja pkg-config pc:x11 pc:xrender pc:xft pc:fontconfig font \
+      echo c++ cmake ninja pkg-config pc:x11 pc:xrender pc:xft pc:fontconfig pc:libpng font \
         Xvfb xdpyinfo pnmtopng
       ;;
     test) echo pc:gtest pc:xtst clang++ shellcheck ccache xclip ;;

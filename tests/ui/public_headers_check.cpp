@@ -6,6 +6,7 @@
 #include "ui/colour.h"
 #include "ui/connection.h"
 #include "ui/geometry.h"
+#include "ui/icon.h"
 #include "ui/input.h"
 #include "ui/palette.h"
 #include "ui/window.h"
