@@ -3,6 +3,9 @@
 #include <array>
 #include <charconv>
 #include <cstddef>
+#include <optional>
+
+#include "base/utf8.h"
 
 namespace app {
 
@@ -16,42 +19,6 @@ std::string fixed(double value, int decimals) {
   const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
                                     std::chars_format::fixed, decimals);
   return {buffer.data(), result.ptr};
-}
-
-bool isContinuation(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
-
-/// How the lead byte of a UTF-8 sequence of `length` bytes is marked, and the least value it may
-/// hold.
-struct SequenceForm {
-  unsigned leadMask;
-  unsigned leadBits;
-  std::size_t length;
-  char32_t least;
-};
-constexpr SequenceForm kSequenceForms[] = {
-    {0x80, 0x00, 1, 0x0}, {0xE0, 0xC0, 2, 0x80}, {0xF0, 0xE0, 3, 0x800}, {0xF8, 0xF0, 4, 0x10000}};
-
-bool isValidSequence(std::string_view bytes, const SequenceForm& form) {
-  char32_t value = static_cast<unsigned char>(bytes[0]) & ~form.leadMask;
-  for (const char c : bytes.substr(1)) {
-    if (!isContinuation(c)) return false;
-    value = value << 6 | (static_cast<unsigned char>(c) & 0x3F);
-  }
-  const bool surrogate = value >= 0xD800 && value <= 0xDFFF;
-  return value >= form.least && value <= 0x10FFFF && !surrogate;
-}
-
-/// Bytes in the valid UTF-8 sequence that `text`, which is not empty, begins with; 0 when there is
-/// none.
-std::size_t sequenceLength(std::string_view text) {
-  const auto lead = static_cast<unsigned char>(text[0]);
-  for (const SequenceForm& form : kSequenceForms) {
-    if ((lead & form.leadMask) != form.leadBits) continue;
-    const bool valid =
-        text.size() >= form.length && isValidSequence(text.substr(0, form.length), form);
-    return valid ? form.length : 0;
-  }
-  return 0;
 }
 
 void appendOctal(std::string& text, char c) {
@@ -91,14 +58,14 @@ std::string displayName(std::string_view name) {
   std::string text;
   text.reserve(name.size());
   while (!name.empty()) {
-    const std::size_t length = sequenceLength(name);
-    if (length == 0) {
-      appendOctal(text, name[0]);
-      name.remove_prefix(1);
-    } else {
+    const std::optional<base::Utf8Character> character = base::firstCharacter(name);
+    const std::size_t length = character ? character->length : 1;
+    if (character) {
       text.append(name.substr(0, length));
-      name.remove_prefix(length);
+    } else {
+      appendOctal(text, name[0]);
     }
+    name.remove_prefix(length);
   }
   return text;
 }
