@@ -22,6 +22,7 @@ class Canvas {
   /// `target` outlives the canvas. The stack starts empty: the whole buffer is drawable.
   Canvas(Connection& connection, const PaintTarget& target);
 
+  Connection& connection() const { return connection_; }
   int width() const;
   int height() const;
   /// The X handles; defined in ui/x11.h for the toolkit's own use.

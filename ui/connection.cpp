@@ -7,6 +7,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "ui/font_defaults.h"
+#include "ui/font_set.h"
 #include "ui/x11.h"
 #include "ui/x_errors.h"
 
@@ -50,7 +52,10 @@ double scaleFor(const char* resources, int heightPx, int heightMm) {
   return std::clamp(dpi / kReferenceDpi, kLeastScale, kGreatestScale);
 }
 
+Connection::Native::Native() = default;
+
 Connection::Native::~Native() {
+  fontSets.clear();
   if (display) XCloseDisplay(display);
 }
 
@@ -69,6 +74,7 @@ std::unique_ptr<Connection> Connection::open() {
   native->pixelFormat = PixelFormat::of(native->depth, native->visual->red_mask,
                                         native->visual->green_mask, native->visual->blue_mask);
 
+  keepManyGlyphs(display);
   const double scale =
       scaleFor(XResourceManagerString(display), DisplayHeight(display, native->screen),
                DisplayHeightMM(display, native->screen));
@@ -81,5 +87,14 @@ Connection::Connection(std::unique_ptr<Native> native, double scale)
 Connection::~Connection() = default;
 
 int Connection::depth() const { return native_->depth; }
+
+Font Connection::font(double size, FontWeight weight) {
+  auto& sets = native_->fontSets;
+  auto set = std::ranges::find_if(sets, [&](const auto& known) { return known->is(size, weight); });
+  if (set == sets.end()) {
+    set = sets.insert(set, std::make_unique<FontSet>(*native_, scale_, size, weight));
+  }
+  return (*set)->handle(static_cast<int>(set - sets.begin()));
+}
 
 }  // namespace ui

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "ui/fonts.h"
 #include "ui/geometry.h"
 
 namespace ui {
@@ -15,7 +16,7 @@ class Connection {
   ///
   /// Also installs the process's X error handlers (ui/x_errors.h).
   static std::unique_ptr<Connection> open();
-  /// Closes the display.
+  /// Closes the fonts, then the display.
   ~Connection();
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
@@ -26,6 +27,10 @@ class Connection {
   double scale() const { return scale_; }
   /// `logical` pixels in device pixels, rounded half up.
   int scaled(double logical) const { return ui::scaled(logical, scale_); }
+
+  /// The interface's typeface at `size` points, opened the first time that it is asked for. Without
+  /// a single font installed the handle draws nothing.
+  Font font(double size, FontWeight weight);
 
   /// The Xlib handles; defined in ui/x11.h for the toolkit's own use.
   struct Native;

@@ -8,14 +8,20 @@
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 
+#include <memory>
+#include <vector>
+
 #include "ui/connection.h"
 #include "ui/pixel_format.h"
 
 namespace ui {
 
+class FontSet;
+
 /// The X side of a `Connection`.
 struct Connection::Native {
-  /// Closes the display.
+  Native();
+  /// Closes the fonts, then the display.
   ~Native();
 
   Display* display = nullptr;
@@ -24,6 +30,8 @@ struct Connection::Native {
   Colormap colormap = 0;
   int depth = 0;
   PixelFormat pixelFormat;
+  /// Never removed: handles hold indices.
+  std::vector<std::unique_ptr<FontSet>> fontSets;
 };
 
 /// What a `Canvas` draws into. Owns nothing.
