@@ -5,10 +5,15 @@
 #include "ui/capture.h"
 #include "ui/colour.h"
 #include "ui/connection.h"
+#include "ui/fonts.h"
 #include "ui/geometry.h"
 #include "ui/icon.h"
 #include "ui/input.h"
+#include "ui/keys.h"
 #include "ui/palette.h"
+#include "ui/paragraph.h"
+#include "ui/text.h"
+#include "ui/text_fit.h"
 #include "ui/window.h"
 
 #if defined(None) || defined(Bool) || defined(Status) || defined(Success) || defined(_X11_XLIB_H_)
