@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <span>
+#include <unordered_set>
+#include <vector>
+
+#include "sizewalk/file_tree.h"
+
+namespace app {
+
+/// The items that the user has picked, which the list and the map both show. Held by node: sorting
+/// anew, new results and closing rows change nothing in it. Window thread only.
+class Selection {
+ public:
+  /// Something was added or removed. Not called where a request changed nothing.
+  std::function<void()> onChanged;
+
+  bool contains(sizewalk::NodeId node) const { return nodes_.contains(node); }
+  std::size_t size() const { return nodes_.size(); }
+  bool empty() const { return nodes_.empty(); }
+  const std::unordered_set<sizewalk::NodeId>& nodes() const { return nodes_; }
+
+  void clear() { replace({}); }
+  /// Makes `nodes` the selection.
+  void replace(std::span<const sizewalk::NodeId> nodes);
+  void select(sizewalk::NodeId node) { replace({&node, 1}); }
+  /// Adds or removes one.
+  void toggle(sizewalk::NodeId node);
+
+  /// What is selected, without what lies inside a selected folder, in ascending order: nothing is
+  /// counted or acted on twice.
+  std::vector<sizewalk::NodeId> outermost(const sizewalk::FileTree& tree) const;
+
+ private:
+  std::unordered_set<sizewalk::NodeId> nodes_;
+};
+
+}  // namespace app
