@@ -41,7 +41,7 @@ MainWindow::MainWindow(ui::Connection& connection)
     : connection_(connection),
       colours_(SettingsStore::instance().get(setting::kConsistentKindColours)),
       window_(connection),
-      map_(colours_),
+      map_(connection, colours_),
       // The tick follows a running scan by itself, so its progress reports go nowhere.
       controller_({}, [this] { window_.post([this] { showScanEnd(); }); }) {
   map_.setMeasure(measureFromSettings());

@@ -6,7 +6,7 @@
 #include "app/kind_colours.h"
 #include "app/refresh_pacer.h"
 #include "app/scan_controller.h"
-#include "app/treemap_view.h"
+#include "app/treemap_picture.h"
 #include "ui/connection.h"
 #include "ui/window.h"
 
@@ -47,7 +47,7 @@ class MainWindow {
   ui::Connection& connection_;
   KindColours colours_;
   ui::Window window_;
-  TreemapView map_;
+  TreemapPicture map_;
   RefreshPacer pacer_;
   CaptureCountdown captureCountdown_;
   sizewalk::NodeId shownNodes_ = 0;  // nodes that were published when the map was last marked

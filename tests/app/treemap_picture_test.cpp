@@ -1,0 +1,122 @@
+#include "app/treemap_picture.h"
+
+#include <gtest/gtest.h>
+
+#include "app/cushion_shading.h"
+#include "tests/app/map_tree.h"
+#include "tests/ui/window_test_base.h"
+
+namespace app {
+namespace {
+
+using sizewalk::kRootNode;
+
+constexpr ui::Rect kPlace{20, 10, 120, 80};
+
+/// A picture of a tree of two files, in a window of 200 x 100.
+class TreemapPictureTest : public test::WindowTest {
+ protected:
+  TreemapPictureTest() {
+    test::fillRoot(tree_, {test::file(1000, 5), {.kind = 6, .apparent = 10, .allocated = 1000}});
+    picture_.setRect(kPlace);
+  }
+
+  /// What the picture leaves on white ground.
+  test::Picture painted() {
+    return paint([&](ui::Canvas& canvas) {
+      canvas.fillRect({0, 0, 200, 100}, 0xFFFFFFFF);
+      picture_.paint(canvas);
+    });
+  }
+
+  sizewalk::FileTree tree_{test::mapTreeOptions()};
+  KindColours colours_{true};
+  TreemapPicture picture_{*connection, colours_};
+};
+
+/// White around `kPlace`, `inside` in it.
+void expectPlaceFilledWith(const test::Picture& picture, std::uint32_t inside) {
+  EXPECT_EQ(picture.count(inside), kPlace.w * kPlace.h);
+  EXPECT_EQ(picture.at(kPlace.x, kPlace.y), inside);
+  EXPECT_EQ(picture.count(0xFFFFFF), 200 * 100 - kPlace.w * kPlace.h);
+}
+
+TEST_F(TreemapPictureTest, PaintsTheBackgroundInItsPlaceBeforeTheFirstPicture) {
+  EXPECT_FALSE(picture_.update()) << "nothing is shown";
+  expectPlaceFilledWith(painted(), kMapBackground);
+  picture_.show(&tree_, kRootNode);
+  expectPlaceFilledWith(painted(), kMapBackground);
+}
+
+TEST_F(TreemapPictureTest, PaintsTheLastPictureInItsPlace) {
+  picture_.show(&tree_, kRootNode);
+  ASSERT_TRUE(picture_.update());
+  const test::Picture picture = painted();
+  ASSERT_EQ(picture_.rendered().pixels.size(), static_cast<std::size_t>(kPlace.w * kPlace.h));
+  for (int y = 0; y < kPlace.h; ++y) {
+    for (int x = 0; x < kPlace.w; ++x) {
+      ASSERT_EQ(picture.at(kPlace.x + x, kPlace.y + y),
+                picture_.rendered().pixels[static_cast<std::size_t>(y * kPlace.w + x)]);
+    }
+  }
+  EXPECT_EQ(picture.count(0xFFFFFF), 200 * 100 - kPlace.w * kPlace.h);
+}
+
+TEST_F(TreemapPictureTest, MakesNoNewPictureWhenNothingChanged) {
+  picture_.show(&tree_, kRootNode);
+  EXPECT_TRUE(picture_.update());
+  EXPECT_FALSE(picture_.update());
+  picture_.setRect(kPlace);
+  picture_.setMeasure({});
+  EXPECT_FALSE(picture_.update());
+}
+
+TEST_F(TreemapPictureTest, MakesANewPictureOfANewSizeButNotOfANewPlace) {
+  picture_.show(&tree_, kRootNode);
+  picture_.update();
+  picture_.setRect({0, 0, kPlace.w, kPlace.h});
+  EXPECT_FALSE(picture_.update());
+  picture_.setRect({0, 0, 150, 90});
+  EXPECT_TRUE(picture_.update());
+  EXPECT_EQ(picture_.rendered().width, 150);
+  EXPECT_EQ(picture_.rendered().height, 90);
+}
+
+TEST_F(TreemapPictureTest, PaintsTheBackgroundUntilThereIsAPictureOfTheNewSize) {
+  picture_.show(&tree_, kRootNode);
+  picture_.setRect({0, 0, 50, 50});
+  picture_.update();
+  picture_.setRect(kPlace);
+  expectPlaceFilledWith(painted(), kMapBackground);
+}
+
+TEST_F(TreemapPictureTest, MakesANewPictureWhenItIsMarkedOrMeasuresOtherwise) {
+  picture_.show(&tree_, kRootNode);
+  picture_.update();
+  const auto byLength = picture_.rendered().pixels;
+  picture_.markDirty();
+  EXPECT_TRUE(picture_.update());
+  EXPECT_EQ(picture_.rendered().pixels, byLength);
+  picture_.setMeasure({Measure::CurrentSize, true});
+  EXPECT_TRUE(picture_.update());
+  EXPECT_NE(picture_.rendered().pixels, byLength);
+}
+
+TEST_F(TreemapPictureTest, MakesNoPictureWithoutAreaAndKeepsItDue) {
+  picture_.setRect({0, 0, 0, 80});
+  picture_.show(&tree_, kRootNode);
+  EXPECT_FALSE(picture_.update());
+  picture_.setRect(kPlace);
+  EXPECT_TRUE(picture_.update());
+}
+
+TEST_F(TreemapPictureTest, ForgetsItsPictureWhenNothingIsShownAnyMore) {
+  picture_.show(&tree_, kRootNode);
+  picture_.update();
+  picture_.show(nullptr, kRootNode);
+  EXPECT_FALSE(picture_.update());
+  expectPlaceFilledWith(painted(), kMapBackground);
+}
+
+}  // namespace
+}  // namespace app

@@ -1,0 +1,60 @@
+#include "ui/server_image.h"
+
+#include <type_traits>
+
+#include "ui/back_buffer.h"
+#include "ui/x11.h"
+
+namespace ui {
+
+namespace {
+
+struct FreeGc {
+  Display* display;
+  void operator()(GC gc) const { XFreeGC(display, gc); }
+};
+using GcPtr = std::unique_ptr<std::remove_pointer_t<GC>, FreeGc>;
+
+}  // namespace
+
+ServerImage::ServerImage(Connection& connection) : connection_(connection) {}
+
+ServerImage::~ServerImage() = default;
+
+bool ServerImage::fit(int width, int height) {
+  if (buffer_ && buffer_->width() == width && buffer_->height() == height) return true;
+  buffer_.reset();  // first, so that two pictures never exist at once
+  const Connection::Native& x = connection_.native();
+  buffer_ = BackBuffer::create(connection_, RootWindow(x.display, x.screen), width, height);
+  return buffer_ != nullptr;
+}
+
+void ServerImage::set(std::span<const std::uint32_t> pixels, int width, int height) {
+  const bool complete =
+      width > 0 && height > 0 &&
+      pixels.size() >= static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+  if (!complete || !fit(width, height)) {
+    buffer_.reset();
+    return;
+  }
+  Display* display = connection_.native().display;
+  const GcPtr gc(XCreateGC(display, buffer_->pixmap(), 0, nullptr), FreeGc{display});
+  const PaintTarget target = {buffer_->pixmap(), buffer_->draw(), gc.get(), width, height};
+  Canvas(connection_, target).putPixels(0, 0, pixels, width, height);
+}
+
+void ServerImage::clear() { buffer_.reset(); }
+
+int ServerImage::width() const { return buffer_ ? buffer_->width() : 0; }
+int ServerImage::height() const { return buffer_ ? buffer_->height() : 0; }
+
+void ServerImage::draw(Canvas& canvas, int x, int y) const {
+  const Rect visible = intersect({x, y, width(), height()}, canvas.clip());
+  if (visible.empty()) return;
+  const PaintTarget& target = canvas.target();
+  XCopyArea(connection_.native().display, buffer_->pixmap(), target.drawable, target.gc,
+            visible.x - x, visible.y - y, static_cast<unsigned>(visible.w),
+            static_cast<unsigned>(visible.h), visible.x, visible.y);
+}
+
+}  // namespace ui
