@@ -1,0 +1,48 @@
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "sizewalk/file_tree.h"
+
+namespace app {
+
+/// Which folder fills the map, and the way the user took there. Window thread only.
+class MapFocus {
+ public:
+  /// The folder in focus is another one.
+  std::function<void()> onChanged;
+
+  /// Begins anew at the scanned folder of `tree`, which outlives being used here; null when no scan
+  /// is shown. Not reported.
+  void reset(const sizewalk::FileTree* tree);
+
+  sizewalk::NodeId current() const { return current_; }
+  bool canGoOut() const { return current_ != sizewalk::kRootNode; }
+
+  /// Focuses `folder`; does nothing where it is not a folder with something in it.
+  void go(sizewalk::NodeId folder);
+  /// Focuses the entry of the focused folder on the way to `node`, if that is a folder.
+  void goTowards(sizewalk::NodeId node);
+  /// One level out. Does nothing at the scanned folder.
+  void goOut();
+  /// One level back in, on the way to the folder that going out left behind.
+  void goBackIn();
+  /// To the folder that was in focus before the current one, and back again.
+  void goToPrevious();
+  void goToNext();
+
+ private:
+  bool canFocus(sizewalk::NodeId folder) const;
+  void moveTo(sizewalk::NodeId folder);
+
+  const sizewalk::FileTree* tree_ = nullptr;
+  sizewalk::NodeId current_ = sizewalk::kRootNode;
+  /// Where going back in leads.
+  sizewalk::NodeId innermost_ = sizewalk::kRootNode;
+  // The newest last.
+  std::vector<sizewalk::NodeId> previous_;
+  std::vector<sizewalk::NodeId> next_;
+};
+
+}  // namespace app
