@@ -1,0 +1,244 @@
+#include "app/treemap_view.h"
+
+#include <cmath>
+
+#include "app/map_card.h"
+#include "ui/keys.h"
+
+namespace app {
+
+using sizewalk::NodeId;
+
+namespace {
+
+constexpr std::int64_t kRestMs = 400;
+/// Smaller outlines would hide what they are around.
+constexpr int kLeastOutline = 3;
+
+constexpr ui::Colour kOutlineLight = 0xFFFFFFFF;
+constexpr ui::Colour kOutlineDark = 0xC0000000;
+
+enum Button { kPrimary = 1, kMiddle = 2, kSecondary = 3, kBack = 8, kForward = 9 };
+
+ui::Rect grown(const ui::Rect& rect, int by) {
+  return {rect.x - by, rect.y - by, rect.w + 2 * by, rect.h + 2 * by};
+}
+
+bool isSameItem(const std::optional<TreemapBlock>& a, const std::optional<TreemapBlock>& b) {
+  if (!a || !b) return a.has_value() == b.has_value();
+  return a->id == b->id && a->restCount == b->restCount;
+}
+
+}  // namespace
+
+ui::Rect pixelRect(const MapRect& rect) {
+  const auto edge = [](double at) { return static_cast<int>(std::lround(at)); };
+  const int x = edge(rect.x);
+  const int y = edge(rect.y);
+  return {x, y, edge(rect.x + rect.width) - x, edge(rect.y + rect.height) - y};
+}
+
+void TreemapView::changed() const {
+  if (onChanged) onChanged();
+}
+
+const TreemapBlock* TreemapView::blockAt(int x, int y) const {
+  const ui::Rect& place = picture_.rect();
+  return picture_.rendered().blockUnder(x - place.x, y - place.y);
+}
+
+std::optional<NodeId> TreemapView::nodeAt(int x, int y) const {
+  const TreemapBlock* block = blockAt(x, y);
+  if (!block || block->id < 0 || block->restCount > 0) return std::nullopt;
+  return static_cast<NodeId>(block->id);
+}
+
+std::optional<NodeId> TreemapView::hovered() const {
+  if (!pointer_) return std::nullopt;
+  return nodeAt(pointer_->x, pointer_->y);
+}
+
+std::optional<ui::Rect> TreemapView::outlineOf(NodeId node) const {
+  const MapRect* rect = picture_.rendered().outlineRect(node);
+  if (!rect) return std::nullopt;
+  ui::Rect pixels = pixelRect(*rect);
+  pixels.x += picture_.rect().x;
+  pixels.y += picture_.rect().y;
+  return pixels;
+}
+
+void TreemapView::refresh() {
+  selected_.clear();
+  for (const NodeId node : selection_.nodes()) {
+    const auto outline = outlineOf(node);
+    if (outline && outline->w >= kLeastOutline && outline->h >= kLeastOutline) {
+      selected_.push_back(*outline);
+    }
+  }
+  findHovered();
+}
+
+void TreemapView::reset() {
+  lastButton_ = 0;
+  leave();
+}
+
+void TreemapView::findHovered() {
+  const TreemapBlock* block = pointer_ ? blockAt(pointer_->x, pointer_->y) : nullptr;
+  const std::optional<TreemapBlock> found = block ? std::optional(*block) : std::nullopt;
+  const bool same = isSameItem(found, hoveredBlock_);
+  hoveredBlock_ = found;
+  if (same) return;
+  card_.hide();  // another picture came under a pointer at rest
+  if (onHover) onHover();
+}
+
+void TreemapView::motion(const ui::MouseEvent& event, std::int64_t nowMs) {
+  pointer_ = Pointer{event.x, event.y, nowMs};
+  const bool hadCard = card_.hide();
+  const auto before = hoveredBlock_;
+  findHovered();
+  if (hadCard || !isSameItem(before, hoveredBlock_)) changed();
+}
+
+void TreemapView::leave() {
+  const bool seen = pointer_.has_value();
+  pointer_.reset();
+  card_.hide();
+  findHovered();
+  if (seen) changed();
+}
+
+bool TreemapView::hideCard() {
+  if (!card_.hide()) return false;
+  changed();
+  return true;
+}
+
+void TreemapView::tick(std::int64_t nowMs, const ui::Rect& bounds) {
+  if (!pointer_ || !hoveredBlock_ || card_.shown()) return;
+  if (nowMs - pointer_->sinceMs < kRestMs) return;
+  showCard(bounds);
+}
+
+void TreemapView::showCard(const ui::Rect& bounds) {
+  if (!picture_.tree()) return;
+  card_.show(mapCard(picture_.rendered(), *hoveredBlock_, *picture_.tree(), picture_.measure()),
+             pointer_->x, pointer_->y, bounds);
+  changed();
+}
+
+void TreemapView::press(const ui::MouseEvent& event) {
+  hideCard();
+  const bool again = event.clicks == 2 && event.button == lastButton_;
+  lastButton_ = event.button;
+  switch (event.button) {
+    case kPrimary:
+      if (again && !event.ctrl) {
+        if (const TreemapBlock* block = blockAt(event.x, event.y); block && block->id >= 0) {
+          focus_.goTowards(static_cast<NodeId>(block->id));
+        }
+      } else {
+        pick(event);
+      }
+      break;
+    case kSecondary:
+      openContextMenu(event);
+      break;
+    case kMiddle:
+    case kBack:
+      focus_.goOut();
+      break;
+    case kForward:
+      focus_.goBackIn();
+      break;
+    default:
+      break;
+  }
+}
+
+void TreemapView::pick(const ui::MouseEvent& event) {
+  const auto node = nodeAt(event.x, event.y);
+  if (event.ctrl) {
+    if (node) selection_.toggle(*node);
+  } else if (node) {
+    selection_.select(*node);
+  } else {
+    selection_.clear();
+  }
+  if (node && onPicked) onPicked(*node);
+}
+
+void TreemapView::openContextMenu(const ui::MouseEvent& event) {
+  const auto node = nodeAt(event.x, event.y);
+  if (!node) return;
+  if (!selection_.contains(*node)) {
+    selection_.select(*node);
+    if (onPicked) onPicked(*node);
+  }
+  if (onContextMenu) onContextMenu(*node, event.x, event.y);
+}
+
+void TreemapView::wheel(const ui::MouseEvent& event, int dy) {
+  hideCard();
+  if (dy > 0) {
+    focus_.goOut();
+  } else if (const TreemapBlock* block = blockAt(event.x, event.y);
+             dy < 0 && block && block->id >= 0) {
+    focus_.goTowards(static_cast<NodeId>(block->id));
+  }
+}
+
+bool TreemapView::key(const ui::KeyEvent& event) {
+  if (event.ctrl) return false;
+  switch (ui::key::plain(event.keysym)) {
+    case ui::key::kLeft:
+      return moveSelection(-1, 0);
+    case ui::key::kRight:
+      return moveSelection(1, 0);
+    case ui::key::kUp:
+      return moveSelection(0, -1);
+    case ui::key::kDown:
+      return moveSelection(0, 1);
+    case ui::key::kReturn:
+      if (selection_.size() == 1) focus_.goTowards(*selection_.nodes().begin());
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool TreemapView::moveSelection(int dx, int dy) {
+  const ui::Rect& place = picture_.rect();
+  const auto from = selection_.size() == 1 ? outlineOf(*selection_.nodes().begin()) : std::nullopt;
+  // The pixel just outside the middle of the edge that the key points to.
+  const int x = !from ? place.x : from->x + (dx < 0 ? -1 : dx > 0 ? from->w : from->w / 2);
+  const int y = !from ? place.y : from->y + (dy < 0 ? -1 : dy > 0 ? from->h : from->h / 2);
+  if (const auto node = nodeAt(x, y)) {
+    selection_.select(*node);
+    if (onPicked) onPicked(*node);
+  }
+  return true;
+}
+
+void TreemapView::paint(ui::Canvas& canvas) const {
+  const ui::Rect& place = picture_.rect();
+  canvas.pushClip(place);
+  picture_.paint(canvas);
+  for (const ui::Rect& outline : selected_) {
+    canvas.strokeRect(outline, kOutlineLight);
+    canvas.strokeRect(grown(outline, -1), style_.palette().accent);
+    canvas.strokeRect(grown(outline, -2), kOutlineDark);
+  }
+  if (hoveredBlock_) {
+    ui::Rect outline = pixelRect(hoveredBlock_->rect);
+    outline.x += place.x;
+    outline.y += place.y;
+    canvas.strokeRect(grown(outline, 1), kOutlineDark);
+    canvas.strokeRect(outline, kOutlineLight);
+  }
+  if (focused_) canvas.strokeRect(place, style_.palette().accent);
+  canvas.popClip();
+}
+
+}  // namespace app
