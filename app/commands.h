@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "ui/input.h"
+
+namespace app {
+
+/// What the user can have the window do. Toolbar, menus and keys all end here, and one place
+/// decides whether a command makes sense at the moment.
+enum class Command : std::uint8_t {
+  LeaveScan,
+  StopScan,
+  Rescan,
+  GoOut,
+  GoToScannedFolder,
+  GoToPrevious,
+  GoToNext,
+  CopyPath,
+  ShowCurrentSize,
+  ShowAddedLastMonth,
+  ShowAddedLastSixMonths,
+  ShowAddedSinceLastScan,
+  Close,
+};
+
+/// The command that a key stands for wherever the keys go; nothing for other keys.
+std::optional<Command> commandFor(const ui::KeyEvent& event);
+
+/// What the enabling of commands depends on.
+struct CommandState {
+  bool scanShown = false;
+  bool scanning = false;
+  bool canGoOut = false;
+};
+
+bool isEnabled(Command command, const CommandState& state);
+
+}  // namespace app
