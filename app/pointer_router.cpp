@@ -1,0 +1,66 @@
+#include "app/pointer_router.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace app {
+
+PointerRouter::Index PointerRouter::add(Target target) {
+  parts_.push_back({std::move(target), {}});
+  return parts_.size() - 1;
+}
+
+std::optional<PointerRouter::Index> PointerRouter::partAt(int x, int y) const {
+  const auto found =
+      std::ranges::find_if(parts_, [&](const Part& part) { return part.rect.contains(x, y); });
+  if (found == parts_.end()) return std::nullopt;
+  return static_cast<Index>(found - parts_.begin());
+}
+
+void PointerRouter::enter(std::optional<Index> part) {
+  if (part == entered_) return;
+  const std::optional<Index> left = std::exchange(entered_, part);
+  if (left && parts_[*left].target.leave) parts_[*left].target.leave();
+}
+
+std::optional<PointerRouter::Index> PointerRouter::press(const ui::MouseEvent& event) {
+  if (!held_) {
+    held_ = partAt(event.x, event.y);
+    buttonsDown_ = 0;
+    enter(held_);
+  }
+  ++buttonsDown_;
+  const std::optional<Index> pressed = held_;
+  if (pressed && parts_[*pressed].target.press) parts_[*pressed].target.press(event);
+  return pressed;
+}
+
+void PointerRouter::motion(const ui::MouseEvent& event) {
+  if (!held_) enter(partAt(event.x, event.y));
+  const std::optional<Index> part = held_ ? held_ : entered_;
+  if (part && parts_[*part].target.motion) parts_[*part].target.motion(event);
+}
+
+void PointerRouter::release(const ui::MouseEvent& event) {
+  const std::optional<Index> part = held_;
+  buttonsDown_ = std::max(buttonsDown_ - 1, 0);
+  if (buttonsDown_ == 0) held_.reset();
+  if (part && parts_[*part].target.release) parts_[*part].target.release(event);
+}
+
+void PointerRouter::leave() {
+  if (!held_) enter(std::nullopt);
+}
+
+void PointerRouter::wheel(const ui::MouseEvent& event, int dy) {
+  const std::optional<Index> part = partAt(event.x, event.y);
+  if (part && parts_[*part].target.wheel) parts_[*part].target.wheel(event, dy);
+}
+
+void PointerRouter::reset() {
+  held_.reset();
+  buttonsDown_ = 0;
+  enter(std::nullopt);
+}
+
+}  // namespace app

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "ui/geometry.h"
+#include "ui/input.h"
+
+namespace app {
+
+/// Hands what the pointer does to the part of the window that it is on. A part that was pressed has
+/// the pointer until the last button is released, wherever it goes: drags do not end at an edge.
+/// Window thread only.
+class PointerRouter {
+ public:
+  /// What a part does; each may be empty.
+  struct Target {
+    std::function<void(const ui::MouseEvent&)> press;
+    std::function<void(const ui::MouseEvent&)> motion;
+    std::function<void(const ui::MouseEvent&)> release;
+    std::function<void()> leave;
+    /// `dy` steps, down when above 0.
+    std::function<void(const ui::MouseEvent&, int dy)> wheel;
+  };
+  using Index = std::size_t;
+
+  /// Adds a part, without a place yet. Parts do not overlap.
+  Index add(Target target);
+  void setRect(Index index, const ui::Rect& rect) { parts_[index].rect = rect; }
+
+  /// The part that was pressed; nothing beside all parts.
+  std::optional<Index> press(const ui::MouseEvent& event);
+  void motion(const ui::MouseEvent& event);
+  void release(const ui::MouseEvent& event);
+  void leave();
+  void wheel(const ui::MouseEvent& event, int dy);
+  /// Forgets where the pointer is and which part has it, and tells that part that it left.
+  void reset();
+
+ private:
+  struct Part {
+    Target target;
+    ui::Rect rect;
+  };
+
+  std::optional<Index> partAt(int x, int y) const;
+  void enter(std::optional<Index> part);
+
+  std::vector<Part> parts_;
+  /// The part that the pointer is on.
+  std::optional<Index> entered_;
+  /// The part that was pressed, and how many buttons are down since then.
+  std::optional<Index> held_;
+  int buttonsDown_ = 0;
+};
+
+}  // namespace app
