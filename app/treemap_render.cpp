@@ -122,6 +122,7 @@ RenderedTreemap renderTreemap(const FileTree& tree, NodeId root, std::int32_t wi
   map.height = height;
   map.root = root;
   map.blocks.clear();
+  map.colours.clear();
   map.extraColours.clear();
   const bool nothingToShow = width < 1 || height < 1 || root >= tree.nodeCount();
   const std::size_t pixels =

@@ -112,6 +112,7 @@ TEST(TreemapRender, OfANodeThatIsNotPublishedIsEmptyEvenIntoAUsedRender) {
   RenderedTreemap map = draw(tree, 40, 40, {extra});
   map = renderTreemap(tree, 2, 40, 40, kColours, {}, kLengths, std::move(map));
   EXPECT_TRUE(map.blocks.empty());
+  EXPECT_TRUE(map.colours.empty());
   EXPECT_TRUE(map.pixels.empty());
   EXPECT_TRUE(map.extraColours.empty());
   EXPECT_EQ(map.blockUnder(5, 5), nullptr);
