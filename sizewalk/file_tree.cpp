@@ -29,8 +29,7 @@ FileTree::FileTree(const ScanOptions& options, TreeLimits limits)
       apparentSize_(limits.nodes),
       allocatedSize_(limits.nodes),
       itemCount_(limits.nodes),
-      firstChild_(limits.nodes),
-      childCount_(limits.nodes),
+      childRange_(limits.nodes),
       birthTime_(limits.nodes),
       addedLastMonth_(limits.nodes),
       addedLastSixMonths_(limits.nodes),
@@ -61,8 +60,7 @@ void FileTree::growTo(std::uint64_t nodes) {
   apparentSize_.grow(nodes);
   allocatedSize_.grow(nodes);
   itemCount_.grow(nodes);
-  firstChild_.grow(nodes);
-  childCount_.grow(nodes);
+  childRange_.grow(nodes);
   birthTime_.grow(nodes);
   addedLastMonth_.grow(nodes);
   addedLastSixMonths_.grow(nodes);
@@ -190,7 +188,7 @@ void FileTree::writeNode(NodeId node, NodeId parent, const EntryRecord& entry,
   addedLastMonth_[node] = sums.addedLastMonth;
   addedLastSixMonths_[node] = sums.addedLastSixMonths;
   addedSinceLastScan_[node] = sums.addedSinceLastScan;
-  // firstChild and childCount: the fresh page holds the 0 they start with.
+  // childRange: the fresh page holds the 0 it starts with.
 }
 
 NodeSums FileTree::sumsOf(NodeId node) const {
@@ -224,24 +222,16 @@ void FileTree::publish() { published_.store(static_cast<NodeId>(end_), std::memo
 
 void FileTree::setFlags(NodeId node, NodeFlags flags) { flags_.store(node, flags.bits()); }
 
-/// A range that readers may have seen is replaced between two steps of a counter, so that nobody
-/// takes the start of one range with the length of another.
 void FileTree::setChildren(NodeId node, NodeRange range) {
-  const bool seen = firstChild_[node] != 0;
-  if (seen) rangeChanges_.fetch_add(1, std::memory_order_acq_rel);
-  firstChild_.store(node, range.first, std::memory_order_release);
-  childCount_.store(node, range.size(), std::memory_order_release);
-  if (seen) rangeChanges_.fetch_add(1, std::memory_order_release);
+  childRange_.store(node, std::uint64_t{range.first} << 32 | range.size());
 }
 
 NodeRange FileTree::children(NodeId node) const {
   const NodeId end = nodeCount();
-  const std::uint64_t before = rangeChanges_.load(std::memory_order_acquire);
-  const std::uint32_t count = childCount_.load(node, std::memory_order_acquire);
-  const NodeId first = firstChild_.load(node, std::memory_order_acquire);
-  const bool torn = before % 2 != 0 || rangeChanges_.load(std::memory_order_acquire) != before;
-  if (torn || count == 0 || first >= end) return {};
-  return {first, first + std::min(count, end - first)};
+  const std::uint64_t range = childRange_.load(node);
+  const NodeId first = firstOf(range);
+  if (countOf(range) == 0 || first >= end) return {};
+  return {first, first + std::min(countOf(range), end - first)};
 }
 
 std::string FileTree::path(NodeId node) const {

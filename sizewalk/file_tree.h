@@ -107,9 +107,9 @@ class FileTree {
   std::uint64_t apparentSize(NodeId node) const { return apparentSize_.load(node); }
   std::uint64_t allocatedSize(NodeId node) const { return allocatedSize_.load(node); }
   std::int32_t itemCount(NodeId node) const { return itemCount_.load(node); }
-  NodeId firstChild(NodeId node) const { return firstChild_.load(node); }
+  NodeId firstChild(NodeId node) const { return firstOf(childRange_.load(node)); }
   /// 0 until the directory has been read.
-  std::uint32_t childCount(NodeId node) const { return childCount_.load(node); }
+  std::uint32_t childCount(NodeId node) const { return countOf(childRange_.load(node)); }
   /// Seconds since the epoch, 0 when unknown.
   std::uint32_t birthTime(NodeId node) const { return birthTime_[node]; }
   /// Allocated bytes in the subtree born at or after the respective threshold.
@@ -155,6 +155,11 @@ class FileTree {
     std::uint64_t key;
     NodeId node;
   };
+
+  static NodeId firstOf(std::uint64_t childRange) { return static_cast<NodeId>(childRange >> 32); }
+  static std::uint32_t countOf(std::uint64_t childRange) {
+    return static_cast<std::uint32_t>(childRange);
+  }
 
   void growTo(std::uint64_t nodes) REQUIRES(writeMutex_);
   std::uint32_t storeName(std::string_view name) REQUIRES(writeMutex_);
@@ -207,8 +212,6 @@ class FileTree {
   /// Publishes the columns below it.
   std::atomic<NodeId> published_{0};
   std::atomic<std::uint64_t> takenOutBytes_{0};
-  /// Odd while a child range that readers may have seen is being replaced.
-  std::atomic<std::uint64_t> rangeChanges_{0};
   SharedTotals totals_;
 
   PagedColumn<NodeId> parent_;
@@ -219,8 +222,9 @@ class FileTree {
   PagedColumn<std::uint64_t> apparentSize_;
   PagedColumn<std::uint64_t> allocatedSize_;
   PagedColumn<std::int32_t> itemCount_;
-  PagedColumn<NodeId> firstChild_;
-  PagedColumn<std::uint32_t> childCount_;
+  /// The first child in the upper half, the number of children in the lower: one store replaces
+  /// both, so that nobody takes the start of one range with the length of another.
+  PagedColumn<std::uint64_t> childRange_;
   PagedColumn<std::uint32_t> birthTime_;
   PagedColumn<std::uint64_t> addedLastMonth_;
   PagedColumn<std::uint64_t> addedLastSixMonths_;

@@ -26,8 +26,8 @@ bool FileTree::isVisible(NodeId node) const {
   if (node >= end_) return false;
   for (; node != kRootNode; node = parent_[node]) {
     const NodeId above = parent_[node];
-    const NodeId first = firstChild_[above];
-    if (node < first || node - first >= childCount_[above]) return false;
+    const NodeId first = firstChild(above);
+    if (node < first || node - first >= childCount(above)) return false;
     if (flags(node).has(NodeFlag::Excluded)) return false;
   }
   return true;
@@ -41,8 +41,8 @@ bool FileTree::isWithin(NodeId node, NodeId folder) const {
 /// The children that were written for `node`, of a taken-out node too.
 NodeRange FileTree::writtenChildren(NodeId node) const {
   const auto found = takenOut_.find(node);
-  if (found != takenOut_.end() && childCount_[node] == 0) return found->second.children;
-  return {firstChild_[node], firstChild_[node] + childCount_[node]};
+  if (found != takenOut_.end() && childCount(node) == 0) return found->second.children;
+  return {firstChild(node), firstChild(node) + childCount(node)};
 }
 
 void FileTree::tallyNode(NodeId node, Tally* tally) const {
@@ -73,11 +73,11 @@ Tally FileTree::tallySubtree(NodeId node) const {
   while (!folders.empty()) {
     const NodeId folder = folders.back();
     folders.pop_back();
-    const NodeId first = firstChild_[folder];
-    for (NodeId child = first; child != first + childCount_[folder]; ++child) {
+    const NodeId first = firstChild(folder);
+    for (NodeId child = first; child != first + childCount(folder); ++child) {
       if (flags(child).has(NodeFlag::Excluded)) continue;
       tallyNode(child, &tally);
-      if (childCount_[child] != 0) folders.push_back(child);
+      if (childCount(child) != 0) folders.push_back(child);
     }
   }
   return tally;
@@ -171,7 +171,7 @@ bool FileTree::dropContents(NodeId folder) {
   setFlags(folder, flags(folder).without(NodeFlag::Unreadable));
   listingFailures_.erase(folder);
   forget(nodesBelow(folder));
-  setChildren(folder, {firstChild_[folder], firstChild_[folder]});
+  setChildren(folder, {firstChild(folder), firstChild(folder)});
   Tally itself;
   tallyNode(folder, &itself);  // the folder stays
   totals_.add(itself);

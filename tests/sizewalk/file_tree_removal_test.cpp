@@ -524,6 +524,28 @@ TEST(FileTreeThreads, AReaderNeverTakesTheStartOfOneRangeWithTheLengthOfAnother)
   expectSumsMatchRecount(tree);
 }
 
+TEST(FileTreeThreads, AReaderNeverSeesAnUntouchedFolderEmptyWhileAnotherIsReadAnew) {
+  FileTree tree;
+  tree.createRoot("/r");
+  const auto folders = add(tree, Listing(0).folder("rewritten").folder("untouched"));
+  add(tree, Listing(folders[1]).file("1", 1).file("2", 1));
+  std::atomic<bool> finished{false};
+  std::atomic<bool> reading{false};
+  std::thread reader([&] {
+    while (!finished) {
+      ASSERT_EQ(tree.children(folders[1]).size(), 2u);
+      reading = true;
+    }
+  });
+  while (!reading) std::this_thread::yield();
+  for (int i = 0; i < 20000; ++i) {
+    add(tree, Listing(folders[0]).file("f", 1));
+    tree.dropContents(folders[0]);
+  }
+  finished = true;
+  reader.join();
+}
+
 /// One thread adds as a walk does; the other takes out and puts back wherever it pleases.
 TEST(FileTreeThreads, ChangesDuringTheWalkLeaveEverySumRight) {
   FileTree tree;
