@@ -8,6 +8,12 @@
 
 // What the shading kernels share. Internal to the shading.
 
+#ifdef __FAST_MATH__
+// It reorders sums and divides by reciprocals: the kernels' pixels would differ, and the bound on
+// their error would not hold.
+#error "The shading kernels must not be compiled with -ffast-math."
+#endif
+
 namespace app {
 
 // The light, a unit vector along (1, 1, 4), and what of a colour it leaves.
