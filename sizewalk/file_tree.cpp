@@ -229,9 +229,7 @@ void FileTree::setChildren(NodeId node, NodeRange range) {
 NodeRange FileTree::children(NodeId node) const {
   const NodeId end = nodeCount();
   const std::uint64_t range = childRange_.load(node);
-  const NodeId first = firstOf(range);
-  if (countOf(range) == 0 || first >= end) return {};
-  return {first, first + std::min(countOf(range), end - first)};
+  return publishedPart(firstOf(range), countOf(range), end);
 }
 
 std::string FileTree::path(NodeId node) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
 namespace sizewalk {
@@ -57,6 +58,13 @@ struct NodeRange {
 
   bool empty() const { return first >= last; }
   std::uint32_t size() const { return empty() ? 0 : last - first; }
+  friend constexpr bool operator==(const NodeRange&, const NodeRange&) = default;
 };
+
+/// What lies below `nodeCount` of the `count` nodes from `first` on; {} when nothing does.
+constexpr NodeRange publishedPart(NodeId first, std::uint32_t count, NodeId nodeCount) {
+  if (count == 0 || first >= nodeCount) return {};
+  return {first, first + std::min(count, nodeCount - first)};
+}
 
 }  // namespace sizewalk

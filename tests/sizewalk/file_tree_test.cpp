@@ -206,6 +206,20 @@ TEST(FileTree, CountsASubtreeWithoutWhatIsTakenOut) {
   EXPECT_EQ(tree.countSubtree(kRootNode), 6u);
 }
 
+TEST(PublishedPart, EndsWhereThePublishedNodesEnd) {
+  EXPECT_EQ(publishedPart(5, 3, 9), (NodeRange{5, 8}));
+  EXPECT_EQ(publishedPart(5, 3, 8), (NodeRange{5, 8}));
+  EXPECT_EQ(publishedPart(5, 3, 7), (NodeRange{5, 7}));
+  EXPECT_EQ(publishedPart(5, 0xFFFFFFFF, 7), (NodeRange{5, 7}));  // first + count has no room
+}
+
+TEST(PublishedPart, IsEmptyWhereNothingIsPublished) {
+  EXPECT_EQ(publishedPart(5, 3, 5), NodeRange{});
+  EXPECT_EQ(publishedPart(5, 3, 4), NodeRange{});
+  EXPECT_EQ(publishedPart(5, 0, 9), NodeRange{});
+  EXPECT_EQ(publishedPart(0xFFFFFFFF, 1, 0xFFFFFFFF), NodeRange{});
+}
+
 TEST(FileTreeLimits, EndTheProgramWithALineWhenTheNodesRunOut) {
   EXPECT_EXIT(
       {
