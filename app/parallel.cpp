@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <new>
 #include <system_error>
 #include <thread>
 #include <vector>
@@ -16,11 +17,13 @@ void forEachOnThreads(std::size_t count, unsigned threads,
   };
   const std::size_t helperCount = std::min<std::size_t>(std::max(threads, 1U), count);
   std::vector<std::jthread> helpers;
-  helpers.reserve(helperCount);
   try {
+    helpers.reserve(helperCount);
     while (helpers.size() + 1 < helperCount) helpers.emplace_back(takePieces);
   } catch (const std::system_error&) {
     // No more threads to be had; those there are take its pieces.
+  } catch (const std::bad_alloc&) {
+    // Nor memory for one.
   }
   takePieces();
 }

@@ -8,7 +8,6 @@
 #include <random>
 #include <string>
 
-#include "app/parallel.h"
 #include "tests/app/naive_map.h"
 
 namespace app {
@@ -296,16 +295,6 @@ TEST(ShadeBlocks, PaintsTinyBlocksSideBySideAsDefined) {
   shadeBlocks(blocks, colours, rowsOf(blocks), {pixels.data(), blockAt.data(), width, height}, 2);
   EXPECT_TRUE(pixels == expectedPixels);
   EXPECT_TRUE(blockAt == expectedBlockAt);
-}
-
-TEST(ForEachOnThreads, DoesEveryPieceOnce) {
-  for (const unsigned threads : {0U, 1U, 2U, 7U}) {
-    for (const std::size_t count : {0U, 1U, 3U, 1000U}) {
-      std::vector<int> calls(count, 0);
-      forEachOnThreads(count, threads, [&](std::size_t i) { ++calls[i]; });
-      EXPECT_EQ(std::count(calls.begin(), calls.end(), 1), static_cast<std::ptrdiff_t>(count));
-    }
-  }
 }
 
 }  // namespace
