@@ -24,8 +24,11 @@ struct MeasureSettings {
 };
 
 /// Bytes of `node` under the measure; 0 for a node that has been taken out of the tree, so that no
-/// view shows it or picks it. A sum past the signed range comes out negative and is shown by no
-/// view either. Any thread; on a tree that is being written two calls may differ.
+/// view shows it or picks it. A sum from 2^63 on comes out negative and is shown by no view either,
+/// and one from 2^64 on has wrapped to what is left: a few sparse files are enough, each may claim
+/// 2^63 - 1 bytes. The sums do not stop at their largest value instead, because taking a subtree
+/// out subtracts it and has to leave exactly the rest. Any thread; on a tree that is being written
+/// two calls may differ.
 inline std::int64_t measureValue(const sizewalk::FileTree& tree, sizewalk::NodeId node,
                                  const MeasureSettings& settings) {
   if (tree.flags(node).has(sizewalk::NodeFlag::Excluded)) return 0;

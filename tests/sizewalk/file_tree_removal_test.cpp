@@ -295,6 +295,19 @@ TEST(FileTreeRemoval, SubtractsFromAncestorsAndSavesTheChildRange) {
   expectSumsMatchRecount(small.tree);
 }
 
+TEST(FileTreeRemoval, LeavesExactlyTheRestWhereSumsHaveWrapped) {
+  FileTree tree;
+  tree.createRoot("/r");
+  const auto folders = add(tree, Listing(0).folder("sparse").file("small", 5));
+  const std::uint64_t most = 0x7FFFFFFFFFFFFFFF;
+  add(tree, Listing(folders[0]).file("1", most).file("2", most).file("3", most));
+  EXPECT_EQ(tree.apparentSize(kRootNode), most + 3);  // 3 most + 5, less 2^64
+  const RemovedSubtree record = tree.removeSubtree(folders[0]);
+  EXPECT_EQ(tree.apparentSize(kRootNode), 5u);
+  tree.restoreSubtree(record);
+  EXPECT_EQ(tree.apparentSize(kRootNode), most + 3);
+}
+
 TEST(FileTreeRemoval, PutsBackWhatTheWalkFoundInsideMeanwhile) {
   SmallTree small;
   const RemovedSubtree record = small.tree.removeSubtree(2);
