@@ -134,6 +134,20 @@ TEST(TreemapRender, HitsTheBlockWhosePixelItIs) {
   EXPECT_EQ(map.blockUnder(0, -1), nullptr);
 }
 
+TEST(TreemapRender, HitsRestAndExtraBlocks) {
+  FileTree tree;
+  std::vector<test::MapEntry> entries(50, file(1));
+  entries.insert(entries.begin(), file(4000));
+  fillRoot(tree, entries);
+  const RenderedTreemap map = draw(tree, 30, 30, {{kFreeSpaceBlock, "Free space", 1000, 0x2B3648}});
+  ASSERT_NE(map.blockUnder(29, 29), nullptr);
+  EXPECT_EQ(map.blockUnder(29, 29)->id, 2);  // the first of those merged
+  EXPECT_EQ(map.blockUnder(29, 29)->restCount, 50);
+  ASSERT_NE(map.blockUnder(29, 0), nullptr);
+  EXPECT_EQ(map.blockUnder(29, 0)->id, -2);
+  EXPECT_EQ(map.blockUnder(29, 0)->restCount, 0);
+}
+
 TEST(TreemapRender, OutlinesAFolderAroundItsContents) {
   FileTree tree;
   const std::vector<NodeId> folders = fillRoot(tree, {folder(), file(100, kPdf)});
