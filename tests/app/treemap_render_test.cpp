@@ -148,6 +148,18 @@ TEST(TreemapRender, HitsRestAndExtraBlocks) {
   EXPECT_EQ(map.blockUnder(29, 0)->restCount, 0);
 }
 
+TEST(TreemapRender, ColoursAFolderAtTheDepthLimitByWhatFillsIt) {
+  FileTree tree;
+  tree.createRoot("/map");
+  NodeId node = kRootNode;
+  for (int level = 1; level <= 65; ++level) node = fill(tree, node, {folder()}).front();
+  fill(tree, node, {file(9, kPdf)});
+  const RenderedTreemap map = draw(tree, 50, 40);
+  ASSERT_EQ(map.blocks.back().depth, 64);
+  ASSERT_EQ(map.blocks.back().reason, BlockReason::depthLimit);
+  EXPECT_EQ(map.colours.back() & 0xFFFFFF, colour(kPdf));
+}
+
 TEST(TreemapRender, OutlinesAFolderAroundItsContents) {
   FileTree tree;
   const std::vector<NodeId> folders = fillRoot(tree, {folder(), file(100, kPdf)});
