@@ -39,7 +39,8 @@ std::vector<sizewalk::NodeId> fillRoot(sizewalk::FileTree& tree,
                                        const std::vector<MapEntry>& entries);
 
 /// A tree of about `nodes` nodes with folders of 0 to a few hundred entries, sizes from 0 to
-/// terabytes, all kinds, some subtrees taken out and some folders not read yet.
+/// terabytes and a few beyond 2^53 whose sum stays below 2^63, all kinds, some subtrees taken out
+/// and some folders not read yet.
 void fillRandomly(sizewalk::FileTree& tree, std::size_t nodes, std::mt19937_64& random);
 
 }  // namespace test

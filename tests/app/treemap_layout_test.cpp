@@ -97,6 +97,19 @@ TEST(TreemapLayout, LeavesOutSizesPastTheSignedRange) {
   EXPECT_EQ(ids(layOut(tree, 10, 10)), (Ids{0, 2, 3}));
 }
 
+TEST(TreemapLayout, SharesTheMapAmongSizesBeyondTheReachOfADouble) {
+  FileTree tree;
+  const std::uint64_t sizes[] = {1, (1ULL << 53) + 1, 1ULL << 62, (1ULL << 63) - 1};
+  fillRoot(tree, {file(sizes[0]), file(sizes[1]), file(sizes[2]), file(sizes[3])});
+  const std::vector<TreemapBlock> blocks = layOut(tree, 60, 40);
+  ASSERT_EQ(ids(blocks), (Ids{0, 4, 3, 2}));  // the single byte gets no pixel
+  // As parts of 2^63.
+  const double total = 1 + 0.5 + 1.0 / 1024;
+  EXPECT_NEAR(blocks[1].rect.area(), 2400 / total, 1e-9);
+  EXPECT_NEAR(blocks[2].rect.area(), 1200 / total, 1e-9);
+  EXPECT_NEAR(blocks[3].rect.area(), 2400.0 / 1024 / total, 1e-9);
+}
+
 TEST(TreemapLayout, MergesFilesUnderAPixelIntoOneBlockAtTheEnd) {
   FileTree tree;
   std::vector<test::MapEntry> entries(1000, file(1));
