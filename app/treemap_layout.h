@@ -42,6 +42,7 @@ struct ExtraBlock {
   std::int64_t size = 0;
   /// 0xRRGGBB.
   std::uint32_t colour = 0;
+  friend bool operator==(const ExtraBlock&, const ExtraBlock&) = default;
 };
 
 inline constexpr std::int32_t kFreeSpaceBlock = -2;

@@ -26,6 +26,12 @@ void TreemapPicture::setMeasure(const MeasureSettings& measure) {
   dirty_ = true;
 }
 
+void TreemapPicture::setExtraBlocks(std::vector<ExtraBlock> blocks) {
+  if (extraBlocks_ == blocks) return;
+  extraBlocks_ = std::move(blocks);
+  dirty_ = true;
+}
+
 void TreemapPicture::setHighlight(std::optional<int> kind) {
   if (highlight_ == kind) return;
   highlight_ = kind;
@@ -40,7 +46,9 @@ bool TreemapPicture::update() {
   if (!tree_ || rect_.empty()) return false;
   const bool due = dirty_ || !fits();
   if (due) {
-    rendered_ = renderTreemap(*tree_, focus_, rect_.w, rect_.h, colours_, {}, measure_,
+    // The last picture is given up for the new one: until that is there, one is due.
+    dirty_ = true;
+    rendered_ = renderTreemap(*tree_, focus_, rect_.w, rect_.h, colours_, extraBlocks_, measure_,
                               std::move(rendered_));
     dirty_ = false;
     unsent_ = true;

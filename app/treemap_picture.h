@@ -27,6 +27,8 @@ class TreemapPicture {
   /// Shows `focus` of `tree`, or nothing when `tree` is null. The tree outlives being shown.
   void show(const sizewalk::FileTree* tree, sizewalk::NodeId focus);
   void setMeasure(const MeasureSettings& measure);
+  /// Takes part in every picture from now on, whatever is in focus.
+  void setExtraBlocks(std::vector<ExtraBlock> blocks);
   /// Dims every block but those of `kind`; none when there is none.
   void setHighlight(std::optional<int> kind);
   /// What the map shows has changed: the next `update` makes a new picture.
@@ -53,6 +55,7 @@ class TreemapPicture {
   const sizewalk::FileTree* tree_ = nullptr;
   sizewalk::NodeId focus_ = sizewalk::kRootNode;
   MeasureSettings measure_;
+  std::vector<ExtraBlock> extraBlocks_;
   std::optional<int> highlight_;
   ui::Rect rect_;
   bool dirty_ = false;

@@ -102,6 +102,20 @@ TEST_F(TreemapPictureTest, MakesANewPictureWhenItIsMarkedOrMeasuresOtherwise) {
   EXPECT_NE(picture_.rendered().pixels, byLength);
 }
 
+TEST_F(TreemapPictureTest, MakesANewPictureWithOtherExtraBlocks) {
+  const std::vector<ExtraBlock> free = {{kFreeSpaceBlock, "Free space", 500, 0x2B3648}};
+  picture_.show(&tree_, kRootNode);
+  picture_.update();
+  picture_.setExtraBlocks(free);
+  EXPECT_TRUE(picture_.update());
+  EXPECT_EQ(picture_.rendered().extraColours.count(kFreeSpaceBlock), 1U);
+  picture_.setExtraBlocks(free);
+  EXPECT_FALSE(picture_.update());
+  picture_.setExtraBlocks({});
+  EXPECT_TRUE(picture_.update());
+  EXPECT_TRUE(picture_.rendered().extraColours.empty());
+}
+
 TEST_F(TreemapPictureTest, MakesNoPictureWithoutAreaAndKeepsItDue) {
   picture_.setRect({0, 0, 0, 80});
   picture_.show(&tree_, kRootNode);
