@@ -46,8 +46,11 @@ class GuardedImage {
 
 /// The two images that a block is painted into.
 struct Canvas {
-  explicit Canvas(int width = kWidth, int height = kHeight)
-      : width(width), height(height), pixels(size(), kMapBackground), blockAt(size(), kNoBlock) {}
+  explicit Canvas(int imageWidth = kWidth, int imageHeight = kHeight)
+      : width(imageWidth),
+        height(imageHeight),
+        pixels(size(), kMapBackground),
+        blockAt(size(), kNoBlock) {}
 
   std::size_t size() const {
     return static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
@@ -184,7 +187,7 @@ class ShadeBlockWith : public testing::TestWithParam<ShadingKernel> {
 INSTANTIATE_TEST_SUITE_P(EveryKernel, ShadeBlockWith,
                          testing::Values(ShadingKernel::Plain, ShadingKernel::Avx2,
                                          ShadingKernel::Avx512),
-                         [](const auto& info) { return nameOf(info.param); });
+                         [](const auto& kernel) { return nameOf(kernel.param); });
 
 TEST_P(ShadeBlockWith, IsAsDefinedOnRandomBlocks) {
   std::mt19937_64 random(11);
