@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+#include <stdexcept>
+
 #include "app/cushion_shading.h"
 #include "tests/app/map_tree.h"
 #include "tests/ui/window_test_base.h"
@@ -122,6 +125,19 @@ TEST_F(TreemapPictureTest, MakesNoPictureWithoutAreaAndKeepsItDue) {
   EXPECT_FALSE(picture_.update());
   picture_.setRect(kPlace);
   EXPECT_TRUE(picture_.update());
+}
+
+TEST_F(TreemapPictureTest, KeepsAPictureDueThatCouldNotBeMade) {
+  constexpr int kMost = std::numeric_limits<int>::max();
+  picture_.show(&tree_, kRootNode);
+  picture_.update();
+  for (const bool marked : {false, true}) {
+    picture_.setRect({0, 0, kMost, kMost});
+    if (marked) picture_.markDirty();
+    EXPECT_THROW(picture_.update(), std::length_error);
+    picture_.setRect(kPlace);
+    EXPECT_TRUE(picture_.update());
+  }
 }
 
 TEST_F(TreemapPictureTest, ForgetsItsPictureWhenNothingIsShownAnyMore) {
