@@ -21,9 +21,13 @@ TEST(ForEachOnThreads, DoesEveryPieceOnce) {
 }
 
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+/// A list of so many threads is larger than the 64 megabytes of addresses that a heap of a thread
+/// that has ended may still hold.
+constexpr unsigned kMany = 5000000;
+
 /// Ends the process, with 0 when every piece was done once.
 [[noreturn]] void doPiecesWithoutMemory(unsigned threads) {
-  std::vector<char> calls(1000000, 0);
+  std::vector<char> calls(kMany, 0);
   // From here on the kernel hands out nothing more, neither for the heap nor for a stack.
   const rlimit nothing = {0, 0};
   bool done = setrlimit(RLIMIT_AS, &nothing) == 0;
@@ -39,7 +43,7 @@ TEST(ForEachOnThreads, DoesEveryPieceWhereNoMemoryCanBeHadForThreads) {
 #else
   EXPECT_EXIT(doPiecesWithoutMemory(2), testing::ExitedWithCode(0), "");
   // Not even for the list of them.
-  EXPECT_EXIT(doPiecesWithoutMemory(1000000), testing::ExitedWithCode(0), "");
+  EXPECT_EXIT(doPiecesWithoutMemory(kMany), testing::ExitedWithCode(0), "");
 #endif
 }
 
