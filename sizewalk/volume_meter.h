@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace sizewalk {
+
+/// How full a file system is, in bytes. As `df` tells it: what is kept for the administrator is
+/// neither used nor free, so that used and free together may be less than the total.
+struct VolumeUsage {
+  /// 0 for what holds no files, is no directory, or cannot be asked.
+  std::uint64_t totalBytes = 0;
+  std::uint64_t usedBytes = 0;
+  /// What the user may still write.
+  std::uint64_t freeBytes = 0;
+};
+
+/// Asks the file system that holds the folder `path`. Waits, without end in the worst case, for the
+/// server of one that lies on the network. Any thread but the window's.
+VolumeUsage measureVolume(const std::string& path);
+
+/// Measures volumes on threads of its own, one for each, so that one that hangs delays no other and
+/// nobody waits for it. Used by one thread. One serves the whole run of a program: it remembers
+/// which volumes still owe an answer, and a new one for every question would leave a thread behind
+/// each time.
+class VolumeMeter {
+ public:
+  /// Called on the meter's threads, one at a time, with a lock held: it hands the answer on, and
+  /// neither calls the meter nor waits for a thread that does. Must not throw.
+  using OnMeasured = std::function<void(const std::string& mountPoint, const VolumeUsage& usage)>;
+  /// Called on several threads at once, perhaps still when the meter is gone: it owns what it
+  /// needs. Must not throw.
+  using Measure = std::function<VolumeUsage(const std::string& mountPoint)>;
+
+  explicit VolumeMeter(OnMeasured onMeasured, Measure measure = measureVolume);
+  /// Returns without waiting for answers. None is reported afterwards; a call of `onMeasured` that
+  /// is under way has ended. What it handed on before may still be on its way to the owner.
+  ~VolumeMeter();
+  VolumeMeter(const VolumeMeter&) = delete;
+  VolumeMeter& operator=(const VolumeMeter&) = delete;
+
+  /// Asks for the usage of each and returns at once; every answer is reported once. One that still
+  /// owes the answer to an earlier question is not asked again: that answer serves both. Where no
+  /// thread can be started the question is dropped, and the next call asks anew.
+  void measure(const std::vector<std::string>& mountPoints);
+
+ private:
+  struct Shared;
+  const std::shared_ptr<Shared> shared_;  // with the threads, which may outlive the meter
+};
+
+}  // namespace sizewalk
