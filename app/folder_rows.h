@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -39,8 +40,11 @@ class FolderRows {
   void refresh();
 
   std::span<const FolderRow> rows() const { return rows_; }
-  /// Where `node` is shown; nothing when it has no row.
+  /// Where `node` is shown; nothing when it has no row. Looks at all rows.
   std::optional<std::size_t> find(sizewalk::NodeId node) const;
+  /// True when `node` has a row once `refresh` has looked at the tree as it is now: only open
+  /// folders lead to it and nothing on the way is taken out.
+  bool leadsTo(sizewalk::NodeId node) const;
 
   /// Opens or closes a row; does nothing where it cannot be, or is already. A folder that was open
   /// inside a closed one is open again when that is opened.
@@ -52,13 +56,32 @@ class FolderRows {
 
  private:
   FolderRow rowFor(sizewalk::NodeId node, std::int32_t depth) const;
+  /// An entry of an open folder with its size as it was last read: a walk that goes on changes the
+  /// tree's own at any time, under the hands of a sort too.
+  struct Entry {
+    std::int64_t value;
+    sizewalk::NodeId node;
+  };
+  /// All that an open folder holds, taken out or not, in display order. Kept from one refresh to
+  /// the next: of a million entries only the folders among them change while a walk goes on.
+  struct Contents {
+    sizewalk::NodeRange children;
+    MeasureSettings measure;
+    std::vector<Entry> entries;
+  };
+
   /// The rows of all that is to be seen below an open row, which is not among them.
-  std::vector<FolderRow> rowsBelow(const FolderRow& row) const;
-  std::vector<sizewalk::NodeId> contents(sizewalk::NodeId folder) const;
+  std::vector<FolderRow> rowsBelow(const FolderRow& row);
+  const std::vector<Entry>& contents(sizewalk::NodeId folder);
+  void collect(Contents& contents) const;
+  void bringUpToDate(std::vector<Entry>& entries) const;
+  void sort(std::span<Entry> entries) const;
+  bool isBefore(const Entry& a, const Entry& b) const;
 
   const sizewalk::FileTree* tree_ = nullptr;
   MeasureSettings measure_;
   std::unordered_set<sizewalk::NodeId> open_;
+  std::unordered_map<sizewalk::NodeId, Contents> contents_;
   std::vector<FolderRow> rows_;
 };
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -140,6 +141,52 @@ TEST(FolderRows, ShowNothingThatIsTakenOut) {
   t.tree.restoreSubtree(file);
   t.rows.refresh();
   EXPECT_EQ(t.lines(), (Lines{"-r", " +big", " small.txt", " empty"}));
+}
+
+TEST(FolderRows, StayInOrderWhileSizesGrow) {
+  FileTree tree;
+  tree.createRoot("/r");
+  Listing listing(0);
+  for (int i = 0; i < 40; ++i) {
+    listing.folder("d" + std::to_string(i))
+        .file("f" + std::to_string(i), std::uint64_t(i % 7) * 10);
+  }
+  const auto folders = add(tree, listing);
+  FolderRows rows;
+  rows.show(&tree);
+  std::uint64_t size = 1;
+  for (const NodeId folder : folders) {
+    add(tree, Listing(folder).file("late", size = size * 37 % 101));
+    rows.refresh();
+    FolderRows anew;
+    anew.show(&tree);
+    ASSERT_TRUE(std::ranges::equal(rows.rows(), anew.rows()));
+  }
+}
+
+TEST(FolderRows, LeadToWhatOpenFoldersHold) {
+  Tree t;
+  EXPECT_TRUE(t.rows.leadsTo(kRootNode));
+  EXPECT_TRUE(t.rows.leadsTo(t.big));
+  EXPECT_FALSE(t.rows.leadsTo(t.inner)) << "big is closed";
+  EXPECT_FALSE(t.rows.leadsTo(900));
+  t.rows.open(1);
+  EXPECT_TRUE(t.rows.leadsTo(t.inner));
+  ASSERT_TRUE(t.tree.removeSubtree(t.big).valid);
+  EXPECT_FALSE(t.rows.leadsTo(t.big));
+  EXPECT_FALSE(t.rows.leadsTo(t.inner));
+  EXPECT_FALSE(FolderRows().leadsTo(kRootNode));
+}
+
+TEST(FolderRows, LeadToNothingThatWasReadAnew) {
+  Tree t;
+  t.rows.open(1);
+  const NodeId old = t.inner;
+  ASSERT_TRUE(t.tree.dropContents(t.big));
+  add(t.tree, Listing(t.big).folder("inner"));
+  EXPECT_FALSE(t.rows.leadsTo(old));
+  t.rows.refresh();
+  EXPECT_EQ(t.lines(), (Lines{"-r", " small.txt", " -big", "  inner", " empty"}));
 }
 
 TEST(FolderRows, OpenTheWayToANode) {
