@@ -17,6 +17,7 @@ class LineBreaker {
   void add(std::string_view word) {
     std::string candidate = begun_ ? line_ + ' ' + std::string(word) : std::string(word);
     if (begun_ && measure_(candidate) > width_) {
+      if (word.empty()) return;  // one of several spaces at the end of the line
       endLine();
       candidate = word;
     }

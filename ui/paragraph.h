@@ -10,9 +10,9 @@
 namespace ui {
 
 /// `text` broken into lines of at most `width` pixels: as many words a line as fit, words being
-/// what single spaces separate. A word wider than a line is broken between two characters. A
-/// newline ends a line. A character wider than `width` has a line of its own. Lines are valid
-/// UTF-8.
+/// what single spaces separate; further spaces that do not fit at the end of a line are left out. A
+/// word wider than a line is broken between two characters. A newline ends a line. A character
+/// wider than `width` has a line of its own. Lines are valid UTF-8.
 std::vector<std::string> wrappedLines(std::string_view text, int width, const MeasureText& measure);
 
 /// A text of several lines, wrapped once for a width and then drawn as often as need be. Window

@@ -16,12 +16,9 @@ std::size_t longestBeginning(std::string_view text, int available, const Measure
   std::size_t low = 0;
   std::size_t high = text.size();
   while (high > low) {
-    const std::size_t middle = base::characterStart(text, low + (high + 1 - low) / 2);
-    if (middle <= low) {
-      // All between is one character: it fits as a whole or not at all.
-      if (measure(text.substr(0, high)) <= available) low = high;
-      break;
-    }
+    std::size_t middle = base::characterStart(text, low + (high + 1 - low) / 2);
+    // The first character between takes up more than half.
+    if (middle == low) middle += base::firstCharacter(text.substr(low))->length;
     if (measure(text.substr(0, middle)) > available) {
       high = base::characterStart(text, middle - 1);
     } else {
