@@ -1,6 +1,7 @@
 #include "ui/connection.h"
 
 #include <X11/Xresource.h>
+#include <X11/extensions/Xrender.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -39,6 +40,15 @@ double dpiFromResources(const char* resources) {
   return dpi > 0 ? dpi : 0;
 }
 
+/// To be called before Xft is. A display closes what was used last first, and Xft frees its glyphs
+/// through XRender: the other way round XRender would remember the closed display, and take the
+/// next one at the same address for it.
+void useXRenderBeforeXft(Display* display) {
+  int eventBase = 0;
+  int errorBase = 0;
+  XRenderQueryExtension(display, &eventBase, &errorBase);
+}
+
 double dpiFromHeight(int heightPx, int heightMm) {
   return heightMm < 1 ? 0 : heightPx * kMmPerInch / heightMm;
 }
@@ -74,6 +84,7 @@ std::unique_ptr<Connection> Connection::open() {
   native->pixelFormat = PixelFormat::of(native->depth, native->visual->red_mask,
                                         native->visual->green_mask, native->visual->blue_mask);
 
+  useXRenderBeforeXft(display);
   keepManyGlyphs(display);
   const double scale =
       scaleFor(XResourceManagerString(display), DisplayHeight(display, native->screen),

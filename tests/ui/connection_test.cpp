@@ -9,6 +9,7 @@
 
 #include "tests/support/environment.h"
 #include "tests/support/x_server.h"
+#include "ui/text.h"
 #include "ui/x11.h"
 #include "ui/x_errors.h"
 
@@ -87,6 +88,18 @@ TEST(Connection, OpensOnAScreenOf30Bits) {
   const auto connection = Connection::open();
   ASSERT_TRUE(connection);
   EXPECT_EQ(connection->depth(), 30);
+}
+
+TEST(Connection, MayFollowAnotherThatHadFonts) {
+  const test::XServer server;
+  ::testing::internal::CaptureStderr();
+  for (int round = 0; round < 3; ++round) {
+    const auto connection = Connection::open();
+    ASSERT_TRUE(connection);
+    const Font font = connection->font(9, FontWeight::Regular);
+    EXPECT_GT(textWidth(*connection, font, "label"), 0);
+  }
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
 }
 
 TEST(XError, OnTheVanishedWindowOfAnotherClientIsPassedOver) {
