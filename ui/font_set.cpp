@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "base/utf8.h"
 
@@ -12,9 +13,12 @@ namespace ui {
 
 namespace {
 
-/// Characters a call to Xft takes at most. Xft adds advances up in 16 bits: this many of the widest
-/// glyphs, at the greatest scale, still fit.
+/// Characters a call to Xft takes at most.
 constexpr std::size_t kLongestRun = 128;
+
+/// Pixels a call to Xft takes at most: it adds advances up in 16 bits, with a sign, and so does the
+/// protocol with coordinates.
+constexpr int kWidestRun = 16'000;
 
 // Colour emoji crash Xft before 2.3.5.
 constexpr int kFirstVersionWithColour = 20305;
@@ -32,7 +36,14 @@ int fontconfigWeight(FontWeight weight) {
   return weight == FontWeight::Bold ? FC_WEIGHT_BOLD : FC_WEIGHT_REGULAR;
 }
 
-/// A scalable font of any family that has `character`.
+/// How many characters of `font` a call to Xft takes. Few where one glyph is a whole sentence, as
+/// the widest of an Arabic font is.
+std::size_t longestRun(const XftFont* font) {
+  const int fitting = kWidestRun / std::max(1, font->max_advance_width);
+  return std::clamp<std::size_t>(static_cast<std::size_t>(fitting), 1, kLongestRun);
+}
+
+/// What asks for a scalable font of any family that has `character`. Not complete yet.
 PatternPtr patternFor(char32_t character, double pixelSize, FontWeight weight) {
   PatternPtr pattern(FcPatternCreate());
   const std::unique_ptr<FcCharSet, DestroyCharSet> characters(FcCharSetCreate());
@@ -45,8 +56,6 @@ PatternPtr patternFor(char32_t character, double pixelSize, FontWeight weight) {
   if (XftGetVersion() < kFirstVersionWithColour) {
     FcPatternAddBool(pattern.get(), FC_COLOR, FcFalse);
   }
-  FcConfigSubstitute(nullptr, pattern.get(), FcMatchPattern);
-  FcDefaultSubstitute(pattern.get());
   return pattern;
 }
 
@@ -92,8 +101,13 @@ XftFont* FontSet::fontFor(char32_t character) {
 
 XftFont* FontSet::searchFallback(char32_t character) const {
   const PatternPtr pattern = patternFor(character, pixelSize_, weight_);
+  if (!pattern) return nullptr;
+  FcConfigSubstitute(nullptr, pattern.get(), FcMatchPattern);
+  // Fontconfig's defaults after those of Xft, so that the font is drawn as the base font is and
+  // keeps as many glyphs.
+  XftDefaultSubstitute(x_.display, x_.screen, pattern.get());
   FcResult result = FcResultNoMatch;
-  PatternPtr match(pattern ? FcFontMatch(nullptr, pattern.get(), &result) : nullptr);
+  PatternPtr match(FcFontMatch(nullptr, pattern.get(), &result));
   if (!match) return nullptr;
   XftFont* font = XftFontOpenPattern(x_.display, match.get());
   if (!font) return nullptr;
@@ -110,7 +124,7 @@ std::vector<TextRun> FontSet::runs(std::string_view text) {
   std::size_t characters = 0;  // in the last run
   while (const auto character = base::firstCharacter(text.substr(position))) {
     XftFont* font = fontFor(character->codePoint);
-    if (runs.empty() || runs.back().font != font || characters == kLongestRun) {
+    if (runs.empty() || runs.back().font != font || characters == longestRun(font)) {
       runs.push_back({font, position, position});
       characters = 0;
     }
@@ -123,8 +137,9 @@ std::vector<TextRun> FontSet::runs(std::string_view text) {
 
 int FontSet::width(std::string_view text) {
   if (const std::optional<int> known = widths_.find(text)) return *known;
+  const std::string valid = base::withReplacements(text);
   int width = 0;
-  for (const TextRun& run : runs(text)) width += measure(run, text);
+  for (const TextRun& run : runs(valid)) width += measure(run, valid);
   widths_.keep(text, width);
   return width;
 }

@@ -39,8 +39,8 @@ class FontSet {
   /// `text`, valid UTF-8, split where the font changes, and where a run becomes too long for one
   /// call to Xft.
   std::vector<TextRun> runs(std::string_view text);
-  /// Advance of `text`, valid UTF-8, in pixels; 0 without a base font. Widths of texts of ordinary
-  /// length are remembered.
+  /// Advance of `text` in pixels, a byte that belongs to no character counting as U+FFFD; 0 without
+  /// a base font. Widths of texts of ordinary length are remembered.
   int width(std::string_view text);
   /// Advance of one run. Costs a call to Xft.
   int measure(const TextRun& run, std::string_view text) const;

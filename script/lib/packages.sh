@@ -9,22 +9,29 @@ packages() {
       echo g++ cmake ninja-build pkg-config libx11-dev libxrender-dev libxft-dev libfontconfig-dev \
         libpng-dev fonts-dejavu-core xvfb x11-utils netpbm
       ;;
-    debian-test) echo libgtest-dev libxtst-dev clang shellcheck ccache xclip ;;
+    debian-test)
+      echo libgtest-dev libxtst-dev clang shellcheck ccache xclip fonts-noto-color-emoji
+      ;;
     fedora-run)
       echo gcc-c++ cmake ninja-build pkgconf-pkg-config libX11-devel libXrender-devel libXft-devel \
         fontconfig-devel libpng-devel dejavu-sans-fonts xorg-x11-server-Xvfb xdpyinfo netpbm-progs
       ;;
-    fedora-test) echo gtest-devel libXtst-devel clang ShellCheck ccache xclip ;;
+    fedora-test)
+      echo gtest-devel libXtst-devel clang ShellCheck ccache xclip dejavu-sans-mono-fonts \
+        google-noto-color-emoji-fonts
+      ;;
     arch-run)
       echo gcc cmake ninja pkgconf libx11 libxrender libxft fontconfig libpng ttf-dejavu \
         xorg-server-xvfb xorg-xdpyinfo netpbm
       ;;
-    arch-test) echo gtest libxtst clang shellcheck ccache xclip ;;
+    arch-test) echo gtest libxtst clang shellcheck ccache xclip noto-fonts-emoji ;;
     suse-run)
       echo gcc-c++ cmake ninja pkgconf-pkg-config libX11-devel libXrender-devel libXft-devel \
         fontconfig-devel libpng16-devel dejavu-fonts xorg-x11-server-Xvfb xdpyinfo netpbm
       ;;
-    suse-test) echo gtest libXtst-devel clang ShellCheck ccache xclip ;;
+    suse-test)
+      echo gtest libXtst-devel clang ShellCheck ccache xclip google-noto-coloremoji-fonts
+      ;;
   esac
 }
 
