@@ -71,13 +71,14 @@ int drawRun(Canvas& canvas, int x, int baselineY, std::string_view text, const F
 
 void drawText(Canvas& canvas, const Rect& rect, std::string_view text, const Font& font,
               Colour colour, Align align) {
-  if (!font.font || rect.empty() || text.empty() || intersect(rect, canvas.clip()).empty()) return;
+  if (!font.font || rect.empty() || text.empty()) return;
+  const int baseline = rect.y + (rect.h - font.height) / 2 + font.ascent;
+  if (!canShow(canvas.clip(), rect.x, baseline, rect.w, font.height)) return;
   const auto measure = [&](std::string_view part) {
     return textWidth(canvas.connection(), font, part);
   };
   const std::string shown = shortenedAtEnd(text, rect.w, measure);
   const int x = alignedX(rect, measure(shown), align);
-  const int baseline = rect.y + (rect.h - font.height) / 2 + font.ascent;
   drawValid(canvas, x, baseline, shown, font, colour);
 }
 
