@@ -5,6 +5,9 @@
 
 namespace ui {
 
+/// What the pointer looks like.
+enum class PointerShape : int { Arrow = 0, Hand = 1, ResizeHorizontal = 2, ResizeVertical = 3 };
+
 /// Something the pointer did.
 struct MouseEvent {
   /// Position in window pixels.

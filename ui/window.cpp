@@ -1,6 +1,7 @@
 #include "ui/window.h"
 
 #include <X11/Xatom.h>
+#include <X11/cursorfont.h>
 #include <sys/time.h>
 #include <unistd.h>
 
@@ -20,6 +21,21 @@ constexpr long kEventMask = KeyPressMask | ButtonPressMask | ButtonReleaseMask |
                             PointerMotionMask | ExposureMask | StructureNotifyMask |
                             FocusChangeMask;
 
+/// Number of `shape` in the X server's cursor font.
+unsigned cursorGlyph(PointerShape shape) {
+  switch (shape) {
+    case PointerShape::Hand:
+      return XC_hand2;
+    case PointerShape::ResizeHorizontal:
+      return XC_sb_h_double_arrow;
+    case PointerShape::ResizeVertical:
+      return XC_sb_v_double_arrow;
+    case PointerShape::Arrow:
+      break;
+  }
+  return XC_left_ptr;
+}
+
 void replaceProperty(Display* display, ::Window window, Atom property, Atom type,
                      const std::string& bytes) {
   XChangeProperty(display, window, property, type, 8, PropModeReplace,
@@ -34,6 +50,9 @@ Window::Native::Native(Window& ownerWindow)
 
 Window::Native::~Native() {
   backBuffer.reset();
+  for (const Cursor cursor : cursors) {
+    if (cursor) XFreeCursor(display, cursor);
+  }
   if (gc) XFreeGC(display, gc);
   if (window) {
     XDestroyWindow(display, window);
@@ -78,6 +97,12 @@ void Window::Native::introduceToWindowManager() {
   }
 }
 
+void Window::Native::applyPointer(PointerShape shape) {
+  Cursor& cursor = cursors[static_cast<std::size_t>(shape)];
+  if (!cursor) cursor = XCreateFontCursor(display, cursorGlyph(shape));
+  XDefineCursor(display, window, cursor);
+}
+
 Window::Window(Connection& connection)
     : connection_(connection), native_(std::make_unique<Native>(*this)) {}
 
@@ -92,6 +117,7 @@ bool Window::create(const std::string& title, int width, int height) {
   height_ = height;
   setTitle(title);
   native_->introduceToWindowManager();
+  native_->applyPointer(pointer_);
   return true;
 }
 
@@ -124,6 +150,12 @@ void Window::show() {
   if (!native_->window) return;
   XMapWindow(native_->display, native_->window);
   XFlush(native_->display);
+}
+
+void Window::setPointer(PointerShape shape) {
+  if (shape == pointer_) return;
+  pointer_ = shape;
+  if (native_->window) native_->applyPointer(shape);
 }
 
 void Window::invalidate() { needsRedraw_ = true; }

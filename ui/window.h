@@ -63,6 +63,11 @@ class Window {
   void setMinSize(int width, int height);
   void show();
 
+  /// What the pointer looks like over the window, `Arrow` at first. Remembered before `create`, and
+  /// asks the server for nothing while it stays the same, so that every motion may call it.
+  void setPointer(PointerShape shape);
+  PointerShape pointer() const { return pointer_; }
+
   /// Asks for a repaint in this turn of the loop, or in the next when called while painting.
   void invalidate();
   /// Has the window thread run `task`, after those posted before. Any thread, and tasks too; the
@@ -111,6 +116,7 @@ class Window {
   std::unique_ptr<Native> native_;
   int width_ = 0;
   int height_ = 0;
+  PointerShape pointer_ = PointerShape::Arrow;
   bool running_ = false;
   bool needsRedraw_ = false;
   // Made with the window and never changed, so that `post` needs no lock to use it.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <memory>
 
 #include "ui/back_buffer.h"
@@ -22,6 +23,9 @@ struct Window::Native {
   /// this is, so that a hung program can be ended from the desktop.
   void introduceToWindowManager();
 
+  /// Gives the window the cursor of `shape`, which is made the first time that it is asked for.
+  void applyPointer(PointerShape shape);
+
   void dispatch(XEvent& event);
   void handleClientMessage(const XClientMessageEvent& event);
   void handleKey(XKeyEvent& event);
@@ -34,6 +38,8 @@ struct Window::Native {
   ::Window window = 0;
   GC gc = nullptr;
   std::unique_ptr<BackBuffer> backBuffer;
+  /// By `PointerShape`; 0 where not made yet.
+  std::array<Cursor, 4> cursors{};
   Atom wmDeleteWindow = 0;
   Clipboard clipboard;
   ClickCounter clicks;
