@@ -1,6 +1,7 @@
 // The headers that applications include must not bring in Xlib, whose macros break other code.
 // Nothing runs here: this file compiles or it does not.
 
+#include "ui/button.h"
 #include "ui/canvas.h"
 #include "ui/capture.h"
 #include "ui/colour.h"
