@@ -19,6 +19,8 @@ struct ToolbarState {
   bool canGoUp = false;
   Measure measure = Measure::CurrentSize;
   sizewalk::NodeId focus = sizewalk::kRootNode;
+
+  bool operator==(const ToolbarState&) const = default;
 };
 
 /// Where the toolbar's parts are, in device pixels of the window. A button that is not shown is
