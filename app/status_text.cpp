@@ -36,4 +36,8 @@ std::string statusText(const ScanStatus& status) {
   return sum + endOfScan(status);
 }
 
+std::string selectionText(std::int64_t items, std::int64_t bytes) {
+  return formatCount(items) + " selected · " + formatSize(bytes);
+}
+
 }  // namespace app

@@ -24,4 +24,7 @@ struct ScanStatus {
 /// The status line while a scan is shown, such as "1.20 GB in 12,345 items  ·  0.31s".
 std::string statusText(const ScanStatus& status);
 
+/// What is said of several selected items, such as "3 selected · 1.20 GB".
+std::string selectionText(std::int64_t items, std::int64_t bytes);
+
 }  // namespace app
