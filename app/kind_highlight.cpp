@@ -3,7 +3,6 @@
 #include <cstddef>
 
 #include "app/cushion_shading.h"
-#include "sizewalk/file_kinds.h"
 
 namespace app {
 
@@ -15,9 +14,7 @@ namespace {
 bool isOfKind(const TreemapBlock& block, const FileTree& tree, int kind,
               const MeasureSettings& measure) {
   if (block.id < 0 || block.restCount > 0 || !block.painted) return false;
-  const auto node = static_cast<NodeId>(block.id);
-  const int own = tree.kind(node);
-  return (own == sizewalk::kKindFolder ? dominantKind(tree, node, measure) : own) == kind;
+  return drawnKind(tree, static_cast<NodeId>(block.id), measure) == kind;
 }
 
 }  // namespace

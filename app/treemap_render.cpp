@@ -75,11 +75,7 @@ class BlockPainter {
  private:
   std::uint32_t colourOf(const TreemapBlock& block) const {
     if (block.id < 0) return extraColours_.at(block.id).colour;
-    const auto node = static_cast<NodeId>(block.id);
-    int kind = tree_.kind(node);
-    if (kind == sizewalk::kKindFolder) kind = dominantKind(tree_, node, measure_);
-    if (kind == sizewalk::kKindFolder) kind = sizewalk::otherKind;
-    return colourOfKind(kind);
+    return colourOfKind(drawnKind(tree_, static_cast<NodeId>(block.id), measure_));
   }
 
   std::uint32_t colourOfKind(int kind) const {
@@ -111,6 +107,13 @@ int dominantKind(const FileTree& tree, NodeId folder, const MeasureSettings& mea
     current = *pick;
   }
   return tree.kind(current);
+}
+
+int drawnKind(const FileTree& tree, NodeId node, const MeasureSettings& measure) {
+  const int own = tree.kind(node);
+  if (own != sizewalk::kKindFolder) return own;
+  const int filling = dominantKind(tree, node, measure);
+  return filling == sizewalk::kKindFolder ? int{sizewalk::otherKind} : filling;
 }
 
 RenderedTreemap renderTreemap(const FileTree& tree, NodeId root, std::int32_t width,

@@ -58,4 +58,9 @@ RenderedTreemap renderTreemap(const sizewalk::FileTree& tree, sizewalk::NodeId r
 int dominantKind(const sizewalk::FileTree& tree, sizewalk::NodeId folder,
                  const MeasureSettings& measure);
 
+/// The kind that a node's block is coloured by: that of a file, what fills a folder, and of a
+/// folder that nothing fills the kind of what has no other. Any thread.
+int drawnKind(const sizewalk::FileTree& tree, sizewalk::NodeId node,
+              const MeasureSettings& measure);
+
 }  // namespace app
