@@ -1,5 +1,6 @@
 #include "app/map_card.h"
 
+#include <algorithm>
 #include <array>
 #include <ctime>
 #include <utility>
@@ -103,11 +104,12 @@ MapCard mapCard(const RenderedTreemap& map, const TreemapBlock& block, const Fil
 }
 
 std::string shareText(std::int64_t part, std::int64_t whole) {
-  if (whole <= 0) return "0 %";
-  // Tenths, so that no locale's decimal comma gets in; the quotient is within 0 and 1.
-  const double share = static_cast<double>(part) / static_cast<double>(whole);
+  if (whole <= 0 || part <= 0) return "0 %";
+  // A running scan adds to a folder before it adds to those around it.
+  const double share = std::min(1.0, static_cast<double>(part) / static_cast<double>(whole));
+  // Tenths, so that no locale's decimal comma gets in.
   const auto tenths = static_cast<std::int64_t>(share * 1000 + 0.5);
-  if (tenths == 0) return part > 0 ? "less than 0.1 %" : "0 %";
+  if (tenths == 0) return "less than 0.1 %";
   return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10) + " %";
 }
 

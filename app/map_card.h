@@ -32,7 +32,8 @@ struct MapCard {
 MapCard mapCard(const RenderedTreemap& map, const TreemapBlock& block,
                 const sizewalk::FileTree& tree, const MeasureSettings& measure);
 
-/// The share that `part` has of `whole`, such as "12.3 %"; "0 %" of nothing.
+/// The share that `part` has of `whole`, such as "12.3 %": "0 %" of nothing, never
+/// more than "100.0 %".
 std::string shareText(std::int64_t part, std::int64_t whole);
 
 /// The local date and time of `seconds` since the epoch, such as "2026-03-31 17:05".
