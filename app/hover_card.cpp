@@ -55,7 +55,7 @@ void HoverCard::show(MapCard card, int x, int y, const ui::Rect& bounds) {
   const int padding = style_.scaled(kPadding);
   const int lines = static_cast<int>(card_->facts.size()) + 1;
   const int width = std::min(labels_ + textWidth() + 2 * padding, bounds.w);
-  const int height = lines * style_.lineHeight() + 2 * padding;
+  const int height = std::min(lines * style_.lineHeight() + 2 * padding, bounds.h);
   rect_ = placeBeside(x, y, width, height, style_.scaled(kDistance), bounds);
   shortenPaths(width - 2 * padding - labels_);
 }
@@ -77,6 +77,7 @@ bool HoverCard::hide() {
 void HoverCard::paint(ui::Canvas& canvas) const {
   if (!card_) return;
   const ui::Palette& palette = style_.palette();
+  canvas.pushClip(rect_);  // where the bounds leave no room for the texts
   const int radius = style_.scaled(kRadius);
   canvas.fillRoundRect(rect_, radius, palette.border);
   canvas.fillRoundRect({rect_.x + 1, rect_.y + 1, rect_.w - 2, rect_.h - 2}, radius - 1,
@@ -95,6 +96,7 @@ void HoverCard::paint(ui::Canvas& canvas) const {
     ui::drawText(canvas, {left + labels_, y, right - left - labels_, lineHeight}, fact.text,
                  style_.body(), palette.text);
   }
+  canvas.popClip();
 }
 
 }  // namespace app

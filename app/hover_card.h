@@ -15,7 +15,7 @@ class HoverCard {
   /// `style` outlives the card.
   explicit HoverCard(const Style& style) : style_(style) {}
 
-  /// Shows `card` beside the pointer at (x, y), within `bounds`.
+  /// Shows `card` beside the pointer at (x, y), within `bounds`; cut off where they are too small.
   void show(MapCard card, int x, int y, const ui::Rect& bounds);
   /// True when there was something to hide.
   bool hide();
@@ -38,7 +38,8 @@ class HoverCard {
 
 /// Where a panel of `width` x `height` goes so that it stands beside a pointer at (x, y), inside
 /// `bounds`, and not under the pointer: right of it and below, else on the other side. Where there
-/// is no room on either side it begins at the bounds' edge.
+/// is no room on either side it ends at the bounds' far edge, or begins at the near one if it is
+/// larger than they are.
 ui::Rect placeBeside(int x, int y, int width, int height, int distance, const ui::Rect& bounds);
 
 }  // namespace app
