@@ -12,11 +12,10 @@ constexpr ui::Colour kOpaque = 0xFF000000;
 }
 
 void TreemapPicture::show(const sizewalk::FileTree* tree, sizewalk::NodeId focus) {
-  tree_ = tree;
   focus_ = focus;
   dirty_ = true;
-  if (tree) return;
-  rendered_ = {};
+  if (tree == std::exchange(tree_, tree)) return;
+  rendered_ = {};  // its blocks name nodes of the other tree
   image_.clear();
 }
 

@@ -24,7 +24,8 @@ class TreemapPicture {
   TreemapPicture(ui::Connection& connection, const KindColours& colours)
       : colours_(colours), image_(connection) {}
 
-  /// Shows `focus` of `tree`, or nothing when `tree` is null. The tree outlives being shown.
+  /// Shows `focus` of `tree`, or nothing when `tree` is null. The tree outlives being shown. Until
+  /// the next `update` the last picture of that tree stays; that of another one goes at once.
   void show(const sizewalk::FileTree* tree, sizewalk::NodeId focus);
   void setMeasure(const MeasureSettings& measure);
   /// Takes part in every picture from now on, whatever is in focus.

@@ -148,5 +148,20 @@ TEST_F(TreemapPictureTest, ForgetsItsPictureWhenNothingIsShownAnyMore) {
   expectPlaceFilledWith(painted(), kMapBackground);
 }
 
+TEST_F(TreemapPictureTest, KeepsItsPictureOfATreeButNotForAnother) {
+  picture_.show(&tree_, kRootNode);
+  picture_.update();
+  picture_.show(&tree_, tree_.firstChild(kRootNode));
+  EXPECT_NE(picture_.rendered().blockUnder(0, 0), nullptr);
+  sizewalk::FileTree next;
+  test::fillRoot(next, {test::file(1)});
+  picture_.show(&next, kRootNode);
+  EXPECT_EQ(picture_.rendered().blockUnder(0, 0), nullptr) << "its ids are not of this tree";
+  expectPlaceFilledWith(painted(), kMapBackground);
+  EXPECT_TRUE(picture_.update());
+  EXPECT_NE(picture_.rendered().blockUnder(0, 0), nullptr);
+  picture_.show(nullptr, kRootNode);
+}
+
 }  // namespace
 }  // namespace app
