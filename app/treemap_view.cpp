@@ -110,13 +110,14 @@ void TreemapView::leave() {
 }
 
 bool TreemapView::hideCard() {
+  if (pointer_) pointer_->awaitsCard = false;
   if (!card_.hide()) return false;
   changed();
   return true;
 }
 
 void TreemapView::tick(std::int64_t nowMs, const ui::Rect& bounds) {
-  if (!pointer_ || !hoveredBlock_ || card_.shown()) return;
+  if (!pointer_ || !pointer_->awaitsCard || !hoveredBlock_ || card_.shown()) return;
   if (nowMs - pointer_->sinceMs < kRestMs) return;
   showCard(bounds);
 }

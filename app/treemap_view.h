@@ -53,7 +53,7 @@ class TreemapView {
   bool key(const ui::KeyEvent& event);
   /// Time passes. `bounds` is the room that the card may take.
   void tick(std::int64_t nowMs, const ui::Rect& bounds);
-  /// True when there was a card to hide.
+  /// No card is shown until the pointer moves again. True when there was one to hide.
   bool hideCard();
 
   /// The item under the pointer; nothing on merged items and on what is beside the tree.
@@ -75,6 +75,8 @@ class TreemapView {
     int y;
     /// Since when it has been there, in milliseconds.
     std::int64_t sinceMs;
+    /// A card comes when it has been there for long enough.
+    bool awaitsCard = true;
   };
 
   const Style& style_;
