@@ -136,9 +136,7 @@ void TreemapView::press(const ui::MouseEvent& event) {
   switch (event.button) {
     case kPrimary:
       if (again && !event.ctrl) {
-        if (const TreemapBlock* block = blockAt(event.x, event.y); block && block->id >= 0) {
-          focus_.goTowards(static_cast<NodeId>(block->id));
-        }
+        goTowards(event);
       } else {
         pick(event);
       }
@@ -182,12 +180,16 @@ void TreemapView::openContextMenu(const ui::MouseEvent& event) {
 
 void TreemapView::wheel(const ui::MouseEvent& event, int dy) {
   hideCard();
-  if (dy > 0) {
-    focus_.goOut();
-  } else if (const TreemapBlock* block = blockAt(event.x, event.y);
-             dy < 0 && block && block->id >= 0) {
-    focus_.goTowards(static_cast<NodeId>(block->id));
-  }
+  if (dy > 0) focus_.goOut();
+  if (dy < 0) goTowards(event);
+}
+
+void TreemapView::goTowards(const ui::MouseEvent& event) {
+  const TreemapBlock* block = blockAt(event.x, event.y);
+  if (!block || block->id < 0 || !picture_.tree()) return;
+  const auto node = static_cast<NodeId>(block->id);
+  // Merged items have only their folder in common.
+  focus_.goTowards(block->restCount > 0 ? picture_.tree()->parent(node) : node);
 }
 
 bool TreemapView::key(const ui::KeyEvent& event) {

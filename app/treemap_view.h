@@ -65,6 +65,7 @@ class TreemapView {
   std::optional<ui::Rect> outlineOf(sizewalk::NodeId node) const;
   void findHovered();
   void pick(const ui::MouseEvent& event);
+  void goTowards(const ui::MouseEvent& event);
   void openContextMenu(const ui::MouseEvent& event);
   void showCard(const ui::Rect& bounds);
   bool moveSelection(int dx, int dy);
