@@ -69,6 +69,14 @@ std::string kindRowName(int kind) {
   return std::string(sizewalk::kindName(listed ? kind : sizewalk::otherKind));
 }
 
+void sortKindRows(std::span<KindRow> rows, const KindSort& sort) {
+  std::ranges::sort(rows, [&sort](const KindRow& a, const KindRow& b) {
+    const int order = compare(a, b, sort.column);
+    if (order != 0) return sort.ascending ? order < 0 : order > 0;
+    return compare(a, b, KindColumn::Kind) < 0;
+  });
+}
+
 std::vector<KindRow> kindRows(const sizewalk::FileTree& tree, const MeasureSettings& measure,
                               const KindSort& sort) {
   std::vector<KindRow> rows;
@@ -78,11 +86,7 @@ std::vector<KindRow> kindRows(const sizewalk::FileTree& tree, const MeasureSetti
     rows.push_back({static_cast<std::int16_t>(kind), sizeUnder(totals, measure),
                     static_cast<std::int64_t>(totals.count)});
   }
-  std::ranges::sort(rows, [&sort](const KindRow& a, const KindRow& b) {
-    const int order = compare(a, b, sort.column);
-    if (order != 0) return sort.ascending ? order < 0 : order > 0;
-    return compare(a, b, KindColumn::Kind) < 0;
-  });
+  sortKindRows(rows, sort);
   return rows;
 }
 

@@ -40,8 +40,10 @@ std::string kindHeader(KindColumn column, const KindSort& sort);
 /// What the table calls a kind: "Other" for an index outside the list.
 std::string kindRowName(int kind);
 
-/// A row for each kind of which the tree holds a file, in the order asked for; equal ones by name.
-/// Any thread.
+/// Puts rows into the order asked for; equal ones by name.
+void sortKindRows(std::span<KindRow> rows, const KindSort& sort);
+
+/// A row for each kind of which the tree holds a file, in the order asked for. Any thread.
 std::vector<KindRow> kindRows(const sizewalk::FileTree& tree, const MeasureSettings& measure,
                               const KindSort& sort);
 
