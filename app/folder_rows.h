@@ -56,27 +56,27 @@ class FolderRows {
 
  private:
   FolderRow rowFor(sizewalk::NodeId node, std::int32_t depth) const;
-  /// An entry of an open folder with its size as it was last read: a walk that goes on changes the
-  /// tree's own at any time, under the hands of a sort too.
-  struct Entry {
-    std::int64_t value;
-    sizewalk::NodeId node;
-  };
-  /// All that an open folder holds, taken out or not, in display order. Kept from one refresh to
-  /// the next: of a million entries only the folders among them change while a walk goes on.
+  /// All that an open folder holds, taken out or not. Kept from one refresh to the next: of a
+  /// million entries only the folders among them change while a walk goes on.
   struct Contents {
     sizewalk::NodeRange children;
     MeasureSettings measure;
-    std::vector<Entry> entries;
+    /// By child, its size as it was last read: a walk that goes on changes the tree's own at any
+    /// time, under the hands of a sort too.
+    std::vector<std::int64_t> values;
+    /// The children in display order.
+    std::vector<sizewalk::NodeId> order;
+
+    std::int64_t valueOf(sizewalk::NodeId node) const { return values[node - children.first]; }
   };
 
-  /// The rows of all that is to be seen below an open row, which is not among them.
-  std::vector<FolderRow> rowsBelow(const FolderRow& row);
-  const std::vector<Entry>& contents(sizewalk::NodeId folder);
+  /// Appends the rows of all that is to be seen below an open row, which is not among them.
+  void appendRowsBelow(const FolderRow& row, std::vector<FolderRow>* rows);
+  const Contents& contents(sizewalk::NodeId folder);
   void collect(Contents& contents) const;
-  void bringUpToDate(std::vector<Entry>& entries) const;
-  void sort(std::span<Entry> entries) const;
-  bool isBefore(const Entry& a, const Entry& b) const;
+  void bringUpToDate(Contents& contents) const;
+  void sort(const Contents& contents, std::span<sizewalk::NodeId> nodes) const;
+  void sortByName(std::span<sizewalk::NodeId> nodes) const;
 
   const sizewalk::FileTree* tree_ = nullptr;
   MeasureSettings measure_;
