@@ -223,7 +223,8 @@ void FolderList::paintRow(ui::Canvas& canvas, std::size_t row) const {
   }
   paintTexts(canvas, places, node, colours);
   if (focused_ && current_ == node) {
-    canvas.strokeRect(rowRect(row), selected ? palette.accentText : palette.accent);
+    canvas.strokeRect(ringPlace(rowRect(row), selected),
+                      selected ? palette.accentText : palette.accent);
   }
 }
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <functional>
 #include <numeric>
-#include <ranges>
 #include <string_view>
 #include <utility>
 
@@ -24,6 +23,15 @@ std::uint64_t sortKey(std::string_view text) {
     key = key << 8 | (i < text.size() ? static_cast<unsigned char>(text[i]) : 0);
   }
   return key;
+}
+
+/// False when everything in `folder` is taken out, too.
+bool holdsSomething(const sizewalk::FileTree& tree, NodeId folder) {
+  const NodeRange children = tree.children(folder);
+  for (NodeId child = children.first; child < children.last; ++child) {
+    if (!tree.flags(child).has(NodeFlag::Excluded)) return true;
+  }
+  return false;
 }
 
 }  // namespace
@@ -51,11 +59,7 @@ void FolderRows::refresh() {
 }
 
 FolderRow FolderRows::rowFor(NodeId node, std::int32_t depth) const {
-  if (!tree_->isDirectory(node)) return {node, depth, false, false};
-  const NodeRange children = tree_->children(node);
-  const bool expandable = std::ranges::any_of(
-      std::views::iota(children.first, children.last),
-      [this](NodeId child) { return !tree_->flags(child).has(NodeFlag::Excluded); });
+  const bool expandable = tree_->isDirectory(node) && holdsSomething(*tree_, node);
   return {node, depth, expandable, expandable && open_.contains(node)};
 }
 
@@ -87,10 +91,10 @@ void FolderRows::collect(Contents& contents) const {
 /// in display order, and merges the children whose size has changed into the others, which are in
 /// order still.
 void FolderRows::bringUpToDate(Contents& contents) const {
-  const auto [first, last] = contents.children;
+  const NodeId first = contents.children.first;
   std::vector<bool> changed(contents.children.size());
   bool any = false;
-  for (NodeId child = first; child < last; ++child) {
+  for (NodeId child = first; child < contents.children.last; ++child) {
     std::int64_t& value = contents.values[child - first];
     const std::int64_t now = measureValue(*tree_, child, measure_);
     if (value == now) continue;

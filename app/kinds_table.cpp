@@ -173,7 +173,7 @@ void KindsTable::paintRow(ui::Canvas& canvas, std::size_t row) const {
   draw(places.size, formatSize(static_cast<std::int64_t>(kind.size)), ui::Align::Right);
   draw(places.files, formatCount(kind.files), ui::Align::Right);
   if (focused_ && current_ == kind.kind) {
-    canvas.strokeRect(place, selected ? palette.accentText : palette.accent);
+    canvas.strokeRect(ringPlace(place, selected), selected ? palette.accentText : palette.accent);
   }
 }
 

@@ -6,6 +6,8 @@
 #include <limits>
 #include <optional>
 
+#include "ui/geometry.h"
+
 // Where the rows of a list are, all of one height and one below the other. Lengths are device
 // pixels, offsets count from the top of the first row. Rows have a height of at least 1.
 
@@ -47,6 +49,13 @@ constexpr RowRange visibleRows(int offset, int viewHeight, int rowHeight, std::s
 constexpr int rowPlace(std::int64_t top, int offset) {
   constexpr std::int64_t kFar = 1 << 30;
   return static_cast<int>(std::clamp(top - offset, -kFar, kFar));
+}
+
+/// The ring round the current row: just inside `row`, and one pixel further on a selected row,
+/// whose ring may have the colour of what is around the row.
+constexpr ui::Rect ringPlace(const ui::Rect& row, bool selected) {
+  const int inset = selected ? 1 : 0;
+  return {row.x + inset, row.y + inset, row.w - 2 * inset, row.h - 2 * inset};
 }
 
 /// True when a part of `row` shows in that view.

@@ -309,9 +309,12 @@ TEST_F(FolderListTest, RingsTheCurrentRowWhileItHasTheFocus) {
   EXPECT_EQ(picture.at(259, 10 + h_ - 1), rgb(ui::kLightPalette.accent));
   EXPECT_EQ(picture.at(21, 11), rgb(ui::kLightPalette.view));
   selection_.select(kRootNode);
-  EXPECT_EQ(painted().at(20, 10), rgb(ui::kLightPalette.accentText));
+  picture = painted();
+  EXPECT_EQ(picture.at(20, 10), rgb(ui::kLightPalette.accent));
+  EXPECT_EQ(picture.at(21, 11), rgb(ui::kLightPalette.accentText));
+  EXPECT_EQ(picture.at(22, 12), rgb(ui::kLightPalette.accent));
   list_.setFocused(false);
-  EXPECT_EQ(painted().at(20, 10), rgb(ui::kLightPalette.accent));
+  EXPECT_EQ(painted().at(21, 11), rgb(ui::kLightPalette.accent));
 }
 
 TEST(FolderListAtScaleTwo, GrowsRowsIndentAndSizeColumnOnly) {

@@ -240,9 +240,9 @@ TEST_F(KindsTableTest, RingsTheCurrentRowWhileItHasTheFocus) {
   table_.setFocused(true);
   EXPECT_EQ(painted().at(20, 10 + h_), rgb(ui::kLightPalette.accent));
   press(0);
-  EXPECT_EQ(painted().at(20, 10 + h_), rgb(ui::kLightPalette.accentText));
+  EXPECT_EQ(painted().at(21, 11 + h_), rgb(ui::kLightPalette.accentText));
   table_.setFocused(false);
-  EXPECT_EQ(painted().at(20, 10 + h_), rgb(ui::kLightPalette.accent));
+  EXPECT_EQ(painted().at(21, 11 + h_), rgb(ui::kLightPalette.accent));
 }
 
 // Sorting.
