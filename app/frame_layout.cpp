@@ -58,12 +58,11 @@ class FrameBuilder {
       : request_(request), divider_(scaled(kDivider)), leastPart_(scaled(kLeastPart)) {}
 
   FrameLayout build() {
-    const int toolbar =
-        std::min(request_.lineHeight + scaled(kButtonPadding) + 2 * scaled(kToolbarPadding),
-                 request_.height);
+    frame_.toolbar =
+        toolbarRect(request_.width, request_.height, request_.scale, request_.lineHeight);
+    const int toolbar = frame_.toolbar.h;
     const int status =
         std::min(request_.lineHeight + scaled(kStatusPadding), request_.height - toolbar);
-    frame_.toolbar = {0, 0, request_.width, toolbar};
     frame_.status = {0, request_.height - status, request_.width, status};
     const ui::Rect room = {0, toolbar, request_.width, request_.height - toolbar - status};
     if (request_.listAboveMap) {
@@ -119,6 +118,12 @@ class FrameBuilder {
 };
 
 }  // namespace
+
+ui::Rect toolbarRect(int width, int height, double scale, int lineHeight) {
+  const int own =
+      lineHeight + ui::scaled(kButtonPadding, scale) + 2 * ui::scaled(kToolbarPadding, scale);
+  return {0, 0, width, std::min(own, height)};
+}
 
 FrameLayout layOutFrame(const FrameRequest& request) { return FrameBuilder(request).build(); }
 

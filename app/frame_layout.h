@@ -45,4 +45,7 @@ struct FrameLayout {
 
 FrameLayout layOutFrame(const FrameRequest& request);
 
+/// The toolbar alone, as it is in every window of that size.
+ui::Rect toolbarRect(int width, int height, double scale, int lineHeight);
+
 }  // namespace app
