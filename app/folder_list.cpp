@@ -265,6 +265,11 @@ std::optional<std::size_t> FolderList::rowAt(int x, int y) const {
                      rowCount());
 }
 
+std::optional<NodeId> FolderList::hovered() const {
+  const auto row = hoveredRow();
+  return row ? std::optional(nodeAt(*row)) : std::nullopt;
+}
+
 std::optional<std::size_t> FolderList::hoveredRow() const {
   return pointer_ ? rowAt(pointer_->x, pointer_->y) : std::nullopt;
 }

@@ -73,6 +73,8 @@ class FolderList {
   bool key(const ui::KeyEvent& event, std::int64_t nowMs);
 
   const FolderRows& rows() const { return rows_; }
+  /// The item of the row under the pointer.
+  std::optional<sizewalk::NodeId> hovered() const;
   /// Nothing while there are no rows.
   std::optional<sizewalk::NodeId> current() const { return current_; }
   int scrollOffset() const { return scroller_.offset(); }

@@ -6,21 +6,41 @@
 #include "app/product.h"
 #include "app/settings.h"
 #include "app/settings_store.h"
+#include "ui/keys.h"
 
 namespace app {
 
 namespace {
 constexpr int kTickMs = 100;
+/// Disks come and go while the welcome view is open, and fill up.
+constexpr std::int64_t kVolumesMs = 3000;
 // Logical pixels.
 constexpr double kWidth = 1100;
 constexpr double kHeight = 720;
 constexpr double kMinWidth = 640;
 constexpr double kMinHeight = 420;
 
-MeasureSettings measureFromSettings() {
-  MeasureSettings measure;
-  measure.physicalSize = SettingsStore::instance().get(setting::kShowPhysicalFileSize);
-  return measure;
+bool isOn(const Setting& setting) { return SettingsStore::instance().get(setting); }
+
+ScanScreenSettings screenSettings() {
+  return {.listAboveMap = isOn(setting::kSplitHorizontally),
+          .showKinds = isOn(setting::kShowFileKinds),
+          .consistentKindColours = isOn(setting::kConsistentKindColours),
+          .extraBlocks = {.freeSpace = isOn(setting::kShowFreeSpace),
+                          .otherSpace = isOn(setting::kShowOtherSpace)}};
+}
+
+ScanStatus statusOf(const ScanSummary& summary) {
+  return {.elapsedSeconds = summary.elapsedSeconds,
+          .hardLinks = static_cast<std::int64_t>(summary.hardLinks),
+          .hardLinkBytes = static_cast<std::int64_t>(summary.hardLinkBytes),
+          .unreadable = static_cast<std::int64_t>(summary.errors),
+          .stopped = summary.cancelled};
+}
+
+Measure measureOf(Command command) {
+  const int first = static_cast<int>(Command::ShowCurrentSize);
+  return static_cast<Measure>(static_cast<int>(command) - first);
 }
 }  // namespace
 
@@ -39,18 +59,56 @@ std::string captureFailedMessage(const std::string& file) {
 
 MainWindow::MainWindow(ui::Connection& connection)
     : connection_(connection),
-      colours_(SettingsStore::instance().get(setting::kConsistentKindColours)),
+      style_(connection, ui::detectPalette()),
+      colours_(isOn(setting::kConsistentKindColours)),
       window_(connection),
-      map_(connection, colours_),
+      welcome_(style_, icon_),
+      scan_(connection, style_, colours_),
+      meter_([this](const std::string& path, const sizewalk::VolumeUsage& usage) {
+        window_.post([this, path, usage] { volumeMeasured(path, usage); });
+      }),
+      volumes_([this](const std::vector<std::string>& paths) { meter_.measure(paths); }),
       // The tick follows a running scan by itself, so its progress reports go nowhere.
       controller_({}, [this] { window_.post([this] { showScanEnd(); }); }) {
-  map_.setMeasure(measureFromSettings());
+  connectScreens();
+  connectInput();
+  applySettings();
+}
+
+void MainWindow::connectScreens() {
+  welcome_.onChanged = [this] { window_.invalidate(); };
+  welcome_.onVolume = [this](const std::string& path) { scanPath(path); };
+  scan_.onChanged = [this] { window_.invalidate(); };
+  scan_.onCommand = [this](Command command) { perform(command); };
+}
+
+void MainWindow::connectInput() {
+  window_.onPrepare = [this] { prepareFrame(); };
+  window_.onPaint = [this](ui::Canvas& canvas) { screen_->paint(canvas); };
+  window_.onResize = [this](int width, int height) { resize(width, height); };
+  window_.onPress = [this](const ui::MouseEvent& event) { press(event); };
+  window_.onMotion = [this](const ui::MouseEvent& event) {
+    screen_->motion(event);
+    updatePointer();
+  };
+  window_.onRelease = [this](const ui::MouseEvent& event) {
+    screen_->release(event);
+    updatePointer();
+  };
+  window_.onLeave = [this] { screen_->leave(); };
+  window_.onWheel = [this](const ui::MouseEvent& event, int /*dx*/, int dy) {
+    if (dy != 0) screen_->wheel(event, dy);
+  };
+  window_.onKey = [this](const ui::KeyEvent& event) { key(event); };
+}
+
+void MainWindow::applySettings() {
+  measure_.physicalSize = isOn(setting::kShowPhysicalFileSize);
+  scan_.setMeasure(measure_);
+  scan_.setSettings(screenSettings());
 }
 
 bool MainWindow::create() {
-  window_.onPrepare = [this] { prepareFrame(); };
-  window_.onPaint = [this](ui::Canvas& canvas) { map_.paint(canvas); };
-  window_.onResize = [this](int width, int height) { resize(width, height); };
   if (!window_.create(windowTitle({}), connection_.scaled(kWidth), connection_.scaled(kHeight))) {
     return false;
   }
@@ -58,19 +116,34 @@ bool MainWindow::create() {
   window_.setMinSize(connection_.scaled(kMinWidth), connection_.scaled(kMinHeight));
   resize(window_.width(), window_.height());
   window_.setTick(kTickMs, [this] { tick(); });
+  show(welcome_);
   window_.show();
   return true;
 }
 
+void MainWindow::show(Screen& screen) {
+  screen_ = &screen;
+  if (&screen == &welcome_) refreshVolumes();
+  updateTitle();
+  updatePointer();
+  window_.invalidate();
+}
+
 void MainWindow::scanPath(const std::string& path) {
-  map_.show(nullptr, sizewalk::kRootNode);  // the controller drops the tree that is shown
+  scan_.show(nullptr);  // the controller drops the tree that is shown
   controller_.start(path);
-  scanShown_ = true;
   endShown_ = false;
   shownNodes_ = 0;
-  map_.show(&controller_.scanner()->tree(), sizewalk::kRootNode);
-  updateTitle();
-  window_.invalidate();
+  scan_.show(&controller_.scanner()->tree());
+  scan_.setScanStatus({.scanning = true});
+  meter_.measure({controller_.path()});
+  show(scan_);
+}
+
+void MainWindow::showWelcome() {
+  controller_.stop();
+  scan_.show(nullptr);
+  show(welcome_);
 }
 
 void MainWindow::captureAfter(const std::string& file, double seconds) {
@@ -79,7 +152,10 @@ void MainWindow::captureAfter(const std::string& file, double seconds) {
 
 void MainWindow::tick() {
   followScan();
-  if (const auto file = captureCountdown_.tick(scanShown_ && !endShown_)) {
+  const std::int64_t now = ui::Window::now();
+  if (!scanShown() && now >= nextVolumes_) refreshVolumes();
+  screen_->tick(now);
+  if (const auto file = captureCountdown_.tick(scanShown() && !endShown_)) {
     window_.invalidate();
     window_.post([this, path = *file] { capture(path); });
   }
@@ -91,37 +167,119 @@ void MainWindow::capture(const std::string& file) {
 }
 
 void MainWindow::followScan() {
-  if (!scanShown_ || controller_.finished()) return;
+  if (!scanShown() || controller_.finished()) return;
   const sizewalk::NodeId nodes = controller_.scanner()->tree().nodeCount();
   if (nodes != shownNodes_ && pacer_.due(RefreshPacer::Clock::now())) {
     shownNodes_ = nodes;
-    invalidateMap();
+    scan_.treeChanged();
   }
 }
 
 void MainWindow::showScanEnd() {
-  // The end of a scan may be posted just before another scan takes its place.
-  if (endShown_ || !controller_.finished()) return;
+  // The end of a scan may be posted just before another scan takes its place, or is left.
+  if (!scanShown() || endShown_ || !controller_.finished()) return;
   endShown_ = true;
   const ScanSummary& summary = controller_.summary();
   if (summary.failure != 0) {
     std::fprintf(stderr, "This folder cannot be scanned: %s\n",
                  scanFailureText(controller_.path(), summary.failureText).c_str());
+    showWelcome();
+    return;
   }
-  invalidateMap();
-}
-
-void MainWindow::invalidateMap() {
-  map_.markDirty();
-  window_.invalidate();
+  scan_.setScanStatus(statusOf(summary));
+  scan_.treeChanged();
 }
 
 void MainWindow::prepareFrame() {
-  pacer_.run([this] { return map_.update(); });
+  pacer_.run([this] { return screen_->prepare(); });
 }
 
-void MainWindow::resize(int width, int height) { map_.setRect({0, 0, width, height}); }
+void MainWindow::resize(int width, int height) {
+  welcome_.setSize(width, height);
+  scan_.setSize(width, height);
+}
 
-void MainWindow::updateTitle() { window_.setTitle(windowTitle(controller_.path())); }
+void MainWindow::updatePointer() { window_.setPointer(screen_->pointer()); }
+
+void MainWindow::updateTitle() {
+  window_.setTitle(windowTitle(scanShown() ? controller_.path() : std::string()));
+}
+
+void MainWindow::press(const ui::MouseEvent& event) {
+  screen_->press(event);
+  updatePointer();
+}
+
+void MainWindow::key(const ui::KeyEvent& event) {
+  if (ui::key::plain(event.keysym) == ui::key::kEscape) {
+    escape();
+  } else if (const auto command = commandFor(event)) {
+    perform(*command);
+  } else {
+    screen_->key(event);
+  }
+}
+
+void MainWindow::escape() {
+  if (!screen_->dismiss()) perform(Command::StopScan);
+}
+
+void MainWindow::perform(Command command) {
+  const CommandState state = {.scanShown = scanShown(),
+                              .scanning = scanShown() && !endShown_,
+                              .canGoOut = scan_.focus().canGoOut()};
+  if (!isEnabled(command, state)) return;
+  switch (command) {
+    case Command::LeaveScan:
+      return showWelcome();
+    case Command::StopScan:
+      return controller_.stop();
+    case Command::Rescan:
+      return scanPath(std::string(controller_.path()));
+    case Command::GoOut:
+      return scan_.focus().goOut();
+    case Command::GoToScannedFolder:
+      return scan_.focus().go(sizewalk::kRootNode);
+    case Command::GoToPrevious:
+      return scan_.focus().goToPrevious();
+    case Command::GoToNext:
+      return scan_.focus().goToNext();
+    case Command::CopyPath:
+      return copyPath();
+    case Command::ShowCurrentSize:
+    case Command::ShowAddedLastMonth:
+    case Command::ShowAddedLastSixMonths:
+    case Command::ShowAddedSinceLastScan:
+      return setMeasure(measureOf(command));
+    case Command::Close:
+      return window_.quit();
+  }
+}
+
+void MainWindow::copyPath() {
+  const sizewalk::FileTree& tree = controller_.scanner()->tree();
+  const sizewalk::NodeId target = scan_.target();
+  if (target < tree.nodeCount()) window_.setClipboardText(displayName(tree.path(target)));
+}
+
+void MainWindow::setMeasure(Measure measure) {
+  measure_.measure = measure;
+  scan_.setMeasure(measure_);
+}
+
+void MainWindow::refreshVolumes() {
+  nextVolumes_ = ui::Window::now() + kVolumesMs;
+  volumes_.refresh();
+  welcome_.setCards(volumes_.cards());
+}
+
+void MainWindow::volumeMeasured(const std::string& path, const sizewalk::VolumeUsage& usage) {
+  volumes_.measured(path, usage);
+  if (!scanShown()) {
+    welcome_.setCards(volumes_.cards());
+  } else if (path == controller_.path() && usage.totalBytes > 0) {
+    scan_.setVolumeSpace(VolumeSpace{usage.usedBytes, usage.freeBytes});
+  }
+}
 
 }  // namespace app

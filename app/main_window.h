@@ -1,19 +1,28 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 
 #include "app/capture_countdown.h"
+#include "app/commands.h"
 #include "app/kind_colours.h"
+#include "app/measure.h"
 #include "app/refresh_pacer.h"
 #include "app/scan_controller.h"
-#include "app/treemap_picture.h"
+#include "app/scan_screen.h"
+#include "app/style.h"
+#include "app/volume_cards.h"
+#include "app/welcome_screen.h"
+#include "sizewalk/volume_meter.h"
 #include "ui/connection.h"
+#include "ui/icon.h"
 #include "ui/window.h"
 
 namespace app {
 
-/// The application's one window and its coordinator: hands the scan's results to the views, and
-/// what the user does to those who act on it. Window thread only.
+/// The application's one window and its coordinator: shows the welcome or a scan, hands input to
+/// what is shown and the scan's results to the views. Window thread only.
 class MainWindow {
  public:
   /// `connection` outlives the window. Nothing is seen before `create`.
@@ -21,49 +30,77 @@ class MainWindow {
   MainWindow(const MainWindow&) = delete;
   MainWindow& operator=(const MainWindow&) = delete;
 
-  /// Makes and shows the window and starts its tick. False when the X server refuses.
+  /// Makes and shows the window, with the welcome view, and starts its tick. False when the X
+  /// server refuses.
   bool create();
   /// Scans `path` and makes it the shown scan; a scan that runs is stopped. A path that cannot be
   /// scanned is reported on standard error.
   void scanPath(const std::string& path);
+  /// Leaves the shown scan, stopping it if it runs, for the welcome view.
+  void showWelcome();
   /// Writes one frame to `file` once `seconds` have passed and no scan runs, then ends the loop.
   void captureAfter(const std::string& file, double seconds);
   /// Handles events until the window is closed or a capture is done.
   void run() { window_.run(); }
 
  private:
+  void connectInput();
+  void connectScreens();
+  void applySettings();
+  void show(Screen& screen);
+  bool scanShown() const { return screen_ == &scan_; }
+
   void tick();
-  /// Makes the map's picture anew if need be, so that painting only copies it.
   void prepareFrame();
   void resize(int width, int height);
-  /// Marks the map when a running scan has found more.
-  void followScan();
-  /// Shows the end of the current scan, once; does nothing while it runs.
-  void showScanEnd();
-  void capture(const std::string& file);
+  void updatePointer();
   void updateTitle();
-  void invalidateMap();
+  void press(const ui::MouseEvent& event);
+  void key(const ui::KeyEvent& event);
+  void escape();
+  void perform(Command command);
+  void copyPath();
+  void setMeasure(Measure measure);
+
+  /// Shows more of a running scan if it is time to.
+  void followScan();
+  /// Shows the scan to its end, once.
+  void showScanEnd();
+  void updateScanStatus();
+  void capture(const std::string& file);
+
+  void refreshVolumes();
+  void volumeMeasured(const std::string& path, const sizewalk::VolumeUsage& usage);
 
   ui::Connection& connection_;
+  const Style style_;
+  ui::Icon icon_;
   KindColours colours_;
+  MeasureSettings measure_;
+  // Above what hands tasks to it, which ends first.
   ui::Window window_;
-  TreemapPicture map_;
+  WelcomeScreen welcome_;
+  ScanScreen scan_;
+  /// What the window shows: one of the two above.
+  Screen* screen_ = &welcome_;
+  sizewalk::VolumeMeter meter_;
+  VolumeCards volumes_;
+  std::int64_t nextVolumes_ = 0;  // when they are to be listed again, as `ui::Window::now` tells
+  /// Below `window_`, to which its threads post: they end before it goes.
+  ScanController controller_;
   RefreshPacer pacer_;
   CaptureCountdown captureCountdown_;
-  sizewalk::NodeId shownNodes_ = 0;  // nodes that were published when the map was last marked
-  bool scanShown_ = false;
-  bool endShown_ = false;  // the end of the shown scan has reached the views
-  /// Last: its threads post to the window, so they end before the window does.
-  ScanController controller_;
+  bool endShown_ = false;
+  sizewalk::NodeId shownNodes_ = 0;
 };
 
-/// The window's title for the shown scan's path, or for none when it is empty.
+/// "PATH — Heap Gauge · VERSION", without the path when it is empty. The path may be any bytes.
 std::string windowTitle(const std::string& scanPath);
 
-/// What to tell the user of a folder that cannot be scanned: "PATH - No such file or directory".
+/// What to tell the user about a folder that could not be scanned.
 std::string scanFailureText(const std::string& path, const std::string& reason);
 
-/// For standard error when a capture cannot be written to `file`; the exit status stays 0.
+/// What standard error says of a frame that could not be written.
 std::string captureFailedMessage(const std::string& file);
 
 }  // namespace app

@@ -15,7 +15,7 @@ constexpr double kHeadingSize = 15;
 // Logical pixels.
 constexpr double kUsualLineHeight = 16;
 constexpr double kRowHeight = 22;
-constexpr double kLeastRowPadding = 4;
+constexpr double kLeastRowPadding = 3;
 
 }  // namespace
 

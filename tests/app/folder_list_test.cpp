@@ -290,7 +290,7 @@ TEST_F(FolderListTest, StaysInItsPlace) {
 
 TEST_F(FolderListTest, HasABarOnlyWhenItsRowsAreHigherThanItself) {
   EXPECT_EQ(list_.rowRect(0).w, 240);
-  EXPECT_EQ(painted().at(255, 20), rgb(ui::kLightPalette.view));
+  EXPECT_EQ(painted().at(255, 10), rgb(ui::kLightPalette.view));
   list_.setRect({20, 10, 240, 5 * h_ - 1});
   EXPECT_EQ(list_.rowRect(0).w, 230);
   const test::Picture picture = painted();

@@ -30,6 +30,8 @@ using test::TempDirectory;
 using test::XServer;
 
 constexpr std::uint32_t kBackground = 0x1C1C1E;
+/// The ground of lists and of the welcome view in the light colours.
+constexpr std::uint32_t kView = 0xFFFFFF;
 
 /// 960 lines at 96 dpi are 254 mm to the line, so that the interface scale is exactly 1.
 const test::XServerOptions kScreen = {.height = 960};
@@ -41,6 +43,21 @@ std::set<std::string> filesBelow(const std::string& directory) {
     found.insert(entry.path().lexically_relative(directory));
   }
   return found;
+}
+
+/// The map in a frame of a scan, in a window of the first size. What is around it tells how long
+/// the scan took.
+Picture mapOf(const std::string& frame) { return test::readPpm(frame).part(390, 50, 700, 630); }
+
+/// The heading of the welcome view, above the cards, whose figures change.
+Picture headingOf(const std::string& frame) { return test::readPpm(frame).part(0, 40, 1100, 65); }
+
+void expectWelcome(const std::string& frame) {
+  const Picture picture = test::readPpm(frame);
+  EXPECT_EQ(picture.width, 1100);
+  EXPECT_EQ(picture.height, 720);
+  EXPECT_GT(picture.count(kView), 1100 * 720 / 2);
+  EXPECT_EQ(picture.count(kBackground), 0);
 }
 
 /// One run of the program, to its end.
@@ -132,9 +149,9 @@ TEST_F(Program, LeavesATreemapOfARealFolderInTheCapture) {
   const Outcome run({dir_ / "scanned", "--capture", file, "--capture-after", "0"});
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(run.errors, "");
-  const Picture picture = test::readPpm(file);
-  EXPECT_EQ(picture.width, 1100);
-  EXPECT_EQ(picture.height, 720);
+  EXPECT_EQ(test::readPpm(file).width, 1100);
+  EXPECT_EQ(test::readPpm(file).height, 720);
+  const Picture picture = mapOf(file);
   EXPECT_LT(picture.count(kBackground), picture.width * picture.height / 100)
       << "the files fill the map";
   const std::set<std::uint32_t> colours(picture.pixels.begin(), picture.pixels.end());
@@ -148,7 +165,7 @@ TEST_F(Program, CapturesTheSamePictureOfTheSameFolder) {
     const Outcome run({dir_ / "scanned", "--capture", dir_ / name, "--capture-after", "0"});
     ASSERT_EQ(run.status, 0);
   }
-  EXPECT_EQ(test::readFile(dir_ / "one.ppm"), test::readFile(dir_ / "two.ppm"));
+  EXPECT_TRUE(mapOf(dir_ / "one.ppm") == mapOf(dir_ / "two.ppm"));
 }
 
 TEST_F(Program, ScalesItsWindowWithTheScreen) {
@@ -168,7 +185,7 @@ TEST_F(Program, ScansTheFolderThatALinkLeadsTo) {
             0);
   const Outcome run({dir_ / "link", "--capture", dir_ / "b.ppm", "--capture-after", "0"});
   EXPECT_EQ(run.errors, "");
-  EXPECT_EQ(test::readFile(dir_ / "a.ppm"), test::readFile(dir_ / "b.ppm"));
+  EXPECT_TRUE(mapOf(dir_ / "a.ppm") == mapOf(dir_ / "b.ppm"));
 }
 
 TEST_F(Program, SaysWhyAPathCannotBeScanned) {
@@ -182,7 +199,7 @@ TEST_F(Program, SaysWhyAPathCannotBeScanned) {
   const Outcome file({dir_ / "file", "--capture", dir_ / "f.ppm", "--capture-after", "0"});
   EXPECT_EQ(file.errors,
             "This folder cannot be scanned: " + (dir_ / "file") + " - Not a directory\n");
-  EXPECT_EQ(test::readPpm(dir_ / "f.ppm").count(kBackground), 1100 * 720);
+  expectWelcome(dir_ / "f.ppm");
 }
 
 TEST_F(Program, ScansTheLastOfTwoPathsAndIgnoresUnknownOptions) {
@@ -192,7 +209,7 @@ TEST_F(Program, ScansTheLastOfTwoPathsAndIgnoresUnknownOptions) {
                      "--capture-after", "abc"});
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(run.errors, "");
-  EXPECT_LT(test::readPpm(dir_ / "f.ppm").count(kBackground), 1100 * 720 / 100);
+  EXPECT_LT(mapOf(dir_ / "f.ppm").count(kBackground), 700 * 630 / 100);
 }
 
 TEST_F(Program, ReportsACaptureThatCannotBeWrittenAndEndsWell) {
@@ -203,11 +220,11 @@ TEST_F(Program, ReportsACaptureThatCannotBeWrittenAndEndsWell) {
   EXPECT_EQ(run.errors, "could not write " + file + "\n");
 }
 
-TEST_F(Program, CapturesTheBackgroundOfTheMapWithoutAFolder) {
+TEST_F(Program, CapturesTheWelcomeViewWithoutAFolder) {
   const XServer server(kScreen);
   const Outcome run({"--capture", dir_ / "f.ppm", "--capture-after", "0"});
   EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(test::readPpm(dir_ / "f.ppm").count(kBackground), 1100 * 720);
+  expectWelcome(dir_ / "f.ppm");
 }
 
 TEST_F(Program, CapturesAWindowThatWasNeverShown) {
@@ -216,7 +233,7 @@ TEST_F(Program, CapturesAWindowThatWasNeverShown) {
   manager.holdBackWindows();
   const Outcome run({"--capture", dir_ / "f.ppm", "--capture-after", "0"});
   EXPECT_EQ(run.errors, "");
-  EXPECT_EQ(test::readPpm(dir_ / "f.ppm").count(kBackground), 1100 * 720);
+  expectWelcome(dir_ / "f.ppm");
 }
 
 TEST_F(Program, WaitsASecondBeforeACaptureUnlessToldOtherwise) {
@@ -251,7 +268,7 @@ TEST_F(Program, TakesADelayBelowNothingForNone) {
     const Outcome run({"--capture", file, "--capture-after", delay});
     EXPECT_EQ(run.status, 0) << delay;
     EXPECT_LT(run.seconds, second.seconds) << delay;
-    EXPECT_EQ(test::readFile(file), test::readFile(dir_ / "f.ppm")) << delay;
+    EXPECT_TRUE(headingOf(file) == headingOf(dir_ / "f.ppm")) << delay;
   }
 }
 
@@ -263,14 +280,14 @@ TEST_F(Program, SizesFilesByTheirSpaceOnDiskUnlessTheSettingSaysOtherwise) {
     test::writeFile(home_.path() + "/.config/heapgauge/settings.ini", settings);
     const Outcome run({dir_ / "scanned", "--capture", dir_ / "f.ppm", "--capture-after", "0"});
     EXPECT_EQ(run.errors, "");
-    return test::readFile(dir_ / "f.ppm");
+    return mapOf(dir_ / "f.ppm");
   };
-  const std::string standard = frameWith("");
-  EXPECT_EQ(frameWith("[Heapgauge]\nShowPhysicalFileSize=true\n"), standard);
-  EXPECT_NE(frameWith("[Heapgauge]\nShowPhysicalFileSize=false\n"), standard);
+  const Picture standard = frameWith("");
+  EXPECT_TRUE(frameWith("[Heapgauge]\nShowPhysicalFileSize=true\n") == standard);
+  EXPECT_FALSE(frameWith("[Heapgauge]\nShowPhysicalFileSize=false\n") == standard);
   // On disk there is nothing beside the full file.
   std::filesystem::remove(dir_ / "scanned/long.mp3");
-  EXPECT_EQ(frameWith(""), standard);
+  EXPECT_TRUE(frameWith("") == standard);
 }
 
 TEST_F(Program, StartsWhenItsFilesAreFifosThatNobodyWritesTo) {

@@ -37,6 +37,7 @@ PrivateHome::PrivateHome() {
   environment_.set("XDG_CACHE_HOME", directory_ / ".cache");
   environment_.set("XDG_STATE_HOME", directory_ / ".local/state");
   environment_.set("XDG_RUNTIME_DIR", directory_ / ".run");
+  for (const char* wish : {"HEAPGAUGE_THEME", "GTK_THEME"}) environment_.unset(wish);
 }
 
 }  // namespace test

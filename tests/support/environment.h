@@ -26,7 +26,7 @@ class ScopedEnvironment {
 };
 
 /// HOME and every XDG directory inside a temporary directory, so that nothing of the user's is
-/// touched.
+/// touched, and none of the user's wishes for how windows look.
 class PrivateHome {
  public:
   PrivateHome();

@@ -18,6 +18,14 @@ long Picture::count(std::uint32_t rgb) const {
   return static_cast<long>(std::count(pixels.begin(), pixels.end(), rgb));
 }
 
+Picture Picture::part(int x, int y, int w, int h) const {
+  Picture part{w, h, {}};
+  for (int row = y; row < y + h; ++row) {
+    for (int column = x; column < x + w; ++column) part.pixels.push_back(at(column, row));
+  }
+  return part;
+}
+
 Picture readPpm(const std::string& path) {
   const std::string bytes = readFile(path);
   Picture picture;

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include "ui/canvas.h"
+#include "ui/input.h"
+
+namespace app {
+
+/// What fills the window: the welcome or a scan. The main window shows one of them at a time and
+/// hands it all input. Window thread only; lengths are device pixels, the screen covers the window.
+class Screen {
+ public:
+  virtual ~Screen() = default;
+
+  /// A new frame is to be drawn.
+  std::function<void()> onChanged;
+
+  virtual void setSize(int width, int height) = 0;
+  /// Brings everything up to date before it is painted. True when that was costly, so that it
+  /// should not be asked for too often.
+  virtual bool prepare() { return false; }
+  virtual void paint(ui::Canvas& canvas) const = 0;
+
+  virtual void press(const ui::MouseEvent& event) = 0;
+  virtual void motion(const ui::MouseEvent& event) = 0;
+  virtual void release(const ui::MouseEvent& event) = 0;
+  /// The pointer left the window.
+  virtual void leave() = 0;
+  /// `dy` steps of the wheel, down when above 0.
+  virtual void wheel(const ui::MouseEvent& event, int dy) = 0;
+  /// True when the key means something here.
+  virtual bool key(const ui::KeyEvent& event) = 0;
+  virtual void tick(std::int64_t /*nowMs*/) {}
+  /// Takes back what lies over the screen, one thing at a time; false when there is nothing.
+  virtual bool dismiss() { return false; }
+  /// The shape of the pointer where it is.
+  virtual ui::PointerShape pointer() const = 0;
+
+ protected:
+  void changed() const {
+    if (onChanged) onChanged();
+  }
+};
+
+}  // namespace app

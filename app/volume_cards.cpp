@@ -1,0 +1,48 @@
+#include "app/volume_cards.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <utility>
+
+namespace app {
+
+namespace {
+
+std::int64_t signedSize(std::uint64_t bytes) {
+  constexpr std::uint64_t kMost = std::numeric_limits<std::int64_t>::max();
+  return static_cast<std::int64_t>(std::min(bytes, kMost));
+}
+
+VolumeFigures figuresOf(const sizewalk::VolumeUsage& usage) {
+  return {signedSize(usage.usedBytes), signedSize(usage.totalBytes)};
+}
+
+}  // namespace
+
+void VolumeCards::refresh(std::vector<sizewalk::Volume> volumes) {
+  volumes_ = std::move(volumes);
+  std::vector<std::string> mountPoints;
+  for (const sizewalk::Volume& volume : volumes_) mountPoints.push_back(volume.mountPoint);
+  measure_(mountPoints);
+}
+
+void VolumeCards::measured(const std::string& mountPoint, const sizewalk::VolumeUsage& usage) {
+  usage_[mountPoint] = usage;
+}
+
+std::vector<VolumeCard> VolumeCards::cards() const {
+  std::vector<VolumeCard> cards;
+  for (const sizewalk::Volume& volume : volumes_) {
+    VolumeCard card{volume.displayName, volume.mountPoint, {}};
+    if (const auto known = usage_.find(volume.mountPoint); known != usage_.end()) {
+      const sizewalk::VolumeUsage& usage = known->second;
+      if (usage.totalBytes == 0) continue;
+      card.figures = figuresOf(usage);
+    }
+    cards.push_back(std::move(card));
+  }
+  return cards;
+}
+
+}  // namespace app
