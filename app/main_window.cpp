@@ -1,8 +1,10 @@
 #include "app/main_window.h"
 
 #include <cstdio>
+#include <utility>
 
 #include "app/format.h"
+#include "app/message_dialog.h"
 #include "app/product.h"
 #include "app/settings.h"
 #include "app/settings_store.h"
@@ -79,25 +81,23 @@ void MainWindow::connectScreens() {
   welcome_.onChanged = [this] { window_.invalidate(); };
   welcome_.onVolume = [this](const std::string& path) { scanPath(path); };
   scan_.onChanged = [this] { window_.invalidate(); };
+  dialogs_.onChanged = [this] { window_.invalidate(); };
   scan_.onCommand = [this](Command command) { perform(command); };
 }
 
 void MainWindow::connectInput() {
   window_.onPrepare = [this] { prepareFrame(); };
-  window_.onPaint = [this](ui::Canvas& canvas) { screen_->paint(canvas); };
+  window_.onPaint = [this](ui::Canvas& canvas) {
+    screen_->paint(canvas);
+    dialogs_.paint(canvas);
+  };
   window_.onResize = [this](int width, int height) { resize(width, height); };
   window_.onPress = [this](const ui::MouseEvent& event) { press(event); };
-  window_.onMotion = [this](const ui::MouseEvent& event) {
-    screen_->motion(event);
-    updatePointer();
-  };
-  window_.onRelease = [this](const ui::MouseEvent& event) {
-    screen_->release(event);
-    updatePointer();
-  };
-  window_.onLeave = [this] { screen_->leave(); };
+  window_.onMotion = [this](const ui::MouseEvent& event) { motion(event); };
+  window_.onRelease = [this](const ui::MouseEvent& event) { release(event); };
+  window_.onLeave = [this] { leave(); };
   window_.onWheel = [this](const ui::MouseEvent& event, int /*dx*/, int dy) {
-    if (dy != 0) screen_->wheel(event, dy);
+    if (dy != 0) wheel(event, dy);
   };
   window_.onKey = [this](const ui::KeyEvent& event) { key(event); };
 }
@@ -181,9 +181,9 @@ void MainWindow::showScanEnd() {
   endShown_ = true;
   const ScanSummary& summary = controller_.summary();
   if (summary.failure != 0) {
-    std::fprintf(stderr, "This folder cannot be scanned: %s\n",
-                 scanFailureText(controller_.path(), summary.failureText).c_str());
+    const std::string reason = scanFailureText(controller_.path(), summary.failureText);
     showWelcome();
+    showMessage("This folder cannot be scanned", reason);
     return;
   }
   scan_.setScanStatus(statusOf(summary));
@@ -197,21 +197,69 @@ void MainWindow::prepareFrame() {
 void MainWindow::resize(int width, int height) {
   welcome_.setSize(width, height);
   scan_.setSize(width, height);
+  dialogs_.setSize(width, height);
 }
 
-void MainWindow::updatePointer() { window_.setPointer(screen_->pointer()); }
+void MainWindow::updatePointer() {
+  window_.setPointer(dialogs_.empty() ? screen_->pointer() : ui::PointerShape::Arrow);
+}
+
+void MainWindow::openDialog(std::unique_ptr<Dialog> dialog) {
+  screen_->leave();  // nothing below is under the pointer while the dialog is open
+  dialogs_.open(std::move(dialog));
+  updatePointer();
+}
+
+void MainWindow::showMessage(const std::string& title, const std::string& text) {
+  openDialog(std::make_unique<MessageDialog>(connection_, style_, title, text, okButton()));
+}
 
 void MainWindow::updateTitle() {
   window_.setTitle(windowTitle(scanShown() ? controller_.path() : std::string()));
 }
 
 void MainWindow::press(const ui::MouseEvent& event) {
-  screen_->press(event);
+  if (Dialog* dialog = dialogs_.top()) {
+    dialog->press(event);
+  } else {
+    screen_->press(event);
+  }
   updatePointer();
 }
 
+void MainWindow::motion(const ui::MouseEvent& event) {
+  if (Dialog* dialog = dialogs_.top()) {
+    dialog->motion(event);
+  } else {
+    screen_->motion(event);
+  }
+  updatePointer();
+}
+
+void MainWindow::release(const ui::MouseEvent& event) {
+  // A press that opened a dialog is let go below it.
+  screen_->release(event);
+  if (Dialog* dialog = dialogs_.top()) dialog->release(event);
+  updatePointer();
+}
+
+void MainWindow::wheel(const ui::MouseEvent& event, int dy) {
+  if (Dialog* dialog = dialogs_.top()) {
+    dialog->wheel(event, dy);
+  } else {
+    screen_->wheel(event, dy);
+  }
+}
+
+void MainWindow::leave() {
+  screen_->leave();
+  if (Dialog* dialog = dialogs_.top()) dialog->leave();
+}
+
 void MainWindow::key(const ui::KeyEvent& event) {
-  if (ui::key::plain(event.keysym) == ui::key::kEscape) {
+  if (Dialog* dialog = dialogs_.top()) {
+    dialog->key(event);
+  } else if (ui::key::plain(event.keysym) == ui::key::kEscape) {
     escape();
   } else if (const auto command = commandFor(event)) {
     perform(*command);

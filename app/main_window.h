@@ -1,11 +1,12 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
+#include <memory>
 #include <string>
 
 #include "app/capture_countdown.h"
 #include "app/commands.h"
+#include "app/dialog_layer.h"
 #include "app/kind_colours.h"
 #include "app/measure.h"
 #include "app/refresh_pacer.h"
@@ -34,7 +35,7 @@ class MainWindow {
   /// server refuses.
   bool create();
   /// Scans `path` and makes it the shown scan; a scan that runs is stopped. A path that cannot be
-  /// scanned is reported on standard error.
+  /// scanned leads to the welcome view with a message over it.
   void scanPath(const std::string& path);
   /// Leaves the shown scan, stopping it if it runs, for the welcome view.
   void showWelcome();
@@ -56,9 +57,15 @@ class MainWindow {
   void updatePointer();
   void updateTitle();
   void press(const ui::MouseEvent& event);
+  void motion(const ui::MouseEvent& event);
+  void release(const ui::MouseEvent& event);
+  void wheel(const ui::MouseEvent& event, int dy);
+  void leave();
   void key(const ui::KeyEvent& event);
   void escape();
   void perform(Command command);
+  void openDialog(std::unique_ptr<Dialog> dialog);
+  void showMessage(const std::string& title, const std::string& text);
   void copyPath();
   void setMeasure(Measure measure);
 
@@ -66,7 +73,6 @@ class MainWindow {
   void followScan();
   /// Shows the scan to its end, once.
   void showScanEnd();
-  void updateScanStatus();
   void capture(const std::string& file);
 
   void refreshVolumes();
@@ -83,6 +89,7 @@ class MainWindow {
   ScanScreen scan_;
   /// What the window shows: one of the two above.
   Screen* screen_ = &welcome_;
+  DialogLayer dialogs_;
   sizewalk::VolumeMeter meter_;
   VolumeCards volumes_;
   std::int64_t nextVolumes_ = 0;  // when they are to be listed again, as `ui::Window::now` tells

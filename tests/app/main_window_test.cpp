@@ -21,6 +21,8 @@
 #include "tests/support/real_tree.h"
 #include "tests/support/temp_directory.h"
 #include "tests/support/x_server.h"
+#include "ui/keys.h"
+#include "ui/palette.h"
 
 namespace app {
 namespace {
@@ -252,14 +254,21 @@ TEST_F(MainWindowTest, ClosesInTheMiddleOfAScan) {
   window_.reset();  // waits for the scan's threads
 }
 
-TEST_F(MainWindowTest, ShowsTheReasonOnceWhenAFolderCannotBeScanned) {
-  ::testing::internal::CaptureStderr();
+TEST_F(MainWindowTest, ShowsAMessageOverTheWelcomeViewWhenAFolderCannotBeScanned) {
   window_->scanPath(dir_ / "missing");
-  window_->captureAfter(frame_, 0.3);
-  window_->run();
-  EXPECT_EQ(
-      ::testing::internal::GetCapturedStderr(),
-      "This folder cannot be scanned: " + (dir_ / "missing") + " - No such file or directory\n");
+  runWith([&](User& user) {
+    constexpr unsigned long kPanel = ui::kLightPalette.window & 0xFFFFFF;
+    EXPECT_TRUE(eventually([&] { return user.pixel(345, 360) == kPanel; }));
+    const auto title = [&] {
+      return user.client.textProperty(user.window, "_NET_WM_NAME", "UTF8_STRING");
+    };
+    EXPECT_EQ(title(), "Heap Gauge · 1.1.1");
+    user.client.focus(user.window);
+    user.client.pressKey(ui::key::kEscape);
+    user.client.releaseKey(ui::key::kEscape);
+    EXPECT_TRUE(eventually([&] { return user.pixel(345, 360) == kViewColour; }));
+    user.close();
+  });
 }
 
 }  // namespace

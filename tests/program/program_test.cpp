@@ -19,6 +19,7 @@
 #include "tests/support/real_tree.h"
 #include "tests/support/temp_directory.h"
 #include "tests/support/x_server.h"
+#include "ui/palette.h"
 
 namespace {
 
@@ -31,7 +32,7 @@ using test::XServer;
 
 constexpr std::uint32_t kBackground = 0x1C1C1E;
 /// The ground of lists and of the welcome view in the light colours.
-constexpr std::uint32_t kView = 0xFFFFFF;
+constexpr std::uint32_t kView = ui::kLightPalette.view & 0xFFFFFF;
 
 /// 960 lines at 96 dpi are 254 mm to the line, so that the interface scale is exactly 1.
 const test::XServerOptions kScreen = {.height = 960};
@@ -188,18 +189,22 @@ TEST_F(Program, ScansTheFolderThatALinkLeadsTo) {
   EXPECT_TRUE(mapOf(dir_ / "a.ppm") == mapOf(dir_ / "b.ppm"));
 }
 
-TEST_F(Program, SaysWhyAPathCannotBeScanned) {
+TEST_F(Program, CapturesTheMessageWhyAPathCannotBeScanned) {
   const XServer server(kScreen);
   test::writeFile(dir_ / "file");
   const std::string missing = dir_ / "missing";
   const Outcome absent({missing, "--capture", dir_ / "f.ppm", "--capture-after", "0"});
   EXPECT_EQ(absent.status, 0);
-  EXPECT_EQ(absent.errors,
-            "This folder cannot be scanned: " + missing + " - No such file or directory\n");
-  const Outcome file({dir_ / "file", "--capture", dir_ / "f.ppm", "--capture-after", "0"});
-  EXPECT_EQ(file.errors,
-            "This folder cannot be scanned: " + (dir_ / "file") + " - Not a directory\n");
-  expectWelcome(dir_ / "f.ppm");
+  EXPECT_EQ(absent.errors, "");
+  const Outcome file({dir_ / "file", "--capture", dir_ / "g.ppm", "--capture-after", "0"});
+  EXPECT_EQ(file.errors, "");
+  // The panel in the middle of the dimmed welcome view, with another reason in each.
+  constexpr std::uint32_t kDimmedView = 0x999999;
+  const Picture picture = test::readPpm(dir_ / "f.ppm");
+  EXPECT_GT(picture.count(kDimmedView), 1100 * 720 / 2);
+  const Picture panel = picture.part(340, 300, 420, 120);
+  EXPECT_GT(panel.count(ui::kLightPalette.window & 0xFFFFFF), 420 * 120 / 2);
+  EXPECT_FALSE(panel == test::readPpm(dir_ / "g.ppm").part(340, 300, 420, 120));
 }
 
 TEST_F(Program, ScansTheLastOfTwoPathsAndIgnoresUnknownOptions) {
