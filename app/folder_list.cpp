@@ -9,6 +9,7 @@
 #include "ui/keys.h"
 #include "ui/scroll_bar.h"
 #include "ui/text.h"
+#include "ui/typed_text.h"
 
 namespace app {
 
@@ -157,7 +158,8 @@ void FolderList::revealNode(NodeId node) {
   changeRows([&] { row = rows_.reveal(node); });
   if (!row) return;
   current_ = node;
-  anchor_ = node;
+  // What is shown without having been picked begins no range.
+  if (selection_.contains(node)) anchor_ = node;
   scrollToRow(*row);
 }
 
@@ -525,8 +527,9 @@ void FolderList::askForMenuAt(std::size_t row) {
 /// Goes to the next row whose name begins with what was typed, round the end if need be. The first
 /// letter leaves the current row, those that follow may stay.
 bool FolderList::typeAhead(const ui::KeyEvent& event, std::int64_t nowMs, std::size_t row) {
-  if (!typeAhead_.accepts(event.text, nowMs)) return false;
-  const std::size_t start = typeAhead_.type(event.text, nowMs) ? row + 1 : row;
+  const std::string text = ui::typedText(event);
+  if (!typeAhead_.accepts(text, nowMs)) return false;
+  const std::size_t start = typeAhead_.type(text, nowMs) ? row + 1 : row;
   for (std::size_t i = 0; i < rowCount(); ++i) {
     const std::size_t candidate = (start + i) % rowCount();
     if (!typeAhead_.matches(tree_->name(nodeAt(candidate)))) continue;

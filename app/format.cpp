@@ -1,8 +1,10 @@
 #include "app/format.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstddef>
+#include <limits>
 #include <optional>
 
 #include "base/utf8.h"
@@ -39,6 +41,18 @@ std::string formatSize(std::int64_t bytes) {
   }
   const int decimals = value < 10 ? 2 : value < 100 ? 1 : 0;
   return fixed(value, decimals).append(1, ' ').append(kUnits[unit]);
+}
+
+std::int64_t signedSize(std::uint64_t bytes) {
+  constexpr std::uint64_t kMost = std::numeric_limits<std::int64_t>::max();
+  return static_cast<std::int64_t>(std::min(bytes, kMost));
+}
+
+std::int64_t sumOfSizes(std::int64_t a, std::int64_t b) {
+  std::int64_t sum = 0;
+  if (!__builtin_add_overflow(a, b, &sum)) return sum;
+  using Limits = std::numeric_limits<std::int64_t>;
+  return b > 0 ? Limits::max() : Limits::min();
 }
 
 std::string formatCount(std::int64_t count) {

@@ -13,6 +13,12 @@ namespace app {
 /// 999,999 are "1000 kB". Sizes below 1000, all negative ones too, are whole bytes.
 std::string formatSize(std::int64_t bytes);
 
+/// A size as the views count, cut to what a signed number holds.
+std::int64_t signedSize(std::uint64_t bytes);
+
+/// The sum of two sizes, kept within the signed range.
+std::int64_t sumOfSizes(std::int64_t a, std::int64_t b);
+
 /// A count with a comma between every three digits, as "1,234,567" or "-1,000".
 std::string formatCount(std::int64_t count);
 

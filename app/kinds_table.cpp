@@ -170,7 +170,7 @@ void KindsTable::paintRow(ui::Canvas& canvas, std::size_t row) const {
     ui::drawText(canvas, withRow(column, place), text, style_.body(), colour, align);
   };
   draw(places.name, kindRowName(kind.kind), ui::Align::Left);
-  draw(places.size, formatSize(static_cast<std::int64_t>(kind.size)), ui::Align::Right);
+  draw(places.size, formatSize(signedSize(kind.size)), ui::Align::Right);
   draw(places.files, formatCount(kind.files), ui::Align::Right);
   if (focused_ && current_ == kind.kind) {
     canvas.strokeRect(ringPlace(place, selected), selected ? palette.accentText : palette.accent);

@@ -15,7 +15,7 @@ using sizewalk::NodeId;
 
 namespace {
 
-std::string sizeText(std::uint64_t bytes) { return formatSize(static_cast<std::int64_t>(bytes)); }
+std::string sizeText(std::uint64_t bytes) { return formatSize(signedSize(bytes)); }
 
 /// The measures in title case, as headings have them.
 constexpr std::array<const char*, 4> kMeasureHeadings = {
@@ -28,7 +28,7 @@ std::int64_t sizeWithoutBlocks(const RenderedTreemap& map, const FileTree& tree,
   std::int64_t size = 0;
   for (NodeId child = children.first; child < children.last; ++child) {
     const std::int64_t value = measureValue(tree, child, measure);
-    if (value > 0 && !map.outlineRect(child)) size += value;
+    if (value > 0 && !map.outlineRect(child)) size = sumOfSizes(size, value);
   }
   return size;
 }

@@ -19,6 +19,7 @@ void MapFocus::reset(const sizewalk::FileTree* tree) {
 
 bool MapFocus::canFocus(NodeId folder) const {
   return tree_ && folder < tree_->nodeCount() && tree_->isDirectory(folder) &&
+         !tree_->flags(folder).has(sizewalk::NodeFlag::Excluded) &&
          (folder == kRootNode || !tree_->children(folder).empty());
 }
 
@@ -47,20 +48,18 @@ void MapFocus::goOut() {
 
 void MapFocus::goBackIn() { goTowards(innermost_); }
 
-void MapFocus::goToPrevious() {
-  if (previous_.empty()) return;
-  next_.push_back(current_);
-  const NodeId folder = previous_.back();
-  previous_.pop_back();
+void MapFocus::goBackOver(std::vector<NodeId>* way, std::vector<NodeId>* wayBack) {
+  // What can no longer be focused is passed over for good.
+  while (!way->empty() && !canFocus(way->back())) way->pop_back();
+  if (way->empty()) return;
+  wayBack->push_back(current_);
+  const NodeId folder = way->back();
+  way->pop_back();
   moveTo(folder);
 }
 
-void MapFocus::goToNext() {
-  if (next_.empty()) return;
-  previous_.push_back(current_);
-  const NodeId folder = next_.back();
-  next_.pop_back();
-  moveTo(folder);
-}
+void MapFocus::goToPrevious() { goBackOver(&previous_, &next_); }
+
+void MapFocus::goToNext() { goBackOver(&next_, &previous_); }
 
 }  // namespace app

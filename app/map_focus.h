@@ -35,6 +35,7 @@ class MapFocus {
  private:
   bool canFocus(sizewalk::NodeId folder) const;
   void moveTo(sizewalk::NodeId folder);
+  void goBackOver(std::vector<sizewalk::NodeId>* way, std::vector<sizewalk::NodeId>* wayBack);
 
   const sizewalk::FileTree* tree_ = nullptr;
   sizewalk::NodeId current_ = sizewalk::kRootNode;

@@ -1,18 +1,12 @@
 #include "app/volume_cards.h"
 
-#include <algorithm>
-#include <cstdint>
-#include <limits>
 #include <utility>
+
+#include "app/format.h"
 
 namespace app {
 
 namespace {
-
-std::int64_t signedSize(std::uint64_t bytes) {
-  constexpr std::uint64_t kMost = std::numeric_limits<std::int64_t>::max();
-  return static_cast<std::int64_t>(std::min(bytes, kMost));
-}
 
 VolumeFigures figuresOf(const sizewalk::VolumeUsage& usage) {
   return {signedSize(usage.usedBytes), signedSize(usage.totalBytes)};

@@ -41,6 +41,18 @@ std::optional<Utf8Character> firstCharacter(std::string_view text) {
   return std::nullopt;
 }
 
+std::string encoded(char32_t codePoint) {
+  if (codePoint < 0x80) return {static_cast<char>(codePoint)};
+  std::string bytes;
+  const int continuations = codePoint < 0x800 ? 1 : codePoint < 0x10000 ? 2 : 3;
+  const SequenceForm& form = kSequenceForms[continuations];
+  bytes += static_cast<char>(form.leadBits | codePoint >> 6 * continuations);
+  for (int i = continuations - 1; i >= 0; --i) {
+    bytes += static_cast<char>(0x80 | (codePoint >> 6 * i & 0x3F));
+  }
+  return bytes;
+}
+
 std::string withReplacements(std::string_view text) {
   std::string valid;
   valid.reserve(text.size());

@@ -17,6 +17,9 @@ struct Utf8Character {
 /// (Unicode Standard, table 3-7: neither overlong nor a surrogate nor past U+10FFFF) or is empty.
 std::optional<Utf8Character> firstCharacter(std::string_view text);
 
+/// The bytes of a code point, which is none of the surrogates.
+std::string encoded(char32_t codePoint);
+
 /// What stands for a byte that belongs to no character.
 inline constexpr char32_t kReplacementCharacter = 0xFFFD;
 

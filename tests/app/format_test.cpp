@@ -15,6 +15,18 @@
 namespace app {
 namespace {
 
+TEST(SignedSize, EndsWithTheSignedRange) {
+  EXPECT_EQ(signedSize(0), 0);
+  EXPECT_EQ(signedSize(INT64_MAX), INT64_MAX);
+  EXPECT_EQ(signedSize(UINT64_MAX), INT64_MAX);
+}
+
+TEST(SumOfSizes, StaysWithinTheSignedRange) {
+  EXPECT_EQ(sumOfSizes(2, 3), 5);
+  EXPECT_EQ(sumOfSizes(INT64_MAX, 1), INT64_MAX);
+  EXPECT_EQ(sumOfSizes(INT64_MIN, -1), INT64_MIN);
+}
+
 TEST(FormatSize, GivesBytesBelowOneThousand) {
   EXPECT_EQ(formatSize(0), "0 B");
   EXPECT_EQ(formatSize(512), "512 B");

@@ -103,6 +103,17 @@ TEST_F(MapFocusTest, GoesThroughItsHistory) {
   EXPECT_EQ(focus.current(), b) << "another way ends what came next";
 }
 
+TEST_F(MapFocusTest, PassesOverWhatWasTakenOut) {
+  focus.go(a);
+  focus.go(c);
+  focus.go(b);
+  tree.removeSubtree(c);
+  focus.goToPrevious();
+  EXPECT_EQ(focus.current(), a);
+  focus.go(c);
+  EXPECT_EQ(focus.current(), a);
+}
+
 TEST_F(MapFocusTest, ForgetsItsWayWithTheScan) {
   focus.go(c);
   focus.reset(&tree);

@@ -32,6 +32,14 @@ TEST(FirstCharacter, IsNothingWhereNoCharacterBegins) {
   EXPECT_FALSE(firstCharacter("\xF4\x90\x80\x80"));  // past the last code point
 }
 
+TEST(Encoded, IsWhatFirstCharacterDecodes) {
+  for (const char32_t codePoint :
+       {U'a', U'\x7F', U'\x80', U'\x7FF', U'\x800', U'\xFFFF', U'\x10000', U'\x10FFFF'}) {
+    const std::string bytes = encoded(codePoint);
+    expectFirst(bytes, codePoint, bytes.size());
+  }
+}
+
 TEST(WithReplacements, KeepsValidText) {
   EXPECT_EQ(withReplacements(""), "");
   EXPECT_EQ(withReplacements("aé中😀"), "aé中😀");
