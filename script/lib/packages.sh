@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# What building, testing and measuring need: package names for each family of systems, and the tools
+# What building, testing, measuring and picturing need: package names for each family of systems, and the tools
 # and libraries themselves for systems whose package database is not asked. Sourced by bootstrap.
 
 # packages FAMILY GROUP: the names that GROUP needs on top of what running needs.
@@ -12,6 +12,7 @@ packages() {
     debian-test)
       echo libgtest-dev libxtst-dev clang shellcheck ccache xclip fonts-noto-color-emoji
       ;;
+    debian-screenshots) echo xdotool fonts-noto-color-emoji ;;
     fedora-run)
       echo gcc-c++ cmake ninja-build pkgconf-pkg-config libX11-devel libXrender-devel libXft-devel \
         fontconfig-devel libpng-devel dejavu-sans-fonts xorg-x11-server-Xvfb xdpyinfo netpbm-progs
@@ -20,11 +21,13 @@ packages() {
       echo gtest-devel libXtst-devel clang ShellCheck ccache xclip dejavu-sans-mono-fonts \
         google-noto-color-emoji-fonts
       ;;
+    fedora-screenshots) echo xdotool google-noto-color-emoji-fonts ;;
     arch-run)
       echo gcc cmake ninja pkgconf libx11 libxrender libxft fontconfig libpng ttf-dejavu \
         xorg-server-xvfb xorg-xdpyinfo netpbm
       ;;
     arch-test) echo gtest libxtst clang shellcheck ccache xclip noto-fonts-emoji ;;
+    arch-screenshots) echo xdotool noto-fonts-emoji ;;
     suse-run)
       echo gcc-c++ cmake ninja pkgconf-pkg-config libX11-devel libXrender-devel libXft-devel \
         fontconfig-devel libpng16-devel dejavu-fonts xorg-x11-server-Xvfb xdpyinfo netpbm
@@ -32,6 +35,7 @@ packages() {
     suse-test)
       echo gtest libXtst-devel clang ShellCheck ccache xclip google-noto-coloremoji-fonts
       ;;
+    suse-screenshots) echo xdotool google-noto-coloremoji-fonts ;;
   esac
 }
 
@@ -63,5 +67,6 @@ requirements() {
         Xvfb xdpyinfo pnmtopng
       ;;
     test) echo pc:gtest pc:xtst clang++ shellcheck ccache xclip ;;
+    screenshots) echo xdotool ;;
   esac
 }
