@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstddef>
 #include <functional>
 #include <vector>
@@ -23,6 +24,14 @@ inline double median(std::vector<double> values) {
   std::sort(values.begin(), values.end());
   const std::size_t middle = values.size() / 2;
   return values.size() % 2 == 1 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
+}
+
+/// The value that the share `share` of the values, 0 to 1, does not exceed.
+inline double percentile(std::vector<double> values, double share) {
+  if (values.empty()) return 0;
+  std::sort(values.begin(), values.end());
+  const double place = std::ceil(share * static_cast<double>(values.size()));
+  return values[static_cast<std::size_t>(std::max(place, 1.0)) - 1];
 }
 
 inline double timeMs(const std::function<void()>& work) {
