@@ -4,6 +4,12 @@
 
 namespace ui {
 
+GC makeGc(Display* display, Drawable drawable) {
+  XGCValues values{};
+  values.graphics_exposures = False;
+  return XCreateGC(display, drawable, GCGraphicsExposures, &values);
+}
+
 std::unique_ptr<BackBuffer> BackBuffer::create(const Connection& connection, ::Window window,
                                                int width, int height) {
   const Connection::Native& x = connection.native();

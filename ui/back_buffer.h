@@ -6,6 +6,10 @@
 
 namespace ui {
 
+/// A GC for drawables like `drawable`, for the caller to free. The server does not report copies
+/// that are made with it: nobody would wait for these events, one a copy.
+GC makeGc(Display* display, Drawable drawable);
+
 /// The pixmap a window is painted in before it is shown, with its Xft draw.
 class BackBuffer {
  public:

@@ -38,7 +38,7 @@ void ServerImage::set(std::span<const std::uint32_t> pixels, int width, int heig
     return;
   }
   Display* display = connection_.native().display;
-  const GcPtr gc(XCreateGC(display, buffer_->pixmap(), 0, nullptr), FreeGc{display});
+  const GcPtr gc(makeGc(display, buffer_->pixmap()), FreeGc{display});
   const PaintTarget target = {buffer_->pixmap(), buffer_->draw(), gc.get(), width, height};
   Canvas(connection_, target).putPixels(0, 0, pixels, width, height);
 }

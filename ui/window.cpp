@@ -75,7 +75,7 @@ bool Window::Native::makeWindow(int width, int height) {
                     CWBackPixel | CWEventMask | CWBitGravity, &attributes);
   if (made == 0 || trap.caught()) return false;
   window = made;
-  gc = XCreateGC(display, window, 0, nullptr);
+  gc = makeGc(display, window);
   return true;
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tests/ui/window_test_base.h"
+#include "ui/x11.h"
 
 namespace test {
 namespace {
@@ -100,6 +101,17 @@ TEST_F(WindowTest, ShowsOnTheScreenWhatWasPainted) {
   settle();
   EXPECT_EQ(other.screenPixel(window.xid(), 5, 5), 0x123456u);
   EXPECT_EQ(other.screenPixel(window.xid(), 14, 14), 0x123456u);
+}
+
+TEST_F(WindowTest, IsNotToldThatItsFrameWasCopied) {
+  show();
+  window.onPaint = [&](ui::Canvas&) { window.quit(); };
+  window.invalidate();
+  window.run();
+  Display* display = connection->native().display;
+  XSync(display, False);
+  XEvent event;
+  EXPECT_FALSE(XCheckTypedEvent(display, NoExpose, &event));
 }
 
 TEST_F(WindowTest, RepaintsOnceForManyInvalidations) {
