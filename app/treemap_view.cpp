@@ -76,6 +76,7 @@ void TreemapView::refresh() {
     }
   }
   findHovered();
+  if (card_.shown()) fillCard();
 }
 
 void TreemapView::reset() {
@@ -119,19 +120,21 @@ bool TreemapView::hideCard() {
 void TreemapView::tick(std::int64_t nowMs, const ui::Rect& bounds) {
   if (!pointer_ || !pointer_->awaitsCard || !hoveredBlock_ || card_.shown()) return;
   if (nowMs - pointer_->sinceMs < kRestMs) return;
-  showCard(bounds);
+  if (!picture_.tree()) return;
+  cardBounds_ = bounds;
+  fillCard();
+  changed();
 }
 
-void TreemapView::showCard(const ui::Rect& bounds) {
-  if (!picture_.tree()) return;
+void TreemapView::fillCard() {
   card_.show(mapCard(picture_.rendered(), *hoveredBlock_, *picture_.tree(), picture_.measure()),
-             pointer_->x, pointer_->y, bounds);
-  changed();
+             pointer_->x, pointer_->y, cardBounds_);
 }
 
 void TreemapView::press(const ui::MouseEvent& event) {
   hideCard();
-  const bool again = event.clicks == 2 && event.button == lastButton_;
+  // Of four quick presses the last two are a double press as well.
+  const bool again = event.clicks % 2 == 0 && event.button == lastButton_;
   lastButton_ = event.button;
   switch (event.button) {
     case kPrimary:
@@ -165,7 +168,7 @@ void TreemapView::pick(const ui::MouseEvent& event) {
   } else {
     selection_.clear();
   }
-  if (node && onPicked) onPicked(*node);
+  if (node && selection_.contains(*node) && onPicked) onPicked(*node);
 }
 
 void TreemapView::openContextMenu(const ui::MouseEvent& event) {
@@ -212,27 +215,51 @@ bool TreemapView::key(const ui::KeyEvent& event) {
 }
 
 bool TreemapView::moveSelection(int dx, int dy) {
-  const ui::Rect& place = picture_.rect();
   const auto from = selection_.size() == 1 ? outlineOf(*selection_.nodes().begin()) : std::nullopt;
-  // The pixel just outside the middle of the edge that the key points to.
-  const int x = !from ? place.x : from->x + (dx < 0 ? -1 : dx > 0 ? from->w : from->w / 2);
-  const int y = !from ? place.y : from->y + (dy < 0 ? -1 : dy > 0 ? from->h : from->h / 2);
-  if (const auto node = nodeAt(x, y)) {
+  const auto node = from ? nodeBeyond(*from, dx, dy) : firstNode();
+  if (node) {
     selection_.select(*node);
     if (onPicked) onPicked(*node);
   }
   return true;
 }
 
+std::optional<NodeId> TreemapView::nodeBeyond(const ui::Rect& rect, int dx, int dy) const {
+  // From the pixel just outside the middle of the edge on that side.
+  int x = rect.x + (dx < 0 ? -1 : dx > 0 ? rect.w : rect.w / 2);
+  int y = rect.y + (dy < 0 ? -1 : dy > 0 ? rect.h : rect.h / 2);
+  for (; picture_.rect().contains(x, y); x += dx, y += dy) {
+    if (const auto node = nodeAt(x, y)) return node;
+  }
+  return std::nullopt;
+}
+
+std::optional<NodeId> TreemapView::firstNode() const {
+  for (const TreemapBlock& block : picture_.rendered().blocks) {
+    // The block may be too small for a pixel of its own.
+    const ui::Rect place = pixelRect(block.rect);
+    const auto node = nodeAt(picture_.rect().x + place.x, picture_.rect().y + place.y);
+    if (node) return node;
+  }
+  return std::nullopt;
+}
+
+void TreemapView::paintSelected(ui::Canvas& canvas) const {
+  // Colour by colour: requests of one colour that follow each other are sent as one, and a light
+  // line never cuts through the dark one of an item around it.
+  const auto stroke = [&](int inwards, ui::Colour colour) {
+    for (const ui::Rect& outline : selected_) canvas.strokeRect(grown(outline, -inwards), colour);
+  };
+  stroke(0, kOutlineLight);
+  stroke(1, style_.palette().accent);
+  stroke(2, kOutlineDark);
+}
+
 void TreemapView::paint(ui::Canvas& canvas) const {
   const ui::Rect& place = picture_.rect();
   canvas.pushClip(place);
   picture_.paint(canvas);
-  for (const ui::Rect& outline : selected_) {
-    canvas.strokeRect(outline, kOutlineLight);
-    canvas.strokeRect(grown(outline, -1), style_.palette().accent);
-    canvas.strokeRect(grown(outline, -2), kOutlineDark);
-  }
+  paintSelected(canvas);
   if (hoveredBlock_) {
     ui::Rect outline = pixelRect(hoveredBlock_->rect);
     outline.x += place.x;

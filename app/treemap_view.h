@@ -25,7 +25,7 @@ class TreemapView {
   std::function<void()> onChanged;
   /// The pointer is on another item, or on none.
   std::function<void()> onHover;
-  /// A press was on this item: where it is in the tree is to be shown.
+  /// This item was selected here: where it is in the tree is to be shown.
   std::function<void(sizewalk::NodeId)> onPicked;
   /// A secondary press on an item, which is selected now, at (x, y) of the window.
   std::function<void(sizewalk::NodeId, int x, int y)> onContextMenu;
@@ -67,8 +67,13 @@ class TreemapView {
   void pick(const ui::MouseEvent& event);
   void goTowards(const ui::MouseEvent& event);
   void openContextMenu(const ui::MouseEvent& event);
-  void showCard(const ui::Rect& bounds);
+  /// Has the card tell of the item under the pointer as it is by now.
+  void fillCard();
   bool moveSelection(int dx, int dy);
+  /// The next item on that side of a place, past all that is no item.
+  std::optional<sizewalk::NodeId> nodeBeyond(const ui::Rect& rect, int dx, int dy) const;
+  std::optional<sizewalk::NodeId> firstNode() const;
+  void paintSelected(ui::Canvas& canvas) const;
   void changed() const;
 
   struct Pointer {
@@ -85,6 +90,7 @@ class TreemapView {
   MapFocus& focus_;
   Selection& selection_;
   HoverCard card_;
+  ui::Rect cardBounds_;
   std::optional<Pointer> pointer_;
   std::optional<TreemapBlock> hoveredBlock_;
   std::vector<ui::Rect> selected_;

@@ -282,6 +282,34 @@ TEST_F(TreemapViewTest, OutlinesEachOfManySelectedItemsThatAreLargeEnough) {
   showTree(&tree_);
 }
 
+TEST_F(TreemapViewTest, OutlinesSelectedItemsInOneAnotherWithoutCuttingALine) {
+  const auto plain = painted();
+  select({dir_, a_, inner_, deep_});
+  const auto picture = painted();
+  const ui::Rect outer = placeOf(dir_);
+  int crossings = 0;
+  for (int y = outer.y; y < outer.y + outer.h; ++y) {
+    for (int x = outer.x; x < outer.x + outer.w; ++x) {
+      int innermost = -1;  // the line that lies over the others
+      int lines = 0;
+      for (const NodeId node : {dir_, a_, inner_, deep_}) {
+        const int depth = depthIn(placeOf(node), x, y);
+        if (depth < 0 || depth > 2) continue;
+        innermost = std::max(innermost, depth);
+        ++lines;
+      }
+      crossings += lines > 1 ? 1 : 0;
+      const std::uint32_t seen = picture.at(x, y);
+      const bool asExpected = innermost == 0   ? seen == 0xFFFFFF
+                              : innermost == 1 ? seen == without(kPalette.accent)
+                              : innermost == 2 ? isDarker(seen, 0xFFFFFF)
+                                               : seen == plain.at(x, y);
+      ASSERT_TRUE(asExpected) << x << "," << y << " in line " << innermost;
+    }
+  }
+  EXPECT_GT(crossings, 0);
+}
+
 TEST_F(TreemapViewTest, HasARingWhileKeysComeHere) {
   const auto plain = painted();
   view_.setFocused(true);
@@ -449,6 +477,24 @@ TEST_F(TreemapViewTest, ReplacesTheCardWhenAnotherPictureComesUnderThePointer) {
   EXPECT_TRUE(cardIsSeen());
 }
 
+TEST_F(TreemapViewTest, KeepsTheFiguresOfTheCardUpToDate) {
+  const auto card = [&] { return onGround([&](ui::Canvas& canvas) { view_.paintCard(canvas); }); };
+  sizewalk::FileTree tree(test::mapTreeOptions());
+  const auto dir = test::fillRoot(tree, {folder(), file(1000)}).front();
+  view_.reset();
+  showTree(&tree);
+  restOn(kPlace);
+  const auto before = card();
+  test::fill(tree, dir, {file(1)});  // too small to take the pointer's place
+  picture_.markDirty();
+  changes_ = 0;
+  prepareFrame();
+  EXPECT_FALSE(card() == before) << "the share is another one";
+  EXPECT_EQ(changes_, 0) << "the frame is being drawn already";
+  view_.reset();
+  showTree(&tree_);
+}
+
 TEST_F(TreemapViewTest, ForgetsPointerAndCardWithTheScan) {
   restOn(placeOf(c_));
   view_.reset();
@@ -474,6 +520,7 @@ TEST_F(TreemapViewTest, AddsAndRemovesWithControl) {
   EXPECT_EQ(selected(), (Nodes{c_, a_}));
   press(placeOf(a_), kPrimary, 1, true);
   EXPECT_EQ(selected(), Nodes{c_});
+  EXPECT_EQ(picked_, (Nodes{a_, c_})) << "what is selected no longer need not be shown";
   press(placeOfSmallItems(), kPrimary, 1, true);
   EXPECT_EQ(selected(), Nodes{c_});
 }
@@ -524,6 +571,14 @@ TEST_F(TreemapViewTest, TakesAThirdQuickPressAsASingleOne) {
   pressTwice(placeOf(deep_));
   press(placeOf(deep_), kPrimary, 3);
   EXPECT_EQ(focusChanges_, 1);
+}
+
+TEST_F(TreemapViewTest, GoesTwoLevelsInWithFourQuickPresses) {
+  pressTwice(placeOf(deep_));
+  showFocus();
+  press(placeOf(deep_), kPrimary, 3);
+  press(placeOf(deep_), kPrimary, 4);
+  EXPECT_EQ(focus_.current(), inner_);
 }
 
 TEST_F(TreemapViewTest, SelectsWhatTheContextMenuIsOpenedOn) {
@@ -644,6 +699,34 @@ TEST_F(TreemapViewKeysTest, StopAtTheEdgeOfTheMap) {
   key(ui::key::kDown);
   EXPECT_EQ(selected(), Nodes{at(1, 1)});
   EXPECT_EQ(picked_, Nodes{});
+}
+
+TEST_F(TreemapViewKeysTest, GoOnPastMergedItems) {
+  sizewalk::FileTree tree(test::mapTreeOptions());
+  const auto left = test::fillRoot(tree, {folder(), file(200'000)}).front();
+  std::vector<test::MapEntry> entries = {file(300'000)};
+  entries.resize(4001, file(2));
+  test::fill(tree, left, entries);
+  showTree(&tree);
+  const NodeId inLeft = tree.firstChild(left);
+  const NodeId right = left + 1;
+  ASSERT_LT(placeOf(inLeft).x + placeOf(inLeft).w, placeOf(right).x) << "side by side, with a gap";
+  select({inLeft});
+  key(ui::key::kRight);
+  EXPECT_EQ(selected(), Nodes{right});
+  key(ui::key::kLeft);
+  EXPECT_EQ(selected(), Nodes{inLeft});
+  showTree(&four_);
+}
+
+TEST_F(TreemapViewKeysTest, BeginWithTheFirstItemThatIsNotMerged) {
+  sizewalk::FileTree tree(test::mapTreeOptions());
+  const auto first = test::fillRoot(tree, {folder(), file(100'000)}).front();
+  test::fill(tree, first, std::vector<test::MapEntry>(100'000, file(2)));
+  showTree(&tree);
+  key(ui::key::kDown);
+  EXPECT_EQ(selected(), Nodes{first + 1});
+  showTree(&four_);
 }
 
 TEST_F(TreemapViewKeysTest, BeginAnewWithSeveralItemsSelected) {
