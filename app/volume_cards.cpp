@@ -18,6 +18,9 @@ void VolumeCards::refresh(std::vector<sizewalk::Volume> volumes) {
   volumes_ = std::move(volumes);
   std::vector<std::string> mountPoints;
   for (const sizewalk::Volume& volume : volumes_) mountPoints.push_back(volume.mountPoint);
+  std::erase_if(usage_, [&](const auto& known) {
+    return std::ranges::find(mountPoints, known.first) == mountPoints.end();
+  });
   measure_(mountPoints);
 }
 

@@ -19,7 +19,8 @@ class VolumeCards {
   explicit VolumeCards(std::function<void(const std::vector<std::string>&)> measure)
       : measure_(std::move(measure)) {}
 
-  /// Lists the volumes anew and asks how full they are.
+  /// Lists the volumes anew and asks how full they are. Until they answer, those that were listed
+  /// before keep their figures.
   void refresh() { refresh(sizewalk::listVolumes()); }
   void refresh(std::vector<sizewalk::Volume> volumes);
   /// The answer for one mount point. One without room is no volume.
