@@ -122,6 +122,7 @@ bool MainWindow::create() {
 }
 
 void MainWindow::show(Screen& screen) {
+  if (screen_ != &screen) screen_->hide();
   screen_ = &screen;
   if (&screen == &welcome_) refreshVolumes();
   updateTitle();

@@ -5,6 +5,10 @@
 
 namespace app {
 
+namespace {
+constexpr ui::MouseEvent kBesideEverything = {.x = -1, .y = -1, .button = 1};
+}  // namespace
+
 PointerRouter::Index PointerRouter::add(Target target) {
   parts_.push_back({std::move(target), {}});
   return parts_.size() - 1;
@@ -37,7 +41,7 @@ std::optional<PointerRouter::Index> PointerRouter::press(const ui::MouseEvent& e
 
 void PointerRouter::motion(const ui::MouseEvent& event) {
   if (!held_) enter(partAt(event.x, event.y));
-  const std::optional<Index> part = held_ ? held_ : entered_;
+  const std::optional<Index> part = owner();
   if (part && parts_[*part].target.motion) parts_[*part].target.motion(event);
 }
 
@@ -58,8 +62,9 @@ void PointerRouter::wheel(const ui::MouseEvent& event, int dy) {
 }
 
 void PointerRouter::reset() {
-  held_.reset();
+  const std::optional<Index> held = std::exchange(held_, std::nullopt);
   buttonsDown_ = 0;
+  if (held && parts_[*held].target.release) parts_[*held].target.release(kBesideEverything);
   enter(std::nullopt);
 }
 

@@ -36,7 +36,11 @@ class PointerRouter {
   void release(const ui::MouseEvent& event);
   void leave();
   void wheel(const ui::MouseEvent& event, int dy);
-  /// Forgets where the pointer is and which part has it, and tells that part that it left.
+  /// The part that has the pointer: the one that was pressed, else the one that it is on.
+  std::optional<Index> owner() const { return held_ ? held_ : entered_; }
+  /// Forgets where the pointer is and which part has it: what is pressed is let go beside
+  /// everything, so that it does not act, and the part that the pointer was on is told that it
+  /// left.
   void reset();
 
  private:

@@ -116,7 +116,7 @@ void ScanScreen::show(const sizewalk::FileTree* tree) {
   // The parts that outline nodes go first: none of them may look at a tree that is gone.
   selection_.clear();
   focus_.reset(tree);
-  pointers_.reset();
+  hide();
   kinds_.clearSelection();
   tree_ = tree;
   volume_.reset();
@@ -298,6 +298,11 @@ void ScanScreen::release(const ui::MouseEvent& event) {
 
 void ScanScreen::leave() { pointers_.leave(); }
 
+void ScanScreen::hide() {
+  pointers_.reset();
+  lastPointer_ = {.x = -1, .y = -1};
+}
+
 void ScanScreen::wheel(const ui::MouseEvent& event, int dy) { pointers_.wheel(event, dy); }
 
 void ScanScreen::giveKeyboardTo(Part part) {
@@ -344,8 +349,10 @@ bool ScanScreen::dismiss() {
 }
 
 ui::PointerShape ScanScreen::pointer() const {
+  const auto owner = pointers_.owner();
+  const bool onDivider = owner == mainDividerTarget_ || owner == kindsDividerTarget_;
   const auto direction = dividers_.at(lastPointer_.x, lastPointer_.y);
-  if (!direction) return toolbar_.pointer();
+  if (!onDivider || !direction) return toolbar_.pointer();
   return *direction == Dividers::Direction::Across ? ui::PointerShape::ResizeHorizontal
                                                    : ui::PointerShape::ResizeVertical;
 }

@@ -35,7 +35,7 @@ struct ScanScreenSettings {
   bool listAboveMap = setting::kSplitHorizontally.fallback;
   bool showKinds = setting::kShowFileKinds.fallback;
   bool consistentKindColours = setting::kConsistentKindColours.fallback;
-  ExtraBlockSettings extraBlocks;
+  ExtraBlockSettings extraBlocks = {};
 };
 
 /// The window while a scan is shown: toolbar, folder list, kinds table, map and status line, laid
@@ -74,6 +74,7 @@ class ScanScreen : public Screen {
   void motion(const ui::MouseEvent& event) override;
   void release(const ui::MouseEvent& event) override;
   void leave() override;
+  void hide() override;
   void wheel(const ui::MouseEvent& event, int dy) override;
   /// Of the part that has the keyboard.
   bool key(const ui::KeyEvent& event) override;
@@ -85,6 +86,12 @@ class ScanScreen : public Screen {
   MapFocus& focus() { return focus_; }
   Selection& selection() { return selection_; }
   const FrameLayout& layout() const { return layout_; }
+  // The parts, to look at.
+  const Toolbar& toolbar() const { return toolbar_; }
+  const FolderList& list() const { return list_; }
+  const KindsTable& kinds() const { return kinds_; }
+  const TreemapPicture& picture() const { return picture_; }
+  const StatusLine& statusLine() const { return statusLine_; }
   /// The item that a command without a place of its own is about: the current row of the list, or
   /// the folder in focus.
   sizewalk::NodeId target() const;

@@ -28,6 +28,8 @@ class Screen {
   virtual void release(const ui::MouseEvent& event) = 0;
   /// The pointer left the window.
   virtual void leave() = 0;
+  /// Another screen takes this one's place: nothing is pressed or under the pointer any more.
+  virtual void hide() = 0;
   /// `dy` steps of the wheel, down when above 0.
   virtual void wheel(const ui::MouseEvent& event, int dy) = 0;
   /// True when the key means something here.

@@ -37,6 +37,9 @@ class StatusLine {
 
   void paint(ui::Canvas& canvas) const;
   const StatusLayout& layout() const { return layout_; }
+  const std::string& left() const { return left_; }
+  /// In full, and readable.
+  const std::string& right() const { return right_; }
 
  private:
   void layOut();

@@ -33,6 +33,7 @@ class WelcomeScreen : public Screen {
   void motion(const ui::MouseEvent& event) override { pointers_.motion(event); }
   void release(const ui::MouseEvent& event) override { pointers_.release(event); }
   void leave() override { pointers_.leave(); }
+  void hide() override { pointers_.reset(); }
   void wheel(const ui::MouseEvent& /*event*/, int /*dy*/) override {}
   bool key(const ui::KeyEvent& event) override;
   ui::PointerShape pointer() const override { return ui::PointerShape::Arrow; }

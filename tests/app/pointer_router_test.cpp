@@ -47,6 +47,18 @@ TEST_F(PointerRouterTest, NamesThePartThatWasPressed) {
   EXPECT_EQ(router.press(at(25)), std::nullopt);
 }
 
+TEST_F(PointerRouterTest, TellsWhichPartHasThePointer) {
+  EXPECT_EQ(router.owner(), std::nullopt);
+  router.motion(at(5));
+  EXPECT_EQ(router.owner(), 0u);
+  router.press(at(15));
+  router.motion(at(5));
+  EXPECT_EQ(router.owner(), 1u);
+  router.release(at(5));
+  router.motion(at(5));
+  EXPECT_EQ(router.owner(), 0u);
+}
+
 TEST_F(PointerRouterTest, KeepsTheDragWithThePartThatWasPressed) {
   router.press(at(5));
   router.motion(at(15));
@@ -94,7 +106,24 @@ TEST_F(PointerRouterTest, AResetEndsADrag) {
   router.reset();
   router.motion(at(15));
   router.release(at(15));
-  EXPECT_EQ(log, (Log{"a press", "a leave", "b motion"}));
+  EXPECT_EQ(log, (Log{"a press", "a release", "a leave", "b motion"}));
+}
+
+TEST_F(PointerRouterTest, AResetLetsGoBesideEverything) {
+  std::optional<ui::MouseEvent> released;
+  router.setRect(router.add({.press = {},
+                             .motion = {},
+                             .release = [&](const auto& event) { released = event; },
+                             .leave = {},
+                             .wheel = {}}),
+                 {20, 0, 10, 10});
+  router.reset();
+  EXPECT_FALSE(released) << "nothing was held";
+  router.press(at(25));
+  router.reset();
+  ASSERT_TRUE(released);
+  EXPECT_LT(released->x, 0);
+  EXPECT_EQ(released->button, 1);
 }
 
 }  // namespace
