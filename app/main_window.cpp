@@ -135,6 +135,7 @@ void MainWindow::scanPath(const std::string& path) {
   controller_.start(path);
   endShown_ = false;
   shownNodes_ = 0;
+  scanStartedMs_ = ui::Window::now();
   scan_.show(&controller_.scanner()->tree());
   scan_.setScanStatus({.scanning = true});
   meter_.measure({controller_.path()});
@@ -145,6 +146,13 @@ void MainWindow::showWelcome() {
   controller_.stop();
   scan_.show(nullptr);
   show(welcome_);
+}
+
+void MainWindow::stopScan() {
+  controller_.stop();
+  // A reader may wait for a disk before it sees that; the summary follows when all have ended.
+  const std::int64_t elapsedMs = ui::Window::now() - scanStartedMs_;
+  scan_.setScanStatus({.elapsedSeconds = static_cast<double>(elapsedMs) / 1000, .stopped = true});
 }
 
 void MainWindow::captureAfter(const std::string& file, double seconds) {
@@ -282,7 +290,7 @@ void MainWindow::perform(Command command) {
     case Command::LeaveScan:
       return showWelcome();
     case Command::StopScan:
-      return controller_.stop();
+      return stopScan();
     case Command::Rescan:
       return scanPath(std::string(controller_.path()));
     case Command::GoOut:

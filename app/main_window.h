@@ -66,6 +66,8 @@ class MainWindow {
   void perform(Command command);
   void openDialog(std::unique_ptr<Dialog> dialog);
   void showMessage(const std::string& title, const std::string& text);
+  /// Shows the scan as stopped, which it soon will be.
+  void stopScan();
   void copyPath();
   void setMeasure(Measure measure);
 
@@ -98,6 +100,7 @@ class MainWindow {
   RefreshPacer pacer_;
   CaptureCountdown captureCountdown_;
   bool endShown_ = false;
+  std::int64_t scanStartedMs_ = 0;  // as `ui::Window::now` tells
   sizewalk::NodeId shownNodes_ = 0;
 };
 

@@ -256,11 +256,20 @@ int OtherClient::bitGravity(unsigned long window) {
 }
 
 unsigned long OtherClient::screenPixel(unsigned long window, int x, int y) {
-  XImage* image = XGetImage(native_->display, window, x, y, 1, 1, AllPlanes, ZPixmap);
+  return screenPixels(window, x, y, 1, 1).front();
+}
+
+std::vector<unsigned long> OtherClient::screenPixels(unsigned long window, int x, int y, int w,
+                                                     int h) {
+  XImage* image = XGetImage(native_->display, window, x, y, static_cast<unsigned>(w),
+                            static_cast<unsigned>(h), AllPlanes, ZPixmap);
   if (!image) throw std::runtime_error("the window is not on the screen");
-  const unsigned long pixel = XGetPixel(image, 0, 0);
+  std::vector<unsigned long> pixels;
+  for (int row = 0; row < h; ++row) {
+    for (int column = 0; column < w; ++column) pixels.push_back(XGetPixel(image, column, row));
+  }
   XDestroyImage(image);
-  return pixel;
+  return pixels;
 }
 
 }  // namespace test

@@ -80,6 +80,8 @@ class OtherClient {
   int bitGravity(unsigned long window);
   /// The raw pixel of the window that is on the screen now.
   unsigned long screenPixel(unsigned long window, int x, int y);
+  /// Those of `w` x `h` pixels from (x, y) on, which are on the screen.
+  std::vector<unsigned long> screenPixels(unsigned long window, int x, int y, int w, int h);
 
  private:
   struct Native;
