@@ -2,8 +2,9 @@
 
 #include <X11/Xatom.h>
 
-#include <algorithm>
 #include <array>
+
+#include "ui/properties.h"
 
 namespace ui {
 
@@ -49,18 +50,7 @@ bool Clipboard::deliver(const XSelectionRequestEvent& request, Atom property) co
     return true;
   }
   if (request.target != utf8String_ && request.target != XA_STRING) return false;
-  if (!fitsOneRequest()) return false;
-  XChangeProperty(display_, request.requestor, property, request.target, 8, PropModeReplace,
-                  reinterpret_cast<const unsigned char*>(text_.data()),
-                  static_cast<int>(text_.size()));
-  return true;
-}
-
-bool Clipboard::fitsOneRequest() const {
-  // Xlib does not split a property, and a request that is too long breaks the connection.
-  constexpr long kHeaderBytes = 64;
-  const long units = std::max(XExtendedMaxRequestSize(display_), XMaxRequestSize(display_));
-  return static_cast<long>(text_.size()) <= units * 4 - kHeaderBytes;
+  return replaceProperty(display_, request.requestor, property, request.target, text_);
 }
 
 }  // namespace ui

@@ -26,7 +26,6 @@ class Clipboard {
  private:
   /// Stores the answer on the requestor's property; false when there is none to give.
   bool deliver(const XSelectionRequestEvent& request, Atom property) const;
-  bool fitsOneRequest() const;
 
   Display* display_;
   Atom clipboard_;

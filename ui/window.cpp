@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "ui/capture.h"
+#include "ui/properties.h"
 #include "ui/window_native.h"
 #include "ui/x_errors.h"
 
@@ -34,13 +35,6 @@ unsigned cursorGlyph(PointerShape shape) {
       break;
   }
   return XC_left_ptr;
-}
-
-void replaceProperty(Display* display, ::Window window, Atom property, Atom type,
-                     const std::string& bytes) {
-  XChangeProperty(display, window, property, type, 8, PropModeReplace,
-                  reinterpret_cast<const unsigned char*>(bytes.data()),
-                  static_cast<int>(bytes.size()));
 }
 
 }  // namespace
