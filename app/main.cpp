@@ -4,11 +4,16 @@
 
 #include "app/command_line.h"
 #include "app/main_window.h"
+#include "app/product.h"
 #include "ui/connection.h"
+#include "ui/single_instance.h"
 
 namespace {
 
 int runWindow(const app::CommandLine& command) {
+  // A capture is a run of its own, beside whatever else is open.
+  const bool single = command.capturePath.empty();
+  if (single && ui::handOver(app::kInstanceNames, command.path)) return 0;
   const std::unique_ptr<ui::Connection> connection = ui::Connection::open();
   if (!connection) {
     std::fputs(app::noDisplayMessage().c_str(), stderr);
@@ -19,6 +24,7 @@ int runWindow(const app::CommandLine& command) {
     std::fputs(app::noWindowMessage().c_str(), stderr);
     return 1;
   }
+  if (single) ui::claimInstance(app::kInstanceNames, *connection, window.xid());
   if (!command.path.empty()) window.scanPath(command.path);
   if (!command.capturePath.empty()) window.captureAfter(command.capturePath, command.captureDelay);
   window.run();

@@ -43,6 +43,8 @@ class MainWindow {
   void captureAfter(const std::string& file, double seconds);
   /// Handles events until the window is closed or a capture is done.
   void run() { window_.run(); }
+  /// As `ui::Window::xid`.
+  unsigned long xid() const { return window_.xid(); }
 
  private:
   void connectInput();

@@ -10,7 +10,8 @@ packages() {
         libpng-dev fonts-dejavu-core xvfb x11-utils netpbm
       ;;
     debian-test)
-      echo libgtest-dev libxtst-dev clang shellcheck ccache xclip fonts-noto-color-emoji
+      echo libgtest-dev libxtst-dev clang shellcheck ccache xclip openbox \
+        fonts-noto-color-emoji
       ;;
     debian-screenshots) echo xdotool fonts-noto-color-emoji ;;
     fedora-run)
@@ -18,7 +19,7 @@ packages() {
         fontconfig-devel libpng-devel dejavu-sans-fonts xorg-x11-server-Xvfb xdpyinfo netpbm-progs
       ;;
     fedora-test)
-      echo gtest-devel libXtst-devel clang ShellCheck ccache xclip dejavu-sans-mono-fonts \
+      echo gtest-devel libXtst-devel clang ShellCheck ccache xclip openbox dejavu-sans-mono-fonts \
         google-noto-color-emoji-fonts
       ;;
     fedora-screenshots) echo xdotool google-noto-color-emoji-fonts ;;
@@ -26,14 +27,15 @@ packages() {
       echo gcc cmake ninja pkgconf libx11 libxrender libxft fontconfig libpng ttf-dejavu \
         xorg-server-xvfb xorg-xdpyinfo netpbm
       ;;
-    arch-test) echo gtest libxtst clang shellcheck ccache xclip noto-fonts-emoji ;;
+    arch-test) echo gtest libxtst clang shellcheck ccache xclip openbox noto-fonts-emoji ;;
     arch-screenshots) echo xdotool noto-fonts-emoji ;;
     suse-run)
       echo gcc-c++ cmake ninja pkgconf-pkg-config libX11-devel libXrender-devel libXft-devel \
         fontconfig-devel libpng16-devel dejavu-fonts xorg-x11-server-Xvfb xdpyinfo netpbm
       ;;
     suse-test)
-      echo gtest libXtst-devel clang ShellCheck ccache xclip google-noto-coloremoji-fonts
+      echo gtest libXtst-devel clang ShellCheck ccache xclip openbox \
+        google-noto-coloremoji-fonts
       ;;
     suse-screenshots) echo xdotool google-noto-coloremoji-fonts ;;
   esac
@@ -66,7 +68,7 @@ requirements() {
       echo c++ cmake ninja pkg-config pc:x11 pc:xrender pc:xft pc:fontconfig pc:libpng font \
         Xvfb xdpyinfo pnmtopng
       ;;
-    test) echo pc:gtest pc:xtst clang++ shellcheck ccache xclip ;;
+    test) echo pc:gtest pc:xtst clang++ shellcheck ccache xclip openbox ;;
     screenshots) echo xdotool ;;
   esac
 }

@@ -5,14 +5,12 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <filesystem>
 #include <set>
 #include <string>
-#include <vector>
 
-#include "tests/program/windowless_server.h"
-#include "tests/support/child.h"
+#include "tests/program/program_run.h"
+#include "tests/program/request_proxy.h"
 #include "tests/support/environment.h"
 #include "tests/support/other_client.h"
 #include "tests/support/picture.h"
@@ -23,7 +21,8 @@
 
 namespace {
 
-using test::Child;
+using test::kPlainScreen;
+using test::Outcome;
 using test::Picture;
 using test::PrivateHome;
 using test::ScopedEnvironment;
@@ -33,9 +32,6 @@ using test::XServer;
 constexpr std::uint32_t kBackground = 0x1C1C1E;
 /// The ground of lists and of the welcome view in the light colours.
 constexpr std::uint32_t kView = ui::kLightPalette.view & 0xFFFFFF;
-
-/// 960 lines at 96 dpi are 254 mm to the line, so that the interface scale is exactly 1.
-const test::XServerOptions kScreen = {.height = 960};
 
 /// Everything below `directory`, relative to it.
 std::set<std::string> filesBelow(const std::string& directory) {
@@ -60,24 +56,6 @@ void expectWelcome(const std::string& frame) {
   EXPECT_GT(picture.count(kView), 1100 * 720 / 2);
   EXPECT_EQ(picture.count(kBackground), 0);
 }
-
-/// One run of the program, to its end.
-struct Outcome {
-  explicit Outcome(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), HEAPGAUGE_PROGRAM);
-    const auto start = std::chrono::steady_clock::now();
-    Child child(arguments, "/dev/null", dir / "out", dir / "errors");
-    status = child.wait().value_or(-2);
-    seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    output = test::readFile(dir / "out");
-    errors = test::readFile(dir / "errors");
-  }
-  TempDirectory dir;
-  int status = -2;
-  double seconds = 0;  // from its start to its end
-  std::string output;
-  std::string errors;
-};
 
 class Program : public testing::Test {
  protected:
@@ -135,8 +113,8 @@ TEST_F(Program, TakesAScreenOfSixteenBitsForNoDisplay) {
 }
 
 TEST_F(Program, EndsWithStatus1WhenTheServerGivesItNoWindow) {
-  const XServer server(kScreen);
-  const test::WindowlessServer windowless;
+  const XServer server(kPlainScreen);
+  const test::RequestProxy windowless(test::spoilWindows);
   const Outcome run({"--capture", dir_ / "f.ppm", "--capture-after", "0"});
   EXPECT_EQ(run.status, 1);
   EXPECT_EQ(run.errors, "Could not create the window.\n");
@@ -144,7 +122,7 @@ TEST_F(Program, EndsWithStatus1WhenTheServerGivesItNoWindow) {
 }
 
 TEST_F(Program, LeavesATreemapOfARealFolderInTheCapture) {
-  const XServer server(kScreen);
+  const XServer server(kPlainScreen);
   test::makeBushyTree(dir_ / "scanned", 1, 60, 8);
   const std::string file = dir_ / "frame.ppm";
   const Outcome run({dir_ / "scanned", "--capture", file, "--capture-after", "0"});
@@ -160,7 +138,7 @@ TEST_F(Program, LeavesATreemapOfARealFolderInTheCapture) {
 }
 
 TEST_F(Program, CapturesTheSamePictureOfTheSameFolder) {
-  const XServer server(kScreen);
+  const XServer server(kPlainScreen);
   test::makeBushyTree(dir_ / "scanned", 2, 20, 5);
   for (const char* name : {"one.ppm", "two.ppm"}) {
     const Outcome run({dir_ / "scanned", "--capture", dir_ / name, "--capture-after", "0"});
@@ -179,7 +157,7 @@ TEST_F(Program, ScalesItsWindowWithTheScreen) {
 }
 
 TEST_F(Program, ScansTheFolderThatALinkLeadsTo) {
-  const XServer server(kScreen);
+  const XServer server(kPlainScreen);
   test::makeBushyTree(dir_ / "scanned", 3, 10, 4);
   ASSERT_EQ(symlink("scanned", (dir_ / "link").c_str()), 0);
   ASSERT_EQ(Outcome({dir_ / "scanned", "--capture", dir_ / "a.ppm", "--capture-after", "0"}).status,
@@ -190,7 +168,7 @@ TEST_F(Program, ScansTheFolderThatALinkLeadsTo) {
 }
 
 TEST_F(Program, CapturesTheMessageWhyAPathCannotBeScanned) {
-  const XServer server(kScreen);
+  const XServer server(kPlainScreen);
   test::writeFile(dir_ / "file");
   const std::string missing = dir_ / "missing";
   const Outcome absent({missing, "--capture", dir_ / "f.ppm", "--capture-after", "0"});
@@ -208,7 +186,7 @@ TEST_F(Program, CapturesTheMessageWhyAPathCannotBeScanned) {
 }
 
 TEST_F(Program, ScansTheLastOfTwoPathsAndIgnoresUnknownOptions) {
-  const XServer server(kScreen);
+  const XServer server(kPlainScreen);
   test::makeBushyTree(dir_ / "scanned", 4, 10, 4);
   const Outcome run({dir_ / "missing", "-x", "", dir_ / "scanned", "--capture", dir_ / "f.ppm",
                      "--capture-after", "abc"});
@@ -218,7 +196,7 @@ TEST_F(Program, ScansTheLastOfTwoPathsAndIgnoresUnknownOptions) {
 }
 
 TEST_F(Program, ReportsACaptureThatCannotBeWrittenAndEndsWell) {
-  const XServer server(kScreen);
+  const XServer server(kPlainScreen);
   const std::string file = dir_ / "no/such/folder/f.ppm";
   const Outcome run({"--capture", file, "--capture-after", "0"});
   EXPECT_EQ(run.status, 0);
@@ -226,14 +204,14 @@ TEST_F(Program, ReportsACaptureThatCannotBeWrittenAndEndsWell) {
 }
 
 TEST_F(Program, CapturesTheWelcomeViewWithoutAFolder) {
-  const XServer server(kScreen);
+  const XServer server(kPlainScreen);
   const Outcome run({"--capture", dir_ / "f.ppm", "--capture-after", "0"});
   EXPECT_EQ(run.status, 0);
   expectWelcome(dir_ / "f.ppm");
 }
 
 TEST_F(Program, CapturesAWindowThatWasNeverShown) {
-  const XServer server(kScreen);
+  const XServer server(kPlainScreen);
   test::OtherClient manager;
   manager.holdBackWindows();
   const Outcome run({"--capture", dir_ / "f.ppm", "--capture-after", "0"});
@@ -242,7 +220,7 @@ TEST_F(Program, CapturesAWindowThatWasNeverShown) {
 }
 
 TEST_F(Program, WaitsASecondBeforeACaptureUnlessToldOtherwise) {
-  const XServer server(kScreen);
+  const XServer server(kPlainScreen);
   const Outcome standard({"--capture", dir_ / "f.ppm"});
   EXPECT_EQ(standard.status, 0);
   EXPECT_GE(standard.seconds, 0.95);
@@ -254,7 +232,7 @@ TEST_F(Program, WaitsASecondBeforeACaptureUnlessToldOtherwise) {
 }
 
 TEST_F(Program, CountsTheDelayInTenthsOfASecond) {
-  const XServer server(kScreen);
+  const XServer server(kPlainScreen);
   // Ten ticks. A busy machine may be late, but not every time.
   double shortest = 100;
   for (int i = 0; i < 5 && shortest > 1.6; ++i) {
@@ -266,7 +244,7 @@ TEST_F(Program, CountsTheDelayInTenthsOfASecond) {
 }
 
 TEST_F(Program, TakesADelayBelowNothingForNone) {
-  const XServer server(kScreen);
+  const XServer server(kPlainScreen);
   const Outcome second({"--capture", dir_ / "f.ppm", "--capture-after", "1"});
   for (const char* delay : {"-5", "nan", "-inf", "0.05"}) {
     const std::string file = dir_ / "frame" + delay;
@@ -278,7 +256,7 @@ TEST_F(Program, TakesADelayBelowNothingForNone) {
 }
 
 TEST_F(Program, SizesFilesByTheirSpaceOnDiskUnlessTheSettingSaysOtherwise) {
-  const XServer server(kScreen);
+  const XServer server(kPlainScreen);
   test::writeSparseFile(dir_ / "scanned/long.mp3", 1 << 30);
   test::writeFile(dir_ / "scanned/full.txt", std::string(1 << 20, 'x'));
   const auto frameWith = [&](const std::string& settings) {
@@ -296,7 +274,7 @@ TEST_F(Program, SizesFilesByTheirSpaceOnDiskUnlessTheSettingSaysOtherwise) {
 }
 
 TEST_F(Program, StartsWhenItsFilesAreFifosThatNobodyWritesTo) {
-  const XServer server(kScreen);
+  const XServer server(kPlainScreen);
   const std::string data = home_.path() + "/.local/share/heapgauge";
   const std::string configuration = home_.path() + "/.config/heapgauge";
   test::makeDirectory(data);
@@ -310,7 +288,7 @@ TEST_F(Program, StartsWhenItsFilesAreFifosThatNobodyWritesTo) {
 }
 
 TEST_F(Program, RemembersTheScanAndTouchesNothingElseOfTheUsers) {
-  const XServer server(kScreen);
+  const XServer server(kPlainScreen);
   test::writeFile(dir_ / "scanned/file", "x");
   ASSERT_EQ(Outcome({dir_ / "scanned", "--capture", dir_ / "f.ppm", "--capture-after", "0"}).status,
             0);

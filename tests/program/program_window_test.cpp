@@ -6,8 +6,8 @@
 #include <memory>
 #include <string>
 #include <utility>
-#include <vector>
 
+#include "tests/program/program_run.h"
 #include "tests/support/child.h"
 #include "tests/support/environment.h"
 #include "tests/support/eventually.h"
@@ -19,45 +19,11 @@
 namespace {
 
 using test::eventually;
+using test::kPlainScreen;
 using test::PrivateHome;
+using test::Running;
 using test::TempDirectory;
 using test::XServer;
-
-/// The program, started without a capture, and a second client beside it.
-class Running {
- public:
-  explicit Running(const std::vector<std::string>& arguments = {})
-      : child_(commandLine(arguments), "/dev/null", "/dev/null", dir_ / "errors"),
-        window_(client_.shownWindow("Heapgauge")) {}
-
-  test::OtherClient& client() { return client_; }
-  unsigned long window() const { return window_; }
-  /// The title for today's window managers, and the one for old ones.
-  std::string title() { return client_.textProperty(window_, "_NET_WM_NAME", "UTF8_STRING"); }
-  std::string plainTitle() { return client_.textProperty(window_, "WM_NAME", "STRING"); }
-  /// Least width and height as the window manager is told.
-  std::pair<unsigned long, unsigned long> leastSize() {
-    const auto hints = client_.longProperty(window_, "WM_NORMAL_HINTS");
-    return hints.size() < 7 ? std::pair(0ul, 0ul) : std::pair(hints[5], hints[6]);
-  }
-  /// Presses the close button; the exit status, -2 when the program does not end.
-  int close() {
-    client_.sendProtocol(window_, "WM_DELETE_WINDOW");
-    return child_.wait().value_or(-2);
-  }
-  std::string errors() const { return test::readFile(dir_ / "errors"); }
-
- private:
-  static std::vector<std::string> commandLine(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), HEAPGAUGE_PROGRAM);
-    return arguments;
-  }
-
-  TempDirectory dir_;
-  test::Child child_;
-  test::OtherClient client_;
-  unsigned long window_;
-};
 
 class ProgramWindow : public testing::Test {
  protected:
@@ -65,18 +31,15 @@ class ProgramWindow : public testing::Test {
   TempDirectory dir_;
 };
 
-/// 960 lines at 96 dpi are 254 mm to the line, so that the interface scale is exactly 1.
-const test::XServerOptions kScreen = {.height = 960};
-
 TEST_F(ProgramWindow, IsNamedAfterTheProgramAndItsVersion) {
-  const XServer server(kScreen);
+  const XServer server(kPlainScreen);
   Running program;
   EXPECT_EQ(program.title(), "Heap Gauge · 1.1.1");
   EXPECT_EQ(program.plainTitle(), "Heap Gauge · 1.1.1");
 }
 
 TEST_F(ProgramWindow, IsNamedAfterTheFolderItScans) {
-  const XServer server(kScreen);
+  const XServer server(kPlainScreen);
   test::writeFile(dir_ / "scanned/file", "x");
   Running program({dir_ / "scanned"});
   const std::string expected = dir_ / "scanned" + " — Heap Gauge · 1.1.1";
@@ -85,7 +48,7 @@ TEST_F(ProgramWindow, IsNamedAfterTheFolderItScans) {
 }
 
 TEST_F(ProgramWindow, TellsTheWindowManagerItsClassAndSizes) {
-  const XServer server(kScreen);
+  const XServer server(kPlainScreen);
   Running program;
   EXPECT_EQ(program.client().textProperty(program.window(), "WM_CLASS", "STRING"),
             std::string("heapgauge\0Heapgauge\0", 20));
@@ -101,14 +64,14 @@ TEST_F(ProgramWindow, ScalesItsSizesWithTheScreen) {
 }
 
 TEST_F(ProgramWindow, ClosesWithStatus0) {
-  const XServer server(kScreen);
+  const XServer server(kPlainScreen);
   Running program;
   EXPECT_EQ(program.close(), 0);
   EXPECT_EQ(program.errors(), "");
 }
 
 TEST_F(ProgramWindow, ClosesWithStatus0InTheMiddleOfAScan) {
-  const XServer server(kScreen);
+  const XServer server(kPlainScreen);
   // Each level takes longer to open than the one before: a scan of a good part of a second.
   test::makeDeepTree(dir_.path(), 3000, 1);
   Running program({dir_.path()});
@@ -119,7 +82,7 @@ TEST_F(ProgramWindow, ClosesWithStatus0InTheMiddleOfAScan) {
 }
 
 TEST_F(ProgramWindow, EndsWithStatus1WhenTheServerGoesAway) {
-  auto server = std::make_unique<XServer>(kScreen);
+  auto server = std::make_unique<XServer>(kPlainScreen);
   TempDirectory dir;
   test::Child child({HEAPGAUGE_PROGRAM}, "/dev/null", "/dev/null", dir / "errors");
   test::OtherClient().shownWindow("Heapgauge");

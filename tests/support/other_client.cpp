@@ -52,18 +52,19 @@ struct OtherClient::Native {
     XFree(hint.res_class);
     return matches;
   }
-  /// 0 when there is none.
-  ::Window findShown(const std::string& className) const {
+  /// Of `window` and what is inside it, such as the frame of a window manager; 0 for none.
+  ::Window findShown(::Window window, const std::string& className) const {
+    if (isShown(window, className)) return window;
     ::Window root = 0;
     ::Window parent = 0;
     ::Window* children = nullptr;
     unsigned count = 0;
-    XQueryTree(display, DefaultRootWindow(display), &root, &parent, &children, &count);
+    XQueryTree(display, window, &root, &parent, &children, &count);
     const std::unique_ptr<::Window, decltype(&XFree)> owner(children, &XFree);
-    const std::span all(children, count);
-    const auto found =
-        std::ranges::find_if(all, [&](::Window child) { return isShown(child, className); });
-    return found == all.end() ? 0 : *found;
+    for (const ::Window child : std::span(children, count)) {
+      if (const ::Window found = findShown(child, className)) return found;
+    }
+    return 0;
   }
 
   Display* display;
@@ -148,7 +149,14 @@ unsigned long OtherClient::selectionOwner(const std::string& selection) {
 
 unsigned long OtherClient::shownWindow(const std::string& className) {
   unsigned long found = 0;
-  if (!eventually([&] { return (found = native_->findShown(className)) != 0; })) {
+  const auto find = [&] {
+    XGrabServer(native_->display);  // else a window may go while it is looked at
+    found = native_->findShown(root(), className);
+    XUngrabServer(native_->display);
+    native_->sync();
+    return found != 0;
+  };
+  if (!eventually(find)) {
     throw std::runtime_error("no window of class " + className);
   }
   return found;
@@ -157,6 +165,46 @@ unsigned long OtherClient::shownWindow(const std::string& className) {
 void OtherClient::holdBackWindows() {
   XSelectInput(native_->display, DefaultRootWindow(native_->display), SubstructureRedirectMask);
   native_->sync();
+}
+
+void OtherClient::listenToRoot() {
+  XSelectInput(native_->display, root(), SubstructureNotifyMask);
+  native_->sync();
+}
+
+std::optional<OtherClient::Message> OtherClient::messageToRoot() {
+  XEvent event;
+  native_->sync();
+  if (!XCheckTypedEvent(native_->display, ClientMessage, &event)) return std::nullopt;
+  const XClientMessageEvent& sent = event.xclient;
+  Message message = {sent.window, atomName(sent.message_type), sent.format};
+  std::ranges::copy(sent.data.l, message.words.begin());
+  return message;
+}
+
+void OtherClient::ignoreRoot() {
+  XSelectInput(native_->display, root(), NoEventMask);
+  native_->sync();
+}
+
+unsigned long OtherClient::root() const { return DefaultRootWindow(native_->display); }
+
+unsigned long OtherClient::showWindow() {
+  const ::Window window = XCreateSimpleWindow(native_->display, root(), 0, 0, 300, 200, 0, 0, 0);
+  XMapWindow(native_->display, window);
+  native_->sync();
+  return window;
+}
+
+void OtherClient::minimize(unsigned long window) {
+  XIconifyWindow(native_->display, window, DefaultScreen(native_->display));
+  native_->sync();
+}
+
+bool OtherClient::isViewable(unsigned long window) {
+  XWindowAttributes attributes{};
+  XGetWindowAttributes(native_->display, window, &attributes);
+  return attributes.map_state == IsViewable;
 }
 
 void OtherClient::moveWindow(unsigned long window, int x, int y) {
@@ -193,6 +241,11 @@ void OtherClient::sendProtocol(unsigned long window, const std::string& protocol
   event.xclient.format = 32;
   event.xclient.data.l[0] = static_cast<long>(native_->atom(protocol));
   native_->send(window, event);
+}
+
+void OtherClient::destroyWindow(unsigned long window) {
+  XDestroyWindow(native_->display, window);
+  native_->sync();
 }
 
 namespace {

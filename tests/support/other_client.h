@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -29,11 +30,31 @@ class OtherClient {
   void pressKey(unsigned long keysym);
   void releaseKey(unsigned long keysym);
 
-  /// The top-level window on the screen whose class is `className`; waits for it, and throws
+  /// The window on the screen whose class is `className`, framed or not; waits for it, and throws
   /// std::runtime_error when it does not come.
   unsigned long shownWindow(const std::string& className);
   /// Becomes a window manager that never shows a window, as one that hangs.
   void holdBackWindows();
+  /// Gets the client messages that are sent to the root for the window manager, beside it.
+  void listenToRoot();
+  struct Message {
+    unsigned long window = 0;
+    std::string type;
+    int format = 0;
+    std::array<long, 5> words = {};
+  };
+  /// The next message to the root; nothing when there is none yet. For `listenToRoot` and
+  /// `holdBackWindows`.
+  std::optional<Message> messageToRoot();
+  /// Ends `listenToRoot` and `holdBackWindows`.
+  void ignoreRoot();
+  unsigned long root() const;
+  /// Makes and shows a window of this client's.
+  unsigned long showWindow();
+  /// Asks the window manager to.
+  void minimize(unsigned long window);
+  /// Whether the window and all that it lies in is shown.
+  bool isViewable(unsigned long window);
 
   void moveWindow(unsigned long window, int x, int y);
   void resizeWindow(unsigned long window, int width, int height);
@@ -67,6 +88,7 @@ class OtherClient {
   void takeSelection(const std::string& selection);
   unsigned long selectionOwner(const std::string& selection);
 
+  void destroyWindow(unsigned long window);
   /// The bytes of a property of format 8; empty when there is none of that type.
   std::string textProperty(unsigned long window, const std::string& name, const std::string& type);
   /// The items of a property of format 32 of any type.

@@ -13,6 +13,7 @@
 #include "ui/keys.h"
 #include "ui/palette.h"
 #include "ui/paragraph.h"
+#include "ui/single_instance.h"
 #include "ui/text.h"
 #include "ui/text_fit.h"
 #include "ui/typed_text.h"

@@ -1,4 +1,4 @@
-#include "tests/program/windowless_server.h"
+#include "tests/program/request_proxy.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -14,6 +14,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace test {
 
@@ -28,9 +29,9 @@ void check(bool fine, const char* what) {
   if (!fine) throw std::runtime_error(what);
 }
 
-FileDescriptor connectToServer() {
-  const std::string path =
-      "/tmp/.X11-unix/X" + std::string(std::getenv("DISPLAY")).substr(1);  // after the colon
+/// To the server of `display`, such as ":3".
+FileDescriptor connectToServer(const std::string& display) {
+  const std::string path = "/tmp/.X11-unix/X" + display.substr(1);
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
   check(path.size() < sizeof address.sun_path, "the X server's socket has too long a name");
@@ -53,20 +54,16 @@ int listenOnLoopback(int fd) {
   return ntohs(address.sin_port);
 }
 
-/// The requests of a client in the form of the X protocol, in the byte order of this machine.
+/// What a client sends, in the byte order of this machine.
 class Requests {
  public:
   void add(const char* bytes, std::size_t count) { waiting_.append(bytes, count); }
 
-  /// Takes out what is there in whole requests, with no width left to any window.
-  std::string take() {
+  /// Takes out what is there in whole requests, after `watch` saw each.
+  std::string take(const RequestProxy::Watch& watch) {
     std::size_t end = 0;
     while (const std::size_t length = lengthAt(end)) {
-      constexpr char kCreateWindow = 1;
-      constexpr std::size_t kWidthAt = 16;
-      if (greeted_ && waiting_[end] == kCreateWindow) {
-        waiting_[end + kWidthAt] = waiting_[end + kWidthAt + 1] = 0;
-      }
+      if (greeted_) watch(std::span(waiting_).subspan(end, length));
       greeted_ = true;
       end += length;
     }
@@ -86,14 +83,15 @@ class Requests {
   /// Of the message at `start`; 0 when it is not there to its end.
   std::size_t lengthAt(std::size_t start) const {
     const std::size_t there = waiting_.size() - start;
-    if (there < 12 && (!greeted_ || there < 4)) return 0;
+    if (there < (greeted_ ? 4 : 12)) return 0;
     const std::size_t length = greeted_ ? requestLength(start) : greetingLength(start);
     return length <= there ? length : 0;
   }
+  /// In units of four bytes; a long request has a 0 there and its length after that.
   std::size_t requestLength(std::size_t start) const {
     const std::size_t units = numberAt<std::uint16_t>(start + 2);
-    if (units == 0) throw std::runtime_error("a request beyond 256 KB");
-    return units * 4;
+    if (units > 0) return 4 * units;
+    return waiting_.size() < start + 8 ? 8 : 4 * numberAt<std::uint32_t>(start + 4);
   }
   /// Two strings follow, each filled up to a multiple of four.
   std::size_t greetingLength(std::size_t start) const {
@@ -115,8 +113,32 @@ bool sendAll(int to, std::string_view bytes) {
   return true;
 }
 
+}  // namespace
+
+RequestProxy::RequestProxy(Watch watch)
+    : watch_(std::move(watch)),
+      server_(std::getenv("DISPLAY")),
+      listening_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+  const int port = listenOnLoopback(listening_.get());
+  environment_.set("DISPLAY", "127.0.0.1:" + std::to_string(port - kFirstPort));
+  thread_ = std::thread([this] { serve(); });
+}
+
+RequestProxy::~RequestProxy() {
+  shutdown(listening_.get(), SHUT_RDWR);  // ends the wait for the next client
+  thread_.join();
+}
+
+void RequestProxy::serve() {
+  for (;;) {
+    const FileDescriptor client(accept4(listening_.get(), nullptr, nullptr, SOCK_CLOEXEC));
+    if (!client.valid()) return;
+    relay(client.get(), connectToServer(server_).get());
+  }
+}
+
 /// Passes on what both sides say until one of them ends.
-void relay(int client, int server) {
+void RequestProxy::relay(int client, int server) const {
   Requests requests;
   std::array<char, 4096> buffer;
   std::array<pollfd, 2> sides = {{{client, POLLIN, 0}, {server, POLLIN, 0}}};
@@ -129,28 +151,15 @@ void relay(int client, int server) {
       const ssize_t got = read(client, buffer.data(), buffer.size());
       if (got <= 0) return;
       requests.add(buffer.data(), static_cast<std::size_t>(got));
-      if (!sendAll(server, requests.take())) return;
+      if (!sendAll(server, requests.take(watch_))) return;
     }
   }
 }
 
-}  // namespace
-
-WindowlessServer::WindowlessServer() : listening_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-  server_ = connectToServer();
-  const int port = listenOnLoopback(listening_.get());
-  environment_.set("DISPLAY", "127.0.0.1:" + std::to_string(port - kFirstPort));
-  thread_ = std::thread([this] { serve(); });
-}
-
-WindowlessServer::~WindowlessServer() {
-  shutdown(listening_.get(), SHUT_RDWR);  // ends a wait for a client that did not come
-  thread_.join();
-}
-
-void WindowlessServer::serve() {
-  const FileDescriptor client(accept4(listening_.get(), nullptr, nullptr, SOCK_CLOEXEC));
-  if (client.valid()) relay(client.get(), server_.get());
+void spoilWindows(std::span<char> request) {
+  constexpr char kCreateWindow = 1;
+  constexpr std::size_t kWidthAt = 16;
+  if (request[0] == kCreateWindow) request[kWidthAt] = request[kWidthAt + 1] = 0;
 }
 
 }  // namespace test

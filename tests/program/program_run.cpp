@@ -1,0 +1,35 @@
+#include "tests/program/program_run.h"
+
+#include <chrono>
+
+namespace test {
+
+std::vector<std::string> programWith(std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), HEAPGAUGE_PROGRAM);
+  return arguments;
+}
+
+Outcome::Outcome(const std::vector<std::string>& arguments) {
+  const auto start = std::chrono::steady_clock::now();
+  Child child(programWith(arguments), "/dev/null", dir / "out", dir / "errors");
+  status = child.wait().value_or(-2);
+  seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  output = readFile(dir / "out");
+  errors = readFile(dir / "errors");
+}
+
+Running::Running(const std::vector<std::string>& arguments)
+    : child_(programWith(arguments), "/dev/null", "/dev/null", dir_ / "errors"),
+      window_(client_.shownWindow("Heapgauge")) {}
+
+std::pair<unsigned long, unsigned long> Running::leastSize() {
+  const auto hints = client_.longProperty(window_, "WM_NORMAL_HINTS");
+  return hints.size() < 7 ? std::pair(0ul, 0ul) : std::pair(hints[5], hints[6]);
+}
+
+int Running::close() {
+  client_.sendProtocol(window_, "WM_DELETE_WINDOW");
+  return child_.wait().value_or(-2);
+}
+
+}  // namespace test

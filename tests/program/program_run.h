@@ -1,0 +1,54 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/support/child.h"
+#include "tests/support/other_client.h"
+#include "tests/support/temp_directory.h"
+#include "tests/support/x_server.h"
+
+namespace test {
+
+/// 960 lines at 96 dpi are 254 mm to the line, so that the interface scale is exactly 1.
+inline const XServerOptions kPlainScreen = {.height = 960};
+
+/// The built program and its arguments.
+std::vector<std::string> programWith(std::vector<std::string> arguments);
+
+/// One run of the program, to its end.
+struct Outcome {
+  explicit Outcome(const std::vector<std::string>& arguments);
+  TempDirectory dir;
+  int status = -2;     // -2 when it does not end
+  double seconds = 0;  // from its start to its end
+  std::string output;
+  std::string errors;
+};
+
+/// The program while it runs, with its window shown, and a second client beside it.
+class Running {
+ public:
+  explicit Running(const std::vector<std::string>& arguments = {});
+
+  OtherClient& client() { return client_; }
+  Child& process() { return child_; }
+  unsigned long window() const { return window_; }
+  /// The title for today's window managers, and the one for old ones.
+  std::string title() { return client_.textProperty(window_, "_NET_WM_NAME", "UTF8_STRING"); }
+  std::string plainTitle() { return client_.textProperty(window_, "WM_NAME", "STRING"); }
+  /// Least width and height as the window manager is told.
+  std::pair<unsigned long, unsigned long> leastSize();
+  /// Presses the close button; the exit status, -2 when the program does not end.
+  int close();
+  std::string errors() const { return readFile(dir_ / "errors"); }
+
+ private:
+  TempDirectory dir_;
+  Child child_;
+  OtherClient client_;
+  unsigned long window_;
+};
+
+}  // namespace test
