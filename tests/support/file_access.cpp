@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <system_error>
+#include <thread>
 
 namespace test {
 
@@ -42,6 +43,16 @@ OrdinaryFileAccess::~OrdinaryFileAccess() {
   now.data[0].effective = effective_[0];
   now.data[1].effective = effective_[1];
   syscall(SYS_capset, &now.header, now.data);
+}
+
+void asOrdinaryUser(const std::function<void()>& act) {
+  std::jthread([&] {
+    Capabilities now = current();
+    now.data[0].effective &= ~kOverrides;
+    now.data[0].permitted &= ~kOverrides;
+    check(syscall(SYS_capset, &now.header, now.data));
+    act();
+  });
 }
 
 }  // namespace test

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 
 namespace test {
 
@@ -19,5 +20,10 @@ class OrdinaryFileAccess {
   /// The thread's effective capabilities before, as capset(2) lays them out.
   std::array<std::uint32_t, 2> effective_{};
 };
+
+/// Calls `act` on a thread for which permissions count in every respect, and waits for its end.
+/// `OrdinaryFileAccess` does not reach access(2), which goes by what the super-user might take
+/// back.
+void asOrdinaryUser(const std::function<void()>& act);
 
 }  // namespace test
