@@ -50,6 +50,8 @@ class Dialog {
   /// Tab and Shift+Tab move the keyboard; Enter and Space act on what has it, Enter on the default
   /// button where that does nothing; Escape cancels. Other keys are the dialog's own.
   virtual void key(const ui::KeyEvent& event);
+  /// Called a few times a second while the dialog is on top. `nowMs` is `ui::Window::now`.
+  virtual void tick(std::int64_t /*nowMs*/) {}
 
   const ui::Rect& panel() const { return panel_; }
   /// The control that has the keyboard.

@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <utility>
 
+#include "app/folder_chooser.h"
+#include "app/folder_places.h"
 #include "app/format.h"
 #include "app/message_dialog.h"
 #include "app/product.h"
@@ -66,6 +68,7 @@ MainWindow::MainWindow(ui::Connection& connection)
       window_(connection),
       welcome_(style_, icon_),
       scan_(connection, style_, colours_),
+      folderLister_([this](ui::Task task) { window_.post(std::move(task)); }),
       meter_([this](const std::string& path, const sizewalk::VolumeUsage& usage) {
         window_.post([this, path, usage] { volumeMeasured(path, usage); });
       }),
@@ -80,6 +83,7 @@ MainWindow::MainWindow(ui::Connection& connection)
 void MainWindow::connectScreens() {
   welcome_.onChanged = [this] { window_.invalidate(); };
   welcome_.onVolume = [this](const std::string& path) { scanPath(path); };
+  welcome_.onChooseFolder = [this] { chooseFolder(); };
   scan_.onChanged = [this] { window_.invalidate(); };
   dialogs_.onChanged = [this] { window_.invalidate(); };
   scan_.onCommand = [this](Command command) { perform(command); };
@@ -164,6 +168,7 @@ void MainWindow::tick() {
   const std::int64_t now = ui::Window::now();
   if (!scanShown() && now >= nextVolumes_) refreshVolumes();
   screen_->tick(now);
+  if (Dialog* dialog = dialogs_.top()) dialog->tick(now);
   if (const auto file = captureCountdown_.tick(scanShown() && !endShown_)) {
     window_.invalidate();
     window_.post([this, path = *file] { capture(path); });
@@ -217,6 +222,12 @@ void MainWindow::openDialog(std::unique_ptr<Dialog> dialog) {
   screen_->leave();  // nothing below is under the pointer while the dialog is open
   dialogs_.open(std::move(dialog));
   updatePointer();
+}
+
+void MainWindow::chooseFolder() {
+  auto chooser = std::make_unique<FolderChooser>(style_, folderPlaces(), folderLister_);
+  chooser->onChosen = [this](const std::string& path) { scanPath(path); };
+  openDialog(std::move(chooser));
 }
 
 void MainWindow::showMessage(const std::string& title, const std::string& text) {

@@ -7,6 +7,7 @@
 #include "app/capture_countdown.h"
 #include "app/commands.h"
 #include "app/dialog_layer.h"
+#include "app/folder_lister.h"
 #include "app/kind_colours.h"
 #include "app/measure.h"
 #include "app/refresh_pacer.h"
@@ -67,6 +68,7 @@ class MainWindow {
   void escape();
   void perform(Command command);
   void openDialog(std::unique_ptr<Dialog> dialog);
+  void chooseFolder();
   void showMessage(const std::string& title, const std::string& text);
   /// Shows the scan as stopped, which it soon will be.
   void stopScan();
@@ -93,6 +95,8 @@ class MainWindow {
   ScanScreen scan_;
   /// What the window shows: one of the two above.
   Screen* screen_ = &welcome_;
+  /// Above the dialogs: a chooser uses it to its end.
+  FolderLister folderLister_;
   DialogLayer dialogs_;
   sizewalk::VolumeMeter meter_;
   VolumeCards volumes_;

@@ -53,6 +53,10 @@ TEST(CaptureFailedMessage, NamesTheFileAsItIs) {
 /// The ground of lists and of the welcome view in the light colours.
 constexpr unsigned long kViewColour = ui::kLightPalette.view & 0xFFFFFF;
 
+// The modifier keys, by the numbers of X11/keysymdef.h.
+constexpr ui::key::Keysym kShiftKey = 0xFFE1;
+constexpr ui::key::Keysym kCtrlKey = 0xFFE3;
+
 /// The map in a frame of a scan, in a window of the first size. What is around it tells how long
 /// the scan took.
 test::Picture mapOf(const std::string& frame) {
@@ -267,6 +271,36 @@ TEST_F(MainWindowTest, ShowsAMessageOverTheWelcomeViewWhenAFolderCannotBeScanned
     user.client.pressKey(ui::key::kEscape);
     user.client.releaseKey(ui::key::kEscape);
     EXPECT_TRUE(eventually([&] { return user.pixel(345, 360) == kViewColour; }));
+    user.close();
+  });
+}
+
+TEST_F(MainWindowTest, ScansTheFolderThatIsChosenFromTheWelcomeView) {
+  test::makeDirectory(home_.path() + "/chosen");
+  runWith([&](User& user) {
+    constexpr unsigned long kPanel = ui::kLightPalette.window & 0xFFFFFF;
+    const auto press = [&](ui::key::Keysym key) {
+      user.client.pressKey(key);
+      user.client.releaseKey(key);
+    };
+    const auto title = [&] {
+      return user.client.textProperty(user.window, "_NET_WM_NAME", "UTF8_STRING");
+    };
+    EXPECT_TRUE(eventually([&] { return user.pixel(195, 360) == kViewColour; }));
+    user.client.focus(user.window);
+    user.client.pressKey(kShiftKey);
+    press(ui::key::kTab);  // backwards, to the last of the controls
+    user.client.releaseKey(kShiftKey);
+    press(ui::key::kReturn);
+    EXPECT_TRUE(eventually([&] { return user.pixel(195, 360) == kPanel; }));
+    press(ui::key::kDown);
+    user.client.pressKey(kCtrlKey);
+    press(ui::key::kReturn);
+    user.client.releaseKey(kCtrlKey);
+    EXPECT_TRUE(eventually([&] {
+      return title() == home_.path() + "/chosen — Heap Gauge · 1.1.1";
+    })) << title();
+    EXPECT_TRUE(eventually([&] { return user.pixel(195, 360) != kPanel; }));
     user.close();
   });
 }
