@@ -1,9 +1,11 @@
 #include "app/scan_controller.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <ctime>
 #include <filesystem>
@@ -82,6 +84,26 @@ TEST_F(Controller, RunsAScanToItsEndAndSumsItUp) {
   EXPECT_GT(summary.integratorElapsedSeconds, 0.0);
   EXPECT_EQ(controller_.scanner()->tree().apparentSize(sizewalk::kRootNode), 1500u);
   EXPECT_GE(progressReports_, 1);
+}
+
+TEST(ControllersThreads, GiveWayToTheThreadOfTheWindow) {
+  const test::PrivateHome home;
+  const TempDirectory dir;
+  writeFile(dir / "file", "x");
+  const int own = getpriority(PRIO_PROCESS, 0);  // on Linux that of the calling thread
+  if (own >= 19) GTEST_SKIP() << "runs at the lowest priority already";
+  std::atomic<int> ofReports{own};
+  std::atomic<int> ofEnd{own};
+  {
+    ScanController controller(
+        [&](const sizewalk::ScanProgress&) { ofReports = getpriority(PRIO_PROCESS, 0); },
+        [&] { ofEnd = getpriority(PRIO_PROCESS, 0); });
+    controller.start(dir.path());
+    while (!controller.finished()) std::this_thread::yield();
+  }
+  EXPECT_GT(ofEnd, own) << "the thread that runs the scan";
+  EXPECT_EQ(ofReports, ofEnd) << "a thread of the walk";
+  EXPECT_EQ(getpriority(PRIO_PROCESS, 0), own);
 }
 
 TEST_F(Controller, TellsItsOwnerOfTheEndAfterTheSummaryIsInPlace) {
