@@ -10,7 +10,9 @@
 #include "app/product.h"
 #include "app/settings.h"
 #include "app/settings_store.h"
+#include "base/utf8.h"
 #include "ui/keys.h"
+#include "ui/text.h"
 
 namespace app {
 
@@ -23,6 +25,8 @@ constexpr double kWidth = 1100;
 constexpr double kHeight = 720;
 constexpr double kMinWidth = 640;
 constexpr double kMinHeight = 420;
+/// Bytes of a path, of which the end is kept: the reason after it is to be seen as well.
+constexpr std::size_t kLongestPathTold = 300;
 
 bool isOn(const Setting& setting) { return SettingsStore::instance().get(setting); }
 
@@ -54,7 +58,12 @@ std::string windowTitle(const std::string& scanPath) {
 }
 
 std::string scanFailureText(const std::string& path, const std::string& reason) {
-  return displayName(path) + " - " + reason;
+  std::string shown = displayName(path);
+  if (shown.size() > kLongestPathTold) {
+    const std::size_t cut = shown.size() - kLongestPathTold;
+    shown = std::string(ui::kEllipsis) + shown.substr(base::characterStart(shown, cut));
+  }
+  return shown + " - " + reason;
 }
 
 std::string captureFailedMessage(const std::string& file) {
@@ -219,7 +228,7 @@ void MainWindow::updatePointer() {
 }
 
 void MainWindow::openDialog(std::unique_ptr<Dialog> dialog) {
-  screen_->leave();  // nothing below is under the pointer while the dialog is open
+  screen_->hide();  // nothing below is pressed or under the pointer while the dialog is open
   dialogs_.open(std::move(dialog));
   updatePointer();
 }
@@ -257,9 +266,11 @@ void MainWindow::motion(const ui::MouseEvent& event) {
 }
 
 void MainWindow::release(const ui::MouseEvent& event) {
-  // A press that opened a dialog is let go below it.
-  screen_->release(event);
-  if (Dialog* dialog = dialogs_.top()) dialog->release(event);
+  if (Dialog* dialog = dialogs_.top()) {
+    dialog->release(event);
+  } else {
+    screen_->release(event);
+  }
   updatePointer();
 }
 
@@ -277,11 +288,19 @@ void MainWindow::leave() {
 }
 
 void MainWindow::key(const ui::KeyEvent& event) {
-  if (Dialog* dialog = dialogs_.top()) {
+  handleKey(event);
+  updatePointer();
+}
+
+void MainWindow::handleKey(const ui::KeyEvent& event) {
+  const auto command = commandFor(event);
+  if (command == Command::Close) {
+    perform(*command);
+  } else if (Dialog* dialog = dialogs_.top()) {
     dialog->key(event);
   } else if (ui::key::plain(event.keysym) == ui::key::kEscape) {
     escape();
-  } else if (const auto command = commandFor(event)) {
+  } else if (command) {
     perform(*command);
   } else {
     screen_->key(event);
@@ -320,7 +339,7 @@ void MainWindow::perform(Command command) {
     case Command::ShowAddedSinceLastScan:
       return setMeasure(measureOf(command));
     case Command::Close:
-      return window_.quit();
+      return window_.close();
   }
 }
 

@@ -65,6 +65,7 @@ class MainWindow {
   void wheel(const ui::MouseEvent& event, int dy);
   void leave();
   void key(const ui::KeyEvent& event);
+  void handleKey(const ui::KeyEvent& event);
   void escape();
   void perform(Command command);
   void openDialog(std::unique_ptr<Dialog> dialog);

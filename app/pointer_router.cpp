@@ -28,12 +28,14 @@ void PointerRouter::enter(std::optional<Index> part) {
 }
 
 std::optional<PointerRouter::Index> PointerRouter::press(const ui::MouseEvent& event) {
+  // A button that goes down twice has come up where nobody told: another client had the pointer.
+  if (buttonsDown_.contains(event.button)) reset();
   if (!held_) {
     held_ = partAt(event.x, event.y);
-    buttonsDown_ = 0;
+    buttonsDown_.clear();
     enter(held_);
   }
-  ++buttonsDown_;
+  buttonsDown_.insert(event.button);
   const std::optional<Index> pressed = held_;
   if (pressed && parts_[*pressed].target.press) parts_[*pressed].target.press(event);
   return pressed;
@@ -47,8 +49,8 @@ void PointerRouter::motion(const ui::MouseEvent& event) {
 
 void PointerRouter::release(const ui::MouseEvent& event) {
   const std::optional<Index> part = held_;
-  buttonsDown_ = std::max(buttonsDown_ - 1, 0);
-  if (buttonsDown_ == 0) held_.reset();
+  buttonsDown_.erase(event.button);
+  if (buttonsDown_.empty()) held_.reset();
   if (part && parts_[*part].target.release) parts_[*part].target.release(event);
 }
 
@@ -63,7 +65,7 @@ void PointerRouter::wheel(const ui::MouseEvent& event, int dy) {
 
 void PointerRouter::reset() {
   const std::optional<Index> held = std::exchange(held_, std::nullopt);
-  buttonsDown_ = 0;
+  buttonsDown_.clear();
   if (held && parts_[*held].target.release) parts_[*held].target.release(kBesideEverything);
   enter(std::nullopt);
 }

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <functional>
 #include <optional>
+#include <set>
 #include <vector>
 
 #include "ui/geometry.h"
@@ -55,9 +56,9 @@ class PointerRouter {
   std::vector<Part> parts_;
   /// The part that the pointer is on.
   std::optional<Index> entered_;
-  /// The part that was pressed, and how many buttons are down since then.
+  /// The part that was pressed, and the buttons that are down since then.
   std::optional<Index> held_;
-  int buttonsDown_ = 0;
+  std::set<int> buttonsDown_;
 };
 
 }  // namespace app

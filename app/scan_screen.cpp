@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "app/format.h"
 #include "ui/keys.h"
 #include "ui/window.h"
 
@@ -26,7 +27,7 @@ ScanScreen::ScanScreen(ui::Connection& connection, const Style& style, KindColou
   addPointerTargets();
   dividers_.onMoved = [this] { layOut(); };
   selection_.onChanged = [this] {
-    outlinesDirty_ = true;
+    selectionDirty_ = true;
     changed();
   };
   focus_.onChanged = [this] { focusChanged(); };
@@ -192,11 +193,13 @@ void ScanScreen::layOut() {
   changed();
 }
 
-bool ScanScreen::prepare() {
+bool ScanScreen::bringUpToDate() {
   const bool looked = std::exchange(treeDirty_, false);
   if (looked) lookAtTree();
   const bool drawn = picture_.update();
-  if (std::exchange(outlinesDirty_, false) || looked || drawn) map_.refresh();
+  const bool selected = std::exchange(selectionDirty_, false);
+  if (selected || looked || drawn) map_.refresh();
+  if (selected || looked) addUpSelection();
   list_.update();
   updateToolbar();
   updateStatus();
@@ -249,13 +252,17 @@ void ScanScreen::updateStatus() {
   statusLine_.setTexts(statusText(status), statusRight());
 }
 
+void ScanScreen::addUpSelection() {
+  selectedSize_ = 0;
+  if (selection_.size() < 2) return;
+  for (const NodeId node : selection_.outermost(*tree_)) {
+    selectedSize_ = sumOfSizes(selectedSize_, measureValue(*tree_, node, measure_));
+  }
+}
+
 std::string ScanScreen::statusRight() const {
   if (selection_.size() > 1) {
-    std::int64_t size = 0;
-    for (const NodeId node : selection_.outermost(*tree_)) {
-      size += measureValue(*tree_, node, measure_);
-    }
-    return selectionText(static_cast<std::int64_t>(selection_.size()), size);
+    return selectionText(static_cast<std::int64_t>(selection_.size()), selectedSize_);
   }
   const auto node = hovered();
   return node ? tree_->path(*node) : std::string();
@@ -328,15 +335,10 @@ bool ScanScreen::key(const ui::KeyEvent& event) {
     cycleKeyboard(event.shift);
     return true;
   }
-  switch (keyboard_) {
-    case Part::List:
-      return list_.key(event, ui::Window::now());
-    case Part::Kinds:
-      return kinds_.key(event);
-    case Part::Map:
-      return map_.key(event);
-  }
-  return false;
+  // What the kinds and the map have no use for, such as letters, is for the list.
+  const bool used = (keyboard_ == Part::Kinds && kinds_.key(event)) ||
+                    (keyboard_ == Part::Map && map_.key(event));
+  return used || list_.key(event, ui::Window::now());
 }
 
 void ScanScreen::tick(std::int64_t nowMs) { map_.tick(nowMs, {0, 0, width_, height_}); }
@@ -365,6 +367,10 @@ void ScanScreen::activate(NodeId node) {
   }
 }
 
-NodeId ScanScreen::target() const { return list_.current().value_or(focus_.current()); }
+NodeId ScanScreen::target() const {
+  if (selection_.size() == 1) return *selection_.nodes().begin();
+  const auto current = list_.current();
+  return current && selection_.contains(*current) ? *current : focus_.current();
+}
 
 }  // namespace app

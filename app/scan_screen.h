@@ -67,8 +67,6 @@ class ScanScreen : public Screen {
   void treeChanged();
 
   void setSize(int width, int height) override;
-  /// Costly when it looked at the tree or made a picture.
-  bool prepare() override;
   void paint(ui::Canvas& canvas) const override;
   void press(const ui::MouseEvent& event) override;
   void motion(const ui::MouseEvent& event) override;
@@ -92,9 +90,13 @@ class ScanScreen : public Screen {
   const KindsTable& kinds() const { return kinds_; }
   const TreemapPicture& picture() const { return picture_; }
   const StatusLine& statusLine() const { return statusLine_; }
-  /// The item that a command without a place of its own is about: the current row of the list, or
-  /// the folder in focus.
+  /// The item that a command without a place of its own is about: the one that is selected, of
+  /// several the current row if it is one of them, else the folder in focus.
   sizewalk::NodeId target() const;
+
+ protected:
+  /// Costly when it looked at the tree or made a picture.
+  bool bringUpToDate() override;
 
  private:
   /// The parts that can have the keyboard, in the order of Tab.
@@ -111,6 +113,7 @@ class ScanScreen : public Screen {
   void updateExtraBlocks();
   void updateToolbar();
   void updateStatus();
+  void addUpSelection();
   std::string statusRight() const;
   std::optional<sizewalk::NodeId> hovered() const;
   void giveKeyboardTo(Part part);
@@ -146,7 +149,10 @@ class ScanScreen : public Screen {
   Part keyboard_ = Part::List;
   // What the next `prepare` has to do.
   bool treeDirty_ = false;
-  bool outlinesDirty_ = false;
+  bool selectionDirty_ = false;
+  /// Of what is selected, nothing counted twice. Adding it up takes as long as the selection is
+  /// large, so not in every frame.
+  std::int64_t selectedSize_ = 0;
   ui::MouseEvent lastPointer_;
 };
 

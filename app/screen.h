@@ -19,8 +19,13 @@ class Screen {
 
   virtual void setSize(int width, int height) = 0;
   /// Brings everything up to date before it is painted. True when that was costly, so that it
-  /// should not be asked for too often.
-  virtual bool prepare() { return false; }
+  /// should not be asked for too often. What changes meanwhile is in that frame, needing no other.
+  bool prepare() {
+    preparing_ = true;
+    const bool costly = bringUpToDate();
+    preparing_ = false;
+    return costly;
+  }
   virtual void paint(ui::Canvas& canvas) const = 0;
 
   virtual void press(const ui::MouseEvent& event) = 0;
@@ -28,7 +33,8 @@ class Screen {
   virtual void release(const ui::MouseEvent& event) = 0;
   /// The pointer left the window.
   virtual void leave() = 0;
-  /// Another screen takes this one's place: nothing is pressed or under the pointer any more.
+  /// Another screen takes this one's place, or a dialog opens over it: nothing is pressed or under
+  /// the pointer any more.
   virtual void hide() = 0;
   /// `dy` steps of the wheel, down when above 0.
   virtual void wheel(const ui::MouseEvent& event, int dy) = 0;
@@ -41,9 +47,13 @@ class Screen {
   virtual ui::PointerShape pointer() const = 0;
 
  protected:
+  virtual bool bringUpToDate() { return false; }
   void changed() const {
-    if (onChanged) onChanged();
+    if (onChanged && !preparing_) onChanged();
   }
+
+ private:
+  bool preparing_ = false;
 };
 
 }  // namespace app

@@ -247,12 +247,22 @@ std::optional<NodeId> TreemapView::firstNode() const {
 void TreemapView::paintSelected(ui::Canvas& canvas) const {
   // Colour by colour: requests of one colour that follow each other are sent as one, and a light
   // line never cuts through the dark one of an item around it.
-  const auto stroke = [&](int inwards, ui::Colour colour) {
-    for (const ui::Rect& outline : selected_) canvas.strokeRect(grown(outline, -inwards), colour);
+  const int thickness = lineWidth();
+  const auto stroke = [&](int line, ui::Colour colour) {
+    for (int i = 0; i < thickness; ++i) {
+      const int inwards = line * thickness + i;
+      for (const ui::Rect& outline : selected_) canvas.strokeRect(grown(outline, -inwards), colour);
+    }
   };
   stroke(0, kOutlineLight);
   stroke(1, style_.palette().accent);
   stroke(2, kOutlineDark);
+}
+
+void TreemapView::paintRing(ui::Canvas& canvas) const {
+  for (int i = 0; i < lineWidth(); ++i) {
+    canvas.strokeRect(grown(picture_.rect(), -i), style_.palette().accent);
+  }
 }
 
 void TreemapView::paint(ui::Canvas& canvas) const {
@@ -264,10 +274,12 @@ void TreemapView::paint(ui::Canvas& canvas) const {
     ui::Rect outline = pixelRect(hoveredBlock_->rect);
     outline.x += place.x;
     outline.y += place.y;
-    canvas.strokeRect(grown(outline, 1), kOutlineDark);
-    canvas.strokeRect(outline, kOutlineLight);
+    for (int i = 0; i < lineWidth(); ++i) {
+      canvas.strokeRect(grown(outline, i + 1), kOutlineDark);
+      canvas.strokeRect(grown(outline, -i), kOutlineLight);
+    }
   }
-  if (focused_) canvas.strokeRect(place, style_.palette().accent);
+  if (focused_) paintRing(canvas);
   canvas.popClip();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -73,7 +74,9 @@ class TreemapView {
   /// The next item on that side of a place, past all that is no item.
   std::optional<sizewalk::NodeId> nodeBeyond(const ui::Rect& rect, int dx, int dy) const;
   std::optional<sizewalk::NodeId> firstNode() const;
+  int lineWidth() const { return std::max(1, style_.scaled(1)); }
   void paintSelected(ui::Canvas& canvas) const;
+  void paintRing(ui::Canvas& canvas) const;
   void changed() const;
 
   struct Pointer {

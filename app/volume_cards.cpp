@@ -1,5 +1,6 @@
 #include "app/volume_cards.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "app/format.h"

@@ -80,6 +80,9 @@ class Window {
 
   /// Handles tasks, events, ticks and repaints until `quit` or an accepted close.
   void run();
+  /// Does what the close button of the window manager does: asks `onCloseQuery`, and unless that
+  /// says no calls `onClose` and has `run` return.
+  void close();
   /// Has `run` return once what is being called has returned.
   void quit();
 
@@ -110,7 +113,6 @@ class Window {
   bool fitBackBuffer();
   void waitForWork();
   void resized(int width, int height);
-  void closeAsked();
 
   Connection& connection_;
   std::unique_ptr<Native> native_;

@@ -52,7 +52,7 @@ void Window::resized(int width, int height) {
   needsRedraw_ = true;
 }
 
-void Window::closeAsked() {
+void Window::close() {
   if (onCloseQuery && !onCloseQuery()) return;
   if (onClose) onClose();
   running_ = false;
@@ -88,7 +88,7 @@ void Window::Native::dispatch(XEvent& event) {
 }
 
 void Window::Native::handleClientMessage(const XClientMessageEvent& event) {
-  if (static_cast<Atom>(event.data.l[0]) == wmDeleteWindow) owner.closeAsked();
+  if (static_cast<Atom>(event.data.l[0]) == wmDeleteWindow) owner.close();
 }
 
 void Window::Native::handleKey(XKeyEvent& event) {
