@@ -46,6 +46,7 @@ void Dialog::setButtons(std::vector<DialogButton> buttons) {
 
 void Dialog::giveKeyboardTo(int control) {
   focused_ = control;
+  keyboardMoved();
   changed();
 }
 

@@ -73,6 +73,8 @@ class Dialog {
   virtual bool act(int /*control*/) { return false; }
   virtual void cancel() { close(); }
   virtual void pressedOutside() {}
+  /// `focused` is another control now.
+  virtual void keyboardMoved() {}
 
   /// The buttons from left to right.
   void setButtons(std::vector<DialogButton> buttons);
