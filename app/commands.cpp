@@ -14,7 +14,7 @@ struct Shortcut {
   Command command;
 };
 
-// Letters stand in lower case: Shift and Caps Lock make no difference.
+// Letters stand in lower case: Caps Lock makes no difference, nor does Shift, but for F10.
 constexpr Shortcut kShortcuts[] = {
     {'o', true, Command::LeaveScan},
     {'r', true, Command::Rescan},
@@ -29,6 +29,8 @@ constexpr Shortcut kShortcuts[] = {
     {'2', true, Command::ShowAddedLastMonth},
     {'3', true, Command::ShowAddedLastSixMonths},
     {'4', true, Command::ShowAddedSinceLastScan},
+    {ui::key::kF10, false, Command::OpenMenu},
+    {',', true, Command::OpenSettings},
     {'q', true, Command::Close},
     {'w', true, Command::Close},
 };
@@ -41,14 +43,28 @@ Keysym lowered(Keysym keysym) {
 
 std::optional<Command> commandFor(const ui::KeyEvent& event) {
   const Keysym keysym = lowered(ui::key::plain(event.keysym));
+  // The context menu, which is up to the view with the keyboard.
+  if (keysym == ui::key::kF10 && event.shift) return std::nullopt;
   for (const Shortcut& shortcut : kShortcuts) {
     if (shortcut.keysym == keysym && shortcut.ctrl == event.ctrl) return shortcut.command;
   }
   return std::nullopt;
 }
 
+Command commandThatShows(Measure measure) {
+  return static_cast<Command>(static_cast<int>(Command::ShowCurrentSize) +
+                              static_cast<int>(measure));
+}
+
+Measure measureOf(Command command) {
+  return static_cast<Measure>(static_cast<int>(command) -
+                              static_cast<int>(Command::ShowCurrentSize));
+}
+
 bool isEnabled(Command command, const CommandState& state) {
   switch (command) {
+    case Command::OpenMenu:
+    case Command::OpenSettings:
     case Command::Close:
       return true;
     case Command::StopScan:

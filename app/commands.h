@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 
+#include "app/measure.h"
 #include "ui/input.h"
 
 namespace app {
@@ -22,6 +23,8 @@ enum class Command : std::uint8_t {
   ShowAddedLastMonth,
   ShowAddedLastSixMonths,
   ShowAddedSinceLastScan,
+  OpenMenu,
+  OpenSettings,
   Close,
 };
 
@@ -34,6 +37,11 @@ struct CommandState {
   bool scanning = false;
   bool canGoOut = false;
 };
+
+/// The command that has the views show `measure`.
+Command commandThatShows(Measure measure);
+/// What a command shows that is one of those.
+Measure measureOf(Command command);
 
 bool isEnabled(Command command, const CommandState& state);
 

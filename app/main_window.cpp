@@ -6,9 +6,11 @@
 #include "app/folder_chooser.h"
 #include "app/folder_places.h"
 #include "app/format.h"
+#include "app/menus.h"
 #include "app/message_dialog.h"
 #include "app/product.h"
 #include "app/settings.h"
+#include "app/settings_dialog.h"
 #include "app/settings_store.h"
 #include "base/utf8.h"
 #include "ui/keys.h"
@@ -44,11 +46,6 @@ ScanStatus statusOf(const ScanSummary& summary) {
           .hardLinkBytes = static_cast<std::int64_t>(summary.hardLinkBytes),
           .unreadable = static_cast<std::int64_t>(summary.errors),
           .stopped = summary.cancelled};
-}
-
-Measure measureOf(Command command) {
-  const int first = static_cast<int>(Command::ShowCurrentSize);
-  return static_cast<Measure>(static_cast<int>(command) - first);
 }
 }  // namespace
 
@@ -96,6 +93,14 @@ void MainWindow::connectScreens() {
   scan_.onChanged = [this] { window_.invalidate(); };
   dialogs_.onChanged = [this] { window_.invalidate(); };
   scan_.onCommand = [this](Command command) { perform(command); };
+  const auto hangMenu = [this](const ui::Rect& button) {
+    showApplicationMenu(button.x, button.y + button.h);
+  };
+  welcome_.onAppMenu = hangMenu;
+  scan_.onAppMenu = hangMenu;
+  scan_.onMeasureMenu = [this](const ui::Rect& button) {
+    showMetricMenu(button.x, button.y + button.h);
+  };
 }
 
 void MainWindow::connectInput() {
@@ -103,6 +108,7 @@ void MainWindow::connectInput() {
   window_.onPaint = [this](ui::Canvas& canvas) {
     screen_->paint(canvas);
     dialogs_.paint(canvas);
+    if (menu_) menu_->paint(canvas);
   };
   window_.onResize = [this](int width, int height) { resize(width, height); };
   window_.onPress = [this](const ui::MouseEvent& event) { press(event); };
@@ -135,6 +141,7 @@ bool MainWindow::create() {
 }
 
 void MainWindow::show(Screen& screen) {
+  closeMenu();
   if (screen_ != &screen) screen_->hide();
   screen_ = &screen;
   if (&screen == &welcome_) refreshVolumes();
@@ -218,16 +225,19 @@ void MainWindow::prepareFrame() {
 }
 
 void MainWindow::resize(int width, int height) {
+  closeMenu();
   welcome_.setSize(width, height);
   scan_.setSize(width, height);
   dialogs_.setSize(width, height);
 }
 
 void MainWindow::updatePointer() {
-  window_.setPointer(dialogs_.empty() ? screen_->pointer() : ui::PointerShape::Arrow);
+  const bool covered = menu_ || !dialogs_.empty();
+  window_.setPointer(covered ? ui::PointerShape::Arrow : screen_->pointer());
 }
 
 void MainWindow::openDialog(std::unique_ptr<Dialog> dialog) {
+  closeMenu();
   screen_->hide();  // nothing below is pressed or under the pointer while the dialog is open
   dialogs_.open(std::move(dialog));
   updatePointer();
@@ -239,6 +249,41 @@ void MainWindow::chooseFolder() {
   openDialog(std::move(chooser));
 }
 
+void MainWindow::openSettings() {
+  auto dialog = std::make_unique<SettingsDialog>(connection_, style_, SettingsStore::instance());
+  dialog->onSettingsChanged = [this] { applySettings(); };
+  openDialog(std::move(dialog));
+}
+
+void MainWindow::showMetricMenu(int x, int y) {
+  openMenu(measureMenu(measure_.measure, [this](Command command) { perform(command); }), x, y);
+}
+
+void MainWindow::showApplicationMenu(int x, int y) {
+  openMenu(applicationMenu(commandState(), [this](Command command) { perform(command); }), x, y);
+}
+
+void MainWindow::openMenu(std::vector<MenuEntry> entries, int x, int y) {
+  screen_->hide();  // nothing below is pressed or under the pointer while the menu is open
+  menu_ = std::make_unique<PopupMenu>(style_, std::move(entries));
+  menu_->onChanged = [this] { window_.invalidate(); };
+  menu_->onClosed = [this] { closeMenu(); };
+  menu_->place(x, y, window_.width(), window_.height());
+  updatePointer();
+}
+
+void MainWindow::closeMenu() {
+  if (!menu_) return;
+  menu_.reset();
+  window_.invalidate();
+}
+
+void MainWindow::openMenuByKey() {
+  const ui::Rect button = screen_->menuButton();
+  showApplicationMenu(button.x, button.y + button.h);
+  menu_->goToFirst();
+}
+
 void MainWindow::showMessage(const std::string& title, const std::string& text) {
   openDialog(std::make_unique<MessageDialog>(connection_, style_, title, text, okButton()));
 }
@@ -248,7 +293,9 @@ void MainWindow::updateTitle() {
 }
 
 void MainWindow::press(const ui::MouseEvent& event) {
-  if (Dialog* dialog = dialogs_.top()) {
+  if (menu_) {
+    menu_->press(event);
+  } else if (Dialog* dialog = dialogs_.top()) {
     dialog->press(event);
   } else {
     screen_->press(event);
@@ -257,7 +304,9 @@ void MainWindow::press(const ui::MouseEvent& event) {
 }
 
 void MainWindow::motion(const ui::MouseEvent& event) {
-  if (Dialog* dialog = dialogs_.top()) {
+  if (menu_) {
+    menu_->motion(event);
+  } else if (Dialog* dialog = dialogs_.top()) {
     dialog->motion(event);
   } else {
     screen_->motion(event);
@@ -266,7 +315,9 @@ void MainWindow::motion(const ui::MouseEvent& event) {
 }
 
 void MainWindow::release(const ui::MouseEvent& event) {
-  if (Dialog* dialog = dialogs_.top()) {
+  if (menu_) {
+    menu_->release(event);
+  } else if (Dialog* dialog = dialogs_.top()) {
     dialog->release(event);
   } else {
     screen_->release(event);
@@ -275,7 +326,9 @@ void MainWindow::release(const ui::MouseEvent& event) {
 }
 
 void MainWindow::wheel(const ui::MouseEvent& event, int dy) {
-  if (Dialog* dialog = dialogs_.top()) {
+  if (menu_) {
+    menu_->wheel(event, dy);
+  } else if (Dialog* dialog = dialogs_.top()) {
     dialog->wheel(event, dy);
   } else {
     screen_->wheel(event, dy);
@@ -285,6 +338,7 @@ void MainWindow::wheel(const ui::MouseEvent& event, int dy) {
 void MainWindow::leave() {
   screen_->leave();
   if (Dialog* dialog = dialogs_.top()) dialog->leave();
+  if (menu_) menu_->leave();
 }
 
 void MainWindow::key(const ui::KeyEvent& event) {
@@ -296,6 +350,8 @@ void MainWindow::handleKey(const ui::KeyEvent& event) {
   const auto command = commandFor(event);
   if (command == Command::Close) {
     perform(*command);
+  } else if (menu_) {
+    menu_->key(event);
   } else if (Dialog* dialog = dialogs_.top()) {
     dialog->key(event);
   } else if (ui::key::plain(event.keysym) == ui::key::kEscape) {
@@ -311,11 +367,14 @@ void MainWindow::escape() {
   if (!screen_->dismiss()) perform(Command::StopScan);
 }
 
+CommandState MainWindow::commandState() const {
+  return {.scanShown = scanShown(),
+          .scanning = scanShown() && !endShown_,
+          .canGoOut = scan_.focus().canGoOut()};
+}
+
 void MainWindow::perform(Command command) {
-  const CommandState state = {.scanShown = scanShown(),
-                              .scanning = scanShown() && !endShown_,
-                              .canGoOut = scan_.focus().canGoOut()};
-  if (!isEnabled(command, state)) return;
+  if (!isEnabled(command, commandState())) return;
   switch (command) {
     case Command::LeaveScan:
       return showWelcome();
@@ -338,6 +397,10 @@ void MainWindow::perform(Command command) {
     case Command::ShowAddedLastSixMonths:
     case Command::ShowAddedSinceLastScan:
       return setMeasure(measureOf(command));
+    case Command::OpenMenu:
+      return openMenuByKey();
+    case Command::OpenSettings:
+      return openSettings();
     case Command::Close:
       return window_.close();
   }

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "app/capture_countdown.h"
 #include "app/commands.h"
@@ -10,6 +11,7 @@
 #include "app/folder_lister.h"
 #include "app/kind_colours.h"
 #include "app/measure.h"
+#include "app/popup_menu.h"
 #include "app/refresh_pacer.h"
 #include "app/scan_controller.h"
 #include "app/scan_screen.h"
@@ -68,11 +70,19 @@ class MainWindow {
   void handleKey(const ui::KeyEvent& event);
   void escape();
   void perform(Command command);
+  CommandState commandState() const;
   void openDialog(std::unique_ptr<Dialog> dialog);
   void chooseFolder();
-  void showMessage(const std::string& title, const std::string& text);
   /// Shows the scan as stopped, which it soon will be.
   void stopScan();
+  void openSettings();
+  void showMessage(const std::string& title, const std::string& text);
+  /// The menus hang from a place of the window.
+  void showMetricMenu(int x, int y);
+  void showApplicationMenu(int x, int y);
+  void openMenu(std::vector<MenuEntry> entries, int x, int y);
+  void closeMenu();
+  void openMenuByKey();
   void copyPath();
   void setMeasure(Measure measure);
 
@@ -99,6 +109,8 @@ class MainWindow {
   /// Above the dialogs: a chooser uses it to its end.
   FolderLister folderLister_;
   DialogLayer dialogs_;
+  /// Above the dialogs; null when none is open.
+  std::unique_ptr<PopupMenu> menu_;
   sizewalk::VolumeMeter meter_;
   VolumeCards volumes_;
   std::int64_t nextVolumes_ = 0;  // when they are to be listed again, as `ui::Window::now` tells

@@ -79,9 +79,11 @@ class ScanScreen : public Screen {
   void tick(std::int64_t nowMs) override;
   /// A card, then the highlight of a kind.
   bool dismiss() override;
+  ui::Rect menuButton() const override { return toolbar_.layout().menu; }
   ui::PointerShape pointer() const override;
 
   MapFocus& focus() { return focus_; }
+  const MapFocus& focus() const { return focus_; }
   Selection& selection() { return selection_; }
   const FrameLayout& layout() const { return layout_; }
   // The parts, to look at.

@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "ui/canvas.h"
+#include "ui/geometry.h"
 #include "ui/input.h"
 
 namespace app {
@@ -43,6 +44,8 @@ class Screen {
   virtual void tick(std::int64_t /*nowMs*/) {}
   /// Takes back what lies over the screen, one thing at a time; false when there is nothing.
   virtual bool dismiss() { return false; }
+  /// The button that the application menu hangs from.
+  virtual ui::Rect menuButton() const = 0;
   /// The shape of the pointer where it is.
   virtual ui::PointerShape pointer() const = 0;
 

@@ -36,6 +36,7 @@ class WelcomeScreen : public Screen {
   void hide() override { pointers_.reset(); }
   void wheel(const ui::MouseEvent& /*event*/, int /*dy*/) override {}
   bool key(const ui::KeyEvent& event) override;
+  ui::Rect menuButton() const override { return toolbar_.layout().menu; }
   ui::PointerShape pointer() const override { return ui::PointerShape::Arrow; }
 
   const WelcomeView& view() const { return view_; }

@@ -25,6 +25,8 @@ TEST(CommandFor, KnowsTheShortcuts) {
   EXPECT_EQ(commandOf('2', true), Command::ShowAddedLastMonth);
   EXPECT_EQ(commandOf('3', true), Command::ShowAddedLastSixMonths);
   EXPECT_EQ(commandOf('4', true), Command::ShowAddedSinceLastScan);
+  EXPECT_EQ(commandOf(ui::key::kF10), Command::OpenMenu);
+  EXPECT_EQ(commandOf(',', true), Command::OpenSettings);
   EXPECT_EQ(commandOf('q', true), Command::Close);
   EXPECT_EQ(commandOf('w', true), Command::Close);
 }
@@ -39,10 +41,25 @@ TEST(CommandFor, LeavesOtherKeysToTheViews) {
   EXPECT_EQ(commandOf('x', true), std::nullopt);
   EXPECT_EQ(commandOf(ui::key::kUp), std::nullopt);
   EXPECT_EQ(commandOf(ui::key::kF5, true), std::nullopt);
+  EXPECT_EQ(commandOf(','), std::nullopt);
 }
 
-TEST(IsEnabled, OnlyClosingMakesSenseWithoutAScan) {
+TEST(CommandFor, LeavesTheKeyOfTheContextMenuToTheViews) {
+  EXPECT_EQ(commandFor({.keysym = ui::key::kF10, .text = {}, .shift = true}), std::nullopt);
+}
+
+TEST(CommandThatShows, IsTheOneOfTheMeasure) {
+  EXPECT_EQ(commandThatShows(Measure::CurrentSize), Command::ShowCurrentSize);
+  EXPECT_EQ(commandThatShows(Measure::AddedLastMonth), Command::ShowAddedLastMonth);
+  EXPECT_EQ(commandThatShows(Measure::AddedSinceLastScan), Command::ShowAddedSinceLastScan);
+  EXPECT_EQ(measureOf(Command::ShowCurrentSize), Measure::CurrentSize);
+  EXPECT_EQ(measureOf(Command::ShowAddedLastSixMonths), Measure::AddedLastSixMonths);
+}
+
+TEST(IsEnabled, OnlyClosingAndSettingsMakeSenseWithoutAScan) {
   EXPECT_TRUE(isEnabled(Command::Close, {}));
+  EXPECT_TRUE(isEnabled(Command::OpenMenu, {}));
+  EXPECT_TRUE(isEnabled(Command::OpenSettings, {}));
   EXPECT_FALSE(isEnabled(Command::LeaveScan, {}));
   EXPECT_FALSE(isEnabled(Command::Rescan, {}));
   EXPECT_FALSE(isEnabled(Command::StopScan, {.scanning = true}));

@@ -1,0 +1,112 @@
+#include "app/menus.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace app {
+namespace {
+
+constexpr CommandState kWithScan = {.scanShown = true};
+
+/// The labels, "-" for a separator, in brackets what cannot be chosen.
+std::vector<std::string> shown(const std::vector<MenuEntry>& entries) {
+  std::vector<std::string> labels;
+  for (const MenuEntry& entry : entries) {
+    if (entry.separates()) {
+      labels.emplace_back("-");
+    } else {
+      labels.push_back(entry.canBeChosen() ? entry.label : "(" + entry.label + ")");
+    }
+  }
+  return labels;
+}
+
+using Labels = std::vector<std::string>;
+
+MenuEntry entry(const std::string& label, bool enabled = true) {
+  return {.label = label, .enabled = enabled, .action = [] {}};
+}
+
+TEST(MenuEntry, CannotBeChosenWhenItIsDisabledOrSeparatesOrDoesNothing) {
+  EXPECT_TRUE(entry("a").canBeChosen());
+  EXPECT_FALSE(entry("a", false).canBeChosen());
+  EXPECT_FALSE(entry("").canBeChosen());
+  EXPECT_FALSE((MenuEntry{.label = "a", .action = {}}).canBeChosen());
+}
+
+TEST(NextEntry, SkipsWhatCannotBeChosen) {
+  const std::vector<MenuEntry> entries = {entry("a"), {}, entry("b", false), entry("c")};
+  EXPECT_EQ(nextEntry(entries, 0, MenuStep::Down), 3u);
+  EXPECT_EQ(nextEntry(entries, 3, MenuStep::Up), 0u);
+}
+
+TEST(NextEntry, GoesOnFromTheOtherEnd) {
+  const std::vector<MenuEntry> entries = {entry("a"), entry("b"), entry("c", false)};
+  EXPECT_EQ(nextEntry(entries, 1, MenuStep::Down), 0u);
+  EXPECT_EQ(nextEntry(entries, 0, MenuStep::Up), 1u);
+}
+
+TEST(NextEntry, BeginsAtAnEnd) {
+  const std::vector<MenuEntry> entries = {{}, entry("a"), entry("b"), entry("c", false)};
+  EXPECT_EQ(nextEntry(entries, std::nullopt, MenuStep::Down), 1u);
+  EXPECT_EQ(nextEntry(entries, std::nullopt, MenuStep::Up), 2u);
+}
+
+TEST(NextEntry, IsTheSameAgainWhenThereIsNoOther) {
+  const std::vector<MenuEntry> entries = {entry("a", false), entry("b")};
+  EXPECT_EQ(nextEntry(entries, 1, MenuStep::Down), 1u);
+  EXPECT_EQ(nextEntry(entries, 1, MenuStep::Up), 1u);
+}
+
+TEST(NextEntry, IsNoneWhereNothingCanBeChosen) {
+  EXPECT_EQ(nextEntry({}, std::nullopt, MenuStep::Down), std::nullopt);
+  const std::vector<MenuEntry> entries = {entry("a", false), {}};
+  EXPECT_EQ(nextEntry(entries, std::nullopt, MenuStep::Up), std::nullopt);
+}
+
+TEST(ApplicationMenu, OffersItsEntriesWhileAScanIsShown) {
+  EXPECT_EQ(shown(applicationMenu(kWithScan, {})),
+            (Labels{"Open…", "Rescan", "-", "Copy Path", "-", "Settings…"}));
+}
+
+TEST(ApplicationMenu, OffersOnlySettingsBeforeAnyScan) {
+  EXPECT_EQ(shown(applicationMenu({}, {})),
+            (Labels{"(Open…)", "(Rescan)", "-", "(Copy Path)", "-", "Settings…"}));
+}
+
+TEST(ApplicationMenu, PerformsCommands) {
+  std::vector<Command> performed;
+  const auto perform = [&](Command command) { performed.push_back(command); };
+  for (const MenuEntry& entry : applicationMenu(kWithScan, perform)) {
+    if (entry.canBeChosen()) entry.action();
+  }
+  EXPECT_EQ(performed, (std::vector<Command>{Command::LeaveScan, Command::Rescan, Command::CopyPath,
+                                             Command::OpenSettings}));
+}
+
+TEST(MeasureMenu, TicksTheCurrentMeasure) {
+  std::vector<std::pair<std::string, bool>> entries;
+  for (const MenuEntry& entry : measureMenu(Measure::AddedLastSixMonths, {})) {
+    entries.emplace_back(entry.label, entry.ticked);
+  }
+  EXPECT_EQ(entries,
+            (std::vector<std::pair<std::string, bool>>{{"Current size", false},
+                                                       {"Added in the last month", false},
+                                                       {"Added in the last six months", true},
+                                                       {"Added since last scan", false}}));
+}
+
+TEST(MeasureMenu, HasTheViewsShowTheMeasureThatIsChosen) {
+  std::vector<Command> performed;
+  const auto perform = [&](Command command) { performed.push_back(command); };
+  for (const MenuEntry& entry : measureMenu(Measure::CurrentSize, perform)) entry.action();
+  EXPECT_EQ(performed, (std::vector<Command>{Command::ShowCurrentSize, Command::ShowAddedLastMonth,
+                                             Command::ShowAddedLastSixMonths,
+                                             Command::ShowAddedSinceLastScan}));
+}
+
+}  // namespace
+}  // namespace app
