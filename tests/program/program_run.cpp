@@ -4,6 +4,10 @@
 
 namespace test {
 
+namespace {
+constexpr unsigned long kControl = 0xFFE3;
+}  // namespace
+
 std::vector<std::string> programWith(std::vector<std::string> arguments) {
   arguments.insert(arguments.begin(), HEAPGAUGE_PROGRAM);
   return arguments;
@@ -25,6 +29,25 @@ Running::Running(const std::vector<std::string>& arguments)
 std::pair<unsigned long, unsigned long> Running::leastSize() {
   const auto hints = client_.longProperty(window_, "WM_NORMAL_HINTS");
   return hints.size() < 7 ? std::pair(0ul, 0ul) : std::pair(hints[5], hints[6]);
+}
+
+void Running::key(unsigned long keysym) {
+  client_.focus(window_);
+  client_.pressKey(keysym);
+  client_.releaseKey(keysym);
+}
+
+void Running::ctrlKey(unsigned long keysym) {
+  client_.focus(window_);
+  client_.pressKey(kControl);
+  key(keysym);
+  client_.releaseKey(kControl);
+}
+
+void Running::click(int x, int y) {
+  client_.movePointer(x, y);
+  client_.pressButton(1);
+  client_.releaseButton(1);
 }
 
 int Running::close() {

@@ -40,6 +40,14 @@ class Running {
   std::string plainTitle() { return client_.textProperty(window_, "WM_NAME", "STRING"); }
   /// Least width and height as the window manager is told.
   std::pair<unsigned long, unsigned long> leastSize();
+  /// The colour on the screen at a place of the window, 0xRRGGBB.
+  unsigned long pixel(int x, int y) { return client_.screenPixel(window_, x, y); }
+  /// Presses a key and lets it go.
+  void key(unsigned long keysym);
+  /// The same while Control is held.
+  void ctrlKey(unsigned long keysym);
+  /// Presses the left button at a place of the window and lets it go.
+  void click(int x, int y);
   /// Presses the close button; the exit status, -2 when the program does not end.
   int close();
   std::string errors() const { return readFile(dir_ / "errors"); }
