@@ -27,7 +27,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr int kWidth = 1920;
 constexpr int kHeight = 1080;
-constexpr int kMotions = 1000;   // at least, in either state
+constexpr int kMotions = 600;    // at least, in either state
 constexpr double kReportMs = 8;  // 125 Hz
 constexpr unsigned long kF5 = 0xFFC2;
 

@@ -14,6 +14,7 @@ packages() {
         fonts-noto-color-emoji
       ;;
     debian-screenshots) echo xdotool fonts-noto-color-emoji ;;
+    debian-bench) echo libxtst-dev ;;
     fedora-run)
       echo gcc-c++ cmake ninja-build pkgconf-pkg-config libX11-devel libXrender-devel libXft-devel \
         fontconfig-devel libpng-devel dejavu-sans-fonts xorg-x11-server-Xvfb xdpyinfo netpbm-progs
@@ -23,12 +24,14 @@ packages() {
         google-noto-color-emoji-fonts
       ;;
     fedora-screenshots) echo xdotool google-noto-color-emoji-fonts ;;
+    fedora-bench) echo libXtst-devel ;;
     arch-run)
       echo gcc cmake ninja pkgconf libx11 libxrender libxft fontconfig libpng ttf-dejavu \
         xorg-server-xvfb xorg-xdpyinfo netpbm
       ;;
     arch-test) echo gtest libxtst clang shellcheck ccache xclip openbox noto-fonts-emoji ;;
     arch-screenshots) echo xdotool noto-fonts-emoji ;;
+    arch-bench) echo libxtst ;;
     suse-run)
       echo gcc-c++ cmake ninja pkgconf-pkg-config libX11-devel libXrender-devel libXft-devel \
         fontconfig-devel libpng16-devel dejavu-fonts xorg-x11-server-Xvfb xdpyinfo netpbm
@@ -37,6 +40,7 @@ packages() {
       echo gtest libXtst-devel clang ShellCheck ccache xclip openbox \
         google-noto-coloremoji-fonts
       ;;
+    suse-bench) echo libXtst-devel ;;
     suse-screenshots) echo xdotool google-noto-coloremoji-fonts ;;
   esac
 }
@@ -69,6 +73,7 @@ requirements() {
         Xvfb xdpyinfo pnmtopng
       ;;
     test) echo pc:gtest pc:xtst clang++ shellcheck ccache xclip openbox ;;
+    bench) echo pc:xtst ;;
     screenshots) echo xdotool ;;
   esac
 }
