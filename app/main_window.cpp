@@ -348,7 +348,8 @@ void MainWindow::key(const ui::KeyEvent& event) {
 
 void MainWindow::handleKey(const ui::KeyEvent& event) {
   const auto command = commandFor(event);
-  if (command == Command::Close) {
+  const bool covered = menu_ || !dialogs_.empty();
+  if (command && (!covered || command == Command::Close)) {
     perform(*command);
   } else if (menu_) {
     menu_->key(event);
@@ -356,8 +357,6 @@ void MainWindow::handleKey(const ui::KeyEvent& event) {
     dialog->key(event);
   } else if (ui::key::plain(event.keysym) == ui::key::kEscape) {
     escape();
-  } else if (command) {
-    perform(*command);
   } else {
     screen_->key(event);
   }

@@ -1,7 +1,7 @@
 #pragma once
 
 // Xft's own name for its font type; its header would bring in Xlib.
-struct _XftFont;
+struct _XftFont;  // NOLINT(bugprone-reserved-identifier)
 
 namespace ui {
 

@@ -58,7 +58,7 @@ std::string shortenedAtEnd(std::string_view text, int width, const MeasureText& 
 }
 
 std::string shortenedAtStart(std::string_view text, int width, const MeasureText& measure) {
-  const std::string valid = base::withReplacements(text);
+  std::string valid = base::withReplacements(text);
   if (measure(valid) <= width) return valid;
   const int available = besideEllipsis(width, measure);
   if (available < 1) return {};

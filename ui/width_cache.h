@@ -29,7 +29,7 @@ class WidthCache {
 
  private:
   struct Hash {
-    using is_transparent = void;
+    using is_transparent = void;  // NOLINT(readability-identifier-naming): the library asks for it
     std::size_t operator()(std::string_view text) const {
       return std::hash<std::string_view>{}(text);
     }

@@ -70,14 +70,24 @@ TEST_F(PointerRouterTest, KeepsTheDragWithThePartThatWasPressed) {
 }
 
 TEST_F(PointerRouterTest, EndsADragWithTheLastButton) {
+  const ui::MouseEvent other = {.x = 15, .y = 5, .button = 3};
   router.press(at(5));
-  router.press(at(15));
-  router.release(at(15));
+  router.press(other);
+  router.release(other);
   router.motion(at(15));
   router.release(at(15));
   router.motion(at(15));
   EXPECT_EQ(log, (Log{"a press", "a press", "a release", "a motion", "a release", "a leave",
                       "b motion"}));
+}
+
+TEST_F(PointerRouterTest, IsNotBoundByAReleaseThatNobodyToldOf) {
+  router.press(at(5));
+  router.press(at(15));
+  router.release(at(15));
+  router.motion(at(5));
+  EXPECT_EQ(
+      log, (Log{"a press", "a release", "a leave", "b press", "b release", "b leave", "a motion"}));
 }
 
 TEST_F(PointerRouterTest, ADragThatBeganBesideAllPartsIsNobodys) {
