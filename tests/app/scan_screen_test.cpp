@@ -480,6 +480,48 @@ TEST_F(ScanScreenTest, WaitsForTheFirstNode) {
 
 // Measures and settings.
 
+TEST_F(ScanScreenTest, AsksForNoFrameWhileItPreparesOne) {
+  screen_.treeChanged();
+  changes_ = 0;
+  EXPECT_TRUE(screen_.prepare());
+  EXPECT_EQ(changes_, 0);
+  click(onMap(song_));
+  EXPECT_GT(changes_, 0);
+}
+
+TEST_F(ScanScreenTest, HasCommandsActOnWhatIsSelected) {
+  EXPECT_EQ(screen_.target(), kRootNode);
+  click(onMap(song_));
+  EXPECT_EQ(screen_.target(), song_);
+  wheel(onMap(song_), -1);
+  ASSERT_EQ(focus(), big_);
+  EXPECT_EQ(screen_.target(), song_) << "the list shows the focused folder now";
+  click(inList(photo_), 1, true);
+  EXPECT_EQ(screen_.target(), photo_) << "of several the current row";
+  click(inList(photo_), 1, true);
+  EXPECT_EQ(screen_.target(), song_);
+}
+
+TEST_F(ScanScreenTest, HasTheListTakeTheKeysThatOtherPartsHaveNoUseFor) {
+  click(onMap(song_));
+  ASSERT_TRUE(screen_.key({.keysym = 'p', .text = "p"}));
+  screen_.prepare();
+  EXPECT_EQ(list().current(), photo_);
+}
+
+TEST_F(ScanScreenTest, AddsSizesUpWithinTheirRange) {
+  add(*tree_, Listing(empty_)
+                  .file("a", std::uint64_t{1} << 62)
+                  .file("b", (std::uint64_t{1} << 62) - 1)
+                  .file("c", (std::uint64_t{1} << 62) - 5));
+  screen_.treeChanged();
+  screen_.prepare();
+  const NodeId first = tree_->firstChild(empty_);
+  screen_.selection().replace(Nodes{first, first + 1, first + 2});
+  screen_.prepare();
+  EXPECT_EQ(right(), selectionText(3, INT64_MAX));
+}
+
 TEST_F(ScanScreenTest, SortsByAnotherMeasureAndKeepsTheSelection) {
   click(onMap(song_));
   ASSERT_EQ(listed(), (Nodes{kRootNode, big_, inner_, song_, photo_, empty_, late_}));
