@@ -21,6 +21,6 @@ if(HEAPGAUGE_WARNINGS_AS_ERRORS)
 endif()
 if(HEAPGAUGE_SANITIZE)
   target_compile_options(heapgauge_compiler INTERFACE
-    -fsanitize=${HEAPGAUGE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -O1 -g)
+    -fsanitize=${HEAPGAUGE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -O1 -g1)
   target_link_options(heapgauge_compiler INTERFACE -fsanitize=${HEAPGAUGE_SANITIZE})
 endif()
