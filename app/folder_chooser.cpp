@@ -183,8 +183,10 @@ void FolderChooser::motion(const ui::MouseEvent& event) {
 }
 
 void FolderChooser::release(const ui::MouseEvent& event) {
-  placesColumn_.release();
-  listColumn_.release();
+  if (event.button == kPrimaryButton) {
+    placesColumn_.release();
+    listColumn_.release();
+  }
   Dialog::release(event);  // after which the chooser may be gone
 }
 

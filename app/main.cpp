@@ -19,15 +19,16 @@ int runWindow(const app::CommandLine& command) {
     std::fputs(app::noDisplayMessage().c_str(), stderr);
     return 1;
   }
-  app::MainWindow window(*connection);
-  if (!window.create()) {
+  auto window = std::make_unique<app::MainWindow>(*connection);
+  if (!window->create()) {
+    window.reset();
     std::fputs(app::noWindowMessage().c_str(), stderr);
     return 1;
   }
-  if (single) ui::claimInstance(app::kInstanceNames, *connection, window.xid());
-  if (!command.path.empty()) window.scanPath(command.path);
-  if (!command.capturePath.empty()) window.captureAfter(command.capturePath, command.captureDelay);
-  window.run();
+  if (single) ui::claimInstance(app::kInstanceNames, *connection, window->xid());
+  if (!command.path.empty()) window->scanPath(command.path);
+  if (!command.capturePath.empty()) window->captureAfter(command.capturePath, command.captureDelay);
+  window->run();
   return 0;
 }
 

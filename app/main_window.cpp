@@ -292,7 +292,16 @@ void MainWindow::updateTitle() {
   window_.setTitle(windowTitle(scanShown() ? controller_.path() : std::string()));
 }
 
+const void* MainWindow::inputTarget() const {
+  if (menu_) return menu_.get();
+  if (const Dialog* dialog = dialogs_.top()) return dialog;
+  return screen_;
+}
+
 void MainWindow::press(const ui::MouseEvent& event) {
+  // A quick second press belongs to what took the first one; a menu knows no double presses.
+  if (event.clicks > 1 && !menu_ && inputTarget() != pressTarget_) return;
+  pressTarget_ = inputTarget();
   if (menu_) {
     menu_->press(event);
   } else if (Dialog* dialog = dialogs_.top()) {

@@ -61,6 +61,8 @@ class MainWindow {
   void resize(int width, int height);
   void updatePointer();
   void updateTitle();
+  /// The menu, dialog or screen that has the input; to be compared only.
+  const void* inputTarget() const;
   void press(const ui::MouseEvent& event);
   void motion(const ui::MouseEvent& event);
   void release(const ui::MouseEvent& event);
@@ -111,6 +113,8 @@ class MainWindow {
   DialogLayer dialogs_;
   /// Above the dialogs; null when none is open.
   std::unique_ptr<PopupMenu> menu_;
+  /// What took the last press.
+  const void* pressTarget_ = nullptr;
   sizewalk::VolumeMeter meter_;
   VolumeCards volumes_;
   std::int64_t nextVolumes_ = 0;  // when they are to be listed again, as `ui::Window::now` tells

@@ -154,7 +154,7 @@ void SettingsDialog::motion(const ui::MouseEvent& event) {
 }
 
 void SettingsDialog::release(const ui::MouseEvent& event) {
-  scroller_.release();
+  if (event.button == kPrimaryButton) scroller_.release();
   Dialog::release(event);
 }
 

@@ -137,6 +137,23 @@ TEST_F(ProgramMenus, CloseTheSettingsWithEscapeEnterAndAPressOutside) {
   EXPECT_EQ(settings(), "");
 }
 
+TEST_F(ProgramMenus, KeepKeysAndQuickSecondPressesFromTheScanBelow) {
+  // A double press anywhere on its map would go into the folder.
+  test::writeFile(dir_ / "scanned/inner/file.mp3", std::string(1'000'000, 'x'));
+  test::Running program({dir_ / "scanned"});
+  ASSERT_TRUE(waitForTheScan());
+  const Colours before = settledToolbar(program);
+  program.ctrlKey(',');
+  ASSERT_TRUE(opens(program, kInList));
+  program.ctrlKey('2');
+  program.key(ui::key::kF5);
+  // Outside the panel, over the map: the first press closes the dialog, the second is nobody's.
+  program.click(1050, 650);
+  program.click(1050, 650);
+  ASSERT_TRUE(closes(program, kInList));
+  EXPECT_TRUE(settledToolbar(program) == before);
+}
+
 TEST_F(ProgramMenus, OpenTheSettingsFromTheApplicationMenuByKeys) {
   test::Running program;
   program.key(ui::key::kF10);
