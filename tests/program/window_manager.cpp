@@ -8,6 +8,11 @@
 
 namespace test {
 
+WindowManager::SystemDirectories::SystemDirectories() {
+  environment.set("XDG_CONFIG_DIRS", "/etc/xdg");
+  environment.set("XDG_DATA_DIRS", "/usr/local/share:/usr/share");
+}
+
 WindowManager::WindowManager() : child_({"openbox", "--sm-disable"}) {
   OtherClient client;
   // It says that it is there (_NET_SUPPORTING_WM_CHECK) before it looks after windows.

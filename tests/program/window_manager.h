@@ -13,7 +13,14 @@ class WindowManager {
   WindowManager();
 
  private:
+  /// Where it is installed with its theme, which it does not start without.
+  struct SystemDirectories {
+    SystemDirectories();
+    ScopedEnvironment environment;
+  };
+
   PrivateHome home_;
+  SystemDirectories directories_;
   Child child_;
 };
 
