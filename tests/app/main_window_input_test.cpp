@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <exception>
 #include <functional>
@@ -81,6 +82,13 @@ class User {
   }
   bool comesToMap() {
     return eventually([&] { return seesAMap(); });
+  }
+  /// The picture may be a refresh ahead of the tables beside it.
+  bool comesToBeFilled(const ui::Rect& rect) {
+    return eventually([&] {
+      const Pixels seen = pixels(rect);
+      return std::ranges::adjacent_find(seen, std::not_equal_to()) != seen.end();
+    });
   }
   void moveOntoStatus() { client.movePointer(frame_.status.x + 5, frame_.status.y + 5); }
   unsigned long window() const { return window_; }
@@ -216,6 +224,7 @@ TEST_F(MainWindowInputTest, EndsTheHighlightBeforeItStopsTheScan) {
   runWith([&](User& user) {
     user.moveOntoStatus();
     ASSERT_TRUE(user.comesToMap());
+    ASSERT_TRUE(user.comesToBeFilled(firstRow));
     const Pixels plain = user.map();
     const Pixels scanning = user.toolbar();
     user.click(firstRow);
