@@ -72,15 +72,15 @@ MainWindow::MainWindow(ui::Connection& connection)
       style_(connection, ui::detectPalette()),
       colours_(isOn(setting::kConsistentKindColours)),
       window_(connection),
+      // The tick follows a running scan by itself, so its progress reports go nowhere.
+      controller_({}, [this] { window_.post([this] { showScanEnd(); }); }),
       welcome_(style_, icon_),
-      scan_(connection, style_, colours_),
+      scan_(connection, style_, colours_, [this](ui::Task task) { window_.post(std::move(task)); }),
       folderLister_([this](ui::Task task) { window_.post(std::move(task)); }),
       meter_([this](const std::string& path, const sizewalk::VolumeUsage& usage) {
         window_.post([this, path, usage] { volumeMeasured(path, usage); });
       }),
-      volumes_([this](const std::vector<std::string>& paths) { meter_.measure(paths); }),
-      // The tick follows a running scan by itself, so its progress reports go nowhere.
-      controller_({}, [this] { window_.post([this] { showScanEnd(); }); }) {
+      volumes_([this](const std::vector<std::string>& paths) { meter_.measure(paths); }) {
   connectScreens();
   connectInput();
   applySettings();
@@ -91,6 +91,7 @@ void MainWindow::connectScreens() {
   welcome_.onVolume = [this](const std::string& path) { scanPath(path); };
   welcome_.onChooseFolder = [this] { chooseFolder(); };
   scan_.onChanged = [this] { window_.invalidate(); };
+  scan_.onRendered = [this](RefreshPacer::Clock::duration took) { pacer_.pauseAfter(took); };
   dialogs_.onChanged = [this] { window_.invalidate(); };
   scan_.onCommand = [this](Command command) { perform(command); };
   const auto hangMenu = [this](const ui::Rect& button) {
@@ -185,7 +186,7 @@ void MainWindow::tick() {
   if (!scanShown() && now >= nextVolumes_) refreshVolumes();
   screen_->tick(now);
   if (Dialog* dialog = dialogs_.top()) dialog->tick(now);
-  if (const auto file = captureCountdown_.tick(scanShown() && !endShown_)) {
+  if (const auto file = captureCountdown_.tick(scanShown() && (!endShown_ || scan_.drawing()))) {
     window_.invalidate();
     window_.post([this, path = *file] { capture(path); });
   }
@@ -199,7 +200,8 @@ void MainWindow::capture(const std::string& file) {
 void MainWindow::followScan() {
   if (!scanShown() || controller_.finished()) return;
   const sizewalk::NodeId nodes = controller_.scanner()->tree().nodeCount();
-  if (nodes != shownNodes_ && pacer_.due(RefreshPacer::Clock::now())) {
+  if (nodes == shownNodes_ || scan_.drawing()) return;
+  if (pacer_.due(RefreshPacer::Clock::now())) {
     shownNodes_ = nodes;
     scan_.treeChanged();
   }

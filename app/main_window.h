@@ -104,6 +104,9 @@ class MainWindow {
   MeasureSettings measure_;
   // Above what hands tasks to it, which ends first.
   ui::Window window_;
+  /// Its threads end before the window goes, to which they post; its tree outlives the screen that
+  /// shows it.
+  ScanController controller_;
   WelcomeScreen welcome_;
   ScanScreen scan_;
   /// What the window shows: one of the two above.
@@ -118,8 +121,6 @@ class MainWindow {
   sizewalk::VolumeMeter meter_;
   VolumeCards volumes_;
   std::int64_t nextVolumes_ = 0;  // when they are to be listed again, as `ui::Window::now` tells
-  /// Below `window_`, to which its threads post: they end before it goes.
-  ScanController controller_;
   RefreshPacer pacer_;
   CaptureCountdown captureCountdown_;
   bool endShown_ = false;

@@ -1,5 +1,7 @@
 #include "app/parallel.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <atomic>
 #include <new>
@@ -8,6 +10,13 @@
 #include <vector>
 
 namespace app {
+
+namespace {
+/// A walk has several times as many threads as there are processors, all of them busy where the
+/// storage is quick: a frame, of some 50 ms of work, would get a processor for a tenth of that time
+/// and wait a second.
+constexpr int kNiceness = 10;
+}  // namespace
 
 void forEachOnThreads(std::size_t count, unsigned threads,
                       const std::function<void(std::size_t)>& work) {
@@ -32,5 +41,8 @@ unsigned hardwareThreads() {
   static const unsigned count = std::max(1U, std::thread::hardware_concurrency());
   return count;
 }
+
+// On Linux a thread has a priority of its own, which the threads that it starts take over.
+void giveWayToWindow() { nice(kNiceness); }
 
 }  // namespace app

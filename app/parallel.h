@@ -15,4 +15,8 @@ void forEachOnThreads(std::size_t count, unsigned threads,
 /// Threads that can run at a time here, at least 1.
 unsigned hardwareThreads();
 
+/// Lowers the priority of the calling thread, and of those that it will start, below that of the
+/// window thread.
+void giveWayToWindow();
+
 }  // namespace app

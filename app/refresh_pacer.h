@@ -1,13 +1,14 @@
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
 namespace app {
 
 /// Decides how often the views follow a running scan: as often as they like while making a picture
-/// is quick, and so seldom that it takes no more than a third of the window thread's time when it
-/// is slow.
+/// is quick, and so seldom that it takes no more than a third of the time, on the window thread or
+/// beside it, when it is slow.
 class RefreshPacer {
  public:
   using Clock = std::chrono::steady_clock;
@@ -19,10 +20,11 @@ class RefreshPacer {
   template <typename Refresh>
   void run(Refresh&& refresh) {
     const Clock::time_point start = Clock::now();
-    if (!std::forward<Refresh>(refresh)()) return;
-    const Clock::time_point end = Clock::now();
-    next_ = end + 2 * (end - start);
+    if (std::forward<Refresh>(refresh)()) pauseAfter(Clock::now() - start);
   }
+
+  /// A part of a refresh has ended that took so long.
+  void pauseAfter(Clock::duration took) { next_ = std::max(next_, Clock::now() + 2 * took); }
 
  private:
   Clock::time_point next_{};

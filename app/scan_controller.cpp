@@ -14,6 +14,7 @@
 #include <system_error>
 #include <utility>
 
+#include "app/parallel.h"
 #include "sizewalk/directory_reader.h"
 #include "sizewalk/scan_history.h"
 
@@ -24,8 +25,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using sizewalk::ListingStrategy;
 using sizewalk::TreeScanner;
-
-constexpr int kScanNiceness = 10;
 
 double seconds(Clock::duration duration) { return std::chrono::duration<double>(duration).count(); }
 
@@ -59,11 +58,6 @@ ResolvedFolder resolveFolder(const std::string& path) {
   }
   return {real, sizewalk::birthOrChangeTime(status), 0};
 }
-
-/// Lowers the priority of this thread and of those that it will start. A walk has several times as
-/// many threads as there are processors, all of them busy where the storage is quick: a frame, of
-/// some 50 ms of work, would get a processor for a tenth of that time and wait a second.
-void giveWayToWindow() { nice(kScanNiceness); }
 
 ScanSummary summarise(const TreeScanner& scanner) {
   const sizewalk::ScanTotals totals = scanner.tree().totals();

@@ -11,13 +11,14 @@ namespace app {
 using sizewalk::kRootNode;
 using sizewalk::NodeId;
 
-ScanScreen::ScanScreen(ui::Connection& connection, const Style& style, KindColours& colours)
+ScanScreen::ScanScreen(ui::Connection& connection, const Style& style, KindColours& colours,
+                       BackgroundRender::Post post)
     : style_(style),
       colours_(colours),
       toolbar_(style),
       list_(style, &colours, selection_),
       kinds_(style, &colours),
-      picture_(connection, colours),
+      picture_(connection, colours, std::move(post)),
       map_(style, picture_, focus_, selection_),
       statusLine_(style) {
   connectToolbar();
@@ -70,6 +71,10 @@ void ScanScreen::connectKinds() {
 }
 
 void ScanScreen::connectMap() {
+  picture_.onRendered = [this](BackgroundRender::Duration took) {
+    changed();
+    if (onRendered) onRendered(took);
+  };
   map_.onChanged = [this] { changed(); };
   map_.onHover = [this] { changed(); };
   map_.onPicked = [this](NodeId node) { list_.revealNode(node); };
@@ -141,6 +146,7 @@ void ScanScreen::setMeasure(const MeasureSettings& measure) {
 void ScanScreen::setSettings(const ScanScreenSettings& settings) {
   settings_ = settings;
   colours_.setConsistent(settings.consistentKindColours);
+  picture_.markDirty();
   if (!settings.showKinds) {
     kinds_.clearSelection();
     if (keyboard_ == Part::Kinds) giveKeyboardTo(Part::List);
@@ -212,7 +218,7 @@ void ScanScreen::lookAtTree() {
   kinds_.refresh(*tree_, measure_);
   colours_.setKindSlots(kindSlotsBySize(kindRows(*tree_, measure_, {})));
   updateExtraBlocks();
-  picture_.markDirty();
+  picture_.markOutdated();
 }
 
 void ScanScreen::updateExtraBlocks() {

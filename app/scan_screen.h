@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "app/background_render.h"
 #include "app/commands.h"
 #include "app/dividers.h"
 #include "app/extra_blocks.h"
@@ -52,8 +53,12 @@ class ScanScreen : public Screen {
   /// A file is to be opened.
   std::function<void(sizewalk::NodeId)> onOpenFile;
 
-  /// All outlive the view.
-  ScanScreen(ui::Connection& connection, const Style& style, KindColours& colours);
+  /// A picture of the map was made in the background, taking so long.
+  std::function<void(BackgroundRender::Duration took)> onRendered;
+
+  /// All outlive the view. Without `post` the map is never drawn in the background.
+  ScanScreen(ui::Connection& connection, const Style& style, KindColours& colours,
+             BackgroundRender::Post post = {});
 
   /// Shows `tree`, which outlives being shown, from the scanned folder on; nothing when it is null.
   void show(const sizewalk::FileTree* tree);
@@ -63,8 +68,11 @@ class ScanScreen : public Screen {
   void setScanStatus(const ScanStatus& status);
   /// Of the volume that holds the scanned folder; nothing while that is not known.
   void setVolumeSpace(const std::optional<VolumeSpace>& space);
-  /// The tree has changed: all parts look at it anew with the next frame.
+  /// The tree has changed: all parts look at it anew with the next frame, the map perhaps a little
+  /// later.
   void treeChanged();
+  /// The map is still to show what the tree was when it last changed.
+  bool drawing() const { return treeDirty_ || picture_.drawing(); }
 
   void setSize(int width, int height) override;
   void paint(ui::Canvas& canvas) const override;

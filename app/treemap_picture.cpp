@@ -11,11 +11,24 @@ namespace {
 constexpr ui::Colour kOpaque = 0xFF000000;
 }
 
+TreemapPicture::TreemapPicture(ui::Connection& connection, const KindColours& colours,
+                               BackgroundRender::Post post)
+    : colours_(colours),
+      image_(connection),
+      hasBackground_(static_cast<bool>(post)),
+      background_(std::move(post)) {
+  background_.onRendered = [this](RenderedTreemap picture, BackgroundRender::Duration took) {
+    take(std::move(picture));
+    if (onRendered) onRendered(took);
+  };
+}
+
 void TreemapPicture::show(const sizewalk::FileTree* tree, sizewalk::NodeId focus) {
   focus_ = focus;
   dirty_ = true;
   if (tree == std::exchange(tree_, tree)) return;
-  rendered_ = {};  // its blocks name nodes of the other tree
+  background_.drop();
+  spare_ = std::exchange(rendered_, {});  // its blocks name nodes of the other tree
   image_.clear();
 }
 
@@ -28,7 +41,7 @@ void TreemapPicture::setMeasure(const MeasureSettings& measure) {
 void TreemapPicture::setExtraBlocks(std::vector<ExtraBlock> blocks) {
   if (extraBlocks_ == blocks) return;
   extraBlocks_ = std::move(blocks);
-  dirty_ = true;
+  outdated_ = true;
 }
 
 void TreemapPicture::setHighlight(std::optional<int> kind) {
@@ -41,20 +54,58 @@ bool TreemapPicture::fits() const {
   return rendered_.width == rect_.w && rendered_.height == rect_.h;
 }
 
+bool TreemapPicture::drawing() const {
+  return background_.busy() || (outdated_ && tree_ && !rect_.empty());
+}
+
 bool TreemapPicture::update() {
   if (!tree_ || rect_.empty()) return false;
-  const bool due = dirty_ || !fits();
-  if (due) {
-    // The last picture is given up for the new one: until that is there, one is due.
-    dirty_ = true;
-    rendered_ = renderTreemap(*tree_, focus_, rect_.w, rect_.h, colours_, extraBlocks_, measure_,
-                              std::move(rendered_));
-    dirty_ = false;
-    unsent_ = true;
+  if (dirty_ || !fits()) {
+    renderNow();
+  } else if (outdated_) {
+    renderInBackground();
   }
   if (!std::exchange(unsent_, false)) return false;
   send();
   return true;
+}
+
+void TreemapPicture::renderNow() {
+  // The last picture is given up for the new one: until that is there, one is due.
+  dirty_ = true;
+  RenderedTreemap recycled = std::exchange(rendered_, {});
+  if (recycled.pixels.empty()) recycled = std::exchange(spare_, {});
+  rendered_ = renderTreemap(*tree_, focus_, rect_.w, rect_.h, colours_, extraBlocks_, measure_,
+                            std::move(recycled));
+  dirty_ = false;
+  outdated_ = false;
+  overtaken_ = background_.busy();
+  unsent_ = true;
+}
+
+void TreemapPicture::renderInBackground() {
+  if (background_.busy()) return;
+  outdated_ = false;
+  overtaken_ = false;
+  const bool begun = hasBackground_ && background_.start({.tree = tree_,
+                                                          .root = focus_,
+                                                          .width = rect_.w,
+                                                          .height = rect_.h,
+                                                          .colours = colours_,
+                                                          .extraBlocks = extraBlocks_,
+                                                          .measure = measure_,
+                                                          .recycled = std::exchange(spare_, {})});
+  if (!begun) renderNow();
+}
+
+/// Shows a picture from the background, unless something else is to be seen meanwhile.
+void TreemapPicture::take(RenderedTreemap picture) {
+  if (overtaken_ || dirty_) {
+    spare_ = std::move(picture);
+    return;
+  }
+  spare_ = std::exchange(rendered_, std::move(picture));
+  unsent_ = true;
 }
 
 void TreemapPicture::send() {

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <vector>
 
+#include "app/background_render.h"
 #include "app/kind_colours.h"
 #include "app/measure.h"
 #include "app/treemap_render.h"
@@ -16,30 +18,41 @@
 namespace app {
 
 /// The picture of the focused folder, which the map's view draws its outlines on. Keeps the last
-/// one and makes a new one only when what it shows or its size has changed; its pixels are sent to
-/// the X server once. Window thread only.
+/// one and makes a new one only when what it shows or its size has changed: at once when it is to
+/// show something else, in the background when the tree has only grown; its pixels are sent to the
+/// X server once. Window thread only.
 class TreemapPicture {
  public:
-  /// Both outlive the picture.
-  TreemapPicture(ui::Connection& connection, const KindColours& colours)
-      : colours_(colours), image_(connection) {}
+  /// A picture was made in the background, taking so long: the next `update` shows it.
+  std::function<void(BackgroundRender::Duration took)> onRendered;
+
+  /// Both outlive the picture. Without `post` nothing is made in the background.
+  TreemapPicture(ui::Connection& connection, const KindColours& colours,
+                 BackgroundRender::Post post = {});
 
   /// Shows `focus` of `tree`, or nothing when `tree` is null. The tree outlives being shown. Until
-  /// the next `update` the last picture of that tree stays; that of another one goes at once.
+  /// the next `update` the last picture of that tree stays; that of another one goes at once, for
+  /// which a picture of it that is being made is waited for.
   void show(const sizewalk::FileTree* tree, sizewalk::NodeId focus);
   void setMeasure(const MeasureSettings& measure);
   /// Takes part in every picture from now on, whatever is in focus.
   void setExtraBlocks(std::vector<ExtraBlock> blocks);
   /// Dims every block but those of `kind`; none when there is none.
   void setHighlight(std::optional<int> kind);
-  /// What the map shows has changed: the next `update` makes a new picture.
+  /// Something else is to be seen: the next `update` makes a new picture.
   void markDirty() { dirty_ = true; }
+  /// The tree has changed, or what is beside it: the next `update` begins a new picture. Until it
+  /// is there the last one stays.
+  void markOutdated() { outdated_ = true; }
+  /// A picture is being made in the background, or about to be.
+  bool drawing() const;
 
   /// Gives the picture its place in the window.
   void setRect(const ui::Rect& rect) { rect_ = rect; }
   const ui::Rect& rect() const { return rect_; }
 
-  /// Makes a new picture if one is due. Call it before painting. True when it made one.
+  /// Makes or begins a new picture if one is due, and sends it when it is there. Call it before
+  /// painting. True when it sent one.
   bool update();
   /// Draws the last picture.
   void paint(ui::Canvas& canvas) const;
@@ -50,6 +63,9 @@ class TreemapPicture {
 
  private:
   bool fits() const;
+  void renderNow();
+  void renderInBackground();
+  void take(RenderedTreemap picture);
   void send();
 
   const KindColours& colours_;
@@ -60,11 +76,18 @@ class TreemapPicture {
   std::optional<int> highlight_;
   ui::Rect rect_;
   bool dirty_ = false;
+  bool outdated_ = false;
   /// The pixels with the server are not those to be seen.
   bool unsent_ = false;
   RenderedTreemap rendered_;
+  /// Memory for the next picture; shows nothing.
+  RenderedTreemap spare_;
   ui::ServerImage image_;
   std::vector<std::uint32_t> dimmed_;
+  bool hasBackground_;
+  BackgroundRender background_;
+  /// What is being made in the background shows less than the last picture.
+  bool overtaken_ = false;
 };
 
 }  // namespace app

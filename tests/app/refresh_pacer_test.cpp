@@ -42,6 +42,23 @@ TEST(RefreshPacer, KeepsThePauseWhenNothingWasMade) {
   EXPECT_FALSE(pacer.due(end + milliseconds(99)));
 }
 
+TEST(RefreshPacer, PausesTwiceAsLongAsAPartTookThatHasEnded) {
+  RefreshPacer pacer;
+  const Clock::time_point before = Clock::now();
+  pacer.pauseAfter(milliseconds(50));
+  const Clock::time_point after = Clock::now();
+  EXPECT_FALSE(pacer.due(before + milliseconds(99)));
+  EXPECT_TRUE(pacer.due(after + milliseconds(100)));
+}
+
+TEST(RefreshPacer, KeepsTheLongerPause) {
+  RefreshPacer pacer;
+  const Clock::time_point before = Clock::now();
+  pacer.pauseAfter(milliseconds(50));
+  pacer.pauseAfter(milliseconds(1));
+  EXPECT_FALSE(pacer.due(before + milliseconds(99)));
+}
+
 TEST(RefreshPacer, IsStillDueWhenNothingWasMade) {
   RefreshPacer pacer;
   pacer.run([] {

@@ -2,11 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <limits>
+#include <mutex>
 #include <stdexcept>
+#include <vector>
 
 #include "app/cushion_shading.h"
 #include "tests/app/map_tree.h"
+#include "tests/support/eventually.h"
 #include "tests/ui/window_test_base.h"
 
 namespace app {
@@ -161,6 +165,172 @@ TEST_F(TreemapPictureTest, KeepsItsPictureOfATreeButNotForAnother) {
   EXPECT_TRUE(picture_.update());
   EXPECT_NE(picture_.rendered().blockUnder(0, 0), nullptr);
   picture_.show(nullptr, kRootNode);
+}
+
+/// Pictures of a tree that grows, made in the background; what they post is run when a test says.
+class BackgroundPictureTest : public test::WindowTest {
+ protected:
+  BackgroundPictureTest() {
+    folders_ = test::fillRoot(tree_, {test::file(1000, 5), test::folder(), test::folder()});
+    test::fill(tree_, folders_[0], {test::file(1000, 6)});
+    picture_.setRect(kPlace);
+    picture_.onRendered = [this](BackgroundRender::Duration took) {
+      EXPECT_GT(took.count(), 0);
+      ++told_;
+    };
+    picture_.show(&tree_, kRootNode);
+    picture_.update();
+  }
+
+  void growTree() {
+    test::fill(tree_, folders_[1], {test::file(3000, 7)});
+    picture_.markOutdated();
+  }
+  /// Begins a picture of the grown tree and waits until it is posted.
+  void makeInBackground() {
+    growTree();
+    ASSERT_FALSE(picture_.update()) << "nothing is there to be seen yet";
+    ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
+  }
+  std::size_t tasks() {
+    const std::lock_guard lock(mutex_);
+    return tasks_.size();
+  }
+  void runTasks() {
+    std::vector<std::function<void()>> tasks;
+    {
+      const std::lock_guard lock(mutex_);
+      tasks.swap(tasks_);
+    }
+    for (const auto& task : tasks) task();
+  }
+  /// As it is drawn without a background.
+  std::vector<std::uint32_t> drawnAtOnce(const ui::Rect& place, sizewalk::NodeId focus) {
+    return renderTreemap(tree_, focus, place.w, place.h, colours_, {}, {}).pixels;
+  }
+
+  sizewalk::FileTree tree_{test::mapTreeOptions()};
+  std::vector<sizewalk::NodeId> folders_;
+  KindColours colours_{true};
+  std::mutex mutex_;  // guards the tasks
+  std::vector<std::function<void()>> tasks_;
+  int told_ = 0;
+  TreemapPicture picture_{*connection, colours_, [this](std::function<void()> task) {
+                            const std::lock_guard lock(mutex_);
+                            tasks_.push_back(std::move(task));
+                          }};
+};
+
+TEST_F(BackgroundPictureTest, MakesItsFirstPictureAtOnce) {
+  EXPECT_EQ(picture_.rendered().pixels, drawnAtOnce(kPlace, kRootNode));
+  EXPECT_FALSE(picture_.drawing());
+  EXPECT_EQ(tasks(), 0U);
+}
+
+TEST_F(BackgroundPictureTest, KeepsTheLastPictureUntilThatOfTheGrownTreeIsThere) {
+  const std::vector<std::uint32_t> last = picture_.rendered().pixels;
+  makeInBackground();
+  EXPECT_TRUE(picture_.drawing());
+  EXPECT_EQ(picture_.rendered().pixels, last);
+  EXPECT_FALSE(picture_.update());
+  runTasks();
+  EXPECT_EQ(told_, 1);
+  EXPECT_FALSE(picture_.drawing());
+  EXPECT_NE(picture_.rendered().pixels, last);
+  EXPECT_EQ(picture_.rendered().pixels, drawnAtOnce(kPlace, kRootNode));
+  EXPECT_TRUE(picture_.update()) << "it is to be sent";
+  EXPECT_FALSE(picture_.update());
+}
+
+TEST_F(BackgroundPictureTest, IsDrawingFromTheMomentThatTheTreeHasGrown) {
+  growTree();
+  EXPECT_TRUE(picture_.drawing());
+  picture_.setRect({0, 0, 0, 80});
+  EXPECT_FALSE(picture_.drawing()) << "without area there never is a picture";
+}
+
+TEST_F(BackgroundPictureTest, MakesOneAtATime) {
+  makeInBackground();
+  picture_.markOutdated();
+  EXPECT_FALSE(picture_.update());
+  runTasks();
+  EXPECT_TRUE(picture_.update());
+  EXPECT_TRUE(picture_.drawing()) << "the next has begun";
+  ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
+  runTasks();
+  EXPECT_FALSE(picture_.drawing());
+  EXPECT_EQ(told_, 2);
+}
+
+TEST_F(BackgroundPictureTest, ShowsSomethingElseAtOnceAndStaysThere) {
+  makeInBackground();
+  picture_.show(&tree_, folders_[0]);
+  EXPECT_TRUE(picture_.update());
+  const std::vector<std::uint32_t> inside = drawnAtOnce(kPlace, folders_[0]);
+  EXPECT_EQ(picture_.rendered().pixels, inside);
+  runTasks();
+  EXPECT_FALSE(picture_.update()) << "what was made meanwhile shows another folder";
+  EXPECT_EQ(picture_.rendered().pixels, inside);
+}
+
+TEST_F(BackgroundPictureTest, ForgetsAPictureThatIsFinishedBeforeSomethingElseIsDrawn) {
+  makeInBackground();
+  picture_.show(&tree_, folders_[0]);
+  runTasks();
+  EXPECT_TRUE(picture_.update());
+  EXPECT_EQ(picture_.rendered().pixels, drawnAtOnce(kPlace, folders_[0]));
+}
+
+TEST_F(BackgroundPictureTest, TakesItsNewSizeAtOnce) {
+  makeInBackground();
+  const ui::Rect larger = {0, 0, 150, 90};
+  picture_.setRect(larger);
+  EXPECT_TRUE(picture_.update());
+  runTasks();
+  EXPECT_FALSE(picture_.update());
+  EXPECT_EQ(picture_.rendered().pixels, drawnAtOnce(larger, kRootNode));
+}
+
+TEST_F(BackgroundPictureTest, WaitsForAPictureOfATreeThatItLeaves) {
+  makeInBackground();
+  picture_.show(nullptr, kRootNode);
+  EXPECT_FALSE(picture_.drawing());
+  runTasks();
+  EXPECT_EQ(told_, 0) << "what was posted is of no use any more";
+  EXPECT_TRUE(picture_.rendered().pixels.empty());
+}
+
+TEST_F(BackgroundPictureTest, IsNotMisledByThePostOfAPictureThatWasForgotten) {
+  makeInBackground();
+  sizewalk::FileTree next(test::mapTreeOptions());
+  test::fillRoot(next, {test::file(1000, 5)});
+  picture_.show(&next, kRootNode);
+  picture_.update();
+  picture_.markOutdated();
+  picture_.update();
+  ASSERT_TRUE(test::eventually([&] { return tasks() == 2; }));
+  runTasks();
+  EXPECT_EQ(told_, 1);
+  EXPECT_FALSE(picture_.drawing());
+  EXPECT_EQ(picture_.rendered().pixels,
+            renderTreemap(next, kRootNode, kPlace.w, kPlace.h, colours_, {}, {}).pixels);
+  picture_.show(nullptr, kRootNode);
+}
+
+TEST_F(BackgroundPictureTest, TellsOfNoPictureWhereThereIsNoMemoryForOne) {
+  constexpr int kMost = std::numeric_limits<int>::max();
+  BackgroundRender render([this](std::function<void()> task) {
+    const std::lock_guard lock(mutex_);
+    tasks_.push_back(std::move(task));
+  });
+  bool rendered = false;
+  render.onRendered = [&](RenderedTreemap, BackgroundRender::Duration) { rendered = true; };
+  ASSERT_TRUE(render.start({&tree_, kRootNode, kMost, kMost, colours_, {}, {}, {}}));
+  ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
+  EXPECT_TRUE(render.busy());
+  runTasks();
+  EXPECT_FALSE(render.busy());
+  EXPECT_FALSE(rendered);
 }
 
 }  // namespace
