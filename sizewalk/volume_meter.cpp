@@ -36,6 +36,10 @@ VolumeUsage measureVolume(const std::string& path) {
   if (!folder.valid() || retryInterrupted([&] { return ::fstatvfs(folder.get(), &status); }) != 0) {
     return {};
   }
+  return usageOf(status);
+}
+
+VolumeUsage usageOf(const struct statvfs& status) {
   const std::uint64_t blockSize = status.f_frsize;
   const std::uint64_t unused = std::min<std::uint64_t>(status.f_bfree, status.f_blocks);
   return {.totalBytes = bytesOf(status.f_blocks, blockSize),

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+struct statvfs;
+
 namespace sizewalk {
 
 /// How full a file system is, in bytes. As `df` tells it: what is kept for the administrator is
@@ -17,6 +19,9 @@ struct VolumeUsage {
   /// What the user may still write.
   std::uint64_t freeBytes = 0;
 };
+
+/// What a file system says of itself, in bytes. Any thread.
+VolumeUsage usageOf(const struct statvfs& status);
 
 /// Asks the file system that holds the folder `path`. Waits, without end in the worst case, for the
 /// server of one that lies on the network. Any thread but the window's.

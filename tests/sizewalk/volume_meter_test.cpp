@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <memory>
 #include <optional>
@@ -32,6 +33,33 @@ namespace {
 
 constexpr VolumeUsage kNothing{};
 constexpr VolumeUsage kSome{.totalBytes = 100, .usedBytes = 60, .freeBytes = 30};
+
+TEST(UsageOf, KeepsWhatIsTheAdministratorsApart) {
+  struct statvfs status {};
+  status.f_frsize = 512;
+  status.f_bsize = 4096;
+  status.f_blocks = 100;
+  status.f_bfree = 40;
+  status.f_bavail = 30;
+  EXPECT_EQ(usageOf(status),
+            (VolumeUsage{.totalBytes = 100 * 512, .usedBytes = 60 * 512, .freeBytes = 30 * 512}));
+}
+
+TEST(UsageOf, BelievesNoFileSystemThatIsFreerThanItIsLarge) {
+  struct statvfs status {};
+  status.f_frsize = 1;
+  status.f_blocks = 100;
+  status.f_bfree = 200;
+  status.f_bavail = ~fsblkcnt_t{0};
+  EXPECT_EQ(usageOf(status), (VolumeUsage{.totalBytes = 100, .usedBytes = 0, .freeBytes = 100}));
+}
+
+TEST(UsageOf, HasAnEnd) {
+  struct statvfs status {};
+  status.f_frsize = 4096;
+  status.f_blocks = ~fsblkcnt_t{0};
+  EXPECT_EQ(usageOf(status).totalBytes, std::numeric_limits<std::uint64_t>::max());
+}
 
 TEST(MeasureVolume, CountsAsDfDoes) {
   const test::TempDirectory directory;
