@@ -128,6 +128,13 @@ void ScanController::stop() {
   if (scanner_ && running_) scanner_->cancel();
 }
 
+void ScanController::drop() {
+  if (!finished()) return;
+  join();
+  scanner_.reset();
+  finished_ = false;
+}
+
 void ScanController::start(const std::string& path) {
   stop();
   join();

@@ -67,8 +67,11 @@ class ScanController {
   void start(const std::string& path);
   /// Ends a running scan soon; what was found stays. Does not wait.
   void stop();
+  /// Frees the tree and the summary of a scan that has ended; nothing while it has not.
+  void drop();
 
-  /// The current scan's scanner, until the next `start` replaces it; null before the first.
+  /// The current scan's scanner, until the next `start` replaces it; null before the first and
+  /// after `drop`.
   const sizewalk::TreeScanner* scanner() const { return scanner_.get(); }
   sizewalk::TreeScanner* scanner() { return scanner_.get(); }
   /// Absolute path of the current scan, without "." and ".." and trailing slashes.

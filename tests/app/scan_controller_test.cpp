@@ -106,6 +106,20 @@ TEST(ControllersThreads, GiveWayToTheThreadOfTheWindow) {
   EXPECT_EQ(getpriority(PRIO_PROCESS, 0), own);
 }
 
+TEST_F(Controller, DropsAScanOnceItHasEnded) {
+  controller_.drop();
+  EXPECT_EQ(controller_.scanner(), nullptr);
+  writeFile(dir_ / "file", "x");
+  scan(dir_.path());
+  controller_.drop();
+  EXPECT_EQ(controller_.scanner(), nullptr);
+  EXPECT_FALSE(controller_.running());
+  EXPECT_FALSE(controller_.finished());
+  EXPECT_EQ(controller_.summary().files, 0u);
+  scan(dir_.path());
+  EXPECT_EQ(controller_.summary().files, 1u) << "it can scan again";
+}
+
 TEST_F(Controller, TellsItsOwnerOfTheEndAfterTheSummaryIsInPlace) {
   writeFile(dir_ / "file", "x");
   scan(dir_.path());
