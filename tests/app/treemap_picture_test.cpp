@@ -309,6 +309,9 @@ TEST_F(BackgroundPictureTest, IsNotMisledByThePostOfAPictureThatWasForgotten) {
   picture_.markOutdated();
   picture_.update();
   ASSERT_TRUE(test::eventually([&] { return tasks() == 2; }));
+  tasks_.front()();
+  EXPECT_EQ(told_, 0);
+  EXPECT_TRUE(picture_.drawing());
   runTasks();
   EXPECT_EQ(told_, 1);
   EXPECT_FALSE(picture_.drawing());
