@@ -145,6 +145,7 @@ void MainWindow::show(Screen& screen) {
   closeMenu();
   if (screen_ != &screen) screen_->hide();
   screen_ = &screen;
+  pointerTarget_ = nullptr;
   if (&screen == &welcome_) refreshVolumes();
   updateTitle();
   updatePointer();
@@ -166,6 +167,7 @@ void MainWindow::scanPath(const std::string& path) {
 void MainWindow::showWelcome() {
   controller_.stop();
   scan_.show(nullptr);
+  controller_.drop();
   show(welcome_);
 }
 
@@ -209,6 +211,7 @@ void MainWindow::followScan() {
 
 void MainWindow::showScanEnd() {
   // The end of a scan may be posted just before another scan takes its place, or is left.
+  if (!scanShown()) controller_.drop();
   if (!scanShown() || endShown_ || !controller_.finished()) return;
   endShown_ = true;
   const ScanSummary& summary = controller_.summary();
@@ -231,9 +234,12 @@ void MainWindow::resize(int width, int height) {
   welcome_.setSize(width, height);
   scan_.setSize(width, height);
   dialogs_.setSize(width, height);
+  pointerTarget_ = nullptr;
+  updatePointer();
 }
 
 void MainWindow::updatePointer() {
+  if (pointer_ && inputTarget() != pointerTarget_) tellPointer();
   const bool covered = menu_ || !dialogs_.empty();
   window_.setPointer(covered ? ui::PointerShape::Arrow : screen_->pointer());
 }
@@ -315,14 +321,20 @@ void MainWindow::press(const ui::MouseEvent& event) {
 }
 
 void MainWindow::motion(const ui::MouseEvent& event) {
-  if (menu_) {
-    menu_->motion(event);
-  } else if (Dialog* dialog = dialogs_.top()) {
-    dialog->motion(event);
-  } else {
-    screen_->motion(event);
-  }
+  pointer_ = event;
+  tellPointer();
   updatePointer();
+}
+
+void MainWindow::tellPointer() {
+  pointerTarget_ = inputTarget();
+  if (menu_) {
+    menu_->motion(*pointer_);
+  } else if (Dialog* dialog = dialogs_.top()) {
+    dialog->motion(*pointer_);
+  } else {
+    screen_->motion(*pointer_);
+  }
 }
 
 void MainWindow::release(const ui::MouseEvent& event) {
@@ -347,6 +359,7 @@ void MainWindow::wheel(const ui::MouseEvent& event, int dy) {
 }
 
 void MainWindow::leave() {
+  pointer_.reset();
   screen_->leave();
   if (Dialog* dialog = dialogs_.top()) dialog->leave();
   if (menu_) menu_->leave();

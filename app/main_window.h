@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -59,7 +60,9 @@ class MainWindow {
   void tick();
   void prepareFrame();
   void resize(int width, int height);
+  /// The pointer's shape, and where it lies if that is news to what has the input by now.
   void updatePointer();
+  void tellPointer();
   void updateTitle();
   /// The menu, dialog or screen that has the input; to be compared only.
   const void* inputTarget() const;
@@ -118,6 +121,9 @@ class MainWindow {
   std::unique_ptr<PopupMenu> menu_;
   /// What took the last press.
   const void* pressTarget_ = nullptr;
+  /// Where the pointer is in the window, if it is, and what was last told so.
+  std::optional<ui::MouseEvent> pointer_;
+  const void* pointerTarget_ = nullptr;
   sizewalk::VolumeMeter meter_;
   VolumeCards volumes_;
   std::int64_t nextVolumes_ = 0;  // when they are to be listed again, as `ui::Window::now` tells

@@ -57,6 +57,9 @@ class User {
     client.releaseButton(1);
   }
   void click(const ui::Rect& rect) { click(rect.x + rect.w / 2, rect.y + rect.h / 2); }
+  void moveTo(const ui::Rect& rect) {
+    client.movePointer(rect.x + rect.w / 2, rect.y + rect.h / 2);
+  }
   void close() { client.sendProtocol(window_, "WM_DELETE_WINDOW"); }
 
   std::string title() { return client.textProperty(window_, "_NET_WM_NAME", "UTF8_STRING"); }
@@ -132,6 +135,11 @@ class MainWindowInputTest : public testing::Test {
     volumes.refresh();
     welcome.setCards(volumes.cards());
     return welcome.view().layout().cards.at(0).card;
+  }
+
+  ui::Rect firstKind() const {
+    const ui::Rect& kinds = frame().kinds;
+    return {kinds.x, kinds.y + style_.rowHeight(), kinds.w, style_.rowHeight()};
   }
 
   /// Runs the window until it ends while `act` does what a user does, on a thread of its own.
@@ -219,8 +227,7 @@ TEST_F(MainWindowInputTest, ShowsAtOnceThatAScanIsStopped) {
 TEST_F(MainWindowInputTest, EndsTheHighlightBeforeItStopsTheScan) {
   HeldFolder held("held");
   window_->scanPath(folder_);
-  const ui::Rect& kinds = frame().kinds;
-  const ui::Rect firstRow = {kinds.x, kinds.y + style_.rowHeight(), kinds.w, style_.rowHeight()};
+  const ui::Rect firstRow = firstKind();
   runWith([&](User& user) {
     user.moveOntoStatus();
     ASSERT_TRUE(user.comesToMap());
@@ -236,6 +243,23 @@ TEST_F(MainWindowInputTest, EndsTheHighlightBeforeItStopsTheScan) {
     user.press(ui::key::kEscape);
     EXPECT_TRUE(eventually([&] { return user.toolbar() != scanning; }));
     held.release();
+  });
+}
+
+TEST_F(MainWindowInputTest, SeesWhatIsUnderThePointerOnceAMenuIsClosed) {
+  window_->scanPath(folder_);
+  const ui::Rect row = firstKind();
+  runWith([&](User& user) {
+    user.moveOntoStatus();
+    ASSERT_TRUE(user.comesToBeFilled(row));
+    const Pixels plain = user.pixels(row);
+    user.moveTo(row);
+    ASSERT_TRUE(eventually([&] { return user.pixels(row) != plain; }));
+    const Pixels hovered = user.pixels(row);
+    user.press(ui::key::kF10);
+    EXPECT_TRUE(eventually([&] { return user.pixels(row) == plain; }));
+    user.press(ui::key::kEscape);
+    EXPECT_TRUE(eventually([&] { return user.pixels(row) == hovered; })) << "without a motion";
   });
 }
 
