@@ -183,9 +183,14 @@ void FolderList::paint(ui::Canvas& canvas) const {
   if (!tree_) return;
   canvas.pushClip(rect_);
   const RowRange seen = visibleRows(scroller_.offset(), rect_.h, style_.rowHeight(), rowCount());
-  for (std::size_t row = seen.first; row < seen.last; ++row) paintRow(canvas, row);
+  bool currentSeen = false;
+  for (std::size_t row = seen.first; row < seen.last; ++row) {
+    paintRow(canvas, row);
+    currentSeen = currentSeen || nodeAt(row) == current_;
+  }
   canvas.popClip();
   ui::drawScrollBar(canvas, scroller_, palette.raised, palette.dimText);
+  if (focused_ && !currentSeen) canvas.strokeRect(rect_, palette.accent);
 }
 
 FolderList::RowPlaces FolderList::placesOf(std::size_t row) const {

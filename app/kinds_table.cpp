@@ -128,9 +128,14 @@ void KindsTable::paint(ui::Canvas& canvas) const {
   canvas.pushClip(scroller_.view());
   const RowRange seen =
       visibleRows(scroller_.offset(), scroller_.view().h, style_.rowHeight(), rows_.size());
-  for (std::size_t row = seen.first; row < seen.last; ++row) paintRow(canvas, row);
+  bool currentSeen = false;
+  for (std::size_t row = seen.first; row < seen.last; ++row) {
+    paintRow(canvas, row);
+    currentSeen = currentSeen || rows_[row].kind == current_;
+  }
   canvas.popClip();
   ui::drawScrollBar(canvas, scroller_, palette.raised, palette.dimText);
+  if (focused_ && !currentSeen) canvas.strokeRect(scroller_.view(), palette.accent);
   canvas.popClip();
 }
 

@@ -20,7 +20,7 @@ if(HEAPGAUGE_WARNINGS_AS_ERRORS)
   target_compile_options(heapgauge_compiler INTERFACE -Werror)
 endif()
 if(HEAPGAUGE_SANITIZE)
-  target_compile_options(heapgauge_compiler INTERFACE
-    -fsanitize=${HEAPGAUGE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -O1 -g1)
-  target_link_options(heapgauge_compiler INTERFACE -fsanitize=${HEAPGAUGE_SANITIZE})
+  # For the directory, which puts them before the options of a target: it may ask for others.
+  add_compile_options(-fsanitize=${HEAPGAUGE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -O1 -g1)
+  add_link_options(-fsanitize=${HEAPGAUGE_SANITIZE})
 endif()

@@ -245,6 +245,18 @@ TEST_F(KindsTableTest, RingsTheCurrentRowWhileItHasTheFocus) {
   EXPECT_EQ(painted().at(21, 11 + h_), rgb(ui::kLightPalette.accent));
 }
 
+TEST_F(KindsTableTest, IsRingedItselfWhileTheCurrentRowIsOutOfSight) {
+  fillUp();
+  key(ui::key::kHome);
+  table_.setFocused(true);
+  const auto corner = [&] { return painted().at(20, 10 + h_); };
+  EXPECT_EQ(corner(), rgb(ui::kLightPalette.accent)) << "of the first row";
+  table_.wheel(100);
+  EXPECT_EQ(corner(), rgb(ui::kLightPalette.accent)) << "of all rows";
+  table_.setFocused(false);
+  EXPECT_EQ(corner(), rgb(ui::kLightPalette.view));
+}
+
 // Sorting.
 
 TEST_F(KindsTableTest, SortsByTheHeaderThatIsPressed) {
