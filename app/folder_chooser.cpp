@@ -8,6 +8,7 @@
 #include "ui/scroll_bar.h"
 #include "ui/text.h"
 #include "ui/text_fit.h"
+#include "ui/typed_text.h"
 #include "ui/window.h"
 
 namespace app {
@@ -260,16 +261,12 @@ bool FolderChooser::keyInList(const ui::KeyEvent& event) {
 /// first letter leaves the selected one, those that follow may stay.
 bool FolderChooser::typeAhead(const ui::KeyEvent& event) {
   const std::int64_t now = ui::Window::now();
-  if (!typeAhead_.accepts(event.text, now)) return false;
-  const bool fresh = typeAhead_.type(event.text, now);
-  const std::size_t count = listColumn_.count();
+  const std::string text = ui::typedText(event);
+  if (!typeAhead_.accepts(text, now)) return false;
+  const bool fresh = typeAhead_.type(text, now);
   const std::size_t start = selected_ ? *selected_ + (fresh ? 1 : 0) : 0;
-  for (std::size_t i = 0; i < count; ++i) {
-    const std::size_t row = (start + i) % count;
-    if (!typeAhead_.matches(listing_->subFolders[row].name)) continue;
-    select(row);
-    break;
-  }
+  const auto nameOf = [&](std::size_t row) { return listing_->subFolders[row].name; };
+  if (const auto found = typeAhead_.find(listColumn_.count(), start, nameOf)) select(*found);
   return true;
 }
 

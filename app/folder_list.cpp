@@ -535,12 +535,8 @@ bool FolderList::typeAhead(const ui::KeyEvent& event, std::int64_t nowMs, std::s
   const std::string text = ui::typedText(event);
   if (!typeAhead_.accepts(text, nowMs)) return false;
   const std::size_t start = typeAhead_.type(text, nowMs) ? row + 1 : row;
-  for (std::size_t i = 0; i < rowCount(); ++i) {
-    const std::size_t candidate = (start + i) % rowCount();
-    if (!typeAhead_.matches(tree_->name(nodeAt(candidate)))) continue;
-    moveTo(candidate, false);
-    break;
-  }
+  const auto nameOf = [&](std::size_t at) { return tree_->name(nodeAt(at)); };
+  if (const auto found = typeAhead_.find(rowCount(), start, nameOf)) moveTo(*found, false);
   return true;
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -22,6 +24,16 @@ class TypeAhead {
 
   /// True when `name`, which may be any bytes, begins with what was typed.
   bool matches(std::string_view name) const;
+  /// The first of `count` names, from the one with the number `start` on and round the end, that
+  /// matches. `nameOf(number)` gives a name.
+  template <typename NameOf>
+  std::optional<std::size_t> find(std::size_t count, std::size_t start, NameOf&& nameOf) const {
+    for (std::size_t i = 0; i < count; ++i) {
+      const std::size_t candidate = (start + i) % count;
+      if (matches(nameOf(candidate))) return candidate;
+    }
+    return std::nullopt;
+  }
 
  private:
   bool goesOn(std::int64_t nowMs) const;

@@ -469,6 +469,17 @@ TEST_F(FolderChooserTest, FindsNamesThatAreTyped) {
   EXPECT_EQ(selectedName(), "Music") << "nothing matches";
 }
 
+TEST_F(FolderChooserTest, FindsNamesOfOtherAlphabets) {
+  makeFolder("Éclair");
+  makeFolder("булка");
+  open();
+  key(0xE9);  // é, of which the event's text is one byte
+  EXPECT_EQ(selectedName(), "Éclair");
+  open();
+  key(0x6C2);  // б, of which it is none
+  EXPECT_EQ(selectedName(), "булка");
+}
+
 TEST_F(FolderChooserTest, TypesSpacesIntoASearch) {
   makeFolder("b b");
   open();
