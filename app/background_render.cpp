@@ -1,51 +1,52 @@
 #include "app/background_render.h"
 
 #include <exception>
-#include <memory>
 #include <system_error>
-#include <utility>
 
 #include "app/parallel.h"
 
 namespace app {
 
 bool BackgroundRender::start(RenderRequest request) {
+  join();
   const std::uint64_t job = ++job_;
-  // Shared, since a task can be copied; in truth it has one owner at a time.
-  const auto shared = std::make_shared<RenderRequest>(std::move(request));
-  const auto render = [this, job, shared] {
+  auto render = [this, job, request = std::move(request)]() mutable {
     giveWayToWindow();
     const auto begin = std::chrono::steady_clock::now();
     try {
       picture_ =
-          renderTreemap(*shared->tree, shared->root, shared->width, shared->height, shared->colours,
-                        shared->extraBlocks, shared->measure, std::move(shared->recycled));
+          renderTreemap(*request.tree, request.root, request.width, request.height, request.colours,
+                        request.extraBlocks, request.measure, std::move(request.recycled));
     } catch (const std::exception&) {
-      picture_.reset();  // the last picture stays
+      picture_.reset();
     }
     took_ = std::chrono::steady_clock::now() - begin;
     post_([this, job] { finish(job); });
   };
   try {
-    thread_ = std::thread(render);
+    thread_ = std::thread(std::move(render));
   } catch (const std::system_error&) {
     return false;
   }
+  busy_ = true;
   return true;
 }
 
 void BackgroundRender::drop() {
-  if (!thread_.joinable()) return;
-  thread_.join();
+  join();
+  busy_ = false;
   picture_.reset();
 }
 
+void BackgroundRender::join() {
+  if (thread_.joinable()) thread_.join();
+}
+
+// Does not wait for the thread: at its low priority it may be long in ending.
 void BackgroundRender::finish(std::uint64_t job) {
-  if (job != job_ || !thread_.joinable()) return;
-  thread_.join();
-  if (auto picture = std::exchange(picture_, std::nullopt)) {
-    onRendered(std::move(*picture), took_);
-  }
+  if (!busy_ || job != job_) return;
+  busy_ = false;
+  onEnded(std::exchange(picture_, std::nullopt), took_);
 }
 
 }  // namespace app

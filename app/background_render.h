@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "app/kind_colours.h"
@@ -14,7 +15,7 @@
 
 namespace app {
 
-/// What `renderTreemap` takes, the tree aside as copies that another thread can read.
+/// The arguments of `renderTreemap`; all but the tree are copies.
 struct RenderRequest {
   const sizewalk::FileTree* tree = nullptr;
   sizewalk::NodeId root = sizewalk::kRootNode;
@@ -35,8 +36,9 @@ class BackgroundRender {
   using Post = std::function<void(std::function<void()>)>;
   using Duration = std::chrono::steady_clock::duration;
 
-  /// A picture is finished, and took so long. One that memory did not suffice for is never told of.
-  std::function<void(RenderedTreemap picture, Duration took)> onRendered;
+  /// What was started has ended after so long: with a picture, or without one where memory did not
+  /// suffice.
+  std::function<void(std::optional<RenderedTreemap> picture, Duration took)> onEnded;
 
   explicit BackgroundRender(Post post) : post_(std::move(post)) {}
   /// As `drop`. What was posted must not be run any more.
@@ -44,8 +46,8 @@ class BackgroundRender {
   BackgroundRender(const BackgroundRender&) = delete;
   BackgroundRender& operator=(const BackgroundRender&) = delete;
 
-  /// From `start` until `onRendered`.
-  bool busy() const { return thread_.joinable(); }
+  /// From `start` until `onEnded` or `drop`.
+  bool busy() const { return busy_; }
   /// Begins a picture; only while not busy. The tree outlives the work. False when there is no
   /// thread to be had.
   bool start(RenderRequest request);
@@ -54,12 +56,15 @@ class BackgroundRender {
 
  private:
   void finish(std::uint64_t job);
+  void join();
 
   const Post post_;
+  /// Of the last picture; may have ended.
   std::thread thread_;
+  bool busy_ = false;
   /// Tells a picture's task from that of one that was dropped.
   std::uint64_t job_ = 0;
-  // Written by the thread, read once it is joined.
+  // Written by the thread before it posts, read by what it posts.
   std::optional<RenderedTreemap> picture_;
   Duration took_{};
 };

@@ -51,10 +51,6 @@ KindColumns kindColumns(int left, int right, int rowHeight) {
 
 // What is shown.
 
-void KindsTable::refresh(const sizewalk::FileTree& tree, const MeasureSettings& measure) {
-  setRows(kindRows(tree, measure, sort_));
-}
-
 void KindsTable::setRows(std::vector<KindRow> rows) {
   const auto kept = rowToKeep();
   const int keptKind = kept ? rows_[*kept].kind : 0;

@@ -8,9 +8,7 @@
 
 #include "app/kind_colours.h"
 #include "app/kind_rows.h"
-#include "app/measure.h"
 #include "app/style.h"
-#include "sizewalk/file_tree.h"
 #include "ui/canvas.h"
 #include "ui/geometry.h"
 #include "ui/input.h"
@@ -48,12 +46,10 @@ class KindsTable {
   /// Both outlive the table. Without `colours` rows have no swatches.
   KindsTable(const Style& style, const KindColours* colours) : style_(style), colours_(colours) {}
 
-  /// Shows what `tree` holds by now under `measure`. Of the rows that remain, the one under the
-  /// pointer stays where it is on the screen; else the selected one if it is in view; else the
-  /// topmost one, unless that is the first of all. A selected kind of which there is no file any
-  /// more is selected no longer.
-  void refresh(const sizewalk::FileTree& tree, const MeasureSettings& measure);
-  /// The same with rows made by `kindRows`, or by hand, in any order.
+  /// Shows `rows`, which come in any order. Of those that remain, the one under the pointer stays
+  /// where it is on the screen; else the selected one if it is in view; else the topmost one,
+  /// unless that is the first of all. A selected kind of which there is no file any more is
+  /// selected no longer.
   void setRows(std::vector<KindRow> rows);
   /// Selects no kind.
   void clearSelection() { select(std::nullopt); }

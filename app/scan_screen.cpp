@@ -11,6 +11,10 @@ namespace app {
 using sizewalk::kRootNode;
 using sizewalk::NodeId;
 
+namespace {
+constexpr int kPrimaryButton = 1;
+}  // namespace
+
 ScanScreen::ScanScreen(ui::Connection& connection, const Style& style, KindColours& colours,
                        BackgroundRender::Post post)
     : style_(style),
@@ -71,12 +75,8 @@ void ScanScreen::connectKinds() {
 }
 
 void ScanScreen::connectMap() {
-  picture_.onRendered = [this](BackgroundRender::Duration took) {
-    changed();
-    if (onRendered) onRendered(took);
-  };
+  picture_.onRendered = [this] { changed(); };
   map_.onChanged = [this] { changed(); };
-  map_.onHover = [this] { changed(); };
   map_.onPicked = [this](NodeId node) { list_.revealNode(node); };
   map_.onContextMenu = [this](NodeId node, int x, int y) {
     if (onContextMenu) onContextMenu(node, x, y);
@@ -87,6 +87,12 @@ void ScanScreen::addPointerTargets() {
   const auto ifChanged = [this](bool change) {
     if (change) changed();
   };
+  // Other buttons end no drag.
+  const auto ifPrimary = [](auto act) {
+    return [act](const ui::MouseEvent& event) {
+      if (event.button == kPrimaryButton) act();
+    };
+  };
   toolbarTarget_ =
       pointers_.add({.press = [=, this](const auto& e) { ifChanged(toolbar_.press(e)); },
                      .motion = [=, this](const auto& e) { ifChanged(toolbar_.motion(e)); },
@@ -95,12 +101,12 @@ void ScanScreen::addPointerTargets() {
                      .wheel = {}});
   listTarget_ = pointers_.add({.press = [this](const auto& e) { list_.press(e); },
                                .motion = [this](const auto& e) { list_.motion(e); },
-                               .release = [this](const auto&) { list_.release(); },
+                               .release = ifPrimary([this] { list_.release(); }),
                                .leave = [this] { list_.leave(); },
                                .wheel = [this](const auto&, int dy) { list_.wheel(dy); }});
   kindsTarget_ = pointers_.add({.press = [this](const auto& e) { kinds_.press(e); },
                                 .motion = [this](const auto& e) { kinds_.motion(e); },
-                                .release = [this](const auto&) { kinds_.release(); },
+                                .release = ifPrimary([this] { kinds_.release(); }),
                                 .leave = [this] { kinds_.leave(); },
                                 .wheel = [this](const auto&, int dy) { kinds_.wheel(dy); }});
   mapTarget_ =
@@ -111,7 +117,7 @@ void ScanScreen::addPointerTargets() {
                      .wheel = [this](const auto& e, int dy) { map_.wheel(e, dy); }});
   const PointerRouter::Target divider = {.press = [this](const auto& e) { dividers_.press(e); },
                                          .motion = [this](const auto& e) { dividers_.drag(e); },
-                                         .release = [this](const auto&) { dividers_.release(); },
+                                         .release = ifPrimary([this] { dividers_.release(); }),
                                          .leave = {},
                                          .wheel = {}};
   mainDividerTarget_ = pointers_.add(divider);
@@ -157,6 +163,7 @@ void ScanScreen::setSettings(const ScanScreenSettings& settings) {
 
 void ScanScreen::setScanStatus(const ScanStatus& status) {
   status_ = status;
+  if (!status.scanning) picture_.hurry();
   changed();
 }
 
@@ -168,6 +175,11 @@ void ScanScreen::setVolumeSpace(const std::optional<VolumeSpace>& space) {
 void ScanScreen::treeChanged() {
   treeDirty_ = true;
   changed();
+}
+
+void ScanScreen::drawAtOnce() {
+  picture_.markDirty();
+  treeChanged();
 }
 
 void ScanScreen::setSize(int width, int height) {
@@ -215,8 +227,9 @@ bool ScanScreen::bringUpToDate() {
 void ScanScreen::lookAtTree() {
   if (!tree_) return;
   list_.refresh();
-  kinds_.refresh(*tree_, measure_);
-  colours_.setKindSlots(kindSlotsBySize(kindRows(*tree_, measure_, {})));
+  std::vector<KindRow> kinds = kindRows(*tree_, measure_, {});
+  colours_.setKindSlots(kindSlotsBySize(kinds));
+  kinds_.setRows(std::move(kinds));
   updateExtraBlocks();
   picture_.markOutdated();
 }
@@ -347,7 +360,10 @@ bool ScanScreen::key(const ui::KeyEvent& event) {
   return used || list_.key(event, ui::Window::now());
 }
 
-void ScanScreen::tick(std::int64_t nowMs) { map_.tick(nowMs, {0, 0, width_, height_}); }
+void ScanScreen::tick(std::int64_t nowMs) {
+  map_.tick(nowMs, {0, 0, width_, height_});
+  if (picture_.due()) changed();
+}
 
 bool ScanScreen::dismiss() {
   if (map_.hideCard()) return true;

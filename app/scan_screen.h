@@ -53,9 +53,6 @@ class ScanScreen : public Screen {
   /// A file is to be opened.
   std::function<void(sizewalk::NodeId)> onOpenFile;
 
-  /// A picture of the map was made in the background, taking so long.
-  std::function<void(BackgroundRender::Duration took)> onRendered;
-
   /// All outlive the view. Without `post` the map is never drawn in the background.
   ScanScreen(ui::Connection& connection, const Style& style, KindColours& colours,
              BackgroundRender::Post post = {});
@@ -71,8 +68,8 @@ class ScanScreen : public Screen {
   /// The tree has changed: all parts look at it anew with the next frame, the map perhaps a little
   /// later.
   void treeChanged();
-  /// The map is still to show what the tree was when it last changed.
-  bool drawing() const { return treeDirty_ || picture_.drawing(); }
+  /// The next frame shows the tree as it is by then, on the map as well.
+  void drawAtOnce();
 
   void setSize(int width, int height) override;
   void paint(ui::Canvas& canvas) const override;

@@ -17,9 +17,10 @@ TreemapPicture::TreemapPicture(ui::Connection& connection, const KindColours& co
       image_(connection),
       hasBackground_(static_cast<bool>(post)),
       background_(std::move(post)) {
-  background_.onRendered = [this](RenderedTreemap picture, BackgroundRender::Duration took) {
+  background_.onEnded = [this](auto picture, BackgroundRender::Duration took) {
+    pacer_.pauseAfter(took);
     take(std::move(picture));
-    if (onRendered) onRendered(took);
+    if (onRendered) onRendered();
   };
 }
 
@@ -28,6 +29,7 @@ void TreemapPicture::show(const sizewalk::FileTree* tree, sizewalk::NodeId focus
   dirty_ = true;
   if (tree == std::exchange(tree_, tree)) return;
   background_.drop();
+  hurry();
   spare_ = std::exchange(rendered_, {});  // its blocks name nodes of the other tree
   image_.clear();
 }
@@ -58,11 +60,15 @@ bool TreemapPicture::drawing() const {
   return background_.busy() || (outdated_ && tree_ && !rect_.empty());
 }
 
+bool TreemapPicture::due() const {
+  return drawing() && !background_.busy() && pacer_.due(RefreshPacer::Clock::now());
+}
+
 bool TreemapPicture::update() {
   if (!tree_ || rect_.empty()) return false;
   if (dirty_ || !fits()) {
     renderNow();
-  } else if (outdated_) {
+  } else if (due()) {
     renderInBackground();
   }
   if (!std::exchange(unsent_, false)) return false;
@@ -84,7 +90,6 @@ void TreemapPicture::renderNow() {
 }
 
 void TreemapPicture::renderInBackground() {
-  if (background_.busy()) return;
   outdated_ = false;
   overtaken_ = false;
   const bool begun = hasBackground_ && background_.start({.tree = tree_,
@@ -99,12 +104,13 @@ void TreemapPicture::renderInBackground() {
 }
 
 /// Shows a picture from the background, unless something else is to be seen meanwhile.
-void TreemapPicture::take(RenderedTreemap picture) {
+void TreemapPicture::take(std::optional<RenderedTreemap> picture) {
+  if (!picture) return;
   if (overtaken_ || dirty_) {
-    spare_ = std::move(picture);
+    spare_ = std::move(*picture);
     return;
   }
-  spare_ = std::exchange(rendered_, std::move(picture));
+  spare_ = std::exchange(rendered_, std::move(*picture));
   unsent_ = true;
 }
 

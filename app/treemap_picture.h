@@ -8,6 +8,7 @@
 #include "app/background_render.h"
 #include "app/kind_colours.h"
 #include "app/measure.h"
+#include "app/refresh_pacer.h"
 #include "app/treemap_render.h"
 #include "sizewalk/file_tree.h"
 #include "ui/canvas.h"
@@ -23,8 +24,8 @@ namespace app {
 /// X server once. Window thread only.
 class TreemapPicture {
  public:
-  /// A picture was made in the background, taking so long: the next `update` shows it.
-  std::function<void(BackgroundRender::Duration took)> onRendered;
+  /// A picture was made in the background: the next `update` shows it.
+  std::function<void()> onRendered;
 
   /// Both outlive the picture. Without `post` nothing is made in the background.
   TreemapPicture(ui::Connection& connection, const KindColours& colours,
@@ -41,10 +42,14 @@ class TreemapPicture {
   void setHighlight(std::optional<int> kind);
   /// Something else is to be seen: the next `update` makes a new picture.
   void markDirty() { dirty_ = true; }
-  /// The tree has changed, or what is beside it: the next `update` begins a new picture. Until it
-  /// is there the last one stays.
+  /// The tree has changed, or what is beside it: an `update` begins a new picture, after a pause
+  /// that leaves two thirds of the time to others. Until it is there the last one stays.
   void markOutdated() { outdated_ = true; }
-  /// A picture is being made in the background, or about to be.
+  /// The tree changes no more: the next picture waits for no pause.
+  void hurry() { pacer_ = {}; }
+  /// An `update` would begin a picture in the background.
+  bool due() const;
+  /// A picture is being made in the background, or to be made.
   bool drawing() const;
 
   /// Gives the picture its place in the window.
@@ -65,7 +70,7 @@ class TreemapPicture {
   bool fits() const;
   void renderNow();
   void renderInBackground();
-  void take(RenderedTreemap picture);
+  void take(std::optional<RenderedTreemap> picture);
   void send();
 
   const KindColours& colours_;
@@ -75,7 +80,9 @@ class TreemapPicture {
   std::vector<ExtraBlock> extraBlocks_;
   std::optional<int> highlight_;
   ui::Rect rect_;
+  /// What is to be seen is something else than the last picture: the next one is made at once.
   bool dirty_ = false;
+  /// It is the same, but has changed since: the next picture is made in the background.
   bool outdated_ = false;
   /// The pixels with the server are not those to be seen.
   bool unsent_ = false;
@@ -88,6 +95,7 @@ class TreemapPicture {
   BackgroundRender background_;
   /// What is being made in the background shows less than the last picture.
   bool overtaken_ = false;
+  RefreshPacer pacer_;
 };
 
 }  // namespace app

@@ -14,7 +14,7 @@
 namespace app {
 
 /// One finished picture of the map and all that is needed to answer what lies where in it. Owned by
-/// the treemap view, replaced whole by the next render.
+/// the picture of the map, replaced whole by the next render.
 struct RenderedTreemap {
   /// Pixels.
   std::int32_t width = 0;
@@ -46,7 +46,7 @@ struct RenderedTreemap {
 /// needed: its memory is used again, which saves the kernel from handing out some tens of megabytes
 /// of fresh pages each time.
 ///
-/// Window thread. The tree may grow meanwhile; what is drawn is what was published when it was
+/// Any thread. The tree may grow meanwhile; what is drawn is what was published when it was
 /// looked at.
 RenderedTreemap renderTreemap(const sizewalk::FileTree& tree, sizewalk::NodeId root,
                               std::int32_t width, std::int32_t height, const KindColours& colours,

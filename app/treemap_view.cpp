@@ -80,18 +80,16 @@ void TreemapView::refresh() {
 }
 
 void TreemapView::reset() {
-  lastButton_ = 0;
+  lastPress_.reset();
   leave();
 }
 
 void TreemapView::findHovered() {
   const TreemapBlock* block = pointer_ ? blockAt(pointer_->x, pointer_->y) : nullptr;
   const std::optional<TreemapBlock> found = block ? std::optional(*block) : std::nullopt;
-  const bool same = isSameItem(found, hoveredBlock_);
+  // Another picture may have come under a pointer at rest.
+  if (!isSameItem(found, hoveredBlock_)) card_.hide();
   hoveredBlock_ = found;
-  if (same) return;
-  card_.hide();  // another picture came under a pointer at rest
-  if (onHover) onHover();
 }
 
 void TreemapView::motion(const ui::MouseEvent& event, std::int64_t nowMs) {
@@ -134,8 +132,9 @@ void TreemapView::fillCard() {
 void TreemapView::press(const ui::MouseEvent& event) {
   hideCard();
   // Of four quick presses the last two are a double press as well.
-  const bool again = event.clicks % 2 == 0 && event.button == lastButton_;
-  lastButton_ = event.button;
+  const Press press = {event.button, nodeAt(event.x, event.y)};
+  const bool again = event.clicks % 2 == 0 && press == lastPress_;
+  lastPress_ = press;
   switch (event.button) {
     case kPrimary:
       if (again && !event.ctrl) {

@@ -24,8 +24,6 @@ class TreemapView {
  public:
   /// What is seen has changed.
   std::function<void()> onChanged;
-  /// The pointer is on another item, or on none.
-  std::function<void()> onHover;
   /// This item was selected here: where it is in the tree is to be shown.
   std::function<void(sizewalk::NodeId)> onPicked;
   /// A secondary press on an item, which is selected now, at (x, y) of the window.
@@ -88,6 +86,14 @@ class TreemapView {
     bool awaitsCard = true;
   };
 
+  /// The second of two quick ones counts as double only on the same item: a running scan may have
+  /// put another one under the pointer.
+  struct Press {
+    int button;
+    std::optional<sizewalk::NodeId> node;
+    friend bool operator==(const Press&, const Press&) = default;
+  };
+
   const Style& style_;
   TreemapPicture& picture_;
   MapFocus& focus_;
@@ -97,7 +103,7 @@ class TreemapView {
   std::optional<Pointer> pointer_;
   std::optional<TreemapBlock> hoveredBlock_;
   std::vector<ui::Rect> selected_;
-  int lastButton_ = 0;
+  std::optional<Press> lastPress_;
   bool focused_ = false;
 };
 

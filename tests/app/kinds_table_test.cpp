@@ -287,10 +287,10 @@ TEST_F(KindsTableTest, ShowsTheKindsOfATree) {
   sizewalk::FileTree tree;
   tree.createRoot("/r");
   add(tree, Listing(0).file("a.mp3", 10, 4096).file("b.pdf", 500, 512));
-  table_.refresh(tree, {});
+  table_.setRows(kindRows(tree, {}, {}));
   ASSERT_EQ(table_.rows().size(), 2u);
   EXPECT_EQ(table_.rows()[0].kind, sizewalk::classifyName("b.pdf"));
-  table_.refresh(tree, {Measure::CurrentSize, true});
+  table_.setRows(kindRows(tree, {Measure::CurrentSize, true}, {}));
   EXPECT_EQ(table_.rows()[0].kind, sizewalk::classifyName("a.mp3"));
 }
 

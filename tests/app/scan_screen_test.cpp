@@ -251,5 +251,17 @@ TEST_F(ScanScreenTest, HasNoResizePointerWhereAPressOnTheMapIsDraggedOverADivide
   EXPECT_EQ(screen_.pointer(), ui::PointerShape::ResizeHorizontal);
 }
 
+TEST_F(ScanScreenTest, GoesOnDraggingWhenAnotherButtonIsLetGo) {
+  const int before = screen_.layout().mainDivider.x;
+  ui::MouseEvent event = at(screen_.layout().mainDivider);
+  screen_.press(event);
+  event.button = 3;
+  screen_.press(event);
+  screen_.release(event);
+  event.x += 50;
+  screen_.motion(event);
+  EXPECT_EQ(screen_.layout().mainDivider.x, before + 50);
+}
+
 }  // namespace
 }  // namespace app

@@ -2,10 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
 #include <functional>
+#include <future>
 #include <limits>
 #include <mutex>
 #include <stdexcept>
+#include <thread>
 #include <vector>
 
 #include "app/cushion_shading.h"
@@ -174,10 +178,7 @@ class BackgroundPictureTest : public test::WindowTest {
     folders_ = test::fillRoot(tree_, {test::file(1000, 5), test::folder(), test::folder()});
     test::fill(tree_, folders_[0], {test::file(1000, 6)});
     picture_.setRect(kPlace);
-    picture_.onRendered = [this](BackgroundRender::Duration took) {
-      EXPECT_GT(took.count(), 0);
-      ++told_;
-    };
+    picture_.onRendered = [this] { ++told_; };
     picture_.show(&tree_, kRootNode);
     picture_.update();
   }
@@ -252,14 +253,35 @@ TEST_F(BackgroundPictureTest, IsDrawingFromTheMomentThatTheTreeHasGrown) {
 TEST_F(BackgroundPictureTest, MakesOneAtATime) {
   makeInBackground();
   picture_.markOutdated();
+  EXPECT_FALSE(picture_.due());
   EXPECT_FALSE(picture_.update());
   runTasks();
+  ASSERT_TRUE(test::eventually([&] { return picture_.due(); }));
   EXPECT_TRUE(picture_.update());
-  EXPECT_TRUE(picture_.drawing()) << "the next has begun";
+  EXPECT_FALSE(picture_.due()) << "the next has begun";
   ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
   runTasks();
   EXPECT_FALSE(picture_.drawing());
   EXPECT_EQ(told_, 2);
+}
+
+TEST_F(BackgroundPictureTest, PausesAfterAPictureUntilTheTreeChangesNoMore) {
+  picture_.setRect({0, 0, 1500, 1000});  // takes a few milliseconds
+  picture_.update();
+  makeInBackground();
+  const auto end = RefreshPacer::Clock::now();
+  runTasks();
+  picture_.markOutdated();
+  const bool due = picture_.due();
+  const bool looksAtOnce = RefreshPacer::Clock::now() - end < std::chrono::milliseconds(1);
+  EXPECT_FALSE(due && looksAtOnce);
+  EXPECT_TRUE(test::eventually([&] { return picture_.due(); }));
+  picture_.update();
+  ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
+  runTasks();
+  picture_.markOutdated();
+  picture_.hurry();
+  EXPECT_TRUE(picture_.due());
 }
 
 TEST_F(BackgroundPictureTest, ShowsSomethingElseAtOnceAndStaysThere) {
@@ -300,6 +322,22 @@ TEST_F(BackgroundPictureTest, WaitsForAPictureOfATreeThatItLeaves) {
   EXPECT_TRUE(picture_.rendered().pixels.empty());
 }
 
+TEST_F(BackgroundPictureTest, WaitsForTheThreadThatReadsTheTree) {
+  std::promise<void> begun;
+  std::atomic<bool> ended = false;
+  BackgroundRender render([&](const std::function<void()>&) {
+    begun.set_value();
+    // Long enough for who does not wait to be seen not to.
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    ended = true;
+  });
+  ASSERT_TRUE(render.start({&tree_, kRootNode, 10, 10, colours_, {}, {}, {}}));
+  begun.get_future().wait();
+  render.drop();
+  EXPECT_TRUE(ended);
+  EXPECT_FALSE(render.busy());
+}
+
 TEST_F(BackgroundPictureTest, IsNotMisledByThePostOfAPictureThatWasForgotten) {
   makeInBackground();
   sizewalk::FileTree next(test::mapTreeOptions());
@@ -320,20 +358,23 @@ TEST_F(BackgroundPictureTest, IsNotMisledByThePostOfAPictureThatWasForgotten) {
   picture_.show(nullptr, kRootNode);
 }
 
-TEST_F(BackgroundPictureTest, TellsOfNoPictureWhereThereIsNoMemoryForOne) {
+TEST_F(BackgroundPictureTest, EndsWithoutAPictureWhereThereIsNoMemoryForOne) {
   constexpr int kMost = std::numeric_limits<int>::max();
   BackgroundRender render([this](std::function<void()> task) {
     const std::lock_guard lock(mutex_);
     tasks_.push_back(std::move(task));
   });
-  bool rendered = false;
-  render.onRendered = [&](RenderedTreemap, BackgroundRender::Duration) { rendered = true; };
+  int ends = 0;
+  render.onEnded = [&](const auto& picture, BackgroundRender::Duration) {
+    EXPECT_FALSE(picture);
+    ++ends;
+  };
   ASSERT_TRUE(render.start({&tree_, kRootNode, kMost, kMost, colours_, {}, {}, {}}));
   ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
   EXPECT_TRUE(render.busy());
   runTasks();
   EXPECT_FALSE(render.busy());
-  EXPECT_FALSE(rendered);
+  EXPECT_EQ(ends, 1);
 }
 
 }  // namespace

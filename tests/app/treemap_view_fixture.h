@@ -46,7 +46,6 @@ class TreemapViewTest : public test::WindowTest {
     test::fill(tree_, small_, {file(40)});
 
     view_.onChanged = [this] { ++changes_; };
-    view_.onHover = [this] { ++hovers_; };
     view_.onPicked = [this](NodeId node) { picked_.push_back(node); };
     view_.onContextMenu = [this](NodeId node, int x, int y) {
       menus_.push_back(node);
@@ -146,7 +145,6 @@ class TreemapViewTest : public test::WindowTest {
   Selection selection_;
   TreemapView view_{style_, picture_, focus_, selection_};
   int changes_ = 0;
-  int hovers_ = 0;
   int focusChanges_ = 0;
   std::vector<NodeId> picked_;
   std::vector<NodeId> menus_;

@@ -156,6 +156,13 @@ TEST_F(TreemapViewTest, GoesInAndOutWithTheWheel) {
   EXPECT_EQ(focus_.current(), kRootNode);
 }
 
+TEST_F(TreemapViewTest, TakesNoSecondPressOnAnotherItemForADoubleOne) {
+  press(placeOf(c_), kPrimary, 1);
+  press(placeOf(a_), kPrimary, 2);
+  EXPECT_EQ(focus_.current(), kRootNode);
+  EXPECT_EQ(selected(), Nodes{a_});
+}
+
 // Keys.
 
 /// Four files in two rows of two.

@@ -78,9 +78,12 @@ class ProgramMenus : public testing::Test {
     const std::string file = home_.path() + "/.config/heapgauge/settings.ini";
     return std::filesystem::exists(file) ? test::readFile(file) : std::string();
   }
-  bool waitForTheScan() const {
+  /// Until the scan has ended and its files are on the map: the blocks of folders in which there is
+  /// nothing yet are flat.
+  bool waitForTheScan(test::Running& program) const {
     const std::string file = home_.path() + "/.local/share/heapgauge/scan-history.txt";
-    return eventually([&] { return std::filesystem::exists(file); });
+    return eventually([&] { return std::filesystem::exists(file); }) &&
+           eventually([&] { return program.pixel(500, 60) != program.pixel(700, 400); });
   }
   /// A folder whose parts are of different kinds, and sparse the larger they are.
   std::string folder() const {
@@ -97,7 +100,7 @@ class ProgramMenus : public testing::Test {
 
 TEST_F(ProgramMenus, ShowEveryFlippedSettingAtOnceBehindTheDialog) {
   test::Running program({folder()});
-  ASSERT_TRUE(waitForTheScan());
+  ASSERT_TRUE(waitForTheScan(program));
   program.ctrlKey(',');
   ASSERT_TRUE(opens(program, kInList));
   constexpr int kRowsWithAView = 6;
@@ -141,7 +144,7 @@ TEST_F(ProgramMenus, KeepKeysAndQuickSecondPressesFromTheScanBelow) {
   // A double press anywhere on its map would go into the folder.
   test::writeFile(dir_ / "scanned/inner/file.mp3", std::string(1'000'000, 'x'));
   test::Running program({dir_ / "scanned"});
-  ASSERT_TRUE(waitForTheScan());
+  ASSERT_TRUE(waitForTheScan(program));
   const Colours before = settledToolbar(program);
   program.ctrlKey(',');
   ASSERT_TRUE(opens(program, kInList));
@@ -163,7 +166,7 @@ TEST_F(ProgramMenus, OpenTheSettingsFromTheApplicationMenuByKeys) {
 
 TEST_F(ProgramMenus, OpenTheApplicationMenuFromItsButton) {
   test::Running program({folder()});
-  ASSERT_TRUE(waitForTheScan());
+  ASSERT_TRUE(waitForTheScan(program));
   const auto inMenu = [&] { return program.pixel(kInMenu.x, kInMenu.y); };
   ASSERT_TRUE(eventually([&] { return inMenu() != kGround; }));
   program.click(kMenuButton.x, kMenuButton.y);
@@ -178,7 +181,7 @@ TEST_F(ProgramMenus, OpenTheApplicationMenuFromItsButton) {
 
 TEST_F(ProgramMenus, LeaveTheScanForAnotherFolderFromTheApplicationMenu) {
   test::Running program({folder()});
-  ASSERT_TRUE(waitForTheScan());
+  ASSERT_TRUE(waitForTheScan(program));
   program.key(ui::key::kF10);
   program.key(ui::key::kReturn);
   EXPECT_TRUE(eventually([&] { return program.title() == "Heap Gauge · 1.1.1"; }));
@@ -186,7 +189,7 @@ TEST_F(ProgramMenus, LeaveTheScanForAnotherFolderFromTheApplicationMenu) {
 
 TEST_F(ProgramMenus, ChangeTheMeasure) {
   test::Running program({folder()});
-  ASSERT_TRUE(waitForTheScan());
+  ASSERT_TRUE(waitForTheScan(program));
   const Colours before = settledToolbar(program);
   chooseMeasure(program, ui::key::kEnd, ui::key::kReturn);
   EXPECT_TRUE(settledToolbar(program) != before);
