@@ -18,7 +18,7 @@ struct CommandLine {
   };
 
   Action action = Action::Run;
-  /// The folder to scan at once; empty shows the folder chooser.
+  /// The folder to scan at once; empty shows the welcome view.
   std::string path;
   /// The file that one frame is written to before the program ends; empty means that nothing is
   /// captured.

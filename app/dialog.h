@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "app/input_target.h"
 #include "app/style.h"
 #include "ui/button.h"
 #include "ui/canvas.h"
@@ -24,7 +25,7 @@ struct DialogButton {
 /// the dimmed window, the panel in its middle, a row of buttons at the panel's lower right, and one
 /// control that has the keyboard, which Tab moves. A dialog numbers its own controls from 0 in the
 /// order of Tab; the buttons follow them. Window thread only; lengths are device pixels.
-class Dialog {
+class Dialog : public InputTarget {
  public:
   /// A new frame is to be drawn.
   std::function<void()> onChanged;
@@ -33,20 +34,16 @@ class Dialog {
 
   /// `style` outlives the dialog.
   explicit Dialog(const Style& style) : style_(style) {}
-  virtual ~Dialog() = default;
-  Dialog(const Dialog&) = delete;
-  Dialog& operator=(const Dialog&) = delete;
 
   /// The window is this large.
   void setSize(int width, int height);
   void paint(ui::Canvas& canvas) const;
 
-  virtual void press(const ui::MouseEvent& event);
-  virtual void motion(const ui::MouseEvent& event);
-  virtual void release(const ui::MouseEvent& event);
-  virtual void leave();
-  /// `dy` steps of the wheel, down when above 0.
-  virtual void wheel(const ui::MouseEvent& /*event*/, int /*dy*/) {}
+  void press(const ui::MouseEvent& event) override;
+  void motion(const ui::MouseEvent& event) override;
+  void release(const ui::MouseEvent& event) override;
+  void leave() override;
+  void wheel(const ui::MouseEvent& /*event*/, int /*dy*/) override {}
   /// Tab and Shift+Tab move the keyboard; Enter and Space act on what has it, Enter on the default
   /// button where that does nothing; Escape cancels. Other keys are the dialog's own.
   virtual void key(const ui::KeyEvent& event);

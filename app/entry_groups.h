@@ -15,7 +15,6 @@ class EntryGroups {
 
   /// Forgets all entries.
   void clear();
-  bool empty() const { return members_.empty(); }
 
   /// Puts an entry into the group with that key. Keys are plain numbers and mean nothing here.
   void add(std::int32_t key, const WeightedItem& entry);

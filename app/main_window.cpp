@@ -91,7 +91,6 @@ void MainWindow::connectScreens() {
   welcome_.onVolume = [this](const std::string& path) { scanPath(path); };
   welcome_.onChooseFolder = [this] { chooseFolder(); };
   scan_.onChanged = [this] { window_.invalidate(); };
-  scan_.onRendered = [this](RefreshPacer::Clock::duration took) { pacer_.pauseAfter(took); };
   dialogs_.onChanged = [this] { window_.invalidate(); };
   scan_.onCommand = [this](Command command) { perform(command); };
   const auto hangMenu = [this](const ui::Rect& button) {
@@ -100,7 +99,7 @@ void MainWindow::connectScreens() {
   welcome_.onAppMenu = hangMenu;
   scan_.onAppMenu = hangMenu;
   scan_.onMeasureMenu = [this](const ui::Rect& button) {
-    showMetricMenu(button.x, button.y + button.h);
+    showMeasureMenu(button.x, button.y + button.h);
   };
 }
 
@@ -128,6 +127,8 @@ void MainWindow::applySettings() {
   scan_.setSettings(screenSettings());
 }
 
+MainWindow::~MainWindow() { controller_.stop(); }
+
 bool MainWindow::create() {
   if (!window_.create(windowTitle({}), connection_.scaled(kWidth), connection_.scaled(kHeight))) {
     return false;
@@ -145,7 +146,7 @@ void MainWindow::show(Screen& screen) {
   closeMenu();
   if (screen_ != &screen) screen_->hide();
   screen_ = &screen;
-  pointerTarget_ = nullptr;
+  pointerTarget_ = 0;
   if (&screen == &welcome_) refreshVolumes();
   updateTitle();
   updatePointer();
@@ -153,11 +154,13 @@ void MainWindow::show(Screen& screen) {
 }
 
 void MainWindow::scanPath(const std::string& path) {
+  controller_.stop();
   scan_.show(nullptr);  // the controller drops the tree that is shown
   controller_.start(path);
   endShown_ = false;
+  stopping_ = false;
   shownNodes_ = 0;
-  scanStartedMs_ = ui::Window::now();
+  scanStarted_ = Clock::now();
   scan_.show(&controller_.scanner()->tree());
   scan_.setScanStatus({.scanning = true});
   meter_.measure({controller_.path()});
@@ -174,8 +177,9 @@ void MainWindow::showWelcome() {
 void MainWindow::stopScan() {
   controller_.stop();
   // A reader may wait for a disk before it sees that; the summary follows when all have ended.
-  const std::int64_t elapsedMs = ui::Window::now() - scanStartedMs_;
-  scan_.setScanStatus({.elapsedSeconds = static_cast<double>(elapsedMs) / 1000, .stopped = true});
+  stopping_ = true;
+  const std::chrono::duration<double> elapsed = Clock::now() - scanStarted_;
+  scan_.setScanStatus({.elapsedSeconds = elapsed.count(), .stopped = true});
 }
 
 void MainWindow::captureAfter(const std::string& file, double seconds) {
@@ -188,7 +192,8 @@ void MainWindow::tick() {
   if (!scanShown() && now >= nextVolumes_) refreshVolumes();
   screen_->tick(now);
   if (Dialog* dialog = dialogs_.top()) dialog->tick(now);
-  if (const auto file = captureCountdown_.tick(scanShown() && (!endShown_ || scan_.drawing()))) {
+  if (const auto file = captureCountdown_.tick(scanShown() && !endShown_)) {
+    scan_.drawAtOnce();
     window_.invalidate();
     window_.post([this, path = *file] { capture(path); });
   }
@@ -202,8 +207,7 @@ void MainWindow::capture(const std::string& file) {
 void MainWindow::followScan() {
   if (!scanShown() || controller_.finished()) return;
   const sizewalk::NodeId nodes = controller_.scanner()->tree().nodeCount();
-  if (nodes == shownNodes_ || scan_.drawing()) return;
-  if (pacer_.due(RefreshPacer::Clock::now())) {
+  if (nodes != shownNodes_ && pacer_.due(Clock::now())) {
     shownNodes_ = nodes;
     scan_.treeChanged();
   }
@@ -234,12 +238,12 @@ void MainWindow::resize(int width, int height) {
   welcome_.setSize(width, height);
   scan_.setSize(width, height);
   dialogs_.setSize(width, height);
-  pointerTarget_ = nullptr;
+  pointerTarget_ = 0;
   updatePointer();
 }
 
 void MainWindow::updatePointer() {
-  if (pointer_ && inputTarget() != pointerTarget_) tellPointer();
+  if (pointer_ && inputTarget().serial() != pointerTarget_) tellPointer();
   const bool covered = menu_ || !dialogs_.empty();
   window_.setPointer(covered ? ui::PointerShape::Arrow : screen_->pointer());
 }
@@ -263,7 +267,7 @@ void MainWindow::openSettings() {
   openDialog(std::move(dialog));
 }
 
-void MainWindow::showMetricMenu(int x, int y) {
+void MainWindow::showMeasureMenu(int x, int y) {
   openMenu(measureMenu(measure_.measure, [this](Command command) { perform(command); }), x, y);
 }
 
@@ -300,23 +304,18 @@ void MainWindow::updateTitle() {
   window_.setTitle(windowTitle(scanShown() ? controller_.path() : std::string()));
 }
 
-const void* MainWindow::inputTarget() const {
-  if (menu_) return menu_.get();
-  if (const Dialog* dialog = dialogs_.top()) return dialog;
-  return screen_;
+InputTarget& MainWindow::inputTarget() {
+  if (menu_) return *menu_;
+  if (Dialog* dialog = dialogs_.top()) return *dialog;
+  return *screen_;
 }
 
 void MainWindow::press(const ui::MouseEvent& event) {
+  InputTarget& target = inputTarget();
   // A quick second press belongs to what took the first one; a menu knows no double presses.
-  if (event.clicks > 1 && !menu_ && inputTarget() != pressTarget_) return;
-  pressTarget_ = inputTarget();
-  if (menu_) {
-    menu_->press(event);
-  } else if (Dialog* dialog = dialogs_.top()) {
-    dialog->press(event);
-  } else {
-    screen_->press(event);
-  }
+  if (event.clicks > 1 && !menu_ && target.serial() != pressTarget_) return;
+  pressTarget_ = target.serial();
+  target.press(event);
   updatePointer();
 }
 
@@ -327,36 +326,17 @@ void MainWindow::motion(const ui::MouseEvent& event) {
 }
 
 void MainWindow::tellPointer() {
-  pointerTarget_ = inputTarget();
-  if (menu_) {
-    menu_->motion(*pointer_);
-  } else if (Dialog* dialog = dialogs_.top()) {
-    dialog->motion(*pointer_);
-  } else {
-    screen_->motion(*pointer_);
-  }
+  InputTarget& target = inputTarget();
+  pointerTarget_ = target.serial();
+  target.motion(*pointer_);
 }
 
 void MainWindow::release(const ui::MouseEvent& event) {
-  if (menu_) {
-    menu_->release(event);
-  } else if (Dialog* dialog = dialogs_.top()) {
-    dialog->release(event);
-  } else {
-    screen_->release(event);
-  }
+  inputTarget().release(event);
   updatePointer();
 }
 
-void MainWindow::wheel(const ui::MouseEvent& event, int dy) {
-  if (menu_) {
-    menu_->wheel(event, dy);
-  } else if (Dialog* dialog = dialogs_.top()) {
-    dialog->wheel(event, dy);
-  } else {
-    screen_->wheel(event, dy);
-  }
-}
+void MainWindow::wheel(const ui::MouseEvent& event, int dy) { inputTarget().wheel(event, dy); }
 
 void MainWindow::leave() {
   pointer_.reset();
@@ -392,7 +372,7 @@ void MainWindow::escape() {
 
 CommandState MainWindow::commandState() const {
   return {.scanShown = scanShown(),
-          .scanning = scanShown() && !endShown_,
+          .scanning = scanShown() && !endShown_ && !stopping_,
           .canGoOut = scan_.focus().canGoOut()};
 }
 

@@ -10,6 +10,7 @@
 #include "app/commands.h"
 #include "app/dialog_layer.h"
 #include "app/folder_lister.h"
+#include "app/input_target.h"
 #include "app/kind_colours.h"
 #include "app/measure.h"
 #include "app/popup_menu.h"
@@ -32,6 +33,8 @@ class MainWindow {
  public:
   /// `connection` outlives the window. Nothing is seen before `create`.
   explicit MainWindow(ui::Connection& connection);
+  /// Stops a running scan and waits for its end.
+  ~MainWindow();
   MainWindow(const MainWindow&) = delete;
   MainWindow& operator=(const MainWindow&) = delete;
 
@@ -51,6 +54,8 @@ class MainWindow {
   unsigned long xid() const { return window_.xid(); }
 
  private:
+  using Clock = RefreshPacer::Clock;
+
   void connectInput();
   void connectScreens();
   void applySettings();
@@ -64,8 +69,8 @@ class MainWindow {
   void updatePointer();
   void tellPointer();
   void updateTitle();
-  /// The menu, dialog or screen that has the input; to be compared only.
-  const void* inputTarget() const;
+  /// The menu, dialog or screen that has the input.
+  InputTarget& inputTarget();
   void press(const ui::MouseEvent& event);
   void motion(const ui::MouseEvent& event);
   void release(const ui::MouseEvent& event);
@@ -83,7 +88,7 @@ class MainWindow {
   void openSettings();
   void showMessage(const std::string& title, const std::string& text);
   /// The menus hang from a place of the window.
-  void showMetricMenu(int x, int y);
+  void showMeasureMenu(int x, int y);
   void showApplicationMenu(int x, int y);
   void openMenu(std::vector<MenuEntry> entries, int x, int y);
   void closeMenu();
@@ -119,18 +124,21 @@ class MainWindow {
   DialogLayer dialogs_;
   /// Above the dialogs; null when none is open.
   std::unique_ptr<PopupMenu> menu_;
+  // Serial numbers of input targets, 0 for none.
   /// What took the last press.
-  const void* pressTarget_ = nullptr;
+  std::uint64_t pressTarget_ = 0;
   /// Where the pointer is in the window, if it is, and what was last told so.
   std::optional<ui::MouseEvent> pointer_;
-  const void* pointerTarget_ = nullptr;
+  std::uint64_t pointerTarget_ = 0;
   sizewalk::VolumeMeter meter_;
   VolumeCards volumes_;
   std::int64_t nextVolumes_ = 0;  // when they are to be listed again, as `ui::Window::now` tells
   RefreshPacer pacer_;
   CaptureCountdown captureCountdown_;
   bool endShown_ = false;
-  std::int64_t scanStartedMs_ = 0;  // as `ui::Window::now` tells
+  /// The user has stopped the scan, whose threads may still wait for a disk.
+  bool stopping_ = false;
+  Clock::time_point scanStarted_;
   sizewalk::NodeId shownNodes_ = 0;
 };
 

@@ -6,8 +6,7 @@
 
 namespace app {
 
-/// What the views measure an item by. The numbers are those of the settings file and the measure
-/// menu.
+/// What the views measure an item by. The commands that show a measure are in the same order.
 enum class Measure : int {
   CurrentSize = 0,
   AddedLastMonth = 1,

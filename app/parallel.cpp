@@ -24,11 +24,11 @@ void forEachOnThreads(std::size_t count, unsigned threads,
   const auto takePieces = [&] {
     for (std::size_t i; (i = next.fetch_add(1, std::memory_order_relaxed)) < count;) work(i);
   };
-  const std::size_t helperCount = std::min<std::size_t>(std::max(threads, 1U), count);
+  const std::size_t threadCount = std::min<std::size_t>(std::max(threads, 1U), count);
   std::vector<std::jthread> helpers;
   try {
-    helpers.reserve(helperCount);
-    while (helpers.size() + 1 < helperCount) helpers.emplace_back(takePieces);
+    helpers.reserve(threadCount);
+    while (helpers.size() + 1 < threadCount) helpers.emplace_back(takePieces);
   } catch (const std::system_error&) {
     // No more threads to be had; those there are take its pieces.
   } catch (const std::bad_alloc&) {

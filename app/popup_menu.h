@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "app/input_target.h"
 #include "app/menu_entry.h"
 #include "app/style.h"
 #include "ui/canvas.h"
@@ -19,7 +20,7 @@ namespace app {
 /// button, pressed in the menu, is let go over it; a press outside only closes the menu. In a
 /// window that is too low for all entries they scroll. Window thread only; lengths are device
 /// pixels.
-class PopupMenu {
+class PopupMenu : public InputTarget {
  public:
   /// A new frame is to be drawn.
   std::function<void()> onChanged;
@@ -37,12 +38,11 @@ class PopupMenu {
   void goToFirst();
   void paint(ui::Canvas& canvas) const;
 
-  void press(const ui::MouseEvent& event);
-  void motion(const ui::MouseEvent& event);
-  void release(const ui::MouseEvent& event);
-  void leave();
-  /// `dy` steps of the wheel, down when above 0.
-  void wheel(const ui::MouseEvent& event, int dy);
+  void press(const ui::MouseEvent& event) override;
+  void motion(const ui::MouseEvent& event) override;
+  void release(const ui::MouseEvent& event) override;
+  void leave() override;
+  void wheel(const ui::MouseEvent& event, int dy) override;
   void key(const ui::KeyEvent& event);
 
   const std::vector<MenuEntry>& entries() const { return entries_; }

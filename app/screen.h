@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 
+#include "app/input_target.h"
 #include "ui/canvas.h"
 #include "ui/geometry.h"
 #include "ui/input.h"
@@ -11,10 +12,8 @@ namespace app {
 
 /// What fills the window: the welcome or a scan. The main window shows one of them at a time and
 /// hands it all input. Window thread only; lengths are device pixels, the screen covers the window.
-class Screen {
+class Screen : public InputTarget {
  public:
-  virtual ~Screen() = default;
-
   /// A new frame is to be drawn.
   std::function<void()> onChanged;
 
@@ -29,16 +28,9 @@ class Screen {
   }
   virtual void paint(ui::Canvas& canvas) const = 0;
 
-  virtual void press(const ui::MouseEvent& event) = 0;
-  virtual void motion(const ui::MouseEvent& event) = 0;
-  virtual void release(const ui::MouseEvent& event) = 0;
-  /// The pointer left the window.
-  virtual void leave() = 0;
   /// Another screen takes this one's place, or a dialog opens over it: nothing is pressed or under
   /// the pointer any more.
   virtual void hide() = 0;
-  /// `dy` steps of the wheel, down when above 0.
-  virtual void wheel(const ui::MouseEvent& event, int dy) = 0;
   /// True when the key means something here.
   virtual bool key(const ui::KeyEvent& event) = 0;
   virtual void tick(std::int64_t /*nowMs*/) {}

@@ -19,7 +19,6 @@ class Selection {
 
   bool contains(sizewalk::NodeId node) const { return nodes_.contains(node); }
   std::size_t size() const { return nodes_.size(); }
-  bool empty() const { return nodes_.empty(); }
   const std::unordered_set<sizewalk::NodeId>& nodes() const { return nodes_; }
 
   void clear() { replace({}); }

@@ -228,8 +228,8 @@ Layouter::Rest Layouter::arrange(double area) {
 }
 
 /// Files of one kind share a key, every folder and every extra block has its own. The ranges meet:
-/// the folder with index 1 has the free space's key and goes with it, the one with index 2 with the
-/// other space. The map's order has always been so.
+/// the folder with index 1 has the free space's key and is placed with it, the one with index 2
+/// with the other space. That costs nothing but a place, and a key stays one number.
 std::int32_t Layouter::groupKey(std::int32_t id) const {
   if (id < 0) return id;
   const auto node = static_cast<NodeId>(id);

@@ -220,6 +220,12 @@ TEST_F(MainWindowInputTest, ShowsAtOnceThatAScanIsStopped) {
     const Pixels status = user.status();
     user.press(ui::key::kEscape);
     EXPECT_TRUE(eventually([&] { return user.toolbar() != scanning && user.status() != status; }));
+    const Pixels stopped = user.status();
+    const Pixels plain = user.toolbar();
+    user.press(ui::key::kEscape);
+    user.client.movePointer(20, frame().toolbar.h / 2);
+    ASSERT_TRUE(eventually([&] { return user.toolbar() != plain; })) << "after the key";
+    EXPECT_TRUE(user.status() == stopped) << "it is stopped once";
     held.release();
   });
 }

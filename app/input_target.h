@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+
+#include "ui/input.h"
+
+namespace app {
+
+/// What can have the pointer's input: a screen, a dialog or a menu. The main window hands it to the
+/// topmost one. Window thread only.
+class InputTarget {
+ public:
+  InputTarget() : serial_(++lastSerial_) {}
+  virtual ~InputTarget() = default;
+  InputTarget(const InputTarget&) = delete;
+  InputTarget& operator=(const InputTarget&) = delete;
+
+  /// Tells it from every other one, also from those that are gone. Never 0.
+  std::uint64_t serial() const { return serial_; }
+
+  virtual void press(const ui::MouseEvent& event) = 0;
+  virtual void motion(const ui::MouseEvent& event) = 0;
+  virtual void release(const ui::MouseEvent& event) = 0;
+  /// The pointer left the window.
+  virtual void leave() = 0;
+  /// `dy` steps of the wheel, down when above 0.
+  virtual void wheel(const ui::MouseEvent& event, int dy) = 0;
+
+ private:
+  static inline std::uint64_t lastSerial_ = 0;
+  const std::uint64_t serial_;
+};
+
+}  // namespace app
