@@ -163,7 +163,7 @@ void ScanScreen::setSettings(const ScanScreenSettings& settings) {
 
 void ScanScreen::setScanStatus(const ScanStatus& status) {
   status_ = status;
-  if (!status.scanning) picture_.hurry();
+  picture_.setGrowing(status.scanning);
   changed();
 }
 

@@ -29,7 +29,6 @@ void TreemapPicture::show(const sizewalk::FileTree* tree, sizewalk::NodeId focus
   dirty_ = true;
   if (tree == std::exchange(tree_, tree)) return;
   background_.drop();
-  hurry();
   spare_ = std::exchange(rendered_, {});  // its blocks name nodes of the other tree
   image_.clear();
 }
@@ -61,7 +60,8 @@ bool TreemapPicture::drawing() const {
 }
 
 bool TreemapPicture::due() const {
-  return drawing() && !background_.busy() && pacer_.due(RefreshPacer::Clock::now());
+  if (!drawing() || background_.busy()) return false;
+  return !growing_ || pacer_.due(RefreshPacer::Clock::now());
 }
 
 bool TreemapPicture::update() {

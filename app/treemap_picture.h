@@ -42,11 +42,11 @@ class TreemapPicture {
   void setHighlight(std::optional<int> kind);
   /// Something else is to be seen: the next `update` makes a new picture.
   void markDirty() { dirty_ = true; }
-  /// The tree has changed, or what is beside it: an `update` begins a new picture, after a pause
-  /// that leaves two thirds of the time to others. Until it is there the last one stays.
+  /// The tree has changed, or what is beside it: an `update` begins a new picture. Until it is there
+  /// the last one stays.
   void markOutdated() { outdated_ = true; }
-  /// The tree changes no more: the next picture waits for no pause.
-  void hurry() { pacer_ = {}; }
+  /// While the tree keeps growing, pauses between pictures leave two thirds of the time to others.
+  void setGrowing(bool growing) { growing_ = growing; }
   /// An `update` would begin a picture in the background.
   bool due() const;
   /// A picture is being made in the background, or to be made.
@@ -95,6 +95,7 @@ class TreemapPicture {
   BackgroundRender background_;
   /// What is being made in the background shows less than the last picture.
   bool overtaken_ = false;
+  bool growing_ = false;
   RefreshPacer pacer_;
 };
 

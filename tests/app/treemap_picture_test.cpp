@@ -265,7 +265,8 @@ TEST_F(BackgroundPictureTest, MakesOneAtATime) {
   EXPECT_EQ(told_, 2);
 }
 
-TEST_F(BackgroundPictureTest, PausesAfterAPictureUntilTheTreeChangesNoMore) {
+TEST_F(BackgroundPictureTest, PausesAfterAPictureUntilTheTreeGrowsNoMore) {
+  picture_.setGrowing(true);
   picture_.setRect({0, 0, 1500, 1000});  // takes a few milliseconds
   picture_.update();
   makeInBackground();
@@ -280,7 +281,7 @@ TEST_F(BackgroundPictureTest, PausesAfterAPictureUntilTheTreeChangesNoMore) {
   ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
   runTasks();
   picture_.markOutdated();
-  picture_.hurry();
+  picture_.setGrowing(false);
   EXPECT_TRUE(picture_.due());
 }
 
