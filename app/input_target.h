@@ -10,7 +10,7 @@ namespace app {
 /// topmost one. Window thread only.
 class InputTarget {
  public:
-  InputTarget() : serial_(++lastSerial_) {}
+  InputTarget() : serial_(nextSerial()) {}
   virtual ~InputTarget() = default;
   InputTarget(const InputTarget&) = delete;
   InputTarget& operator=(const InputTarget&) = delete;
@@ -27,7 +27,11 @@ class InputTarget {
   virtual void wheel(const ui::MouseEvent& event, int dy) = 0;
 
  private:
-  static inline std::uint64_t lastSerial_ = 0;
+  static std::uint64_t nextSerial() {
+    static std::uint64_t last = 0;
+    return ++last;
+  }
+
   const std::uint64_t serial_;
 };
 
