@@ -42,8 +42,8 @@ class TreemapPicture {
   void setHighlight(std::optional<int> kind);
   /// Something else is to be seen: the next `update` makes a new picture.
   void markDirty() { dirty_ = true; }
-  /// The tree has changed, or what is beside it: an `update` begins a new picture. Until it is there
-  /// the last one stays.
+  /// The tree has changed, or what is beside it: an `update` begins a new picture. Until it is
+  /// there the last one stays.
   void markOutdated() { outdated_ = true; }
   /// While the tree keeps growing, pauses between pictures leave two thirds of the time to others.
   void setGrowing(bool growing) { growing_ = growing; }
