@@ -1,15 +1,17 @@
 #include "app/treemap_picture.h"
 
 #include <gtest/gtest.h>
+#include <sys/types.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
+#include <fstream>
 #include <functional>
-#include <future>
 #include <limits>
 #include <mutex>
 #include <stdexcept>
-#include <thread>
+#include <string>
 #include <vector>
 
 #include "app/cushion_shading.h"
@@ -323,17 +325,23 @@ TEST_F(BackgroundPictureTest, WaitsForAPictureOfATreeThatItLeaves) {
   EXPECT_TRUE(picture_.rendered().pixels.empty());
 }
 
+/// Whether a thread of this process waits for something.
+bool waits(pid_t thread) {
+  std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
+  std::string stat;
+  std::getline(file, stat);
+  return stat.substr(stat.rfind(')') + 1).starts_with(" S");
+}
+
 TEST_F(BackgroundPictureTest, WaitsForTheThreadThatReadsTheTree) {
-  std::promise<void> begun;
+  const pid_t owner = gettid();
+  std::atomic<bool> leaving = false;
   std::atomic<bool> ended = false;
   BackgroundRender render([&](const std::function<void()>&) {
-    begun.set_value();
-    // Long enough for who does not wait to be seen not to.
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    ended = true;
+    ended = test::eventually([&] { return leaving && waits(owner); });
   });
   ASSERT_TRUE(render.start({&tree_, kRootNode, 10, 10, colours_, {}, {}, {}}));
-  begun.get_future().wait();
+  leaving = true;
   render.drop();
   EXPECT_TRUE(ended);
   EXPECT_FALSE(render.busy());
