@@ -3,18 +3,18 @@
 #include <cstdio>
 #include <utility>
 
-#include "app/folder_chooser.h"
-#include "app/folder_places.h"
-#include "app/format.h"
+#include "app/dialogs/folder_chooser.h"
+#include "app/dialogs/folder_places.h"
+#include "app/dialogs/settings_dialog.h"
 #include "app/menus.h"
-#include "app/message_dialog.h"
+#include "app/model/format.h"
+#include "app/model/settings.h"
+#include "app/model/settings_store.h"
 #include "app/product.h"
-#include "app/settings.h"
-#include "app/settings_dialog.h"
-#include "app/settings_store.h"
 #include "base/utf8.h"
 #include "ui/keys.h"
 #include "ui/text.h"
+#include "ui/widgets/message_dialog.h"
 
 namespace app {
 

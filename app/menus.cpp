@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "app/toolbar_layout.h"
+#include "app/frame/toolbar_layout.h"
 
 namespace app {
 

@@ -3,9 +3,9 @@
 #include <functional>
 #include <vector>
 
-#include "app/commands.h"
-#include "app/measure.h"
-#include "app/menu_entry.h"
+#include "app/model/commands.h"
+#include "app/model/measure.h"
+#include "ui/widgets/menu_entry.h"
 
 namespace app {
 

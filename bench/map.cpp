@@ -15,11 +15,11 @@
 #include <utility>
 #include <vector>
 
-#include "app/cushion_kernels.h"
-#include "app/cushion_shading.h"
-#include "app/parallel.h"
-#include "app/treemap_layout.h"
-#include "app/treemap_render.h"
+#include "app/map/cushion_kernels.h"
+#include "app/map/cushion_shading.h"
+#include "app/map/treemap_layout.h"
+#include "app/map/treemap_render.h"
+#include "app/model/parallel.h"
 #include "bench/support/million_files.h"
 #include "bench/support/paired_timing.h"
 #include "bench/support/row.h"

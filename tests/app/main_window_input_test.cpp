@@ -12,10 +12,10 @@
 #include <thread>
 #include <vector>
 
-#include "app/cushion_shading.h"
-#include "app/frame_layout.h"
+#include "app/frame/frame_layout.h"
+#include "app/frame/welcome_screen.h"
 #include "app/main_window.h"
-#include "app/welcome_screen.h"
+#include "app/map/cushion_shading.h"
 #include "tests/app/held_folder.h"
 #include "tests/support/environment.h"
 #include "tests/support/eventually.h"

@@ -12,7 +12,7 @@
 #include <string>
 #include <thread>
 
-#include "app/cushion_shading.h"
+#include "app/map/cushion_shading.h"
 #include "tests/app/held_folder.h"
 #include "tests/support/environment.h"
 #include "tests/support/eventually.h"

@@ -1,0 +1,107 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/dialogs/folder_lister.h"
+#include "app/dialogs/folder_places.h"
+#include "ui/widgets/dialog.h"
+#include "ui/widgets/row_column.h"
+#include "ui/widgets/type_ahead.h"
+
+namespace app {
+
+/// Where the user picks the folder to scan: places to begin at, the folder that is shown, and the
+/// folders inside it. Window thread only.
+///
+/// Arrows move through the list or the places, whichever has the keyboard, left and right between
+/// the two; letters search the list. Enter goes into the selected folder or to the place, Backspace
+/// goes up, and Ctrl+Enter scans.
+class FolderChooser : public Dialog {
+ public:
+  /// The controls that come before the buttons.
+  enum Control : int { kUp, kPlaces, kList };
+  /// The buttons.
+  enum : std::size_t { kCancel, kScan };
+
+  /// The path to scan. The chooser has closed by then.
+  std::function<void(const std::string&)> onChosen;
+
+  /// Shows the first of `places`, of which there is at least one. `style` and `lister` outlive the
+  /// chooser, which is the only one to use the lister while it is there.
+  FolderChooser(const Style& style, std::vector<FolderPlace> places, FolderLister& lister);
+  ~FolderChooser() override;
+
+  void press(const ui::MouseEvent& event) override;
+  void motion(const ui::MouseEvent& event) override;
+  void release(const ui::MouseEvent& event) override;
+  void leave() override;
+  void wheel(const ui::MouseEvent& event, int dy) override;
+  void key(const ui::KeyEvent& event) override;
+  void tick(std::int64_t nowMs) override;
+
+  const std::string& path() const { return path_; }
+  const std::vector<FolderPlace>& places() const { return places_; }
+  /// Nothing while the folder has not been listed yet.
+  const std::optional<FolderListing>& listing() const { return listing_; }
+  std::optional<std::size_t> selected() const { return selected_; }
+  /// What is said where the list would be; empty while there is a list.
+  std::string message() const;
+
+  const RowColumn& listColumn() const { return listColumn_; }
+  const RowColumn& placesColumn() const { return placesColumn_; }
+  const ui::Rect& pathBox() const { return pathBox_; }
+  const ui::Rect& upButton() const { return upButton_; }
+
+ protected:
+  ui::Rect wantedPanel(int width, int height) const override;
+  void layOut(const ui::Rect& content) override;
+  void paintContent(ui::Canvas& canvas) const override;
+  int controlCount() const override { return kList + 1; }
+  ui::PressTracker::Control controlAt(int x, int y) const override;
+  bool act(int control) override;
+
+ private:
+  void goTo(std::string path);
+  void goUp();
+  void goInto(std::size_t row);
+  void listed(FolderListing listing);
+  void select(std::size_t row);
+  void scan();
+
+  bool pressColumns(const ui::MouseEvent& event);
+  void pressRow(std::size_t row, int clicks);
+  bool keyAnywhere(const ui::KeyEvent& event);
+  bool keyInPlaces(ui::key::Keysym key);
+  bool keyInList(const ui::KeyEvent& event);
+  bool typeAhead(const ui::KeyEvent& event);
+
+  void paintPath(ui::Canvas& canvas) const;
+  void paintPlaces(ui::Canvas& canvas) const;
+  void paintPlace(ui::Canvas& canvas, std::size_t row) const;
+  void paintList(ui::Canvas& canvas) const;
+  void paintRow(ui::Canvas& canvas, std::size_t row) const;
+
+  std::vector<FolderPlace> places_;
+  FolderLister& lister_;
+  std::string path_;
+  std::optional<FolderListing> listing_;
+  std::int64_t askedMs_ = 0;  // when the folder was asked for what is in it
+  bool slow_ = false;         // it has not answered for long enough to say so
+  std::optional<std::size_t> selected_;
+  /// The place that Enter goes to while the places have the keyboard.
+  std::size_t currentPlace_ = 0;
+  TypeAhead typeAhead_;
+
+  ui::Rect heading_;
+  ui::Rect pathBox_;
+  ui::Rect upButton_;
+  ui::Rect listFrame_;
+  RowColumn placesColumn_;
+  RowColumn listColumn_;
+};
+
+}  // namespace app

@@ -1,0 +1,130 @@
+#include "app/frame/frame_layout.h"
+
+#include <algorithm>
+
+namespace app {
+
+namespace {
+
+// Logical pixels.
+constexpr double kToolbarPadding = 6;
+constexpr double kButtonPadding = 6;
+constexpr double kStatusPadding = 8;
+constexpr double kDivider = 5;
+constexpr double kLeastColumn = 220;
+constexpr double kKindsWidth = 260;
+/// No drag of a divider makes a part smaller than this.
+constexpr double kLeastPart = 80;
+
+// Shares of what is divided.
+constexpr double kColumnShare = 0.34;
+constexpr double kListOverKindsShare = 0.62;
+constexpr double kListHeightShare = 0.38;
+
+/// A room and the two parts that a divider makes of it.
+struct Split {
+  ui::Rect first;
+  ui::Rect divider;
+  ui::Rect second;
+};
+
+/// Keeps a part, of a room of `length` with the divider taken off, from crowding the other out.
+int fitted(int wanted, int length, int least) {
+  const int most = std::max(length - least, length / 2);
+  return std::clamp(wanted, std::min(least, length / 2), most);
+}
+
+int scaledShare(double share, int length) { return static_cast<int>(share * length + 0.5); }
+
+Split splitAcross(const ui::Rect& room, int firstWidth, int dividerWidth) {
+  const int divider = std::min(dividerWidth, room.w);
+  const ui::Rect first = {room.x, room.y, firstWidth, room.h};
+  const ui::Rect between = {room.x + firstWidth, room.y, divider, room.h};
+  const int left = firstWidth + divider;
+  return {first, between, {room.x + left, room.y, room.w - left, room.h}};
+}
+
+Split splitDown(const ui::Rect& room, int firstHeight, int dividerHeight) {
+  const int divider = std::min(dividerHeight, room.h);
+  const ui::Rect first = {room.x, room.y, room.w, firstHeight};
+  const ui::Rect between = {room.x, room.y + firstHeight, room.w, divider};
+  const int above = firstHeight + divider;
+  return {first, between, {room.x, room.y + above, room.w, room.h - above}};
+}
+
+class FrameBuilder {
+ public:
+  explicit FrameBuilder(const FrameRequest& request)
+      : request_(request), divider_(scaled(kDivider)), leastPart_(scaled(kLeastPart)) {}
+
+  FrameLayout build() {
+    frame_.toolbar =
+        toolbarRect(request_.width, request_.height, request_.scale, request_.lineHeight);
+    const int toolbar = frame_.toolbar.h;
+    const int status =
+        std::min(request_.lineHeight + scaled(kStatusPadding), request_.height - toolbar);
+    frame_.status = {0, request_.height - status, request_.width, status};
+    const ui::Rect room = {0, toolbar, request_.width, request_.height - toolbar - status};
+    if (request_.listAboveMap) {
+      putListAbove(room);
+    } else {
+      putListBeside(room);
+    }
+    return frame_;
+  }
+
+ private:
+  int scaled(double logical) const { return ui::scaled(logical, request_.scale); }
+
+  int part(const std::optional<double>& dragged, int ownPlace, int length) const {
+    const int usable = std::max(length - divider_, 0);
+    return fitted(dragged ? scaledShare(*dragged, usable) : ownPlace, usable, leastPart_);
+  }
+
+  void putListBeside(const ui::Rect& room) {
+    const int own = std::max(scaledShare(kColumnShare, room.w), scaled(kLeastColumn));
+    const Split sides = splitAcross(room, part(request_.dividers.column, own, room.w), divider_);
+    frame_.mainDivider = sides.divider;
+    frame_.map = sides.second;
+    frame_.list = sides.first;
+    if (!request_.showKinds) return;
+    const int list = part(request_.dividers.listOverKinds,
+                          scaledShare(kListOverKindsShare, room.h - divider_), room.h);
+    const Split column = splitDown(sides.first, list, divider_);
+    frame_.list = column.first;
+    frame_.kindsDivider = column.divider;
+    frame_.kinds = column.second;
+  }
+
+  void putListAbove(const ui::Rect& room) {
+    const int own = scaledShare(kListHeightShare, room.h);
+    const Split halves = splitDown(room, part(request_.dividers.listHeight, own, room.h), divider_);
+    frame_.list = halves.first;
+    frame_.mainDivider = halves.divider;
+    frame_.map = halves.second;
+    if (!request_.showKinds) return;
+    const int map =
+        part(request_.dividers.mapBesideKinds, room.w - divider_ - scaled(kKindsWidth), room.w);
+    const Split below = splitAcross(halves.second, map, divider_);
+    frame_.map = below.first;
+    frame_.kindsDivider = below.divider;
+    frame_.kinds = below.second;
+  }
+
+  const FrameRequest& request_;
+  const int divider_;
+  const int leastPart_;
+  FrameLayout frame_;
+};
+
+}  // namespace
+
+ui::Rect toolbarRect(int width, int height, double scale, int lineHeight) {
+  const int own =
+      lineHeight + ui::scaled(kButtonPadding, scale) + 2 * ui::scaled(kToolbarPadding, scale);
+  return {0, 0, width, std::min(own, height)};
+}
+
+FrameLayout layOutFrame(const FrameRequest& request) { return FrameBuilder(request).build(); }
+
+}  // namespace app

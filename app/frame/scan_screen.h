@@ -1,0 +1,166 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "app/frame/dividers.h"
+#include "app/frame/frame_layout.h"
+#include "app/frame/screen.h"
+#include "app/frame/status_line.h"
+#include "app/frame/status_text.h"
+#include "app/frame/toolbar.h"
+#include "app/lists/folder_list.h"
+#include "app/lists/kinds_table.h"
+#include "app/map/background_render.h"
+#include "app/map/extra_blocks.h"
+#include "app/map/treemap_picture.h"
+#include "app/map/treemap_view.h"
+#include "app/model/commands.h"
+#include "app/model/kind_colours.h"
+#include "app/model/map_focus.h"
+#include "app/model/measure.h"
+#include "app/model/selection.h"
+#include "sizewalk/file_tree.h"
+#include "ui/canvas.h"
+#include "ui/connection.h"
+#include "ui/input.h"
+#include "ui/widgets/pointer_router.h"
+#include "ui/widgets/style.h"
+
+namespace app {
+
+/// The settings that the view of a scan depends on.
+struct ScanScreenSettings {
+  bool listAboveMap = setting::kSplitHorizontally.fallback;
+  bool showKinds = setting::kShowFileKinds.fallback;
+  bool consistentKindColours = setting::kConsistentKindColours.fallback;
+  ExtraBlockSettings extraBlocks = {};
+};
+
+/// The window while a scan is shown: toolbar, folder list, kinds table, map and status line, laid
+/// out around two dividers, with one selection and one folder in focus. Hands input to the part
+/// that it is for, and what changes in one part to the others. Window thread only.
+class ScanScreen : public Screen {
+ public:
+  std::function<void(Command)> onCommand;
+  /// A menu is to hang from the button at a place.
+  std::function<void(const ui::Rect&)> onMeasureMenu;
+  std::function<void(const ui::Rect&)> onAppMenu;
+  /// The context menu of an item, which is selected, at (x, y).
+  std::function<void(sizewalk::NodeId, int x, int y)> onContextMenu;
+  /// A file is to be opened.
+  std::function<void(sizewalk::NodeId)> onOpenFile;
+
+  /// All outlive the view. Without `post` the map is never drawn in the background.
+  ScanScreen(ui::Connection& connection, const Style& style, KindColours& colours,
+             BackgroundRender::Post post = {});
+
+  /// Shows `tree`, which outlives being shown, from the scanned folder on; nothing when it is null.
+  void show(const sizewalk::FileTree* tree);
+  void setMeasure(const MeasureSettings& measure);
+  void setSettings(const ScanScreenSettings& settings);
+  /// What the status line tells of the scan. Its sums are taken from the tree in every frame.
+  void setScanStatus(const ScanStatus& status);
+  /// Of the volume that holds the scanned folder; nothing while that is not known.
+  void setVolumeSpace(const std::optional<VolumeSpace>& space);
+  /// The tree has changed: all parts look at it anew with the next frame, the map perhaps a little
+  /// later.
+  void treeChanged();
+  /// The next frame shows the tree as it is by then, on the map as well.
+  void drawAtOnce();
+
+  void setSize(int width, int height) override;
+  void paint(ui::Canvas& canvas) const override;
+  void press(const ui::MouseEvent& event) override;
+  void motion(const ui::MouseEvent& event) override;
+  void release(const ui::MouseEvent& event) override;
+  void leave() override;
+  void hide() override;
+  void wheel(const ui::MouseEvent& event, int dy) override;
+  /// Of the part that has the keyboard.
+  bool key(const ui::KeyEvent& event) override;
+  void tick(std::int64_t nowMs) override;
+  /// A card, then the highlight of a kind.
+  bool dismiss() override;
+  ui::Rect menuButton() const override { return toolbar_.layout().menu; }
+  ui::PointerShape pointer() const override;
+
+  MapFocus& focus() { return focus_; }
+  const MapFocus& focus() const { return focus_; }
+  Selection& selection() { return selection_; }
+  const FrameLayout& layout() const { return layout_; }
+  // The parts, to look at.
+  const Toolbar& toolbar() const { return toolbar_; }
+  const FolderList& list() const { return list_; }
+  const KindsTable& kinds() const { return kinds_; }
+  const TreemapPicture& picture() const { return picture_; }
+  const StatusLine& statusLine() const { return statusLine_; }
+  /// The item that a command without a place of its own is about: the one that is selected, of
+  /// several the current row if it is one of them, else the folder in focus.
+  sizewalk::NodeId target() const;
+
+ protected:
+  /// Costly when it looked at the tree or made a picture.
+  bool bringUpToDate() override;
+
+ private:
+  /// The parts that can have the keyboard, in the order of Tab.
+  enum class Part { List, Kinds, Map };
+
+  void connectToolbar();
+  void connectList();
+  void connectKinds();
+  void connectMap();
+  void addPointerTargets();
+  void layOut();
+  void lookAtTree();
+  void focusChanged();
+  void updateExtraBlocks();
+  void updateToolbar();
+  void updateStatus();
+  void addUpSelection();
+  std::string statusRight() const;
+  std::optional<sizewalk::NodeId> hovered() const;
+  void giveKeyboardTo(Part part);
+  void cycleKeyboard(bool backwards);
+  void activate(sizewalk::NodeId node);
+
+  const Style& style_;
+  KindColours& colours_;
+  const sizewalk::FileTree* tree_ = nullptr;
+  MeasureSettings measure_;
+  ScanScreenSettings settings_;
+  ScanStatus status_;
+  std::optional<VolumeSpace> volume_;
+  int width_ = 0;
+  int height_ = 0;
+  FrameLayout layout_;
+  Dividers dividers_;
+  Selection selection_;
+  MapFocus focus_;
+  Toolbar toolbar_;
+  FolderList list_;
+  KindsTable kinds_;
+  TreemapPicture picture_;
+  TreemapView map_;
+  StatusLine statusLine_;
+  PointerRouter pointers_;
+  PointerRouter::Index toolbarTarget_ = 0;
+  PointerRouter::Index listTarget_ = 0;
+  PointerRouter::Index kindsTarget_ = 0;
+  PointerRouter::Index mapTarget_ = 0;
+  PointerRouter::Index mainDividerTarget_ = 0;
+  PointerRouter::Index kindsDividerTarget_ = 0;
+  Part keyboard_ = Part::List;
+  // What the next `prepare` has to do.
+  bool treeDirty_ = false;
+  bool selectionDirty_ = false;
+  /// Of what is selected, nothing counted twice. Adding it up takes as long as the selection is
+  /// large, so not in every frame.
+  std::int64_t selectedSize_ = 0;
+  ui::MouseEvent lastPointer_;
+};
+
+}  // namespace app

@@ -1,0 +1,71 @@
+#include "app/frame/status_line.h"
+
+#include <algorithm>
+
+#include "app/model/format.h"
+#include "ui/text.h"
+
+namespace app {
+
+namespace {
+
+// Logical pixels.
+constexpr double kPadding = 8;
+constexpr double kGap = 24;
+/// Less room than for a few characters: a path cut down to that tells nothing.
+constexpr double kLeastRightWidth = 48;
+
+}  // namespace
+
+StatusLayout layOutStatus(const std::string& left, const std::string& right, const ui::Rect& bar,
+                          double scale, const ui::MeasureText& measure) {
+  const int padding = ui::scaled(kPadding, scale);
+  const ui::Rect room = {bar.x + padding, bar.y, std::max(bar.w - 2 * padding, 0), bar.h};
+  StatusLayout layout;
+  int taken = 0;
+  if (!left.empty()) {
+    const int width = std::min(measure(left), room.w);
+    layout.left = {room.x, room.y, width, room.h};
+    taken = width + ui::scaled(kGap, scale);
+  }
+  const int free = room.w - taken;
+  const int wanted = right.empty() ? 0 : measure(right);
+  if (wanted == 0 || (wanted > free && free < ui::scaled(kLeastRightWidth, scale))) return layout;
+  layout.rightText = ui::shortenedAtStart(right, free, measure);
+  const int width = measure(layout.rightText);
+  layout.right = {room.x + room.w - width, room.y, width, room.h};
+  return layout;
+}
+
+bool StatusLine::setRect(const ui::Rect& rect) {
+  if (rect_ == rect) return false;
+  rect_ = rect;
+  layOut();
+  return true;
+}
+
+bool StatusLine::setTexts(const std::string& left, const std::string& right) {
+  const std::string readable = displayName(right);
+  if (left_ == left && right_ == readable) return false;
+  left_ = left;
+  right_ = readable;
+  layOut();
+  return true;
+}
+
+void StatusLine::layOut() {
+  layout_ = layOutStatus(left_, right_, rect_, style_.scale(),
+                         [this](std::string_view text) { return style_.textWidth(text); });
+}
+
+void StatusLine::paint(ui::Canvas& canvas) const {
+  const ui::Palette& palette = style_.palette();
+  canvas.pushClip(rect_);
+  canvas.fillRect(rect_, palette.window);
+  canvas.fillRect({rect_.x, rect_.y, rect_.w, 1}, palette.border);
+  ui::drawText(canvas, layout_.left, left_, style_.body(), palette.text);
+  ui::drawText(canvas, layout_.right, layout_.rightText, style_.body(), palette.dimText);
+  canvas.popClip();
+}
+
+}  // namespace app

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <string>
+
+#include "ui/canvas.h"
+#include "ui/geometry.h"
+#include "ui/text_fit.h"
+#include "ui/widgets/style.h"
+
+namespace app {
+
+/// The texts of the status line and their places. They never overlap; the left one comes first, and
+/// the right one has what is left. A text that is not shown has an empty place.
+struct StatusLayout {
+  ui::Rect left;
+  ui::Rect right;
+  /// The right text as far as it has room, shortened at its start: of a path the end says most.
+  std::string rightText;
+};
+
+/// Lays `left` and `right` out into `bar`. `measure` gives a text's width.
+StatusLayout layOutStatus(const std::string& left, const std::string& right, const ui::Rect& bar,
+                          double scale, const ui::MeasureText& measure);
+
+/// The line at the bottom of the window: the scan's figures at the left, at the right what is under
+/// the pointer or selected. Window thread only.
+class StatusLine {
+ public:
+  /// `style` outlives the line.
+  explicit StatusLine(const Style& style) : style_(style) {}
+
+  // These return whether what the line shows has changed.
+
+  bool setRect(const ui::Rect& rect);
+  /// `right` may be a path as the file system has it: bytes that are no text are made readable.
+  bool setTexts(const std::string& left, const std::string& right);
+
+  void paint(ui::Canvas& canvas) const;
+  const StatusLayout& layout() const { return layout_; }
+  const std::string& left() const { return left_; }
+  /// In full, and readable.
+  const std::string& right() const { return right_; }
+
+ private:
+  void layOut();
+
+  const Style& style_;
+  ui::Rect rect_;
+  std::string left_;
+  std::string right_;
+  StatusLayout layout_;
+};
+
+}  // namespace app

@@ -1,0 +1,83 @@
+#include "app/frame/toolbar_layout.h"
+
+#include <algorithm>
+
+namespace app {
+
+namespace {
+
+// Logical pixels.
+constexpr double kPadding = 8;
+constexpr double kTextPadding = 20;  // of a button around its text, both sides together
+
+// Device pixels: gaps that stay as thin on large screens.
+constexpr int kGap = 6;
+constexpr int kButtonExtraHeight = 6;
+constexpr int kGlyphExtraWidth = 10;
+
+/// Hands out places from left to right.
+class Lane {
+ public:
+  Lane(const ui::Rect& bar, int height, int left)
+      : height_(height), y_(bar.y + (bar.h - height) / 2), next_(left) {}
+
+  ui::Rect take(int width) {
+    const ui::Rect place = {next_, y_, width, height_};
+    next_ += width + kGap;
+    return place;
+  }
+  ui::Rect at(int x, int width) const { return {x, y_, width, height_}; }
+  int next() const { return next_; }
+
+ private:
+  int height_;
+  int y_;
+  int next_;
+};
+
+}  // namespace
+
+std::string_view measureName(Measure measure) {
+  switch (measure) {
+    case Measure::CurrentSize:
+      return "Current size";
+    case Measure::AddedLastMonth:
+      return "Added in the last month";
+    case Measure::AddedLastSixMonths:
+      return "Added in the last six months";
+    case Measure::AddedSinceLastScan:
+      return "Added since last scan";
+  }
+  return {};
+}
+
+std::string measureSelectorText(Measure measure) {
+  return std::string(measureName(measure)) + "  ▾";
+}
+
+ToolbarLayout layOutToolbar(const ToolbarState& state, const ui::Rect& bar, int lineHeight,
+                            double scale, const std::function<int(std::string_view)>& measureText) {
+  const int padding = ui::scaled(kPadding, scale);
+  const int glyphWidth = lineHeight + kGlyphExtraWidth;
+  const auto textButton = [&](std::string_view text) {
+    return measureText(text) + ui::scaled(kTextPadding, scale);
+  };
+  Lane lane(bar, lineHeight + kButtonExtraHeight, bar.x + padding);
+  ToolbarLayout layout;
+  const int menuLeft = bar.x + bar.w - padding - glyphWidth;
+  layout.menu = lane.at(menuLeft, glyphWidth);
+  if (!state.tree) return layout;
+
+  layout.open = lane.take(textButton(kOpenText));
+  (state.scanning ? layout.stop : layout.rescan) =
+      lane.take(textButton(state.scanning ? kStopText : kRescanText));
+  if (state.canGoUp) layout.up = lane.take(glyphWidth);
+  layout.measure = lane.take(textButton(measureSelectorText(state.measure)));
+  layout.breadcrumb = lane.at(lane.next(), std::max(menuLeft - kGap - lane.next(), 0));
+  if (!layout.breadcrumb.empty()) {
+    layout.segments = breadcrumb(*state.tree, state.focus, layout.breadcrumb.w, measureText);
+  }
+  return layout;
+}
+
+}  // namespace app

@@ -1,0 +1,218 @@
+#include "app/frame/welcome_view.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "app/model/format.h"
+#include "ui/keys.h"
+#include "ui/text.h"
+
+namespace app {
+
+namespace {
+
+constexpr int kPrimaryButton = 1;
+constexpr unsigned long kSpace = ' ';
+
+// Device pixels at every scale.
+constexpr int kCardRadius = 8;
+constexpr int kTrackRadius = 3;
+
+bool samePaths(const std::vector<VolumeCard>& a, const std::vector<VolumeCard>& b) {
+  return std::ranges::equal(a, b, {}, &VolumeCard::path, &VolumeCard::path);
+}
+
+}  // namespace
+
+bool WelcomeView::setRect(const ui::Rect& rect) {
+  if (rect_ == rect) return false;
+  const bool onButton = focused_ == buttonControl();
+  rect_ = rect;
+  layOut();
+  // The cards shown may be others now, which numbers the button anew.
+  presses_ = {};
+  if (onButton || (focused_ && *focused_ > cardCount())) focused_ = buttonControl();
+  return true;
+}
+
+bool WelcomeView::setCards(std::vector<VolumeCard> cards) {
+  if (cards_ == cards) return false;
+  const bool onButton = focused_ == buttonControl();
+  const bool onCard = focused_ && !onButton;
+  const std::string path = onCard ? cards_[static_cast<std::size_t>(*focused_)].path : "";
+  if (!samePaths(cards_, cards)) presses_ = {};
+  cards_ = std::move(cards);
+  layOut();
+  if (onButton) focused_ = buttonControl();
+  if (onCard) focusCard(path);
+  return true;
+}
+
+void WelcomeView::layOut() {
+  layout_ = layOutWelcome({.view = rect_,
+                           .scale = style_.scale(),
+                           .lineHeight = style_.lineHeight(),
+                           .headingHeight = style_.heading().height,
+                           .buttonTextWidth = style_.textWidth(kChooseFolderText),
+                           .cards = cards_.size()});
+}
+
+void WelcomeView::focusCard(const std::string& path) {
+  const auto shown = cards_.begin() + cardCount();
+  const auto found = std::ranges::find(cards_.begin(), shown, path, &VolumeCard::path);
+  focused_.reset();
+  if (found != shown) focused_ = static_cast<int>(found - cards_.begin());
+}
+
+ui::PressTracker::Control WelcomeView::controlAt(int x, int y) const {
+  if (layout_.button.contains(x, y)) return buttonControl();
+  for (int i = 0; i < cardCount(); ++i) {
+    if (layout_.cards[static_cast<std::size_t>(i)].card.contains(x, y)) return i;
+  }
+  return std::nullopt;
+}
+
+bool WelcomeView::press(const ui::MouseEvent& event) {
+  return event.button == kPrimaryButton && presses_.press(controlAt(event.x, event.y));
+}
+
+bool WelcomeView::motion(const ui::MouseEvent& event) {
+  return presses_.motion(controlAt(event.x, event.y));
+}
+
+bool WelcomeView::release(const ui::MouseEvent& event) {
+  if (event.button != kPrimaryButton || !presses_.holding()) return false;
+  if (const auto control = presses_.release(controlAt(event.x, event.y))) act(*control);
+  return true;
+}
+
+bool WelcomeView::leave() { return presses_.leave(); }
+
+bool WelcomeView::unfocus() {
+  const bool had = focused_.has_value();
+  focused_.reset();
+  return had;
+}
+
+bool WelcomeView::key(const ui::KeyEvent& event) {
+  if (event.ctrl) return false;
+  switch (const ui::key::Keysym keysym = ui::key::plain(event.keysym)) {
+    case ui::key::kTab:
+      cycleFocus(event.shift);
+      return true;
+    case ui::key::kLeft:
+    case ui::key::kRight:
+    case ui::key::kUp:
+    case ui::key::kDown:
+      moveFocus(keysym);
+      return true;
+    case ui::key::kReturn:
+    case kSpace:
+      if (focused_) act(*focused_);
+      return focused_.has_value();
+    default:
+      return false;
+  }
+}
+
+void WelcomeView::cycleFocus(bool backwards) {
+  const int controls = cardCount() + 1;
+  const int before = focused_.value_or(backwards ? 0 : -1);
+  focused_ = (before + (backwards ? controls - 1 : 1)) % controls;
+}
+
+void WelcomeView::moveFocus(unsigned long keysym) {
+  if (!focused_) {
+    focused_ = 0;
+    return;
+  }
+  if (keysym == ui::key::kDown) return moveFocusDown();
+  if (keysym == ui::key::kUp) return moveFocusUp();
+  if (focused_ == buttonControl()) return;
+  const int moved = *focused_ + (keysym == ui::key::kRight ? 1 : -1);
+  focused_ = std::clamp(moved, 0, cardCount() - 1);
+}
+
+void WelcomeView::moveFocusDown() {
+  const int below = *focused_ + layout_.columns;
+  if (below < cardCount()) {
+    focused_ = below;
+    return;
+  }
+  // A last row that does not reach this far still lies below.
+  const bool inLastRow = focused_ == buttonControl() ||
+                         *focused_ / layout_.columns == (cardCount() - 1) / layout_.columns;
+  focused_ = inLastRow ? buttonControl() : cardCount() - 1;
+}
+
+void WelcomeView::moveFocusUp() {
+  if (cardCount() == 0) return;
+  if (focused_ == buttonControl()) {
+    focused_ = (cardCount() - 1) / layout_.columns * layout_.columns;  // just above the button
+  } else if (*focused_ >= layout_.columns) {
+    *focused_ -= layout_.columns;
+  }
+}
+
+void WelcomeView::act(std::int64_t control) {
+  if (control == buttonControl()) {
+    if (onChooseFolder) onChooseFolder();
+  } else if (onVolume) {
+    // A copy: what is called may set other cards.
+    const std::string path = cards_[static_cast<std::size_t>(control)].path;
+    onVolume(path);
+  }
+}
+
+void WelcomeView::paint(ui::Canvas& canvas) const {
+  canvas.pushClip(rect_);
+  canvas.fillRect(rect_, style_.palette().view);
+  paintHeading(canvas);
+  for (int i = 0; i < cardCount(); ++i) paintCard(canvas, i);
+  paintChooseButton(canvas);
+  canvas.popClip();
+}
+
+void WelcomeView::paintHeading(ui::Canvas& canvas) const {
+  const ui::Palette& palette = style_.palette();
+  const ui::Rect& icon = layout_.icon;
+  icon_.draw(canvas, icon.x, icon.y, icon.w, palette.view);
+  ui::drawText(canvas, layout_.heading, kWelcomeHeading, style_.heading(), palette.text);
+  ui::drawText(canvas, layout_.note, kWelcomeNote, style_.body(), palette.dimText);
+}
+
+void WelcomeView::paintCard(ui::Canvas& canvas, int number) const {
+  const CardPlaces& places = layout_.cards[static_cast<std::size_t>(number)];
+  const VolumeCard& card = cards_[static_cast<std::size_t>(number)];
+  const ui::Palette& palette = style_.palette();
+  const bool focused = focused_ == number;
+  const ui::Colour fill = presses_.hovered(number) ? palette.pressed : palette.raised;
+  ui::fillOutlined(canvas, places.card, kCardRadius,
+                   focused ? ui::focusRingWidth(style_.scale()) : 1,
+                   focused ? palette.accent : palette.border, fill);
+  ui::drawText(canvas, places.name, displayName(card.name), style_.body(), palette.text);
+  ui::drawText(canvas, places.figures, figuresText(card), style_.body(), palette.dimText);
+  paintBar(canvas, card, places.track);
+}
+
+void WelcomeView::paintBar(ui::Canvas& canvas, const VolumeCard& card,
+                           const ui::Rect& track) const {
+  const auto bar = usageBar(card, track.w);
+  if (!bar) return;
+  const ui::Palette& palette = style_.palette();
+  canvas.fillRoundRect(track, kTrackRadius, trackColour(palette.dark));
+  canvas.fillRoundRect({track.x, track.y, bar->fillWidth, track.h}, kTrackRadius,
+                       bar->nearlyFull ? kNearlyFullColour : palette.accent);
+}
+
+void WelcomeView::paintChooseButton(ui::Canvas& canvas) const {
+  const int number = buttonControl();
+  const ui::Button button = {.rect = layout_.button,
+                             .text = std::string(kChooseFolderText),
+                             .hovered = presses_.hovered(number),
+                             .pressed = presses_.pressed(number),
+                             .focused = focused_ == number};
+  ui::paintButton(canvas, button, style_.body(), style_.palette());
+}
+
+}  // namespace app

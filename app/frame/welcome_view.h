@@ -1,0 +1,77 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/frame/welcome_layout.h"
+#include "ui/button.h"
+#include "ui/canvas.h"
+#include "ui/geometry.h"
+#include "ui/icon.h"
+#include "ui/input.h"
+#include "ui/widgets/style.h"
+
+namespace app {
+
+/// What the window shows while there is no scan: the volumes as cards, and the way to any other
+/// folder. Cards are buttons: they act when let go over themselves. Window thread only.
+class WelcomeView {
+ public:
+  /// The path of a card.
+  std::function<void(const std::string&)> onVolume;
+  std::function<void()> onChooseFolder;
+
+  /// Both outlive the view.
+  WelcomeView(const Style& style, ui::Icon& icon) : style_(style), icon_(icon) {}
+
+  // These return whether what the view shows has changed.
+
+  bool setRect(const ui::Rect& rect);
+  /// Shows one card a volume, as many as have room. What has the keyboard keeps it by its path, and
+  /// a press on a card goes on while only figures change.
+  bool setCards(std::vector<VolumeCard> cards);
+  bool press(const ui::MouseEvent& event);
+  bool motion(const ui::MouseEvent& event);
+  bool release(const ui::MouseEvent& event);
+  bool leave();
+  /// Tab goes round the cards and the button, arrows move among the cards and between them and the
+  /// button, Enter and Space act. Returns whether the key was one of these.
+  bool key(const ui::KeyEvent& event);
+  /// Takes the keyboard from whatever has it.
+  bool unfocus();
+
+  void paint(ui::Canvas& canvas) const;
+  const WelcomeLayout& layout() const { return layout_; }
+  /// The number of the card that has the keyboard, that of the cards shown for the button.
+  std::optional<int> focused() const { return focused_; }
+
+ private:
+  void layOut();
+  int cardCount() const { return static_cast<int>(layout_.cards.size()); }
+  /// The button's number, after the cards'.
+  int buttonControl() const { return cardCount(); }
+  ui::PressTracker::Control controlAt(int x, int y) const;
+  void focusCard(const std::string& path);
+  void cycleFocus(bool backwards);
+  void moveFocus(unsigned long keysym);
+  void moveFocusDown();
+  void moveFocusUp();
+  void act(std::int64_t control);
+  void paintHeading(ui::Canvas& canvas) const;
+  void paintCard(ui::Canvas& canvas, int number) const;
+  void paintBar(ui::Canvas& canvas, const VolumeCard& card, const ui::Rect& track) const;
+  void paintChooseButton(ui::Canvas& canvas) const;
+
+  const Style& style_;
+  ui::Icon& icon_;
+  ui::Rect rect_;
+  std::vector<VolumeCard> cards_;
+  WelcomeLayout layout_;
+  /// By number, as `focused`.
+  ui::PressTracker presses_;
+  std::optional<int> focused_;
+};
+
+}  // namespace app

@@ -1,0 +1,161 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+
+#include "app/lists/folder_rows.h"
+#include "app/model/kind_colours.h"
+#include "app/model/measure.h"
+#include "app/model/selection.h"
+#include "sizewalk/file_tree.h"
+#include "ui/canvas.h"
+#include "ui/geometry.h"
+#include "ui/input.h"
+#include "ui/scroller.h"
+#include "ui/widgets/row_geometry.h"
+#include "ui/widgets/style.h"
+#include "ui/widgets/type_ahead.h"
+
+namespace app {
+
+/// The outline of the scanned folder: one row for each item that open folders lead to, with a
+/// triangle that opens and closes folders, the colour of its kind, its name and its size.
+///
+/// Beside the selection, which it shares with the map, it has a current row, which the keys move
+/// and which shows while the list has the keyboard. Rows, selection and current row are all held by
+/// node: new results change nothing in them, and what the user looks at keeps its place on the
+/// screen. Where the current row vanishes the nearest one that remains takes over.
+///
+/// Window thread only. Places and lengths are device pixels of the window.
+class FolderList {
+ public:
+  /// Something is to be drawn anew.
+  std::function<void()> onChanged;
+  /// A row was pressed twice, or Enter was pressed on it.
+  std::function<void(sizewalk::NodeId)> onActivate;
+  /// The context menu was asked for at a place; the row's item is among the selected ones.
+  std::function<void(sizewalk::NodeId, int x, int y)> onContextMenu;
+
+  /// All outlive the list. Without `colours` rows have no swatches.
+  FolderList(const Style& style, const KindColours* colours, Selection& selection);
+
+  /// Shows `tree`, which outlives being shown, from the top with the scanned folder open; nothing
+  /// when it is null. Clearing the selection, which held nodes of another tree, is up to the owner.
+  void show(const sizewalk::FileTree* tree);
+  void setMeasure(const MeasureSettings& measure);
+  /// Looks at the tree anew, after it has grown or something was taken out or put back. Of the rows
+  /// that remain, the one under the pointer stays where it is on the screen; else the current row,
+  /// a selected one or the topmost, the first of them in view.
+  void refresh();
+
+  void setRect(const ui::Rect& rect);
+  /// Says whether the keyboard's focus is here: the current row then has a ring.
+  void setFocused(bool focused);
+
+  /// Opens the way to `node`, makes its row the current one and scrolls there with the next
+  /// `update`. Does nothing when the tree does not lead to it.
+  void revealNode(sizewalk::NodeId node);
+  /// Has the next `update` bring a row into view.
+  void scrollToRow(std::size_t row);
+  /// Does the scrolling that is due. Call it before painting.
+  void update();
+  void paint(ui::Canvas& canvas) const;
+
+  void press(const ui::MouseEvent& event);
+  void motion(const ui::MouseEvent& event);
+  void release();
+  void leave();
+  /// `dy` steps of the wheel, down when above 0.
+  void wheel(int dy);
+  /// True when the key means something here. `nowMs` may count from anywhere.
+  bool key(const ui::KeyEvent& event, std::int64_t nowMs);
+
+  const FolderRows& rows() const { return rows_; }
+  /// The item of the row under the pointer.
+  std::optional<sizewalk::NodeId> hovered() const;
+  /// Nothing while there are no rows.
+  std::optional<sizewalk::NodeId> current() const { return current_; }
+  int scrollOffset() const { return scroller_.offset(); }
+  /// The row that `scrollToRow` asked for; -1 when none is due.
+  std::ptrdiff_t pendingRow() const { return pendingRow_; }
+  /// Where a row is, the scroll bar not included; above or below the list's own place when it is
+  /// out of view.
+  ui::Rect rowRect(std::size_t row) const;
+
+ private:
+  struct RowPlaces;
+  struct RowColours;
+  /// A row and how far below the top of the view it is.
+  struct KeptRow {
+    sizewalk::NodeId node;
+    std::int64_t distance;
+  };
+
+  RowPlaces placesOf(std::size_t row) const;
+  void paintRow(ui::Canvas& canvas, std::size_t row) const;
+  void paintTriangle(ui::Canvas& canvas, const RowPlaces& places, const FolderRow& row,
+                     ui::Colour colour) const;
+  void paintTexts(ui::Canvas& canvas, const RowPlaces& places, sizewalk::NodeId node,
+                  const RowColours& colours) const;
+
+  std::size_t rowCount() const { return rows_.rows().size(); }
+  sizewalk::NodeId nodeAt(std::size_t row) const { return rows_.rows()[row].node; }
+  std::optional<std::size_t> rowAt(int x, int y) const;
+  std::optional<std::size_t> hoveredRow() const;
+  std::optional<std::size_t> currentRow() const;
+  std::optional<std::size_t> parentRow(std::size_t row) const;
+  bool isInView(std::size_t row) const;
+
+  /// Has `change` make the rows anew and puts all that depends on them right.
+  void changeRows(const std::function<void()>& change);
+  /// The same for what every change of rows moves: the row to scroll to, and the scroller.
+  void keepingPendingRow(const std::function<void()>& change);
+  std::optional<KeptRow> rowToKeep() const;
+  std::optional<sizewalk::NodeId> currentToKeep() const;
+  void changed() const;
+
+  void pressRow(std::size_t row, const ui::MouseEvent& event);
+  void pressSecondary(std::size_t row, const ui::MouseEvent& event);
+  void pickRow(std::size_t row, const ui::MouseEvent& event);
+  void openRow(std::size_t row);
+  void closeRow(std::size_t row);
+  void selectOnly(sizewalk::NodeId node);
+  void selectRangeTo(std::size_t row);
+  void selectSiblings(std::size_t row);
+
+  std::optional<std::size_t> rowAfterKey(unsigned long keysym, std::size_t row) const;
+  void moveTo(std::size_t row, bool extend);
+  bool keyWithCtrl(const ui::KeyEvent& event, std::size_t row);
+  bool keyOnRow(const ui::KeyEvent& event, std::size_t row);
+  void goRight(std::size_t row, bool extend);
+  void goLeft(std::size_t row, bool extend);
+  void askForMenuAt(std::size_t row);
+  bool typeAhead(const ui::KeyEvent& event, std::int64_t nowMs, std::size_t row);
+
+  const Style& style_;
+  const KindColours* colours_;
+  Selection& selection_;
+  const sizewalk::FileTree* tree_ = nullptr;
+  MeasureSettings measure_;
+  FolderRows rows_;
+  ui::Rect rect_;
+  ui::Scroller scroller_;
+  TypeAhead typeAhead_;
+  bool focused_ = false;
+  std::ptrdiff_t pendingRow_ = -1;
+  std::optional<sizewalk::NodeId> current_;
+  /// Where a range begins.
+  std::optional<sizewalk::NodeId> anchor_;
+  /// What the last press picked by itself: only a second press on the same is a double one, since
+  /// rows may have moved under the pointer between the two.
+  std::optional<sizewalk::NodeId> pressed_;
+  struct Point {
+    int x;
+    int y;
+  };
+  std::optional<Point> pointer_;
+};
+
+}  // namespace app

@@ -1,0 +1,114 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "app/model/kind_colours.h"
+#include "app/model/kind_rows.h"
+#include "ui/canvas.h"
+#include "ui/geometry.h"
+#include "ui/input.h"
+#include "ui/scroller.h"
+#include "ui/widgets/style.h"
+
+namespace app {
+
+/// Where the columns of the kinds table are, in device pixels of the window.
+struct KindColumns {
+  int swatchX = 0;
+  /// All are 0 high; a row or the header takes its own height.
+  ui::Rect name;
+  ui::Rect size;
+  ui::Rect files;
+};
+
+/// The columns of a table that reaches from `left` to `right`, its scroll bar not included.
+KindColumns kindColumns(int left, int right, int rowHeight);
+
+/// The table of file kinds: a header that sorts, and a row for each kind with its colour, name,
+/// size and number of files. Pressing a row selects its kind, which the map then highlights.
+///
+/// Beside the selected kind there is a current row, which the keys move; it shows while the table
+/// has the keyboard. Both are held by kind: new results change nothing in them, and what the user
+/// looks at keeps its place on the screen.
+///
+/// Window thread only. Places and lengths are device pixels of the window.
+class KindsTable {
+ public:
+  /// Something is to be drawn anew.
+  std::function<void()> onChanged;
+  /// Another kind is selected now, or none.
+  std::function<void(std::optional<int>)> onKindSelected;
+
+  /// Both outlive the table. Without `colours` rows have no swatches.
+  KindsTable(const Style& style, const KindColours* colours) : style_(style), colours_(colours) {}
+
+  /// Shows `rows`, which come in any order. Of those that remain, the one under the pointer stays
+  /// where it is on the screen; else the selected one if it is in view; else the topmost one,
+  /// unless that is the first of all. A selected kind of which there is no file any more is
+  /// selected no longer.
+  void setRows(std::vector<KindRow> rows);
+  /// Selects no kind.
+  void clearSelection() { select(std::nullopt); }
+
+  void setRect(const ui::Rect& rect);
+  /// Says whether the keyboard's focus is here: the current row then has a ring.
+  void setFocused(bool focused);
+  void paint(ui::Canvas& canvas) const;
+
+  void press(const ui::MouseEvent& event);
+  void motion(const ui::MouseEvent& event);
+  void release() { scroller_.release(); }
+  void leave();
+  /// `dy` steps of the wheel, down when above 0.
+  void wheel(int dy);
+  /// True when the key means something here.
+  bool key(const ui::KeyEvent& event);
+
+  const std::vector<KindRow>& rows() const { return rows_; }
+  const KindSort& sort() const { return sort_; }
+  std::optional<int> selectedKind() const { return selected_; }
+  /// Nothing while there are no rows.
+  std::optional<int> currentKind() const { return current_; }
+  int scrollOffset() const { return scroller_.offset(); }
+  KindColumns columns() const;
+  /// Where a row is, the scroll bar not included; outside the table's body when it is out of view.
+  ui::Rect rowRect(std::size_t row) const;
+
+ private:
+  struct Point {
+    int x;
+    int y;
+  };
+
+  void paintHeader(ui::Canvas& canvas) const;
+  void paintRow(ui::Canvas& canvas, std::size_t row) const;
+  std::optional<std::size_t> rowAt(int x, int y) const;
+  std::optional<std::size_t> hoveredRow() const;
+  std::optional<std::size_t> find(std::optional<int> kind) const;
+  std::optional<std::size_t> rowToKeep() const;
+  bool isInView(std::size_t row) const;
+  void pressHeader(int x);
+  void sortBy(const KindSort& sort);
+  void select(std::optional<int> kind);
+  void toggle(std::size_t row);
+  void moveTo(std::size_t row);
+  void changed() const;
+
+  const Style& style_;
+  const KindColours* colours_;
+  std::vector<KindRow> rows_;
+  KindSort sort_;
+  std::optional<int> selected_;
+  std::optional<int> current_;
+  ui::Rect rect_;
+  /// Its view is the body, below the header.
+  ui::Scroller scroller_;
+  bool focused_ = false;
+  std::optional<Point> pointer_;
+};
+
+}  // namespace app

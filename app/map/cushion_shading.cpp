@@ -1,0 +1,217 @@
+// Cushions after "Cushion Treemaps: Visualization of Hierarchical Information" (van Wijk and van de
+// Wetering, 1999): a block's surface is a sum of parabolas, its gradient therefore linear in the
+// pixel's place, and one fixed light turns the gradient into a shade.
+//
+// All kernels give the same picture bit for bit: `shadePixel` says what a pixel is, the vector
+// kernels (see cushion_kernels.h) prove that they would come to the same or else ask it. Threads
+// share the image by bands of rows, never by blocks: neighbouring blocks may round onto the same
+// pixel, and then the later one has to win. Each band goes through the blocks in their order;
+// blocks that lie together in the list lie together on the map, so a band passes over whole runs
+// that do not reach it.
+//
+// A list of jobs for each band, filled in a first pass, would round no block twice, at the price of
+// tens of megabytes of fresh memory for each picture. Bands of a few rows, meant to keep both
+// images' rows in the first cache, took up to half as long again: too many runs crossed their
+// edges.
+
+#include "app/map/cushion_shading.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cmath>
+#include <limits>
+
+#include "app/map/cushion_kernels.h"
+#include "app/model/parallel.h"
+
+namespace app {
+
+namespace {
+
+/// Below this many pixels for each, starting a thread costs more than it saves.
+constexpr std::int64_t kPixelsPerThread = 131072;
+constexpr unsigned kMostThreads = 16;
+/// A thread that is held up leaves its share to the others; more bands cut more runs in two.
+constexpr unsigned kBandsPerThread = 2;
+
+/// The two steps of shading in one instruction set.
+struct KernelSteps {
+  GatherJobs gather;
+  PaintJobs paint;
+};
+
+KernelSteps stepsOf(ShadingKernel kernel) {
+#if defined(__x86_64__)
+  if (kernel == ShadingKernel::Avx2) return {gatherJobsAvx2, paintJobsAvx2};
+  if (kernel == ShadingKernel::Avx512) return {gatherJobsAvx2, paintJobsAvx512};
+#endif
+  (void)kernel;
+  return {gatherJobsPlain, paintJobsPlain};
+}
+
+std::uint32_t scaled(std::uint32_t channel, double factor) {
+  const double value = channel * factor;
+  return value < 255 ? static_cast<std::uint32_t>(value) : 255;
+}
+
+/// Shades all blocks, band by band of the image: within a band the blocks are painted in their
+/// order, so no two threads ever write one pixel and the last block over a pixel wins as it does on
+/// one thread.
+class MapShader {
+ public:
+  MapShader(std::span<const TreemapBlock> blocks, std::span<const std::uint32_t> colours,
+            std::span<const RunRows> rows, const MapImage& image, unsigned threads)
+      : blocks_(blocks),
+        colours_(colours),
+        rows_(rows),
+        image_(image),
+        threads_(threads),
+        bandCount_(threads == 1 ? 1 : std::min(threads * kBandsPerThread, rowCount())) {}
+
+  void shade() const {
+    forEachOnThreads(bandCount_, threads_, [this](std::size_t band) { paint(band); });
+  }
+
+ private:
+  void paint(std::size_t index) const {
+    const Band band = {bandEdge(index), bandEdge(index + 1)};
+    const std::size_t rowLength = static_cast<std::size_t>(image_.width);
+    const std::size_t from = static_cast<std::size_t>(band.top) * rowLength;
+    const std::size_t length = static_cast<std::size_t>(band.bottom - band.top) * rowLength;
+    std::fill_n(image_.pixels + from, length, kMapBackground);
+    std::fill_n(image_.blockAt + from, length, kNoBlock);
+    const KernelSteps steps = stepsOf(availableShadingKernels().back());
+    std::array<PaintJob, kRunLength> jobs;
+    for (std::size_t run = 0; run < rows_.size(); ++run) {
+      if (pixelEdge(rows_[run].bottom, image_.height) <= band.top) continue;
+      if (pixelEdge(rows_[run].top, image_.height) >= band.bottom) continue;
+      const std::size_t count = steps.gather(blocksOf(run), image_.width, band, jobs.data());
+      steps.paint(std::span(jobs).first(count), image_);
+    }
+  }
+
+  BlockRun blocksOf(std::size_t run) const {
+    const std::size_t first = run * kRunLength;
+    const std::size_t length = std::min(kRunLength, blocks_.size() - first);
+    return {blocks_.subspan(first, length), colours_.subspan(first, length),
+            static_cast<std::uint32_t>(first)};
+  }
+
+  unsigned rowCount() const { return static_cast<unsigned>(image_.height); }
+  std::int32_t bandEdge(std::size_t band) const {
+    return static_cast<std::int32_t>(std::size_t{rowCount()} * band / bandCount_);
+  }
+
+  const std::span<const TreemapBlock> blocks_;
+  const std::span<const std::uint32_t> colours_;
+  const std::span<const RunRows> rows_;
+  const MapImage image_;
+  const unsigned threads_;
+  const unsigned bandCount_;
+};
+
+}  // namespace
+
+std::span<const ShadingKernel> availableShadingKernels() {
+  static constexpr std::array kAll = {ShadingKernel::Plain, ShadingKernel::Avx2,
+                                      ShadingKernel::Avx512};
+#if defined(__x86_64__)
+  static const std::size_t available = []() -> std::size_t {
+    if (__builtin_cpu_supports("avx2") == 0) return 1;
+    const bool wide = __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512vl");
+    return wide ? 3 : 2;
+  }();
+#else
+  constexpr std::size_t available = 1;
+#endif
+  return std::span(kAll).first(available);
+}
+
+std::uint32_t shadePixel(const CushionCoefficients& cushion, std::uint32_t colour,
+                         std::int32_t column, std::int32_t row) {
+  const double gx = 2 * cushion.quadraticX * (column + 0.5) + cushion.linearX;
+  const double gy = 2 * cushion.quadraticY * (row + 0.5) + cushion.linearY;
+  const double cosine =
+      (gx * kLightAcross + gy * kLightAcross + kLightUp) / std::sqrt(gx * gx + gy * gy + 1);
+  const double factor = cosine < 0 ? kShadow : (kDiffuse * cosine + kAmbient) * kGain;
+  if (cosine >= 0 && factor >= 1) return colour & 0xFFFFFF;
+  return scaled(colour >> 16 & 255, factor) << 16 | scaled(colour >> 8 & 255, factor) << 8 |
+         scaled(colour & 255, factor);
+}
+
+void shadeExactly(const PaintJob& job, std::int32_t column, std::int32_t row, unsigned unsure,
+                  std::uint32_t* pixels) {
+  for (; unsure != 0; unsure &= unsure - 1) {
+    const int offset = std::countr_zero(unsure);
+    pixels[offset] = shadePixel(*job.cushion, job.colour, column + offset, row);
+  }
+}
+
+// What has no pixel is dropped without a branch: where blocks are a pixel wide it comes without any
+// pattern, and a misprediction costs more than rounding a block's edges.
+std::size_t gatherJobsPlain(const BlockRun& run, std::int32_t width, const Band& band,
+                            PaintJob* jobs) {
+  std::size_t count = 0;
+  for (std::size_t i = 0; i < run.blocks.size(); ++i) {
+    const TreemapBlock& block = run.blocks[i];
+    const PixelBounds bounds = pixelBounds(block.rect, width, band);
+    jobs[count] = {bounds, &block.cushion, run.colours[i],
+                   run.firstIndex + static_cast<std::uint32_t>(i)};
+    count += static_cast<std::size_t>(block.painted & !bounds.empty());
+  }
+  return count;
+}
+
+void paintJobsPlain(std::span<const PaintJob> jobs, const MapImage& image) {
+  for (const PaintJob& job : jobs) {
+    for (std::int32_t row = job.bounds.top; row < job.bounds.bottom; ++row) {
+      const std::size_t start =
+          static_cast<std::size_t>(row) * static_cast<std::size_t>(image.width);
+      for (std::int32_t column = job.bounds.left; column < job.bounds.right; ++column) {
+        const std::size_t at = start + static_cast<std::size_t>(column);
+        image.pixels[at] = shadePixel(*job.cushion, job.colour, column, row);
+        image.blockAt[at] = job.blockIndex;
+      }
+    }
+  }
+}
+
+void shadeBlock(const TreemapBlock& block, std::uint32_t colour, std::uint32_t blockIndex,
+                std::uint32_t* pixels, std::uint32_t* blockAt, std::int32_t width,
+                std::int32_t height) {
+  shadeBlockWith(availableShadingKernels().back(), block, colour, blockIndex,
+                 {pixels, blockAt, width, height});
+}
+
+void shadeBlockWith(ShadingKernel kernel, const TreemapBlock& block, std::uint32_t colour,
+                    std::uint32_t blockIndex, const MapImage& image) {
+  const KernelSteps steps = stepsOf(kernel);
+  TreemapBlock painted = block;
+  painted.painted = true;
+  PaintJob job;
+  const BlockRun run = {{&painted, 1}, {&colour, 1}, blockIndex};
+  if (steps.gather(run, image.width, {0, image.height}, &job) != 0) steps.paint({&job, 1}, image);
+}
+
+void findRunRows(std::span<const TreemapBlock> blocks, std::span<RunRows> rows) {
+  for (RunRows& run : rows) {
+    const std::size_t length = std::min(kRunLength, blocks.size());
+    run = {std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity()};
+    for (const TreemapBlock& block : blocks.first(length)) {
+      run.top = std::min(run.top, block.rect.y);
+      run.bottom = std::max(run.bottom, block.rect.y + block.rect.height);
+    }
+    blocks = blocks.subspan(length);
+  }
+}
+
+void shadeBlocks(std::span<const TreemapBlock> blocks, std::span<const std::uint32_t> colours,
+                 std::span<const RunRows> rows, const MapImage& image, unsigned threads) {
+  const std::int64_t pixels = std::int64_t{image.width} * image.height;
+  const auto worthwhile =
+      static_cast<unsigned>(std::clamp<std::int64_t>(pixels / kPixelsPerThread, 1, kMostThreads));
+  MapShader(blocks, colours, rows, image, std::min(std::max(threads, 1U), worthwhile)).shade();
+}
+
+}  // namespace app

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "app/map/treemap_layout.h"
+
+namespace app {
+
+inline constexpr std::uint32_t kMapBackground = 0x1C1C1E;
+/// In the hit map: no block lies here.
+inline constexpr std::uint32_t kNoBlock = 0xFFFFFFFF;
+
+/// The two images that shading fills, row by row from the top: 0xRRGGBB for the eye, and the index
+/// of the block that lies there. Refers to memory of width × height entries each, which the caller
+/// keeps.
+struct MapImage {
+  std::uint32_t* pixels = nullptr;
+  std::uint32_t* blockAt = nullptr;
+  std::int32_t width = 0;
+  std::int32_t height = 0;
+};
+
+/// Ways to compute the same pixels, bit for bit.
+enum class ShadingKernel {
+  /// One pixel after the other, as the light is defined.
+  Plain,
+  Avx2,
+  /// The foundation and the instructions on shorter vectors.
+  Avx512,
+};
+
+/// Those that this machine can run; `Plain` is always among them, the fastest comes last.
+std::span<const ShadingKernel> availableShadingKernels();
+
+/// Paints one block: every pixel whose place in the image the block's rectangle covers when its
+/// edges are rounded to the nearest pixel, half away from 0. A block outside the image or rounded
+/// away paints nothing. `colour` is 0xRRGGBB; its top byte is ignored.
+void shadeBlock(const TreemapBlock& block, std::uint32_t colour, std::uint32_t blockIndex,
+                std::uint32_t* pixels, std::uint32_t* blockAt, std::int32_t width,
+                std::int32_t height);
+
+/// The same by a certain kernel, which must be available.
+void shadeBlockWith(ShadingKernel kernel, const TreemapBlock& block, std::uint32_t colour,
+                    std::uint32_t blockIndex, const MapImage& image);
+
+/// Blocks that a band of the map takes or passes over together: neighbours in the list are
+/// neighbours on the map.
+inline constexpr std::size_t kRunLength = 64;
+
+/// Between which rows, in fractional pixels, a run of blocks lies.
+struct RunRows {
+  double top = 0;
+  double bottom = 0;
+};
+
+/// The rows of each run of `kRunLength` blocks; the last run may be shorter.
+void findRunRows(std::span<const TreemapBlock> blocks, std::span<RunRows> rows);
+
+/// How many runs so many blocks make.
+constexpr std::size_t runCount(std::size_t blocks) {
+  return (blocks + kRunLength - 1) / kRunLength;
+}
+
+/// Fills both images: background everywhere, then every painted block in order, a later one over an
+/// earlier one. `colours` holds one 0xRRGGBB for each block, `rows` what `findRunRows` says of
+/// them: the caller, who has just looked at every block for its colour, has that for next to
+/// nothing. Uses up to `threads` threads where the image is large enough to pay for them, and has
+/// ended them all when it returns.
+void shadeBlocks(std::span<const TreemapBlock> blocks, std::span<const std::uint32_t> colours,
+                 std::span<const RunRows> rows, const MapImage& image, unsigned threads);
+
+}  // namespace app

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "app/map/treemap_layout.h"
+#include "app/model/settings.h"
+
+namespace app {
+
+/// What is known of the volume that holds the scanned folder, in bytes.
+struct VolumeSpace {
+  std::uint64_t usedBytes = 0;
+  std::uint64_t freeBytes = 0;
+};
+
+/// Which extra blocks the user wants to see.
+struct ExtraBlockSettings {
+  bool freeSpace = setting::kShowFreeSpace.fallback;
+  bool otherSpace = setting::kShowOtherSpace.fallback;
+};
+
+/// The blocks that the map shows beside the scanned folder: the volume's free space, then what
+/// others than the folder take of it, unless that is nothing. `rootSize` is the scanned folder's
+/// value under the measure shown; below 0, where its sum is past the signed range, nothing is left
+/// for others. Empty without figures.
+std::vector<ExtraBlock> extraBlocksFor(const std::optional<VolumeSpace>& volume,
+                                       std::int64_t rootSize, const ExtraBlockSettings& settings);
+
+}  // namespace app

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <optional>
+
+#include "app/map/map_card.h"
+#include "ui/canvas.h"
+#include "ui/geometry.h"
+#include "ui/widgets/style.h"
+
+namespace app {
+
+/// A small panel beside the pointer that tells of the item under it. Window thread only.
+class HoverCard {
+ public:
+  /// `style` outlives the card.
+  explicit HoverCard(const Style& style) : style_(style) {}
+
+  /// Shows `card` beside the pointer at (x, y), within `bounds`; cut off where they are too small.
+  void show(MapCard card, int x, int y, const ui::Rect& bounds);
+  /// True when there was something to hide.
+  bool hide();
+  bool shown() const { return card_.has_value(); }
+  const ui::Rect& rect() const { return rect_; }
+
+  void paint(ui::Canvas& canvas) const;
+
+ private:
+  int labelWidth() const;
+  int textWidth() const;
+  void shortenPaths(int width);
+
+  const Style& style_;
+  std::optional<MapCard> card_;
+  ui::Rect rect_;
+  /// Of the column of labels, gap included.
+  int labels_ = 0;
+};
+
+/// Where a panel of `width` x `height` goes so that it stands beside a pointer at (x, y), inside
+/// `bounds`, and not under the pointer: right of it and below, else on the other side. Where there
+/// is no room on either side it ends at the bounds' far edge, or begins at the near one if it is
+/// larger than they are.
+ui::Rect placeBeside(int x, int y, int width, int height, int distance, const ui::Rect& bounds);
+
+}  // namespace app

@@ -1,0 +1,102 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "app/map/background_render.h"
+#include "app/map/treemap_render.h"
+#include "app/model/kind_colours.h"
+#include "app/model/measure.h"
+#include "app/model/refresh_pacer.h"
+#include "sizewalk/file_tree.h"
+#include "ui/canvas.h"
+#include "ui/connection.h"
+#include "ui/geometry.h"
+#include "ui/server_image.h"
+
+namespace app {
+
+/// The picture of the focused folder, which the map's view draws its outlines on. Keeps the last
+/// one and makes a new one only when what it shows or its size has changed: at once when it is to
+/// show something else, in the background when the tree has only grown; its pixels are sent to the
+/// X server once. Window thread only.
+class TreemapPicture {
+ public:
+  /// A picture was made in the background: the next `update` shows it.
+  std::function<void()> onRendered;
+
+  /// Both outlive the picture. Without `post` nothing is made in the background.
+  TreemapPicture(ui::Connection& connection, const KindColours& colours,
+                 BackgroundRender::Post post = {});
+
+  /// Shows `focus` of `tree`, or nothing when `tree` is null. The tree outlives being shown. Until
+  /// the next `update` the last picture of that tree stays; that of another one goes at once, for
+  /// which a picture of it that is being made is waited for.
+  void show(const sizewalk::FileTree* tree, sizewalk::NodeId focus);
+  void setMeasure(const MeasureSettings& measure);
+  /// Takes part in every picture from now on, whatever is in focus.
+  void setExtraBlocks(std::vector<ExtraBlock> blocks);
+  /// Dims every block but those of `kind`; none when there is none.
+  void setHighlight(std::optional<int> kind);
+  /// Something else is to be seen: the next `update` makes a new picture.
+  void markDirty() { dirty_ = true; }
+  /// The tree has changed, or what is beside it: an `update` begins a new picture. Until it is
+  /// there the last one stays.
+  void markOutdated() { outdated_ = true; }
+  /// While the tree keeps growing, pauses between pictures leave two thirds of the time to others.
+  void setGrowing(bool growing) { growing_ = growing; }
+  /// An `update` would begin a picture in the background.
+  bool due() const;
+  /// A picture is being made in the background, or to be made.
+  bool drawing() const;
+
+  /// Gives the picture its place in the window.
+  void setRect(const ui::Rect& rect) { rect_ = rect; }
+  const ui::Rect& rect() const { return rect_; }
+
+  /// Makes or begins a new picture if one is due, and sends it when it is there. Call it before
+  /// painting. True when it sent one.
+  bool update();
+  /// Draws the last picture.
+  void paint(ui::Canvas& canvas) const;
+
+  const sizewalk::FileTree* tree() const { return tree_; }
+  const MeasureSettings& measure() const { return measure_; }
+  const RenderedTreemap& rendered() const { return rendered_; }
+
+ private:
+  bool fits() const;
+  void renderNow();
+  void renderInBackground();
+  void take(std::optional<RenderedTreemap> picture);
+  void send();
+
+  const KindColours& colours_;
+  const sizewalk::FileTree* tree_ = nullptr;
+  sizewalk::NodeId focus_ = sizewalk::kRootNode;
+  MeasureSettings measure_;
+  std::vector<ExtraBlock> extraBlocks_;
+  std::optional<int> highlight_;
+  ui::Rect rect_;
+  /// What is to be seen is something else than the last picture: the next one is made at once.
+  bool dirty_ = false;
+  /// It is the same, but has changed since: the next picture is made in the background.
+  bool outdated_ = false;
+  /// The pixels with the server are not those to be seen.
+  bool unsent_ = false;
+  RenderedTreemap rendered_;
+  /// Memory for the next picture; shows nothing.
+  RenderedTreemap spare_;
+  ui::ServerImage image_;
+  std::vector<std::uint32_t> dimmed_;
+  bool hasBackground_;
+  BackgroundRender background_;
+  /// What is being made in the background shows less than the last picture.
+  bool overtaken_ = false;
+  bool growing_ = false;
+  RefreshPacer pacer_;
+};
+
+}  // namespace app

@@ -1,0 +1,162 @@
+#include "app/map/treemap_render.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <utility>
+
+#include "app/map/cushion_shading.h"
+#include "app/model/parallel.h"
+#include "sizewalk/file_kinds.h"
+
+namespace app {
+
+using sizewalk::FileTree;
+using sizewalk::NodeId;
+using sizewalk::NodeRange;
+
+namespace {
+
+// Bounds that keep colouring cheap where folders are huge; what lies beyond them is not looked at.
+constexpr NodeId kChildrenLookedAt = 256;
+constexpr int kLevelsLookedAt = 8;
+
+/// Blocks coloured in one go by one thread. Most take nanoseconds, a folder drawn as one block
+/// microseconds.
+constexpr std::size_t kBlocksPerPiece = 4096;
+static_assert(kBlocksPerPiece % kRunLength == 0);
+
+std::optional<NodeId> largestChild(const FileTree& tree, NodeId folder,
+                                   const MeasureSettings& measure) {
+  const NodeRange children = tree.children(folder);
+  const NodeId end = children.first + std::min(children.size(), kChildrenLookedAt);
+  std::optional<NodeId> largest;
+  std::int64_t most = 0;
+  for (NodeId child = children.first; child < end; ++child) {
+    const std::int64_t value = measureValue(tree, child, measure);
+    if (value <= most) continue;
+    most = value;
+    largest = child;
+  }
+  return largest;
+}
+
+using ExtraColours = std::unordered_map<std::int32_t, ExtraBlock>;
+
+/// Chooses the blocks' colours during one render, on several threads at once.
+class BlockPainter {
+ public:
+  BlockPainter(const FileTree& tree, const MeasureSettings& measure, const KindColours& colours,
+               const ExtraColours& extraColours)
+      : tree_(tree), measure_(measure), colours_(colours), extraColours_(extraColours) {
+    for (int kind = 0; kind < sizewalk::kKindCount; ++kind) {
+      table_[static_cast<std::size_t>(kind)] = colours.colourForKind(kind);
+    }
+  }
+
+  /// Once for each block, on one thread or another, so that a block that two threads shade has one
+  /// colour even where the tree changes meanwhile.
+  void chooseColours(std::span<const TreemapBlock> blocks, std::vector<std::uint32_t>* chosen,
+                     std::vector<RunRows>* rows) const {
+    chosen->resize(blocks.size());
+    rows->resize(runCount(blocks.size()));
+    const std::size_t pieces = (blocks.size() + kBlocksPerPiece - 1) / kBlocksPerPiece;
+    forEachOnThreads(pieces, hardwareThreads(), [&](std::size_t piece) {
+      const std::size_t end = std::min(blocks.size(), (piece + 1) * kBlocksPerPiece);
+      for (std::size_t i = piece * kBlocksPerPiece; i < end; ++i) {
+        (*chosen)[i] = blocks[i].painted ? colourOf(blocks[i]) : 0;
+      }
+      const std::size_t first = piece * kBlocksPerPiece;
+      findRunRows(blocks.subspan(first, end - first),
+                  std::span(*rows).subspan(first / kRunLength, runCount(end - first)));
+    });
+  }
+
+ private:
+  std::uint32_t colourOf(const TreemapBlock& block) const {
+    if (block.id < 0) return extraColours_.at(block.id).colour;
+    return colourOfKind(drawnKind(tree_, static_cast<NodeId>(block.id), measure_));
+  }
+
+  std::uint32_t colourOfKind(int kind) const {
+    if (kind < 0 || kind >= sizewalk::kKindCount) return colours_.colourForKind(kind);
+    return table_[static_cast<std::size_t>(kind)];
+  }
+
+  const FileTree& tree_;
+  const MeasureSettings& measure_;
+  const KindColours& colours_;
+  const ExtraColours& extraColours_;
+  /// Looked up once for each kind: ranked colours take a hash look-up, and there are blocks by the
+  /// hundred thousand.
+  std::array<std::uint32_t, sizewalk::kKindCount> table_;
+};
+
+}  // namespace
+
+int dominantKind(const FileTree& tree, NodeId folder, const MeasureSettings& measure) {
+  // The descent goes by length even where sizes on disk are shown.
+  const MeasureSettings lengths = {measure.measure, false};
+  NodeId current = folder;
+  int levels = 0;
+  while (tree.isDirectory(current)) {
+    const std::optional<NodeId> pick = largestChild(tree, current, lengths);
+    if (!pick) break;
+    ++levels;
+    if (!tree.isDirectory(*pick) || levels == kLevelsLookedAt) return tree.kind(*pick);
+    current = *pick;
+  }
+  return tree.kind(current);
+}
+
+int drawnKind(const FileTree& tree, NodeId node, const MeasureSettings& measure) {
+  const int own = tree.kind(node);
+  if (own != sizewalk::kKindFolder) return own;
+  const int filling = dominantKind(tree, node, measure);
+  return filling == sizewalk::kKindFolder ? int{sizewalk::otherKind} : filling;
+}
+
+RenderedTreemap renderTreemap(const FileTree& tree, NodeId root, std::int32_t width,
+                              std::int32_t height, const KindColours& colours,
+                              std::span<const ExtraBlock> extraBlocks,
+                              const MeasureSettings& measure, RenderedTreemap recycled) {
+  RenderedTreemap map = std::move(recycled);
+  map.width = width;
+  map.height = height;
+  map.root = root;
+  map.blocks.clear();
+  map.colours.clear();
+  map.extraColours.clear();
+  const bool nothingToShow = width < 1 || height < 1 || root >= tree.nodeCount();
+  const std::size_t pixels =
+      nothingToShow ? 0 : static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+  map.pixels.resize(pixels);
+  map.blockAt.resize(pixels);
+  if (!nothingToShow) {
+    layoutTreemap(tree, root, {0, 0, static_cast<double>(width), static_cast<double>(height)}, 0,
+                  measure, extraBlocks, {}, kRidgeHeight, &map.blocks);
+    for (const ExtraBlock& extra : extraBlocks) map.extraColours.insert_or_assign(extra.id, extra);
+    std::vector<RunRows> rows;
+    BlockPainter(tree, measure, colours, map.extraColours)
+        .chooseColours(map.blocks, &map.colours, &rows);
+    shadeBlocks(map.blocks, map.colours, rows,
+                {map.pixels.data(), map.blockAt.data(), width, height}, hardwareThreads());
+  }
+  map.outlineRects.assign(map.blocks);
+  return map;
+}
+
+const TreemapBlock* RenderedTreemap::blockUnder(std::int32_t x, std::int32_t y) const {
+  if (blocks.empty() || x < 0 || y < 0 || x >= width || y >= height) return nullptr;
+  const std::uint32_t index =
+      blockAt[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
+              static_cast<std::size_t>(x)];
+  return index == kNoBlock ? nullptr : &blocks[index];
+}
+
+const MapRect* RenderedTreemap::outlineRect(NodeId node) const {
+  const std::optional<std::uint32_t> block = outlineRects.blockOf(node);
+  return block ? &blocks[*block].rect : nullptr;
+}
+
+}  // namespace app

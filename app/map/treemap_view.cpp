@@ -1,0 +1,285 @@
+#include "app/map/treemap_view.h"
+
+#include <cmath>
+
+#include "app/map/map_card.h"
+#include "ui/keys.h"
+
+namespace app {
+
+using sizewalk::NodeId;
+
+namespace {
+
+constexpr std::int64_t kRestMs = 400;
+/// Smaller outlines would hide what they are around.
+constexpr int kLeastOutline = 3;
+
+constexpr ui::Colour kOutlineLight = 0xFFFFFFFF;
+constexpr ui::Colour kOutlineDark = 0xC0000000;
+
+enum Button { kPrimary = 1, kMiddle = 2, kSecondary = 3, kBack = 8, kForward = 9 };
+
+ui::Rect grown(const ui::Rect& rect, int by) {
+  return {rect.x - by, rect.y - by, rect.w + 2 * by, rect.h + 2 * by};
+}
+
+bool isSameItem(const std::optional<TreemapBlock>& a, const std::optional<TreemapBlock>& b) {
+  if (!a || !b) return a.has_value() == b.has_value();
+  return a->id == b->id && a->restCount == b->restCount;
+}
+
+}  // namespace
+
+ui::Rect pixelRect(const MapRect& rect) {
+  const auto edge = [](double at) { return static_cast<int>(std::lround(at)); };
+  const int x = edge(rect.x);
+  const int y = edge(rect.y);
+  return {x, y, edge(rect.x + rect.width) - x, edge(rect.y + rect.height) - y};
+}
+
+void TreemapView::changed() const {
+  if (onChanged) onChanged();
+}
+
+const TreemapBlock* TreemapView::blockAt(int x, int y) const {
+  const ui::Rect& place = picture_.rect();
+  return picture_.rendered().blockUnder(x - place.x, y - place.y);
+}
+
+std::optional<NodeId> TreemapView::nodeAt(int x, int y) const {
+  const TreemapBlock* block = blockAt(x, y);
+  if (!block || block->id < 0 || block->restCount > 0) return std::nullopt;
+  return static_cast<NodeId>(block->id);
+}
+
+std::optional<NodeId> TreemapView::hovered() const {
+  if (!pointer_) return std::nullopt;
+  return nodeAt(pointer_->x, pointer_->y);
+}
+
+std::optional<ui::Rect> TreemapView::outlineOf(NodeId node) const {
+  const MapRect* rect = picture_.rendered().outlineRect(node);
+  if (!rect) return std::nullopt;
+  ui::Rect pixels = pixelRect(*rect);
+  pixels.x += picture_.rect().x;
+  pixels.y += picture_.rect().y;
+  return pixels;
+}
+
+void TreemapView::refresh() {
+  selected_.clear();
+  for (const NodeId node : selection_.nodes()) {
+    const auto outline = outlineOf(node);
+    if (outline && outline->w >= kLeastOutline && outline->h >= kLeastOutline) {
+      selected_.push_back(*outline);
+    }
+  }
+  findHovered();
+  if (card_.shown()) fillCard();
+}
+
+void TreemapView::reset() {
+  lastPress_.reset();
+  leave();
+}
+
+void TreemapView::findHovered() {
+  const TreemapBlock* block = pointer_ ? blockAt(pointer_->x, pointer_->y) : nullptr;
+  const std::optional<TreemapBlock> found = block ? std::optional(*block) : std::nullopt;
+  // Another picture may have come under a pointer at rest.
+  if (!isSameItem(found, hoveredBlock_)) card_.hide();
+  hoveredBlock_ = found;
+}
+
+void TreemapView::motion(const ui::MouseEvent& event, std::int64_t nowMs) {
+  pointer_ = Pointer{event.x, event.y, nowMs};
+  const bool hadCard = card_.hide();
+  const auto before = hoveredBlock_;
+  findHovered();
+  if (hadCard || !isSameItem(before, hoveredBlock_)) changed();
+}
+
+void TreemapView::leave() {
+  const bool seen = pointer_.has_value();
+  pointer_.reset();
+  card_.hide();
+  findHovered();
+  if (seen) changed();
+}
+
+bool TreemapView::hideCard() {
+  if (pointer_) pointer_->awaitsCard = false;
+  if (!card_.hide()) return false;
+  changed();
+  return true;
+}
+
+void TreemapView::tick(std::int64_t nowMs, const ui::Rect& bounds) {
+  if (!pointer_ || !pointer_->awaitsCard || !hoveredBlock_ || card_.shown()) return;
+  if (nowMs - pointer_->sinceMs < kRestMs) return;
+  if (!picture_.tree()) return;
+  cardBounds_ = bounds;
+  fillCard();
+  changed();
+}
+
+void TreemapView::fillCard() {
+  card_.show(mapCard(picture_.rendered(), *hoveredBlock_, *picture_.tree(), picture_.measure()),
+             pointer_->x, pointer_->y, cardBounds_);
+}
+
+void TreemapView::press(const ui::MouseEvent& event) {
+  hideCard();
+  // Of four quick presses the last two are a double press as well.
+  const Press press = {event.button, nodeAt(event.x, event.y)};
+  const bool again = event.clicks % 2 == 0 && press == lastPress_;
+  lastPress_ = press;
+  switch (event.button) {
+    case kPrimary:
+      if (again && !event.ctrl) {
+        goTowards(event);
+      } else {
+        pick(event);
+      }
+      break;
+    case kSecondary:
+      openContextMenu(event);
+      break;
+    case kMiddle:
+    case kBack:
+      focus_.goOut();
+      break;
+    case kForward:
+      focus_.goBackIn();
+      break;
+    default:
+      break;
+  }
+}
+
+void TreemapView::pick(const ui::MouseEvent& event) {
+  const auto node = nodeAt(event.x, event.y);
+  if (event.ctrl) {
+    if (node) selection_.toggle(*node);
+  } else if (node) {
+    selection_.select(*node);
+  } else {
+    selection_.clear();
+  }
+  if (node && selection_.contains(*node) && onPicked) onPicked(*node);
+}
+
+void TreemapView::openContextMenu(const ui::MouseEvent& event) {
+  const auto node = nodeAt(event.x, event.y);
+  if (!node) return;
+  if (!selection_.contains(*node)) {
+    selection_.select(*node);
+    if (onPicked) onPicked(*node);
+  }
+  if (onContextMenu) onContextMenu(*node, event.x, event.y);
+}
+
+void TreemapView::wheel(const ui::MouseEvent& event, int dy) {
+  hideCard();
+  if (dy > 0) focus_.goOut();
+  if (dy < 0) goTowards(event);
+}
+
+void TreemapView::goTowards(const ui::MouseEvent& event) {
+  const TreemapBlock* block = blockAt(event.x, event.y);
+  if (!block || block->id < 0 || !picture_.tree()) return;
+  const auto node = static_cast<NodeId>(block->id);
+  // Merged items have only their folder in common.
+  focus_.goTowards(block->restCount > 0 ? picture_.tree()->parent(node) : node);
+}
+
+bool TreemapView::key(const ui::KeyEvent& event) {
+  if (event.ctrl) return false;
+  switch (ui::key::plain(event.keysym)) {
+    case ui::key::kLeft:
+      return moveSelection(-1, 0);
+    case ui::key::kRight:
+      return moveSelection(1, 0);
+    case ui::key::kUp:
+      return moveSelection(0, -1);
+    case ui::key::kDown:
+      return moveSelection(0, 1);
+    case ui::key::kReturn:
+      if (selection_.size() == 1) focus_.goTowards(*selection_.nodes().begin());
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool TreemapView::moveSelection(int dx, int dy) {
+  const auto from = selection_.size() == 1 ? outlineOf(*selection_.nodes().begin()) : std::nullopt;
+  const auto node = from ? nodeBeyond(*from, dx, dy) : firstNode();
+  if (node) {
+    selection_.select(*node);
+    if (onPicked) onPicked(*node);
+  }
+  return true;
+}
+
+std::optional<NodeId> TreemapView::nodeBeyond(const ui::Rect& rect, int dx, int dy) const {
+  // From the pixel just outside the middle of the edge on that side.
+  int x = rect.x + (dx < 0 ? -1 : dx > 0 ? rect.w : rect.w / 2);
+  int y = rect.y + (dy < 0 ? -1 : dy > 0 ? rect.h : rect.h / 2);
+  for (; picture_.rect().contains(x, y); x += dx, y += dy) {
+    if (const auto node = nodeAt(x, y)) return node;
+  }
+  return std::nullopt;
+}
+
+std::optional<NodeId> TreemapView::firstNode() const {
+  for (const TreemapBlock& block : picture_.rendered().blocks) {
+    // The block may be too small for a pixel of its own.
+    const ui::Rect place = pixelRect(block.rect);
+    const auto node = nodeAt(picture_.rect().x + place.x, picture_.rect().y + place.y);
+    if (node) return node;
+  }
+  return std::nullopt;
+}
+
+void TreemapView::paintSelected(ui::Canvas& canvas) const {
+  // Colour by colour: requests of one colour that follow each other are sent as one, and a light
+  // line never cuts through the dark one of an item around it.
+  const int thickness = lineWidth();
+  const auto stroke = [&](int line, ui::Colour colour) {
+    for (int i = 0; i < thickness; ++i) {
+      const int inwards = line * thickness + i;
+      for (const ui::Rect& outline : selected_) canvas.strokeRect(grown(outline, -inwards), colour);
+    }
+  };
+  stroke(0, kOutlineLight);
+  stroke(1, style_.palette().accent);
+  stroke(2, kOutlineDark);
+}
+
+void TreemapView::paintRing(ui::Canvas& canvas) const {
+  for (int i = 0; i < lineWidth(); ++i) {
+    canvas.strokeRect(grown(picture_.rect(), -i), style_.palette().accent);
+  }
+}
+
+void TreemapView::paint(ui::Canvas& canvas) const {
+  const ui::Rect& place = picture_.rect();
+  canvas.pushClip(place);
+  picture_.paint(canvas);
+  paintSelected(canvas);
+  if (hoveredBlock_) {
+    ui::Rect outline = pixelRect(hoveredBlock_->rect);
+    outline.x += place.x;
+    outline.y += place.y;
+    for (int i = 0; i < lineWidth(); ++i) {
+      canvas.strokeRect(grown(outline, i + 1), kOutlineDark);
+      canvas.strokeRect(grown(outline, -i), kOutlineLight);
+    }
+  }
+  if (focused_) paintRing(canvas);
+  canvas.popClip();
+}
+
+}  // namespace app

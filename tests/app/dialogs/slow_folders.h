@@ -1,0 +1,32 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "app/dialogs/folder_lister.h"
+
+namespace test {
+
+/// Lists real folders, but those whose path ends with "slow" only once they are released, as a
+/// server on the network might. Any thread.
+class SlowFolders {
+ public:
+  SlowFolders();
+  /// Releases.
+  ~SlowFolders();
+  SlowFolders(const SlowFolders&) = delete;
+  SlowFolders& operator=(const SlowFolders&) = delete;
+
+  /// For a lister, which may be used after this is gone.
+  app::FolderLister::List list() const;
+  void release();
+  /// How many times a slow folder was asked, and how many times it has answered.
+  int questions() const;
+  int answers() const;
+
+ private:
+  struct State;
+  std::shared_ptr<State> state_;
+};
+
+}  // namespace test

@@ -1,0 +1,118 @@
+#include "app/frame/frame_layout.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace app {
+namespace {
+
+using ui::Rect;
+
+FrameRequest requestOf(int width, int height) {
+  FrameRequest request;
+  request.width = width;
+  request.height = height;
+  request.lineHeight = 16;
+  return request;
+}
+
+std::vector<Rect> partsOf(const FrameLayout& frame) {
+  return {frame.toolbar, frame.list,        frame.kinds,       frame.map,
+          frame.status,  frame.mainDivider, frame.kindsDivider};
+}
+
+void expectTiling(const FrameRequest& request) {
+  const std::vector<Rect> parts = partsOf(layOutFrame(request));
+  long area = 0;
+  for (std::size_t i = 0; i < parts.size(); ++i) {
+    if (parts[i].empty()) continue;
+    area += long{parts[i].w} * parts[i].h;
+    EXPECT_EQ(ui::intersect(parts[i], {0, 0, request.width, request.height}), parts[i]);
+    for (std::size_t j = 0; j < i; ++j) {
+      EXPECT_TRUE(ui::intersect(parts[i], parts[j]).empty()) << i << " and " << j;
+    }
+  }
+  EXPECT_EQ(area, long{request.width} * request.height);
+}
+
+TEST(FrameLayout, CoversTheWindowAtEverySizeAndScale) {
+  for (const double scale : {0.75, 1.0, 1.5, 2.0, 4.0}) {
+    for (const bool above : {false, true}) {
+      for (const bool kinds : {false, true}) {
+        for (const auto& [width, height] : {std::pair{640, 420}, {1100, 720}, {1600, 1000}}) {
+          FrameRequest request = requestOf(ui::scaled(width, scale), ui::scaled(height, scale));
+          request.scale = scale;
+          request.lineHeight = ui::scaled(16, scale);
+          request.listAboveMap = above;
+          request.showKinds = kinds;
+          SCOPED_TRACE(testing::Message() << width << "x" << height << " scale " << scale);
+          expectTiling(request);
+          const FrameLayout frame = layOutFrame(request);
+          EXPECT_GE(frame.map.w, ui::scaled(80, scale));
+          EXPECT_GE(frame.map.h, ui::scaled(80, scale));
+          EXPECT_EQ(frame.kinds.empty(), !kinds);
+          EXPECT_EQ(frame.kindsDivider.empty(), !kinds);
+        }
+      }
+    }
+  }
+}
+
+TEST(FrameLayout, PutsTheListOverTheKindsBesideTheMap) {
+  const FrameLayout frame = layOutFrame(requestOf(1000, 700));
+  EXPECT_EQ(frame.toolbar, (Rect{0, 0, 1000, 34}));
+  EXPECT_EQ(frame.status, (Rect{0, 676, 1000, 24}));
+  EXPECT_EQ(frame.list.w, 340);
+  EXPECT_EQ(frame.kinds.w, 340);
+  EXPECT_EQ(frame.mainDivider, (Rect{340, 34, 5, 642}));
+  EXPECT_EQ(frame.map, (Rect{345, 34, 655, 642}));
+  EXPECT_EQ(frame.list.h, 395) << "62 of 100 parts of what the divider leaves";
+  EXPECT_EQ(frame.kindsDivider, (Rect{0, 34 + 395, 340, 5}));
+}
+
+TEST(FrameLayout, KeepsTheColumnReadableInANarrowWindow) {
+  EXPECT_EQ(layOutFrame(requestOf(640, 420)).list.w, 220);
+}
+
+TEST(FrameLayout, PutsTheListAboveTheMapAndTheKindsAtItsRight) {
+  FrameRequest request = requestOf(1000, 700);
+  request.listAboveMap = true;
+  const FrameLayout frame = layOutFrame(request);
+  EXPECT_EQ(frame.list, (Rect{0, 34, 1000, 244}));
+  EXPECT_EQ(frame.kinds, (Rect{740, 283, 260, 393}));
+  EXPECT_EQ(frame.map, (Rect{0, 283, 735, 393}));
+}
+
+TEST(FrameLayout, GivesTheRoomOfTheKindsToTheirNeighbour) {
+  FrameRequest request = requestOf(1000, 700);
+  request.showKinds = false;
+  EXPECT_EQ(layOutFrame(request).list, (Rect{0, 34, 340, 642}));
+  request.listAboveMap = true;
+  EXPECT_EQ(layOutFrame(request).map, (Rect{0, 283, 1000, 393}));
+}
+
+TEST(FrameLayout, FollowsDraggedDividersAndLetsNoneCrowdAPartOut) {
+  FrameRequest request = requestOf(1000, 700);
+  request.dividers.column = 0.5;
+  EXPECT_EQ(layOutFrame(request).list.w, 498);
+  for (const double share : {-3.0, 0.0, 1.0, 7.0}) {
+    request.dividers = {share, share, share, share};
+    for (const bool above : {false, true}) {
+      request.listAboveMap = above;
+      expectTiling(request);
+      for (const Rect& part :
+           {layOutFrame(request).list, layOutFrame(request).kinds, layOutFrame(request).map}) {
+        EXPECT_GE(part.w, 80);
+        EXPECT_GE(part.h, 80);
+      }
+    }
+  }
+}
+
+TEST(FrameLayout, SurvivesAWindowWithoutRoom) {
+  for (const int side : {0, 1, 7, 40}) expectTiling(requestOf(side, side));
+}
+
+}  // namespace
+}  // namespace app

@@ -1,0 +1,300 @@
+// A scan as the whole window: how it follows measures, settings and the tree.
+
+#include "app/frame/scan_screen.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/model/format.h"
+#include "tests/app/frame/scan_screen_fixture.h"
+#include "ui/keys.h"
+
+namespace app {
+namespace {
+
+// The status line.
+
+TEST_F(ScanScreenTest, NamesWhatIsUnderThePointer) {
+  EXPECT_EQ(right(), "");
+  point(onMap(deep_));
+  EXPECT_EQ(right(), "/r/big/inner/deep.txt");
+  point(inList(photo_));
+  EXPECT_EQ(right(), "/r/photo.jpg");
+  point(inKinds(0));
+  EXPECT_EQ(right(), "");
+  point(onMap(photo_));
+  screen_.leave();
+  screen_.prepare();
+  EXPECT_EQ(right(), "");
+}
+
+TEST_F(ScanScreenTest, AddsUpWhatIsSelectedAndCountsNothingTwice) {
+  click(onMap(song_));
+  point(onMap(deep_));
+  EXPECT_EQ(right(), "/r/big/inner/deep.txt") << "one item is not several";
+  click(onMap(photo_), 1, true);
+  EXPECT_EQ(right(), "2 selected · " + formatSize(90'000));
+  click(inList(big_), 1, true);  // holds the song
+  EXPECT_EQ(right(), "3 selected · " + formatSize(150'000));
+}
+
+TEST_F(ScanScreenTest, TellsOfTheScan) {
+  screen_.setScanStatus({.scanning = true});
+  screen_.prepare();
+  EXPECT_EQ(screen_.statusLine().left(), formatSize(150'000) + " in 3 items  ·  scanning…");
+  EXPECT_FALSE(screen_.toolbar().layout().stop.empty());
+  EXPECT_TRUE(screen_.toolbar().layout().rescan.empty());
+  screen_.setScanStatus({.elapsedSeconds = 1.5, .stopped = true});
+  screen_.prepare();
+  EXPECT_EQ(screen_.statusLine().left(), formatSize(150'000) + " in 3 items  ·  1.50s  ·  stopped");
+  EXPECT_TRUE(screen_.toolbar().layout().stop.empty());
+  EXPECT_FALSE(screen_.toolbar().layout().rescan.empty());
+}
+
+TEST_F(ScanScreenTest, WaitsForTheFirstNode) {
+  sizewalk::FileTree growing(treeOptions());
+  screen_.show(&growing);
+  screen_.setScanStatus({.scanning = true});
+  screen_.setVolumeSpace(VolumeSpace{100, 100});
+  EXPECT_EQ(picture().count(rgb(test::kNothingDrawn)), 0);
+  EXPECT_EQ(screen_.statusLine().left(), "Scanning…");
+  for (const auto keysym : {ui::key::kDown, ui::key::kTab, ui::key::kReturn}) key(keysym);
+  clickTwice(screen_.layout().map);
+  clickTwice(screen_.layout().list);
+  wheel(screen_.layout().map, -1);
+  wheel(screen_.layout().map, 1);
+  EXPECT_EQ(selected(), Nodes{});
+  growing.createRoot("/new");
+  screen_.treeChanged();
+  screen_.prepare();
+  EXPECT_EQ(listed(), Nodes{kRootNode});
+  EXPECT_EQ(screen_.toolbar().layout().segments.size(), 1u);
+  screen_.show(nullptr);
+}
+
+// Measures and settings.
+
+TEST_F(ScanScreenTest, AsksForNoFrameWhileItPreparesOne) {
+  screen_.treeChanged();
+  changes_ = 0;
+  EXPECT_TRUE(screen_.prepare());
+  EXPECT_EQ(changes_, 0);
+  click(onMap(song_));
+  EXPECT_GT(changes_, 0);
+}
+
+TEST_F(ScanScreenTest, HasCommandsActOnWhatIsSelected) {
+  EXPECT_EQ(screen_.target(), kRootNode);
+  click(onMap(song_));
+  EXPECT_EQ(screen_.target(), song_);
+  wheel(onMap(song_), -1);
+  ASSERT_EQ(focus(), big_);
+  EXPECT_EQ(screen_.target(), song_) << "the list shows the focused folder now";
+  click(inList(photo_), 1, true);
+  EXPECT_EQ(screen_.target(), photo_) << "of several the current row";
+  click(inList(photo_), 1, true);
+  EXPECT_EQ(screen_.target(), song_);
+}
+
+TEST_F(ScanScreenTest, HasTheListTakeTheKeysThatOtherPartsHaveNoUseFor) {
+  click(onMap(song_));
+  ASSERT_TRUE(screen_.key({.keysym = 'p', .text = "p"}));
+  screen_.prepare();
+  EXPECT_EQ(list().current(), photo_);
+}
+
+TEST_F(ScanScreenTest, AddsSizesUpWithinTheirRange) {
+  add(*tree_, Listing(empty_)
+                  .file("a", std::uint64_t{1} << 62)
+                  .file("b", (std::uint64_t{1} << 62) - 1)
+                  .file("c", (std::uint64_t{1} << 62) - 5));
+  screen_.treeChanged();
+  screen_.prepare();
+  const NodeId first = tree_->firstChild(empty_);
+  screen_.selection().replace(Nodes{first, first + 1, first + 2});
+  screen_.prepare();
+  EXPECT_EQ(right(), selectionText(3, INT64_MAX));
+}
+
+TEST_F(ScanScreenTest, SortsByAnotherMeasureAndKeepsTheSelection) {
+  click(onMap(song_));
+  ASSERT_EQ(listed(), (Nodes{kRootNode, big_, inner_, song_, photo_, empty_, late_}));
+  add(*tree_, Listing(empty_).file("new.txt", 20'000, 20'000, 3000));
+  screen_.setMeasure({.measure = Measure::AddedLastMonth});
+  screen_.prepare();
+  EXPECT_EQ(list().rows().rows()[1].node, empty_) << "the only one of allocated bytes";
+  EXPECT_EQ(selected(), Nodes{song_});
+  EXPECT_EQ(map().outlineRect(song_), nullptr);
+  EXPECT_EQ(screen_.statusLine().left().find(formatSize(20'000)), 0u);
+}
+
+TEST_F(ScanScreenTest, PutsTheListAboveTheMap) {
+  set({.listAboveMap = true});
+  const FrameLayout& frame = screen_.layout();
+  EXPECT_EQ(frame.list.w, kWidth);
+  EXPECT_GT(frame.map.y, frame.list.y + frame.list.h);
+  EXPECT_GT(frame.kinds.x, frame.map.x);
+  EXPECT_EQ(map().width, frame.map.w);
+  click(onMap(photo_));
+  EXPECT_EQ(selected(), Nodes{photo_}) << "presses find the parts where they are now";
+  point(frame.mainDivider);
+  EXPECT_EQ(screen_.pointer(), ui::PointerShape::ResizeVertical);
+}
+
+TEST_F(ScanScreenTest, GivesTheRoomOfHiddenKindsToTheList) {
+  const FrameLayout before = screen_.layout();
+  set({.showKinds = false});
+  EXPECT_TRUE(screen_.layout().kinds.empty());
+  EXPECT_EQ(screen_.layout().list.h, before.list.h + before.kinds.h + before.kindsDivider.h);
+  click(before.kinds);
+  EXPECT_FALSE(kinds().selectedKind());
+}
+
+TEST_F(ScanScreenTest, ColoursByRankWhenColoursNeedNotBeTheSameInEveryScan) {
+  const auto colourOf = [&](NodeId node) { return colours_.colourForKind(tree_->kind(node)); };
+  const auto before = colourOf(deep_);
+  const auto mapBefore = map().pixels;
+  set({.consistentKindColours = false});
+  KindColours byRank(false);
+  byRank.setKindSlots(kindSlotsBySize(kinds().rows()));
+  EXPECT_EQ(colourOf(deep_), byRank.colourForKind(tree_->kind(deep_)));
+  EXPECT_FALSE(map().pixels == mapBefore);
+  set({.consistentKindColours = true});
+  EXPECT_EQ(colourOf(deep_), before);
+  EXPECT_TRUE(map().pixels == mapBefore);
+}
+
+TEST_F(ScanScreenTest, ShowsTheRestOfTheVolumeBesideTheScannedFolderOnly) {
+  set({.extraBlocks = {.freeSpace = true, .otherSpace = true}});
+  const auto extras = [&] {
+    return std::ranges::count_if(map().blocks, [](const auto& block) { return block.id < 0; });
+  };
+  EXPECT_EQ(extras(), 0) << "the volume is not known yet";
+  screen_.setVolumeSpace(VolumeSpace{300'000, 100'000});
+  screen_.prepare();
+  EXPECT_EQ(extras(), 2);
+  screen_.focus().go(big_);
+  screen_.prepare();
+  EXPECT_EQ(extras(), 0);
+  screen_.focus().goOut();
+  screen_.prepare();
+  EXPECT_EQ(extras(), 2);
+  set({});
+  EXPECT_EQ(extras(), 0);
+}
+
+// A tree that grows.
+
+TEST_F(ScanScreenTest, KeepsTheRowUnderThePointerAndTheSelectedOnesWhereTheyAre) {
+  fillEmpty(100, 1000);
+  const NodeId seen = tree_->firstChild(empty_) + 60;
+  click(onMap(seen));
+  point(inList(seen));
+  const ui::Rect before = inList(seen);
+  add(*tree_, Listing(late_).file("large.txt", 500'000));
+  screen_.treeChanged();
+  screen_.prepare();
+  EXPECT_EQ(list().rows().rows()[1].node, late_) << "a row more is above";
+  EXPECT_EQ(inList(seen), before);
+  EXPECT_EQ(list().hovered(), seen);
+  EXPECT_EQ(selected(), Nodes{seen});
+  EXPECT_EQ(right(), "/r/empty/f60");
+}
+
+// Another tree.
+
+TEST_F(ScanScreenTest, KeepsNothingOfATreeThatIsGone) {
+  click(onMap(deep_));
+  click(onMap(photo_), 1, true);
+  click(inKinds(0));
+  screen_.focus().go(inner_);
+  screen_.setVolumeSpace(VolumeSpace{300'000, 100'000});
+  screen_.prepare();
+  point(onMap(deep_));
+  screen_.tick(ui::Window::now() + 1000);  // a card
+  screen_.press(at(onMap(deep_)));         // and a press that goes on
+  screen_.show(nullptr);
+  tree_.reset();
+  EXPECT_EQ(selected(), Nodes{});
+  EXPECT_EQ(focus(), kRootNode);
+  EXPECT_FALSE(kinds().selectedKind());
+  EXPECT_FALSE(screen_.dismiss());
+  EXPECT_EQ(picture().count(rgb(test::kNothingDrawn)), 0);
+  EXPECT_EQ(screen_.statusLine().left(), "");
+  EXPECT_EQ(right(), "");
+  screen_.motion(at(screen_.layout().map, 0));
+  screen_.release(at(screen_.layout().map));
+  screen_.tick(ui::Window::now() + 2000);
+  for (const auto keysym : {ui::key::kDown, ui::key::kReturn, ui::key::kTab, ui::key::kRight,
+                            ui::key::kTab, ui::key::kReturn}) {
+    key(keysym);
+  }
+  click(screen_.layout().toolbar);
+  click(screen_.layout().list);
+  picture();
+}
+
+TEST_F(ScanScreenTest, ShowsAnotherTreeFromItsScannedFolderOn) {
+  screen_.focus().go(inner_);
+  click(inKinds(0));
+  point(screen_.layout().map);
+  sizewalk::FileTree next(treeOptions());
+  next.createRoot("/next");
+  add(next, Listing(0).file("one.txt", 10));
+  screen_.show(&next);
+  tree_.reset();
+  screen_.prepare();
+  EXPECT_EQ(focus(), kRootNode);
+  EXPECT_FALSE(canGoUp());
+  EXPECT_EQ(listed(), (Nodes{kRootNode, 1}));
+  EXPECT_EQ(kinds().rows().size(), 1u);
+  EXPECT_EQ(keyboard(), "list");
+  EXPECT_EQ(right(), "") << "where the pointer is counts from its next motion on";
+  point(screen_.layout().map);
+  EXPECT_EQ(right(), "/next/one.txt");
+  screen_.show(nullptr);
+}
+
+TEST_F(ScanScreenTest, LetsGoOfWhatIsPressedWhenAnotherTreeIsShown) {
+  const FrameLayout frame = screen_.layout();
+  // A divider, the button that leaves the scan, and a thumb.
+  screen_.press(at(frame.mainDivider));
+  screen_.show(tree_.get());
+  EXPECT_EQ(screen_.pointer(), ui::PointerShape::Arrow);
+  screen_.motion(at(frame.map, 0));
+  EXPECT_EQ(screen_.layout().mainDivider, frame.mainDivider);
+  const ui::Rect open = screen_.toolbar().layout().open;
+  screen_.press(at(open));
+  screen_.show(tree_.get());
+  screen_.release(at(open));
+  EXPECT_TRUE(commands_.empty());
+  click(open);
+  EXPECT_EQ(commands_, std::vector<Command>{Command::LeaveScan});
+}
+
+TEST_F(ScanScreenTest, HasNothingUnderThePointerOnceAnotherScreenWasShown) {
+  screen_.leave();
+  const auto plain = picture();
+  point(onMap(photo_));
+  screen_.tick(ui::Window::now() + 1000);
+  EXPECT_FALSE(picture() == plain);
+  screen_.hide();
+  EXPECT_TRUE(picture() == plain);
+  point(screen_.layout().mainDivider);
+  screen_.hide();
+  EXPECT_EQ(screen_.pointer(), ui::PointerShape::Arrow);
+}
+
+TEST_F(ScanScreenTest, DoesNotTakeTwoPressesOnTwoTreesForADoubleOne) {
+  ui::MouseEvent event = at(onMap(deep_));
+  click(event);
+  screen_.show(tree_.get());
+  screen_.prepare();
+  event.clicks = 2;
+  click(event);
+  EXPECT_EQ(focus(), kRootNode);
+}
+
+}  // namespace
+}  // namespace app

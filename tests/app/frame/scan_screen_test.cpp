@@ -1,0 +1,267 @@
+// A scan as the whole window: how its parts follow each other.
+
+#include "app/frame/scan_screen.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/model/format.h"
+#include "tests/app/frame/scan_screen_fixture.h"
+#include "ui/keys.h"
+
+namespace app {
+namespace {
+
+TEST_F(ScanScreenTest, CoversTheWindowInEveryArrangement) {
+  for (const bool above : {false, true}) {
+    for (const bool kindsShown : {false, true}) {
+      set({.listAboveMap = above, .showKinds = kindsShown});
+      EXPECT_EQ(picture().count(rgb(test::kNothingDrawn)), 0) << above << kindsShown;
+    }
+  }
+}
+
+// Map and list follow each other.
+
+TEST_F(ScanScreenTest, SelectsInTheListWhatIsPressedOnTheMap) {
+  EXPECT_EQ(listed(), (Nodes{kRootNode, big_, photo_, empty_, late_}));
+  click(onMap(deep_));
+  EXPECT_EQ(selected(), Nodes{deep_});
+  EXPECT_EQ(list().current(), deep_);
+  EXPECT_EQ(listed(), (Nodes{kRootNode, big_, inner_, deep_, song_, photo_, empty_, late_}));
+  EXPECT_EQ(screen_.target(), deep_);
+}
+
+TEST_F(ScanScreenTest, ScrollsTheListToWhatIsPressedOnTheMap) {
+  fillEmpty(200, 1000);
+  EXPECT_EQ(list().scrollOffset(), 0);
+  const NodeId last = tree_->firstChild(empty_) + 199;
+  click(onMap(last));
+  EXPECT_GT(list().scrollOffset(), 0);
+  EXPECT_EQ(ui::intersect(inList(last), screen_.layout().list), inList(last)) << "in view";
+}
+
+TEST_F(ScanScreenTest, OutlinesOnTheMapWhatIsPressedInTheList) {
+  const auto before = picture();
+  click(inList(photo_));
+  EXPECT_EQ(selected(), Nodes{photo_});
+  const ui::Rect place = onMap(photo_);
+  const auto after = picture();
+  EXPECT_EQ(after.at(place.x, place.y), 0xFFFFFFu);
+  EXPECT_FALSE(part(after, screen_.layout().map) == part(before, screen_.layout().map));
+}
+
+TEST_F(ScanScreenTest, FocusesTheMapOnAFolderPressedTwiceInTheList) {
+  EXPECT_FALSE(canGoUp());
+  EXPECT_EQ(screen_.toolbar().layout().segments.size(), 1u);
+  clickTwice(inList(big_));
+  EXPECT_EQ(focus(), big_);
+  EXPECT_EQ(map().root, big_);
+  EXPECT_TRUE(canGoUp());
+  EXPECT_EQ(screen_.toolbar().layout().segments.size(), 2u);
+  EXPECT_EQ(map().outlineRect(photo_), nullptr);
+  EXPECT_TRUE(opened_.empty());
+}
+
+TEST_F(ScanScreenTest, OpensAFilePressedTwiceInTheList) {
+  clickTwice(inList(photo_));
+  EXPECT_EQ(opened_, Nodes{photo_});
+  EXPECT_EQ(focus(), kRootNode);
+}
+
+TEST_F(ScanScreenTest, GoesToTheFolderOfAPressedSegment) {
+  screen_.focus().go(inner_);
+  screen_.prepare();
+  ASSERT_EQ(screen_.toolbar().layout().segments.size(), 3u);
+  click(segment(1));
+  EXPECT_EQ(focus(), big_);
+  click(segment(0));
+  EXPECT_EQ(focus(), kRootNode);
+  EXPECT_FALSE(canGoUp());
+}
+
+TEST_F(ScanScreenTest, AsksToGoOutWithTheButton) {
+  clickTwice(inList(big_));
+  click(up());
+  EXPECT_EQ(commands_, std::vector<Command>{Command::GoOut});
+}
+
+TEST_F(ScanScreenTest, OpensTheWayToTheFolderInFocus) {
+  screen_.focus().go(inner_);
+  screen_.prepare();
+  EXPECT_EQ(list().current(), inner_);
+  EXPECT_TRUE(list().rows().find(inner_));
+}
+
+TEST_F(ScanScreenTest, GoesInAndOutWithTheWheelOnTheMapOnly) {
+  wheel(onMap(deep_), -1);
+  EXPECT_EQ(focus(), big_);
+  wheel(screen_.layout().map, 1);
+  EXPECT_EQ(focus(), kRootNode);
+  wheel(inList(big_), -1);
+  EXPECT_EQ(focus(), kRootNode) << "the wheel scrolls lists";
+}
+
+TEST_F(ScanScreenTest, GoesOutWithTheMiddleButtonAndBackIn) {
+  screen_.focus().go(inner_);
+  screen_.prepare();
+  click(screen_.layout().map, 2);
+  EXPECT_EQ(focus(), big_);
+  click(screen_.layout().map, 8);
+  EXPECT_EQ(focus(), kRootNode);
+  click(screen_.layout().map, 9);
+  EXPECT_EQ(focus(), big_);
+}
+
+TEST_F(ScanScreenTest, HasAContextMenuForWhatIsUnderThePointer) {
+  click(onMap(photo_), 3);
+  click(inList(big_), 3);
+  EXPECT_EQ(menus_, (Nodes{photo_, big_}));
+  EXPECT_EQ(selected(), Nodes{big_});
+}
+
+// Kinds.
+
+TEST_F(ScanScreenTest, DimsTheOtherKindsOfAPressedRow) {
+  ASSERT_EQ(kinds().rows().size(), 3u);
+  const auto mapPart = [&] { return part(picture(), screen_.layout().map); };
+  screen_.leave();
+  const auto plain = mapPart();
+  click(inKinds(0));
+  ASSERT_TRUE(kinds().selectedKind());
+  screen_.leave();
+  EXPECT_FALSE(mapPart() == plain);
+  EXPECT_TRUE(screen_.dismiss());
+  EXPECT_FALSE(kinds().selectedKind());
+  EXPECT_TRUE(mapPart() == plain);
+  EXPECT_FALSE(screen_.dismiss()) << "there is nothing left";
+  click(inKinds(0));
+  click(inKinds(0));
+  screen_.leave();
+  EXPECT_TRUE(mapPart() == plain) << "a second press ends it too";
+}
+
+TEST_F(ScanScreenTest, TakesTheCardBackBeforeTheHighlight) {
+  click(inKinds(0));
+  screen_.motion(at(onMap(photo_), 0));
+  screen_.tick(ui::Window::now() + 1000);
+  EXPECT_TRUE(screen_.dismiss());
+  EXPECT_TRUE(kinds().selectedKind()) << "it was the card's turn";
+  EXPECT_TRUE(screen_.dismiss());
+  EXPECT_FALSE(kinds().selectedKind());
+}
+
+TEST_F(ScanScreenTest, EndsTheHighlightWithTheTableThatShowsIt) {
+  screen_.leave();
+  const auto plain = part(picture(), screen_.layout().map);
+  click(inKinds(0));
+  set({.showKinds = false});
+  set({.showKinds = true});
+  screen_.leave();
+  EXPECT_TRUE(part(picture(), screen_.layout().map) == plain);
+}
+
+// The keyboard.
+
+TEST_F(ScanScreenTest, GoesRoundItsPartsWithTab) {
+  EXPECT_EQ(keyboard(), "list");
+  key(ui::key::kTab);
+  EXPECT_EQ(keyboard(), "kinds");
+  key(ui::key::kTab);
+  EXPECT_EQ(keyboard(), "map");
+  key(ui::key::kTab);
+  EXPECT_EQ(keyboard(), "list");
+  key(ui::key::kTab, true);
+  EXPECT_EQ(keyboard(), "map");
+  key(ui::key::kTab, true);
+  EXPECT_EQ(keyboard(), "kinds");
+}
+
+TEST_F(ScanScreenTest, GoesPastTheKindsWhenTheyAreNotShown) {
+  key(ui::key::kTab);
+  set({.showKinds = false});
+  EXPECT_EQ(keyboard(), "list") << "the table had the keyboard";
+  key(ui::key::kTab);
+  EXPECT_EQ(keyboard(), "map");
+  key(ui::key::kTab, true);
+  EXPECT_EQ(keyboard(), "list");
+}
+
+TEST_F(ScanScreenTest, GivesTheKeyboardToThePartThatIsPressed) {
+  click(onMap(photo_));
+  EXPECT_EQ(keyboard(), "map");
+  click(inKinds(1));
+  EXPECT_EQ(keyboard(), "kinds");
+  click(inList(photo_));
+  EXPECT_EQ(keyboard(), "list");
+}
+
+TEST_F(ScanScreenTest, HasARingOnTheRowOfTheListWithTheKeyboard) {
+  const auto withRing = part(picture(), screen_.layout().list);
+  key(ui::key::kTab);
+  EXPECT_FALSE(part(picture(), screen_.layout().list) == withRing);
+}
+
+// Dividers.
+
+TEST_F(ScanScreenTest, MovesItsDividersAndPutsThemBack) {
+  const FrameLayout before = screen_.layout();
+  drag(before.mainDivider, 100, 0);
+  EXPECT_EQ(screen_.layout().mainDivider.x, before.mainDivider.x + 100);
+  EXPECT_EQ(map().width, screen_.layout().map.w) << "drawn at its new size";
+  drag(screen_.layout().kindsDivider, 0, -80);
+  EXPECT_EQ(screen_.layout().kindsDivider.y, before.kindsDivider.y - 80);
+  EXPECT_EQ(picture().count(rgb(test::kNothingDrawn)), 0);
+  clickTwice(screen_.layout().mainDivider);
+  clickTwice(screen_.layout().kindsDivider);
+  EXPECT_EQ(screen_.layout().mainDivider, before.mainDivider);
+  EXPECT_EQ(screen_.layout().kindsDivider, before.kindsDivider);
+}
+
+TEST_F(ScanScreenTest, ShowsWhichWayADividerMoves) {
+  EXPECT_EQ(screen_.pointer(), ui::PointerShape::Arrow);
+  point(screen_.layout().mainDivider);
+  EXPECT_EQ(screen_.pointer(), ui::PointerShape::ResizeHorizontal);
+  point(screen_.layout().kindsDivider);
+  EXPECT_EQ(screen_.pointer(), ui::PointerShape::ResizeVertical);
+  point(screen_.layout().map);
+  EXPECT_EQ(screen_.pointer(), ui::PointerShape::Arrow);
+  point(segment(0));
+  EXPECT_EQ(screen_.pointer(), ui::PointerShape::Hand);
+}
+
+TEST_F(ScanScreenTest, KeepsTheShapeOfThePointerWhileADragIsAheadOfItsDivider) {
+  ui::MouseEvent event = at(screen_.layout().mainDivider);
+  screen_.press(event);
+  event.x = 5;  // further than the divider goes
+  screen_.motion(event);
+  EXPECT_EQ(screen_.pointer(), ui::PointerShape::ResizeHorizontal);
+  screen_.release(event);
+  EXPECT_EQ(screen_.pointer(), ui::PointerShape::Arrow);
+}
+
+TEST_F(ScanScreenTest, HasNoResizePointerWhereAPressOnTheMapIsDraggedOverADivider) {
+  ui::MouseEvent event = at(onMap(photo_));
+  screen_.press(event);
+  screen_.motion(at(screen_.layout().mainDivider, 0));
+  EXPECT_EQ(screen_.pointer(), ui::PointerShape::Arrow);
+  screen_.release(at(screen_.layout().mainDivider));
+  point(screen_.layout().mainDivider);
+  EXPECT_EQ(screen_.pointer(), ui::PointerShape::ResizeHorizontal);
+}
+
+TEST_F(ScanScreenTest, GoesOnDraggingWhenAnotherButtonIsLetGo) {
+  const int before = screen_.layout().mainDivider.x;
+  ui::MouseEvent event = at(screen_.layout().mainDivider);
+  screen_.press(event);
+  event.button = 3;
+  screen_.press(event);
+  screen_.release(event);
+  event.x += 50;
+  screen_.motion(event);
+  EXPECT_EQ(screen_.layout().mainDivider.x, before + 50);
+}
+
+}  // namespace
+}  // namespace app

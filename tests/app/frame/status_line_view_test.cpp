@@ -1,0 +1,62 @@
+// The status line in a window.
+
+#include "app/frame/status_line.h"
+#include "tests/ui/widgets/views_on_window.h"
+
+namespace app {
+namespace {
+
+using test::rgb;
+
+constexpr ui::Rect kBar = {0, 60, 400, 24};
+
+class StatusLineTest : public testing::Test, protected test::ViewsOnWindow {
+ protected:
+  test::Picture picture() {
+    return ViewsOnWindow::picture(400, 100, [&](ui::Canvas& canvas) { line.paint(canvas); });
+  }
+  StatusLine line{style};
+};
+
+TEST_F(StatusLineTest, FillsItsRectUnderALineInTheBorderColour) {
+  line.setRect(kBar);
+  const test::Picture shown = picture();
+  EXPECT_EQ(shown.count(rgb(style.palette().border)), 400);
+  EXPECT_EQ(shown.at(0, 60), rgb(style.palette().border));
+  EXPECT_EQ(shown.at(399, 60), rgb(style.palette().border));
+  EXPECT_EQ(shown.count(rgb(style.palette().window)), 400 * 23);
+  EXPECT_EQ(shown.at(0, 59), rgb(test::kNothingDrawn));
+  EXPECT_EQ(shown.at(0, 84), rgb(test::kNothingDrawn));
+}
+
+TEST_F(StatusLineTest, DrawsBothTexts) {
+  line.setRect(kBar);
+  line.setTexts("1.20 GB in 12,345 items", "/home/u");
+  const test::Picture shown = picture();
+  int left = 0;
+  int right = 0;
+  for (int y = 61; y < 84; ++y) {
+    for (int x = 0; x < 400; ++x) {
+      if (shown.at(x, y) != rgb(style.palette().window)) ++(x < 200 ? left : right);
+    }
+  }
+  EXPECT_GT(left, 50);
+  EXPECT_GT(right, 20);
+}
+
+TEST_F(StatusLineTest, SaysWhetherItChanged) {
+  EXPECT_TRUE(line.setRect(kBar));
+  EXPECT_FALSE(line.setRect(kBar));
+  EXPECT_TRUE(line.setTexts("left", "right"));
+  EXPECT_FALSE(line.setTexts("left", "right"));
+  EXPECT_TRUE(line.setTexts("left", "other"));
+}
+
+TEST_F(StatusLineTest, MakesAPathOfBrokenBytesReadable) {
+  line.setRect(kBar);
+  line.setTexts("", "/caf\xe9");
+  EXPECT_EQ(line.layout().rightText, "/caf\\351");
+}
+
+}  // namespace
+}  // namespace app

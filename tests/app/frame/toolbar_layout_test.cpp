@@ -1,0 +1,104 @@
+#include "app/frame/toolbar_layout.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "tests/sizewalk/tree_model.h"
+
+namespace app {
+namespace {
+
+using sizewalk::FileTree;
+using test::add;
+using test::Listing;
+using ui::Rect;
+
+int tenEach(std::string_view text) {
+  int characters = 0;
+  for (const char c : text) characters += (c & 0xC0) != 0x80;
+  return 10 * characters;
+}
+
+constexpr Rect kBar = {0, 0, 1000, 34};
+constexpr int kLineHeight = 16;
+
+struct Bar {
+  Bar() { tree.createRoot("/r"); }
+  ToolbarLayout layOut(double scale = 1) const {
+    return layOutToolbar(state, kBar, kLineHeight, scale, tenEach);
+  }
+  FileTree tree;
+  ToolbarState state;
+};
+
+TEST(ToolbarLayout, HoldsOnlyTheMenuWithoutAScan) {
+  const ToolbarLayout layout = Bar().layOut();
+  EXPECT_EQ(layout.menu, (Rect{1000 - 8 - 26, 6, 26, 22}));
+  for (const Rect& part :
+       {layout.open, layout.stop, layout.rescan, layout.up, layout.measure, layout.breadcrumb}) {
+    EXPECT_TRUE(part.empty());
+  }
+}
+
+TEST(ToolbarLayout, PutsItsPartsFromLeftToRightSixPixelsApart) {
+  Bar bar;
+  bar.state.tree = &bar.tree;
+  bar.state.canGoUp = true;
+  const ToolbarLayout layout = bar.layOut();
+  EXPECT_EQ(layout.open, (Rect{8, 6, 70, 22}));
+  EXPECT_EQ(layout.rescan, (Rect{8 + 70 + 6, 6, 80, 22}));
+  EXPECT_EQ(layout.up, (Rect{170, 6, 26, 22}));
+  EXPECT_EQ(layout.measure, (Rect{202, 6, 170, 22})) << "\"Current size  ▾\"";
+  EXPECT_EQ(layout.breadcrumb, (Rect{378, 6, 966 - 6 - 378, 22}));
+  EXPECT_TRUE(layout.stop.empty());
+}
+
+TEST(ToolbarLayout, OffersToStopWhileItScansAndNoWayUpAtTheTop) {
+  Bar bar;
+  bar.state.tree = &bar.tree;
+  bar.state.scanning = true;
+  const ToolbarLayout layout = bar.layOut();
+  EXPECT_EQ(layout.stop, (Rect{84, 6, 60, 22}));
+  EXPECT_TRUE(layout.rescan.empty());
+  EXPECT_TRUE(layout.up.empty());
+  EXPECT_EQ(layout.measure.x, 150);
+}
+
+TEST(ToolbarLayout, GivesTheBreadcrumbWhatIsLeft) {
+  Bar bar;
+  const auto folder = add(bar.tree, Listing(0).folder("folder")).front();
+  bar.state.tree = &bar.tree;
+  bar.state.focus = folder;
+  bar.state.measure = Measure::AddedLastSixMonths;
+  const ToolbarLayout layout = bar.layOut();
+  ASSERT_EQ(layout.segments.size(), 2u);
+  EXPECT_EQ(layout.segments[1].text, "folder");
+  EXPECT_EQ(layout.measure.w, 10 * 31 + 20);
+}
+
+TEST(ToolbarLayout, DropsTheBreadcrumbWhereThereIsNoRoom) {
+  Bar bar;
+  bar.state.tree = &bar.tree;
+  const ToolbarLayout layout = layOutToolbar(bar.state, {0, 0, 300, 34}, kLineHeight, 1, tenEach);
+  EXPECT_TRUE(layout.breadcrumb.empty());
+  EXPECT_TRUE(layout.segments.empty());
+}
+
+TEST(ToolbarLayout, ScalesItsPaddings) {
+  Bar bar;
+  bar.state.tree = &bar.tree;
+  EXPECT_EQ(bar.layOut(2).open.x, 16);
+  EXPECT_EQ(bar.layOut(2).open.w, 50 + 40);
+}
+
+TEST(MeasureName, IsTheOneInTheSelectorAndItsMenu) {
+  EXPECT_EQ(measureName(Measure::CurrentSize), "Current size");
+  EXPECT_EQ(measureName(Measure::AddedLastMonth), "Added in the last month");
+  EXPECT_EQ(measureName(Measure::AddedLastSixMonths), "Added in the last six months");
+  EXPECT_EQ(measureName(Measure::AddedSinceLastScan), "Added since last scan");
+  EXPECT_EQ(measureSelectorText(Measure::CurrentSize), "Current size  ▾");
+}
+
+}  // namespace
+}  // namespace app

@@ -1,0 +1,250 @@
+#include "app/frame/welcome_layout.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace app {
+namespace {
+
+using ui::Rect;
+
+constexpr int kLine = 16;
+constexpr int kButtonHeight = kLine + 6;
+constexpr int kCardHeight = 12 + kLine + 2 + kLine + 8 + 6 + 12;
+/// The cards of the view at scale 1 begin below 16 of padding, the icon and 16 of padding.
+constexpr int kCardsTop = 16 + 44 + 16;
+
+WelcomeRequest request(int width, int height, std::size_t cards, double scale = 1) {
+  return {.view = {0, 0, width, height},
+          .scale = scale,
+          .lineHeight = static_cast<int>(kLine * scale),
+          .headingHeight = static_cast<int>(24 * scale),
+          .buttonTextWidth = static_cast<int>(110 * scale),
+          .cards = cards};
+}
+
+VolumeCard card(std::int64_t used, std::int64_t total) {
+  return {"Volume", "/volume", VolumeFigures{used, total}};
+}
+
+// Cards
+
+TEST(WelcomeLayout, MakesCardsAtMost330LogicalPixelsWide) {
+  for (const double scale : {0.75, 1.0, 1.25, 1.5, 2.0, 3.0, 4.0}) {
+    const int most = ui::scaled(330, scale);
+    for (int width = 0; width < 6000; width += 7) {
+      EXPECT_LE(layOutWelcome(request(width, 800, 0, scale)).cardWidth, most) << width;
+    }
+    EXPECT_EQ(layOutWelcome(request(8000, 800, 0, scale)).cardWidth, most);
+  }
+}
+
+TEST(WelcomeLayout, SharesANarrowViewBetweenTwoCards) {
+  const WelcomeLayout layout = layOutWelcome(request(640, 420, 2));
+  EXPECT_EQ(layout.cardWidth, (640 - 5 * 16) / 2);
+  EXPECT_EQ(layout.columns, 2);
+}
+
+TEST(WelcomeLayout, CutsTheHalfPixelOfAnOddWidth) {
+  EXPECT_EQ(layOutWelcome(request(641, 420, 2)).cardWidth, 280);
+}
+
+TEST(WelcomeLayout, PutsAsManyColumnsIntoTheViewAsFit) {
+  // (W - 32) / (330 + 16)
+  EXPECT_EQ(layOutWelcome(request(32 + 3 * 346 - 1, 800, 0)).columns, 2);
+  EXPECT_EQ(layOutWelcome(request(32 + 3 * 346, 800, 0)).columns, 3);
+  EXPECT_EQ(layOutWelcome(request(1600, 800, 0)).columns, 4);
+}
+
+TEST(WelcomeLayout, HasOneColumnWhereTwoCardsHaveNoRoom) {
+  for (const int width : {5 * 16 + 1, 5 * 16, 4 * 16, 3 * 16, 3 * 16 - 1, 33}) {
+    const WelcomeLayout layout = layOutWelcome(request(width, 800, 3));
+    EXPECT_EQ(layout.columns, 1) << width;
+    EXPECT_EQ(layout.cardWidth, width - 32) << width;
+    ASSERT_EQ(layout.cards.size(), 3u) << width;
+    EXPECT_EQ(layout.cards[1].card.x, 16) << width;
+  }
+}
+
+TEST(WelcomeLayout, SurvivesAViewWithoutRoom) {
+  for (const int width : {32, 16, 1, 0, -5}) {
+    for (const int height : {300, 10, 0, -5}) {
+      const WelcomeLayout layout = layOutWelcome(request(width, height, 3));
+      EXPECT_EQ(layout.columns, 1);
+      EXPECT_EQ(layout.cardWidth, 0);
+      EXPECT_TRUE(layout.cards.empty());
+    }
+  }
+}
+
+TEST(WelcomeLayout, CentresTheGrid) {
+  for (int width = 100; width < 2000; width += 13) {
+    const WelcomeLayout layout = layOutWelcome(request(width, 800, 8));
+    const auto columns = static_cast<std::size_t>(layout.columns);
+    ASSERT_GE(layout.cards.size(), columns) << width;
+    const int left = layout.cards[0].card.x;
+    const Rect& last = layout.cards[columns - 1].card;
+    EXPECT_NEAR(left, width - (last.x + last.w), 1) << width;
+    EXPECT_GE(left, 0) << width;
+  }
+}
+
+TEST(WelcomeLayout, PlacesCardsRowByRow) {
+  const WelcomeLayout layout = layOutWelcome(request(640, 420, 3));
+  ASSERT_EQ(layout.cards.size(), 3u);
+  EXPECT_EQ(layout.cards[0].card, (Rect{32, kCardsTop, 280, kCardHeight}));
+  EXPECT_EQ(layout.cards[1].card, (Rect{32 + 280 + 16, kCardsTop, 280, kCardHeight}));
+  EXPECT_EQ(layout.cards[2].card, (Rect{32, kCardsTop + kCardHeight + 16, 280, kCardHeight}));
+}
+
+TEST(WelcomeLayout, PutsItsLinesAndItsBarIntoTheCard) {
+  const CardPlaces places = layOutWelcome(request(640, 420, 1)).cards.at(0);
+  EXPECT_EQ(places.name, (Rect{44, kCardsTop + 12, 256, kLine}));
+  EXPECT_EQ(places.figures, (Rect{44, kCardsTop + 12 + kLine + 2, 256, kLine}));
+  EXPECT_EQ(places.track, (Rect{44, kCardsTop + kCardHeight - 12 - 6, 256, 6}));
+}
+
+TEST(WelcomeLayout, KeepsTheBarSixPixelsHighAtEveryScale) {
+  for (const double scale : {0.75, 2.0, 4.0}) {
+    EXPECT_EQ(layOutWelcome(request(2560, 1680, 1, scale)).cards.at(0).track.h, 6);
+  }
+}
+
+TEST(WelcomeLayout, StopsBeforeARowThatWouldPassTheButton) {
+  const int twoRows = kCardsTop + 2 * kCardHeight + 16 + 16 + kButtonHeight + 16;
+  EXPECT_EQ(layOutWelcome(request(640, twoRows, 9)).cards.size(), 4u);
+  EXPECT_EQ(layOutWelcome(request(640, twoRows - 1, 9)).cards.size(), 2u);
+}
+
+TEST(WelcomeLayout, MovesWithItsView) {
+  WelcomeRequest moved = request(640, 420, 1);
+  moved.view = {100, 34, 640, 420};
+  const WelcomeLayout layout = layOutWelcome(moved);
+  const WelcomeLayout plain = layOutWelcome(request(640, 420, 1));
+  EXPECT_EQ(layout.cards.at(0).card.x, plain.cards.at(0).card.x + 100);
+  EXPECT_EQ(layout.cards.at(0).card.y, plain.cards.at(0).card.y + 34);
+  EXPECT_EQ(layout.button.x, plain.button.x + 100);
+  EXPECT_EQ(layout.button.y, plain.button.y + 34);
+}
+
+// Heading and button
+
+TEST(WelcomeLayout, PutsTheHeadingBesideTheIcon) {
+  const WelcomeLayout layout = layOutWelcome(request(640, 420, 1));
+  EXPECT_EQ(layout.icon, (Rect{32, 16, 44, 44}));
+  EXPECT_EQ(layout.heading.x, 32 + 44 + 12);
+  EXPECT_EQ(layout.note.x, layout.heading.x);
+  EXPECT_EQ(layout.note.y, layout.heading.y + layout.heading.h + 2);
+  EXPECT_EQ(layout.heading.y - layout.icon.y,
+            layout.icon.y + layout.icon.h - (layout.note.y + layout.note.h))
+      << "centred on the icon";
+}
+
+TEST(WelcomeLayout, ScalesTheIconAndItsGap) {
+  const WelcomeLayout layout = layOutWelcome(request(1280, 840, 1, 2));
+  EXPECT_EQ(layout.icon.w, 88);
+  EXPECT_EQ(layout.icon.h, 88);
+  EXPECT_EQ(layout.heading.x - (layout.icon.x + layout.icon.w), 24);
+}
+
+TEST(WelcomeLayout, PutsTheButtonBelowTheCards) {
+  const WelcomeLayout layout = layOutWelcome(request(640, 420, 1));
+  EXPECT_EQ(layout.button, (Rect{32, kCardsTop + kCardHeight + 16, 130, kButtonHeight}));
+}
+
+TEST(WelcomeLayout, WidensTheButtonByTwentyAtEveryScale) {
+  EXPECT_EQ(layOutWelcome(request(2560, 1680, 1, 4)).button.w, 440 + 20);
+  EXPECT_EQ(layOutWelcome(request(2560, 1680, 1, 4)).button.h, 64 + 6);
+}
+
+TEST(WelcomeLayout, PutsTheButtonBelowTheHeadingWithoutCards) {
+  EXPECT_EQ(layOutWelcome(request(640, 420, 0)).button.y, kCardsTop);
+}
+
+bool within(const Rect& inner, const Rect& outer) { return ui::intersect(inner, outer) == inner; }
+
+TEST(WelcomeLayout, KeepsTheButtonInsideTheViewAndClearOfEverything) {
+  for (const double scale : {0.75, 1.0, 1.5, 2.0, 4.0}) {
+    for (int height = 100; height < 2400; height += 11) {
+      const WelcomeRequest asked = request(static_cast<int>(640 * scale), height, 50, scale);
+      const WelcomeLayout layout = layOutWelcome(asked);
+      EXPECT_TRUE(within(layout.button, asked.view)) << height << " at " << scale;
+      for (const CardPlaces& places : layout.cards) {
+        EXPECT_TRUE(within(places.card, asked.view)) << height;
+        EXPECT_TRUE(ui::intersect(places.card, layout.button).empty()) << height;
+      }
+      for (const Rect& part : {layout.icon, layout.heading, layout.note}) {
+        EXPECT_TRUE(ui::intersect(part, layout.button).empty()) << height;
+      }
+    }
+  }
+}
+
+TEST(WelcomeLayout, ShowsCardsInTheLeastWindowAtEveryScale) {
+  for (const double scale : {0.75, 1.0, 1.25, 1.5, 2.0, 3.0, 4.0}) {
+    const auto layout =
+        layOutWelcome(request(ui::scaled(640, scale), ui::scaled(420 - 34 - 24, scale), 50, scale));
+    EXPECT_GE(layout.cards.size(), 4u) << scale;
+    EXPECT_GT(layout.icon.w, 0) << scale;
+  }
+}
+
+// Figures and bar
+
+TEST(FiguresText, SaysHowMuchIsUsedOfHowMuch) {
+  EXPECT_EQ(figuresText(card(1'500'000, 512'000'000'000)), "1.50 MB used of 512 GB");
+  EXPECT_EQ(figuresText(card(0, 0)), "0 B used of 0 B");
+}
+
+TEST(FiguresText, IsCalmWhileThereAreNone) {
+  EXPECT_EQ(figuresText({"Share", "/share", std::nullopt}), "Waiting for its size…");
+}
+
+TEST(UsageBar, IsFilledByTheShareInUse) {
+  EXPECT_EQ(usageBar(card(50, 100), 201), (UsageBar{100, false}));
+}
+
+TEST(UsageBar, KeepsTheAccentColourAtExactlyNineTenths) {
+  EXPECT_EQ(usageBar(card(90, 100), 200), (UsageBar{180, false}));
+  EXPECT_EQ(usageBar(card(91, 100), 200), (UsageBar{182, true}));
+}
+
+TEST(UsageBar, TellsNineTenthsFromOneByteMoreInAnySize) {
+  for (const std::int64_t tenth :
+       {1LL, 3LL, 7LL, 1'000'003LL, 900'719'925'474'099LL, 922'337'203'685'477'580LL}) {
+    EXPECT_FALSE(usageBar(card(9 * tenth, 10 * tenth), 200)->nearlyFull) << tenth;
+    EXPECT_TRUE(usageBar(card(9 * tenth + 1, 10 * tenth), 200)->nearlyFull) << tenth;
+  }
+  EXPECT_FALSE(usageBar(card(13, 15), 200)->nearlyFull);
+  EXPECT_TRUE(usageBar(card(14, 15), 200)->nearlyFull);
+}
+
+TEST(UsageBar, FillsTheWholeTrackWhenMoreIsUsedThanThereIs) {
+  EXPECT_EQ(usageBar(card(101, 100), 200), (UsageBar{200, true}));
+  EXPECT_EQ(usageBar(card(std::numeric_limits<std::int64_t>::max(), 1), 200),
+            (UsageBar{200, true}));
+  EXPECT_EQ(usageBar(card(100, 100), 200), (UsageBar{200, true}));
+}
+
+TEST(UsageBar, FillsAtLeastThreePixels) {
+  EXPECT_EQ(usageBar(card(1, 1'000'000'000'000), 200), (UsageBar{3, false}));
+  EXPECT_EQ(usageBar(card(2, 100), 200), (UsageBar{4, false}));
+  EXPECT_EQ(usageBar(card(0, 100), 200), (UsageBar{3, false}));
+}
+
+TEST(UsageBar, StaysWithinItsTrack) {
+  EXPECT_EQ(usageBar(card(1, 100), 2), (UsageBar{2, false}));
+  EXPECT_EQ(usageBar(card(1, 100), 0), (UsageBar{0, false}));
+}
+
+TEST(UsageBar, IsMissingWithoutASize) {
+  EXPECT_EQ(usageBar(card(0, 0), 200), std::nullopt);
+  EXPECT_EQ(usageBar(card(5, 0), 200), std::nullopt);
+  EXPECT_EQ(usageBar(card(5, -1), 200), std::nullopt);
+  EXPECT_EQ(usageBar({"Share", "/share", std::nullopt}, 200), std::nullopt);
+  EXPECT_TRUE(usageBar(card(0, 1), 200));
+}
+
+}  // namespace
+}  // namespace app

@@ -1,0 +1,158 @@
+// The welcome as the whole window.
+
+#include "app/frame/welcome_screen.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/ui/widgets/views_on_window.h"
+#include "ui/keys.h"
+
+namespace app {
+namespace {
+
+using test::at;
+using Told = std::vector<std::string>;
+
+constexpr int kWidth = 900;
+constexpr int kHeight = 600;
+
+class WelcomeScreenTest : public testing::Test, protected test::ViewsOnWindow {
+ protected:
+  WelcomeScreenTest() {
+    screen_.onChanged = [this] { ++changes_; };
+    screen_.onVolume = [this](const std::string& path) { told_.push_back(path); };
+    screen_.onChooseFolder = [this] { told_.emplace_back("choose"); };
+    screen_.onAppMenu = [this](const ui::Rect& place) { menus_.push_back(place); };
+    screen_.setSize(kWidth, kHeight);
+    screen_.setCards({card("/a"), card("/b")});
+    changes_ = 0;
+  }
+
+  static VolumeCard card(const std::string& path, std::int64_t used = 10) {
+    return {"Volume " + path, path, VolumeFigures{used, 100}};
+  }
+  const ui::Rect& cardRect(std::size_t number) const {
+    return screen_.view().layout().cards.at(number).card;
+  }
+  const ui::Rect& button() const { return screen_.view().layout().button; }
+  /// The menu button, whose place only a press tells.
+  ui::MouseEvent onMenu() const { return {.x = kWidth - 15, .y = 15, .button = 1}; }
+  void click(const ui::MouseEvent& event) {
+    screen_.press(event);
+    screen_.release(event);
+  }
+  bool key(unsigned long keysym) { return screen_.key({.keysym = keysym, .text = {}}); }
+  Told taken() { return std::exchange(told_, {}); }
+  int takenChanges() { return std::exchange(changes_, 0); }
+  test::Picture picture() {
+    return ViewsOnWindow::picture(kWidth, kHeight, [&](ui::Canvas& c) { screen_.paint(c); });
+  }
+
+  ui::Icon icon_;
+  WelcomeScreen screen_{style, icon_};
+  int changes_ = 0;
+  Told told_;
+  std::vector<ui::Rect> menus_;
+};
+
+TEST_F(WelcomeScreenTest, CoversTheWindow) {
+  EXPECT_EQ(picture().count(test::rgb(test::kNothingDrawn)), 0);
+  screen_.setSize(640, 420);
+  EXPECT_EQ(ViewsOnWindow::picture(640, 420, [&](ui::Canvas& c) { screen_.paint(c); })
+                .count(test::rgb(test::kNothingDrawn)),
+            0);
+}
+
+TEST_F(WelcomeScreenTest, KeepsItsCardsInsideANarrowWindow) {
+  screen_.setSize(300, 420);
+  EXPECT_GT(takenChanges(), 0);
+  EXPECT_LE(cardRect(0).x + cardRect(0).w, 300);
+}
+
+TEST_F(WelcomeScreenTest, TellsThePressedVolumeAndTheButton) {
+  click(at(cardRect(1)));
+  click(at(button()));
+  EXPECT_EQ(taken(), (Told{"/b", "choose"}));
+  EXPECT_GT(takenChanges(), 0);
+}
+
+TEST_F(WelcomeScreenTest, OpensItsMenuUnderTheButton) {
+  click(onMenu());
+  ASSERT_EQ(menus_.size(), 1u);
+  EXPECT_TRUE(menus_[0].contains(onMenu().x, onMenu().y));
+}
+
+TEST_F(WelcomeScreenTest, AsksForAFrameWhenThePointerComesOntoACardAndWhenItGoes) {
+  screen_.motion(at(cardRect(0)));
+  EXPECT_EQ(takenChanges(), 1);
+  screen_.motion(at(cardRect(0)));
+  EXPECT_EQ(takenChanges(), 0) << "nothing looks different";
+  screen_.motion(onMenu());
+  EXPECT_EQ(takenChanges(), 2) << "off the card, and onto the button of the toolbar";
+  screen_.leave();
+  EXPECT_EQ(takenChanges(), 1);
+}
+
+TEST_F(WelcomeScreenTest, AsksForAFrameOnlyForOtherCards) {
+  screen_.setCards({card("/a"), card("/b")});
+  EXPECT_EQ(takenChanges(), 0);
+  screen_.setCards({card("/a", 11), card("/b")});
+  EXPECT_EQ(takenChanges(), 1);
+}
+
+TEST_F(WelcomeScreenTest, GoesOnWithAPressWhileFiguresChange) {
+  screen_.press(at(cardRect(0)));
+  screen_.setCards({card("/a", 20), card("/b", 20)});
+  screen_.release(at(cardRect(0)));
+  EXPECT_EQ(taken(), Told{"/a"});
+}
+
+TEST_F(WelcomeScreenTest, ForgetsAPressWhenACardTakesThePlaceOfAnother) {
+  screen_.press(at(cardRect(0)));
+  screen_.setCards({card("/b"), card("/a")});
+  screen_.release(at(cardRect(0)));
+  EXPECT_EQ(taken(), Told{});
+}
+
+TEST_F(WelcomeScreenTest, TakesKeys) {
+  EXPECT_FALSE(key(ui::key::kReturn)) << "nothing has the keyboard";
+  EXPECT_FALSE(key('x'));
+  EXPECT_EQ(takenChanges(), 0);
+  EXPECT_TRUE(key(ui::key::kTab));
+  EXPECT_EQ(takenChanges(), 1);
+  key(ui::key::kTab);
+  key(ui::key::kReturn);
+  EXPECT_EQ(taken(), Told{"/b"});
+}
+
+TEST_F(WelcomeScreenTest, HasNothingUnderThePointerOnceAnotherScreenWasShown) {
+  const auto plain = picture();
+  screen_.motion(at(cardRect(0)));
+  EXPECT_FALSE(picture() == plain);
+  screen_.hide();
+  EXPECT_TRUE(picture() == plain);
+}
+
+TEST_F(WelcomeScreenTest, LetsGoOfWhatWasPressedWhenAnotherScreenIsShown) {
+  const auto plain = picture();
+  screen_.press(at(cardRect(0)));
+  screen_.hide();
+  EXPECT_TRUE(picture() == plain);
+  EXPECT_EQ(taken(), Told{});
+  screen_.motion(at(cardRect(1)));
+  EXPECT_FALSE(picture() == plain) << "no longer held: another card lights up";
+  screen_.release(at(cardRect(0)));
+  EXPECT_EQ(taken(), Told{}) << "the end of a press that began before";
+}
+
+TEST_F(WelcomeScreenTest, TakesNoWheel) {
+  screen_.wheel(at(cardRect(0)), 1);
+  EXPECT_EQ(takenChanges(), 0);
+  EXPECT_FALSE(screen_.dismiss());
+  EXPECT_EQ(screen_.pointer(), ui::PointerShape::Arrow);
+}
+
+}  // namespace
+}  // namespace app

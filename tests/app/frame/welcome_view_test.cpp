@@ -1,0 +1,349 @@
+// The welcome view in a window.
+
+#include "app/frame/welcome_view.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/ui/widgets/views_on_window.h"
+#include "ui/keys.h"
+
+namespace app {
+namespace {
+
+using test::at;
+using test::rgb;
+using Told = std::vector<std::string>;
+
+constexpr int kWidth = 640;
+constexpr int kHeight = 420;
+
+VolumeCard card(const std::string& path, std::int64_t used = 10, std::int64_t total = 100) {
+  return {"Volume " + path, path, VolumeFigures{used, total}};
+}
+
+class WelcomeViewTest : public testing::Test, protected test::ViewsOnWindow {
+ protected:
+  explicit WelcomeViewTest(const ui::Palette& palette = ui::kLightPalette)
+      : ViewsOnWindow(palette) {
+    view.setRect({0, 0, kWidth, kHeight});
+    view.onVolume = [&](const std::string& path) { told.push_back(path); };
+    view.onChooseFolder = [&] { told.emplace_back("choose"); };
+  }
+
+  /// Cards for /0, /1 and so on.
+  void setCards(int count) {
+    std::vector<VolumeCard> cards;
+    for (int i = 0; i < count; ++i) cards.push_back(card("/" + std::to_string(i)));
+    view.setCards(cards);
+  }
+  void showUsage(std::int64_t used, std::int64_t total) {
+    view.setCards({card("/v", used, total)});
+  }
+  const CardPlaces& places(std::size_t number = 0) const { return view.layout().cards.at(number); }
+  bool key(unsigned long keysym, bool shift = false) {
+    return view.key({.keysym = keysym, .text = {}, .shift = shift});
+  }
+  /// Where the keyboard is after `keysym`; -1 for nowhere.
+  int focusAfter(unsigned long keysym, bool shift = false) {
+    key(keysym, shift);
+    return view.focused().value_or(-1);
+  }
+  Told taken() { return std::exchange(told, {}); }
+  test::Picture picture() {
+    return ViewsOnWindow::picture(kWidth, kHeight, [&](ui::Canvas& canvas) { view.paint(canvas); });
+  }
+
+  ui::Icon icon;
+  WelcomeView view{style, icon};
+  Told told;
+};
+
+class DarkWelcomeViewTest : public WelcomeViewTest {
+ protected:
+  DarkWelcomeViewTest() : WelcomeViewTest(ui::kDarkPalette) {}
+};
+
+/// How many pixels of the middle row of `track` have this colour: the width without the corners.
+int widthOf(const test::Picture& picture, const ui::Rect& track, ui::Colour colour) {
+  int count = 0;
+  for (int x = track.x; x < track.x + track.w; ++x) {
+    count += picture.at(x, track.y + track.h / 2) == rgb(colour);
+  }
+  return count;
+}
+
+// Drawing
+
+TEST_F(WelcomeViewTest, DrawsABarOfTheShareInUse) {
+  showUsage(1, 4);
+  const ui::Rect track = places().track;
+  const test::Picture shown = picture();
+  EXPECT_EQ(widthOf(shown, track, style.palette().accent), track.w / 4);
+  EXPECT_EQ(widthOf(shown, track, 0xFFE2E1E0), track.w - track.w / 4);
+}
+
+TEST_F(WelcomeViewTest, DrawsTheBarSixPixelsHigh) {
+  showUsage(1, 2);
+  const test::Picture shown = picture();
+  const ui::Rect track = places().track;
+  const int x = track.x + track.w / 4;
+  EXPECT_EQ(shown.at(x, track.y - 1), rgb(style.palette().raised));
+  for (int i = 0; i < 6; ++i) EXPECT_EQ(shown.at(x, track.y + i), rgb(style.palette().accent));
+  EXPECT_EQ(shown.at(x, track.y + 6), rgb(style.palette().raised));
+}
+
+TEST_F(WelcomeViewTest, RoundsTheEndsOfTheBar) {
+  showUsage(0, 2);
+  const test::Picture shown = picture();
+  const ui::Rect track = places().track;
+  EXPECT_EQ(shown.at(track.x + track.w - 1, track.y), rgb(style.palette().raised));
+  EXPECT_EQ(shown.at(track.x + track.w - 1, track.y + 3), 0xE2E1E0u);
+}
+
+TEST_F(WelcomeViewTest, WarnsOnlyAboveNineTenths) {
+  showUsage(90, 100);
+  test::Picture shown = picture();
+  EXPECT_EQ(shown.count(0xE0624A), 0);
+  EXPECT_EQ(widthOf(shown, places().track, style.palette().accent), places().track.w * 9 / 10);
+  showUsage(91, 100);
+  shown = picture();
+  EXPECT_EQ(shown.count(rgb(style.palette().accent)), 0);
+  EXPECT_EQ(widthOf(shown, places().track, 0xFFE0624A), places().track.w * 91 / 100);
+}
+
+TEST_F(WelcomeViewTest, FillsTheBarWhenMoreIsUsedThanThereIs) {
+  showUsage(300, 100);
+  EXPECT_EQ(widthOf(picture(), places().track, 0xFFE0624A), places().track.w);
+}
+
+TEST_F(WelcomeViewTest, ShowsATinyShareAsThreePixels) {
+  showUsage(1, 1'000'000'000);
+  EXPECT_EQ(widthOf(picture(), places().track, style.palette().accent), 3);
+}
+
+TEST_F(WelcomeViewTest, DrawsNoBarWithoutASize) {
+  for (const VolumeCard& bare : {card("/v", 0, 0), VolumeCard{"Share", "/s", std::nullopt}}) {
+    view.setCards({bare});
+    const ui::Rect track = places().track;
+    EXPECT_EQ(widthOf(picture(), track, style.palette().raised), track.w);
+  }
+}
+
+TEST_F(DarkWelcomeViewTest, HasADarkTrack) {
+  showUsage(1, 2);
+  const ui::Rect track = places().track;
+  EXPECT_EQ(widthOf(picture(), track, 0xFF1C1C20), track.w - track.w / 2);
+}
+
+TEST_F(WelcomeViewTest, DrawsCardsInTheRaisedColourWithAnOutline) {
+  setCards(1);
+  const test::Picture shown = picture();
+  const ui::Rect rect = places().card;
+  const int middle = rect.x + rect.w / 2;
+  EXPECT_EQ(shown.at(middle, rect.y), rgb(style.palette().border));
+  EXPECT_EQ(shown.at(middle, rect.y + 1), rgb(style.palette().raised));
+  EXPECT_EQ(shown.at(middle, rect.y + rect.h - 1), rgb(style.palette().border));
+  EXPECT_EQ(shown.at(rect.x, rect.y + rect.h / 2), rgb(style.palette().border));
+  EXPECT_EQ(shown.at(rect.x, rect.y), rgb(style.palette().view)) << "a rounded corner";
+}
+
+TEST_F(WelcomeViewTest, HighlightsTheCardUnderThePointer) {
+  setCards(2);
+  const auto ground = [&](std::size_t number) {
+    const ui::Rect rect = places(number).card;
+    return picture().at(rect.x + 4, rect.y + rect.h / 2);
+  };
+  EXPECT_TRUE(view.motion(at(places(1).card)));
+  EXPECT_EQ(ground(0), rgb(style.palette().raised));
+  EXPECT_EQ(ground(1), rgb(style.palette().pressed));
+  EXPECT_TRUE(view.leave());
+  EXPECT_EQ(ground(1), rgb(style.palette().raised));
+}
+
+TEST_F(WelcomeViewTest, ShowsARingAroundWhatHasTheKeyboard) {
+  setCards(2);
+  key(ui::key::kTab);
+  test::Picture shown = picture();
+  const ui::Rect rect = places().card;
+  EXPECT_EQ(shown.at(rect.x + rect.w / 2, rect.y), rgb(style.palette().accent));
+  EXPECT_EQ(shown.at(rect.x + rect.w / 2, rect.y + 1), rgb(style.palette().accent));
+  key(ui::key::kTab, true);
+  shown = picture();
+  const ui::Rect button = view.layout().button;
+  EXPECT_EQ(shown.at(rect.x + rect.w / 2, rect.y), rgb(style.palette().border));
+  EXPECT_EQ(shown.at(button.x + button.w / 2, button.y), rgb(style.palette().accent));
+}
+
+TEST_F(WelcomeViewTest, DrawsTheIconAndTheHeading) {
+  const test::Picture shown = picture();
+  const auto inked = [&](const ui::Rect& rect) {
+    int count = 0;
+    for (int y = rect.y; y < rect.y + rect.h; ++y) {
+      for (int x = rect.x; x < rect.x + rect.w; ++x) {
+        count += shown.at(x, y) != rgb(style.palette().view);
+      }
+    }
+    return count;
+  };
+  EXPECT_GT(inked(view.layout().icon), 44 * 44 / 2);
+  EXPECT_GT(inked(view.layout().heading), 300);
+  EXPECT_GT(inked(view.layout().note), 300);
+}
+
+TEST_F(WelcomeViewTest, CoversItsWholeRect) {
+  setCards(3);
+  EXPECT_EQ(picture().count(rgb(test::kNothingDrawn)), 0);
+}
+
+// Pointer
+
+TEST_F(WelcomeViewTest, TellsWhichCardWasPressed) {
+  setCards(3);
+  for (std::size_t number : {1u, 2u}) {
+    view.press(at(places(number).card));
+    view.release(at(places(number).card));
+  }
+  EXPECT_EQ(taken(), (Told{"/1", "/2"}));
+}
+
+TEST_F(WelcomeViewTest, ChoosesAFolderByItsButton) {
+  setCards(3);
+  view.press(at(view.layout().button));
+  view.release(at(view.layout().button));
+  EXPECT_EQ(taken(), (Told{"choose"}));
+}
+
+TEST_F(WelcomeViewTest, TakesBackAPressThatIsLetGoElsewhere) {
+  setCards(3);
+  view.press(at(places(0).card));
+  view.release(at(places(1).card));
+  view.press(at(places(0).card, 3));
+  view.release(at(places(0).card, 3));
+  EXPECT_TRUE(taken().empty());
+}
+
+TEST_F(WelcomeViewTest, LetsFiguresArriveDuringAPress) {
+  view.setCards({{"Share", "/s", std::nullopt}});
+  view.press(at(places().card));
+  EXPECT_TRUE(view.setCards({card("/s")}));
+  view.release(at(places().card));
+  EXPECT_EQ(taken(), (Told{"/s"}));
+}
+
+TEST_F(WelcomeViewTest, TakesBackAPressWhenOtherVolumesCome) {
+  setCards(2);
+  view.press(at(places().card));
+  view.setCards({card("/new"), card("/0"), card("/1")});
+  view.release(at(places().card));
+  EXPECT_TRUE(taken().empty());
+}
+
+TEST_F(WelcomeViewTest, MaySetOtherCardsWhileItTellsOfAPress) {
+  setCards(1);
+  view.onVolume = [&](const std::string& path) {
+    view.setCards({});
+    told.push_back(path);
+  };
+  view.press(at(places().card));
+  view.release(at(places().card));
+  EXPECT_EQ(taken(), (Told{"/0"}));
+}
+
+// Keyboard
+
+TEST_F(WelcomeViewTest, GoesRoundCardsAndButtonWithTab) {
+  setCards(2);
+  EXPECT_FALSE(view.focused());
+  EXPECT_EQ(focusAfter(ui::key::kTab), 0);
+  EXPECT_EQ(focusAfter(ui::key::kTab), 1);
+  EXPECT_EQ(focusAfter(ui::key::kTab), 2) << "the button";
+  EXPECT_EQ(focusAfter(ui::key::kTab), 0);
+  EXPECT_EQ(focusAfter(ui::key::kTab, true), 2);
+  EXPECT_EQ(focusAfter(ui::key::kLeftTab, true), 1);
+}
+
+TEST_F(WelcomeViewTest, BeginsAtTheButtonWithShiftAndTab) {
+  setCards(2);
+  EXPECT_EQ(focusAfter(ui::key::kTab, true), 2);
+}
+
+TEST_F(WelcomeViewTest, MovesAmongCardsWithArrows) {
+  setCards(5);
+  ASSERT_EQ(view.layout().columns, 2);
+  EXPECT_EQ(focusAfter(ui::key::kDown), 0) << "the first arrow only shows where it begins";
+  EXPECT_EQ(focusAfter(ui::key::kLeft), 0);
+  EXPECT_EQ(focusAfter(ui::key::kRight), 1);
+  EXPECT_EQ(focusAfter(ui::key::kUp), 1);
+  EXPECT_EQ(focusAfter(ui::key::kDown), 3);
+  EXPECT_EQ(focusAfter(ui::key::kDown), 4) << "the last row is short";
+  EXPECT_EQ(focusAfter(ui::key::kRight), 4);
+  EXPECT_EQ(focusAfter(ui::key::kDown), 5) << "the button";
+  EXPECT_EQ(focusAfter(ui::key::kDown), 5);
+  EXPECT_EQ(focusAfter(ui::key::kLeft), 5);
+  EXPECT_EQ(focusAfter(ui::key::kUp), 4);
+  EXPECT_EQ(focusAfter(ui::key::kUp), 2);
+}
+
+TEST_F(WelcomeViewTest, HasOnlyTheButtonToFocusWithoutCards) {
+  for (const auto keysym : {ui::key::kTab, ui::key::kUp, ui::key::kDown, ui::key::kRight}) {
+    EXPECT_EQ(focusAfter(keysym), 0);
+  }
+  EXPECT_TRUE(key(ui::key::kReturn));
+  EXPECT_EQ(taken(), (Told{"choose"}));
+}
+
+TEST_F(WelcomeViewTest, ActsOnEnterAndSpace) {
+  setCards(2);
+  EXPECT_FALSE(key(ui::key::kReturn)) << "nothing has the keyboard";
+  key(ui::key::kTab);
+  EXPECT_TRUE(key(ui::key::kReturn));
+  EXPECT_TRUE(key(ui::key::kKeypadEnter));
+  key(ui::key::kTab);
+  EXPECT_TRUE(key(' '));
+  key(ui::key::kTab);
+  EXPECT_TRUE(key(' '));
+  EXPECT_EQ(taken(), (Told{"/0", "/0", "/1", "choose"}));
+}
+
+TEST_F(WelcomeViewTest, LeavesOtherKeysAlone) {
+  setCards(2);
+  EXPECT_FALSE(key('a'));
+  EXPECT_FALSE(key(ui::key::kEscape));
+  EXPECT_FALSE(view.key({.keysym = ui::key::kTab, .text = {}, .ctrl = true}));
+  EXPECT_FALSE(view.focused());
+}
+
+TEST_F(WelcomeViewTest, KeepsTheKeyboardOnItsVolume) {
+  setCards(2);
+  focusAfter(ui::key::kTab);
+  view.setCards({card("/new"), card("/0"), card("/1")});
+  EXPECT_EQ(view.focused(), 1);
+  view.setCards({card("/1")});
+  EXPECT_FALSE(view.focused()) << "its volume is gone";
+}
+
+TEST_F(WelcomeViewTest, KeepsTheKeyboardOnItsButton) {
+  setCards(2);
+  focusAfter(ui::key::kTab, true);
+  setCards(5);
+  EXPECT_EQ(view.focused(), 5);
+  view.setRect({0, 0, kWidth, 200});
+  EXPECT_EQ(view.focused(), static_cast<int>(view.layout().cards.size()));
+  EXPECT_LT(view.layout().cards.size(), 5u);
+}
+
+TEST_F(WelcomeViewTest, GivesTheKeyboardToTheButtonWhenItsCardHasNoRoomLeft) {
+  setCards(6);
+  for (int i = 0; i < 6; ++i) key(ui::key::kTab);
+  ASSERT_EQ(view.focused(), 5);
+  view.setRect({0, 0, kWidth, 200});
+  ASSERT_LT(view.layout().cards.size(), 5u);
+  EXPECT_EQ(view.focused(), static_cast<int>(view.layout().cards.size()));
+  EXPECT_TRUE(view.unfocus());
+  EXPECT_FALSE(view.unfocus());
+}
+
+}  // namespace
+}  // namespace app

@@ -1,0 +1,163 @@
+#include "app/map/hover_card.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/ui/window_test_base.h"
+
+namespace app {
+namespace {
+
+constexpr ui::Rect kBounds{10, 20, 400, 300};
+constexpr int kWidth = 100;
+constexpr int kHeight = 60;
+constexpr int kDistance = 16;
+
+ui::Rect place(int x, int y, const ui::Rect& bounds = kBounds) {
+  return placeBeside(x, y, kWidth, kHeight, kDistance, bounds);
+}
+
+TEST(PlaceBeside, IsRightOfThePointerAndBelow) {
+  EXPECT_EQ(place(10, 20), (ui::Rect{26, 36, kWidth, kHeight}));
+  EXPECT_EQ(place(200, 150), (ui::Rect{216, 166, kWidth, kHeight}));
+}
+
+TEST(PlaceBeside, ChangesSidesWhereThereIsNoRoom) {
+  EXPECT_EQ(place(400, 30), (ui::Rect{284, 46, kWidth, kHeight})) << "upper right";
+  EXPECT_EQ(place(20, 310), (ui::Rect{36, 234, kWidth, kHeight})) << "lower left";
+  EXPECT_EQ(place(400, 310), (ui::Rect{284, 234, kWidth, kHeight})) << "lower right";
+}
+
+TEST(PlaceBeside, TakesTheLastPixelThatThereIs) {
+  EXPECT_EQ(place(410 - kWidth - kDistance, 100).x, 410 - kWidth);
+  EXPECT_EQ(place(410 - kWidth - kDistance + 1, 100).x, 410 - kWidth + 1 - 2 * kDistance - kWidth);
+  EXPECT_EQ(place(100, 320 - kHeight - kDistance).y, 320 - kHeight);
+}
+
+TEST(PlaceBeside, EndsAtTheFarEdgeWhereThereIsRoomOnNoSide) {
+  const ui::Rect narrow{10, 20, 150, 300};
+  EXPECT_EQ(place(80, 100, narrow), (ui::Rect{60, 116, kWidth, kHeight}));
+  const ui::Rect low{10, 20, 400, 90};
+  EXPECT_EQ(place(80, 60, low), (ui::Rect{96, 50, kWidth, kHeight}));
+}
+
+TEST(PlaceBeside, BeginsAtTheNearEdgeOfBoundsThatAreTooSmall) {
+  EXPECT_EQ(place(30, 40, {10, 20, 50, 40}), (ui::Rect{10, 20, kWidth, kHeight}));
+}
+
+TEST(PlaceBeside, IsInsideAndNotUnderThePointerWhereThereIsRoom) {
+  for (int x = kBounds.x; x < kBounds.x + kBounds.w; x += 3) {
+    for (int y = kBounds.y; y < kBounds.y + kBounds.h; y += 3) {
+      const ui::Rect rect = place(x, y);
+      ASSERT_EQ(ui::intersect(rect, kBounds), rect) << x << "," << y;
+      ASSERT_FALSE(rect.contains(x, y)) << x << "," << y;
+    }
+  }
+}
+
+class HoverCardTest : public test::WindowTest {
+ protected:
+  test::Picture painted() {
+    return paint([&](ui::Canvas& canvas) {
+      canvas.fillRect({0, 0, 600, 400}, 0xFF00FF00);
+      card_.paint(canvas);
+    });
+  }
+
+  /// Nothing is drawn outside `rect`.
+  static void expectNothingOutside(const test::Picture& picture, const ui::Rect& rect) {
+    for (int y = 0; y < picture.height; ++y) {
+      for (int x = 0; x < picture.width; ++x) {
+        ASSERT_TRUE(rect.contains(x, y) || picture.at(x, y) == 0x00FF00) << x << "," << y;
+      }
+    }
+  }
+
+  Style style_{*connection, ui::kLightPalette};
+  HoverCard card_{style_};
+  const ui::Rect bounds_{0, 0, 600, 400};
+};
+
+MapCard cardWithFolder(const std::string& folder) {
+  return {
+      "a.pdf",
+      {{"Folder", folder, MapCard::Keeps::End}, {"Size", "1.00 kB"}, {"Share", "1.0 % of map"}}};
+}
+
+TEST_F(HoverCardTest, IsSeenBesideThePointerUntilItIsHidden) {
+  show(600, 400);
+  EXPECT_FALSE(card_.shown());
+  EXPECT_FALSE(card_.hide());
+  EXPECT_EQ(painted().count(0x00FF00), 600 * 400);
+  card_.show(cardWithFolder("/map"), 50, 40, bounds_);
+  EXPECT_TRUE(card_.shown());
+  EXPECT_EQ(card_.rect().x, 50 + style_.scaled(kDistance));
+  EXPECT_EQ(card_.rect().y, 40 + style_.scaled(kDistance));
+  const auto picture = painted();
+  expectNothingOutside(picture, card_.rect());
+  EXPECT_EQ(picture.at(card_.rect().x + card_.rect().w / 2, card_.rect().y + 3), 0xFFFFFFu);
+  EXPECT_GT(picture.count(ui::kLightPalette.text & 0xFFFFFF), 0) << "there is text";
+  EXPECT_TRUE(card_.hide());
+  EXPECT_FALSE(card_.shown());
+  EXPECT_EQ(painted().count(0x00FF00), 600 * 400);
+}
+
+TEST_F(HoverCardTest, HasALineForTheTitleAndOneForEachFact) {
+  card_.show({"a", {{"Size", "1 B"}}}, 0, 0, bounds_);
+  const int two = card_.rect().h;
+  card_.show(cardWithFolder("/map"), 0, 0, bounds_);
+  EXPECT_EQ(card_.rect().h, two + 2 * style_.lineHeight());
+}
+
+TEST_F(HoverCardTest, IsWideEnoughForItsTitle) {
+  const std::string title = "A title that is wider than all of its facts";
+  card_.show({title, {{"Size", "1 B"}}}, 0, 0, bounds_);
+  EXPECT_GT(card_.rect().w, style_.textWidth(title));
+}
+
+/// What is drawn differs only in the path's beginning, which is not seen.
+TEST_F(HoverCardTest, KeepsTheEndOfALongPath) {
+  show(600, 400);
+  const std::string end = std::string(300, 'm') + "/the end";
+  const auto pictureOf = [&](const std::string& folder) {
+    card_.show(cardWithFolder(folder), 0, 0, bounds_);
+    return painted().pixels;
+  };
+  EXPECT_EQ(pictureOf("/one" + end), pictureOf("/two" + end));
+  EXPECT_NE(pictureOf("/one" + end), pictureOf("/one" + end + "ing"));
+}
+
+TEST_F(HoverCardTest, KeepsTheBeginningOfOtherLongTexts) {
+  show(600, 400);
+  const std::string middle(300, 'm');
+  const auto pictureOf = [&](const std::string& share) {
+    card_.show({"a", {{"Share", share}}}, 0, 0, bounds_);
+    return painted().pixels;
+  };
+  EXPECT_EQ(pictureOf("1 % of " + middle + "one"), pictureOf("1 % of " + middle + "two"));
+  EXPECT_NE(pictureOf("1 % of " + middle), pictureOf("2 % of " + middle));
+}
+
+TEST_F(HoverCardTest, StaysInsideItsBoundsWhateverItsTexts) {
+  show(600, 400);
+  MapCard card = cardWithFolder(std::string(5000, 'f'));
+  card.title = std::string(5000, 't');
+  card.facts.push_back({"Kind", std::string(5000, 'k')});
+  for (const ui::Rect& bounds : {bounds_, ui::Rect{100, 50, 300, 200}, ui::Rect{5, 5, 90, 390}}) {
+    for (const auto& [x, y] : {std::pair{0, 0}, {1, 1}, {0, 1}, {1, 0}}) {
+      card_.show(card, bounds.x + x * (bounds.w - 1), bounds.y + y * (bounds.h - 1), bounds);
+      EXPECT_EQ(ui::intersect(card_.rect(), bounds), card_.rect());
+      expectNothingOutside(painted(), card_.rect());
+    }
+  }
+}
+
+TEST_F(HoverCardTest, SurvivesBoundsWithoutRoom) {
+  show(600, 400);
+  card_.show(cardWithFolder("/map"), 3, 3, {0, 0, 4, 4});
+  expectNothingOutside(painted(), card_.rect());
+  card_.show(cardWithFolder("/map"), 0, 0, {0, 0, 0, 0});
+  EXPECT_EQ(painted().count(0x00FF00), 600 * 400);
+}
+
+}  // namespace
+}  // namespace app

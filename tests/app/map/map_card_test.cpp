@@ -1,0 +1,233 @@
+#include "app/map/map_card.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <ctime>
+#include <memory>
+#include <stdexcept>
+
+#include "app/model/format.h"
+#include "tests/app/map/map_tree.h"
+#include "tests/sizewalk/tree_model.h"
+#include "tests/support/environment.h"
+
+namespace app {
+namespace {
+
+using sizewalk::FileTree;
+using sizewalk::kRootNode;
+using sizewalk::NodeId;
+using test::add;
+using test::Listing;
+
+using Facts = std::vector<MapCard::Fact>;
+constexpr auto kEnd = MapCard::Keeps::End;
+constexpr std::uint32_t kBirth = 1774969559;  // 2026-03-31 15:05:59 UTC
+
+/// A zone two hours east of Greenwich all year round.
+class LocalTime {
+ public:
+  LocalTime() {
+    environment_->set("TZ", "HERE-2");
+    tzset();
+  }
+  ~LocalTime() {
+    environment_.reset();
+    tzset();
+  }
+  LocalTime(const LocalTime&) = delete;
+  LocalTime& operator=(const LocalTime&) = delete;
+
+ private:
+  std::unique_ptr<test::ScopedEnvironment> environment_ =
+      std::make_unique<test::ScopedEnvironment>();
+};
+
+/// Cards on a map of 200 x 100 of a tree of /map.
+class MapCardTest : public ::testing::Test {
+ protected:
+  MapCardTest() { tree_.createRoot("/map"); }
+
+  template <typename Condition>
+  MapCard cardOf(const Condition& condition) const {
+    const auto map =
+        renderTreemap(tree_, focus_, 200, 100, KindColours(true), extraBlocks_, measure_);
+    const auto block = std::ranges::find_if(map.blocks, condition);
+    if (block == map.blocks.end()) throw std::runtime_error("the block is not on the map");
+    return mapCard(map, *block, tree_, measure_);
+  }
+  MapCard cardOfNode(NodeId node) const {
+    return cardOf([&](const TreemapBlock& block) {
+      return block.id == static_cast<std::int32_t>(node) && block.restCount == 0;
+    });
+  }
+  MapCard cardOfFirst() const { return cardOfNode(tree_.firstChild(focus_)); }
+  MapCard cardOfRest() const {
+    return cardOf([](const TreemapBlock& block) { return block.restCount > 0; });
+  }
+
+  const LocalTime localTime_;
+  FileTree tree_{test::mapTreeOptions()};
+  NodeId focus_ = kRootNode;
+  MeasureSettings measure_;
+  std::vector<ExtraBlock> extraBlocks_;
+};
+
+TEST_F(MapCardTest, TellsAllOfAFile) {
+  add(tree_, Listing(0).file("a.pdf", 1000, 1000, kBirth).file("b", 3000, 3000));
+  const MapCard card = cardOfFirst();
+  EXPECT_EQ(card.title, "a.pdf");
+  EXPECT_EQ(card.facts, (Facts{{"Folder", "/map", kEnd},
+                               {"Size", "1.00 kB"},
+                               {"Share", "25.0 % of map"},
+                               {"Kind", "PDF document"},
+                               {"Added", "2026-03-31 17:05"}}));
+}
+
+TEST_F(MapCardTest, TellsSizeOnDiskAndLengthWhereTheyDiffer) {
+  add(tree_, Listing(0).file("a.pdf", 1000, 4096).file("b", 1000, 12288));
+  const MapCard byLength = cardOfFirst();
+  EXPECT_EQ(byLength.facts, (Facts{{"Folder", "/map", kEnd},
+                                   {"Size on disk", "4.10 kB"},
+                                   {"Length", "1.00 kB"},
+                                   {"Share", "50.0 % of map"},
+                                   {"Kind", "PDF document"}}));
+  measure_.physicalSize = true;
+  MapCard onDisk = cardOfFirst();
+  EXPECT_EQ(onDisk.facts[3].text, "25.0 % of map");
+  onDisk.facts[3] = byLength.facts[3];
+  EXPECT_EQ(onDisk, byLength) << "nothing but the share depends on what the map shows";
+}
+
+TEST_F(MapCardTest, TellsTheSharedMeasureWhereItIsNotTheSize) {
+  const std::uint32_t births[] = {test::kLastScan, test::kMonthAgo, test::kSixMonthsAgo};
+  const Measure measures[] = {Measure::AddedSinceLastScan, Measure::AddedLastMonth,
+                              Measure::AddedLastSixMonths};
+  const char* headings[] = {"Added Since Last Scan", "Added in Last Month",
+                            "Added in Last 6 Months"};
+  const auto dir = add(tree_, Listing(0).folder("dir")).front();
+  Listing listing(dir);
+  for (const std::uint32_t birth : births) listing.file("x", 500, 500, birth);
+  add(tree_, listing.file("old", 700, 700, 1));
+  for (std::size_t i = 0; i < 3; ++i) {
+    measure_.measure = measures[i];
+    const MapCard card = cardOfNode(dir);
+    const auto added = static_cast<int>(500 * (i + 1));
+    EXPECT_EQ(card.facts, (Facts{{"Folder", "/map", kEnd},
+                                 {"Size", "2.20 kB"},
+                                 {headings[i], formatSize(added)},
+                                 {"Share", "100.0 % of map"},
+                                 {"Kind", "Folder"}}));
+  }
+}
+
+TEST_F(MapCardTest, TellsTheShareOfTheFolderInFocus) {
+  const auto dir = add(tree_, Listing(0).folder("dir").file("big", 9000, 9000)).front();
+  add(tree_, Listing(dir).file("a", 250, 250).file("b", 750, 750));
+  focus_ = dir;
+  const MapCard card = cardOfFirst();
+  EXPECT_EQ(card.facts[0], (MapCard::Fact{"Folder", "/map/dir", kEnd}));
+  EXPECT_EQ(card.facts[2].text, "25.0 % of dir");
+}
+
+/// The scanned folder itself is a block while nothing in it has been found.
+TEST_F(MapCardTest, TellsNoFolderAroundTheScannedOne) {
+  const MapCard card = cardOfNode(kRootNode);
+  EXPECT_EQ(card.title, "map");
+  EXPECT_EQ(card.facts, (Facts{{"Size", "0 B"}, {"Share", "0 % of map"}, {"Kind", "Folder"}}));
+}
+
+TEST_F(MapCardTest, TellsCountAndSizeOfMergedItems) {
+  const auto dir = add(tree_, Listing(0).folder("dir").file("big", 800'000, 800'000)).front();
+  Listing listing(dir);
+  for (int i = 0; i < 1234; ++i) listing.file("small", i % 2 == 0 ? 30 : 0, 4096);
+  add(tree_, listing.file("large", 100'000, 100'000));
+  const MapCard card = cardOfRest();
+  EXPECT_EQ(card.title, "617 smaller items") << "what has no size is not on the map";
+  EXPECT_EQ(card.facts,
+            (Facts{{"Folder", "/map/dir", kEnd}, {"Size", "18.5 kB"}, {"Share", "2.0 % of map"}}));
+}
+
+TEST_F(MapCardTest, TellsThousandsOfMergedItemsWithAComma) {
+  Listing listing(0);
+  for (int i = 0; i < 1234; ++i) listing.file("small", 30, 30);
+  add(tree_, listing.file("large", 1'000'000, 1'000'000));
+  EXPECT_EQ(cardOfRest().title, "1,234 smaller items");
+}
+
+TEST_F(MapCardTest, TellsLabelAndSizeOfWhatIsBesideTheTree) {
+  add(tree_, Listing(0).file("a", 1000, 1000));
+  extraBlocks_ = {{kFreeSpaceBlock, "Free space", 5000, 0x2B3648},
+                  {kOtherSpaceBlock, "Other space in use", 400, 0x4A4458}};
+  const auto cardOfExtra = [&](std::int32_t id) {
+    return cardOf([&](const TreemapBlock& block) { return block.id == id; });
+  };
+  EXPECT_EQ(cardOfExtra(kFreeSpaceBlock), (MapCard{"Free space", {{"Size", "5.00 kB"}}}));
+  EXPECT_EQ(cardOfExtra(kOtherSpaceBlock), (MapCard{"Other space in use", {{"Size", "400 B"}}}));
+}
+
+TEST_F(MapCardTest, WritesBytesThatAreNoTextAsNumbers) {
+  const auto dir = add(tree_, Listing(0).folder("d\xff")).front();
+  add(tree_, Listing(dir).file("\xfe\n.pdf", 10, 10));
+  focus_ = dir;
+  const MapCard card = cardOfFirst();
+  EXPECT_EQ(card.title, "\\376\n.pdf");
+  EXPECT_EQ(card.facts[0].text, "/map/d\\377");
+  EXPECT_EQ(card.facts[2].text, "100.0 % of d\\377");
+}
+
+TEST_F(MapCardTest, TellsSizesThatNoDoubleHolds) {
+  constexpr std::uint64_t kHuge = (std::uint64_t{1} << 53) + 1;
+  add(tree_, Listing(0).file("a", kHuge, kHuge - 1).file("b", kHuge, kHuge));
+  const MapCard card = cardOfFirst();
+  EXPECT_EQ(card.facts[1], (MapCard::Fact{"Size on disk", formatSize(std::int64_t{1} << 53)}));
+  EXPECT_EQ(card.facts[2].label, "Length") << "a difference of one byte is one";
+  EXPECT_EQ(card.facts[3].text, "50.0 % of map");
+}
+
+TEST(ShareText, HasOneDecimalPlace) {
+  EXPECT_EQ(shareText(123, 1000), "12.3 %");
+  EXPECT_EQ(shareText(1, 3), "33.3 %");
+  EXPECT_EQ(shareText(2, 3), "66.7 %");
+  EXPECT_EQ(shareText(1, 1000), "0.1 %");
+}
+
+TEST(ShareText, RoundsToTheNearestTenth) {
+  EXPECT_EQ(shareText(9996, 10000), "100.0 %");
+  EXPECT_EQ(shareText(9994, 10000), "99.9 %");
+  EXPECT_EQ(shareText(10000, 10000), "100.0 %");
+  EXPECT_EQ(shareText(6, 10000), "0.1 %");
+}
+
+TEST(ShareText, NeverSaysNothingOfSomething) {
+  EXPECT_EQ(shareText(4, 10000), "less than 0.1 %");
+  EXPECT_EQ(shareText(1, INT64_MAX), "less than 0.1 %");
+  EXPECT_EQ(shareText(0, 10000), "0 %");
+}
+
+TEST(ShareText, IsNothingOfNothing) {
+  EXPECT_EQ(shareText(0, 0), "0 %");
+  EXPECT_EQ(shareText(5, 0), "0 %");
+  EXPECT_EQ(shareText(5, -1), "0 %");
+  EXPECT_EQ(shareText(-5, 100), "0 %");
+}
+
+/// As it is for a moment while a scan adds up.
+TEST(ShareText, IsNeverMoreThanTheWhole) { EXPECT_EQ(shareText(300, 200), "100.0 %"); }
+
+TEST(ShareText, HoldsBeyondWhatADoubleHolds) {
+  EXPECT_EQ(shareText(INT64_MAX, INT64_MAX), "100.0 %");
+  EXPECT_EQ(shareText(INT64_MAX / 2, INT64_MAX), "50.0 %");
+  EXPECT_EQ(shareText((std::int64_t{1} << 60) + 1, std::int64_t{1} << 62), "25.0 %");
+}
+
+TEST(DateText, IsInTheLocalTimeZone) {
+  const LocalTime localTime;
+  EXPECT_EQ(dateText(kBirth), "2026-03-31 17:05");
+  EXPECT_EQ(dateText(0), "1970-01-01 02:00");
+  EXPECT_EQ(dateText(UINT32_MAX), "2106-02-07 08:28");
+}
+
+}  // namespace
+}  // namespace app

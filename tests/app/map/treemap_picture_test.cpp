@@ -1,0 +1,390 @@
+#include "app/map/treemap_picture.h"
+
+#include <gtest/gtest.h>
+#include <sys/types.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <fstream>
+#include <functional>
+#include <limits>
+#include <mutex>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "app/map/cushion_shading.h"
+#include "tests/app/map/map_tree.h"
+#include "tests/support/eventually.h"
+#include "tests/ui/window_test_base.h"
+
+namespace app {
+namespace {
+
+using sizewalk::kRootNode;
+
+constexpr ui::Rect kPlace{20, 10, 120, 80};
+
+/// A picture of a tree of two files, in a window of 200 x 100.
+class TreemapPictureTest : public test::WindowTest {
+ protected:
+  TreemapPictureTest() {
+    test::fillRoot(tree_, {test::file(1000, 5), {.kind = 6, .apparent = 10, .allocated = 1000}});
+    picture_.setRect(kPlace);
+  }
+
+  /// What the picture leaves on white ground.
+  test::Picture painted() {
+    return paint([&](ui::Canvas& canvas) {
+      canvas.fillRect({0, 0, 200, 100}, 0xFFFFFFFF);
+      picture_.paint(canvas);
+    });
+  }
+
+  sizewalk::FileTree tree_{test::mapTreeOptions()};
+  KindColours colours_{true};
+  TreemapPicture picture_{*connection, colours_};
+};
+
+/// White around `kPlace`, `inside` in it.
+void expectPlaceFilledWith(const test::Picture& picture, std::uint32_t inside) {
+  EXPECT_EQ(picture.count(inside), kPlace.w * kPlace.h);
+  EXPECT_EQ(picture.at(kPlace.x, kPlace.y), inside);
+  EXPECT_EQ(picture.count(0xFFFFFF), 200 * 100 - kPlace.w * kPlace.h);
+}
+
+TEST_F(TreemapPictureTest, PaintsTheBackgroundInItsPlaceBeforeTheFirstPicture) {
+  EXPECT_FALSE(picture_.update()) << "nothing is shown";
+  expectPlaceFilledWith(painted(), kMapBackground);
+  picture_.show(&tree_, kRootNode);
+  expectPlaceFilledWith(painted(), kMapBackground);
+}
+
+TEST_F(TreemapPictureTest, PaintsTheLastPictureInItsPlace) {
+  picture_.show(&tree_, kRootNode);
+  ASSERT_TRUE(picture_.update());
+  const test::Picture picture = painted();
+  ASSERT_EQ(picture_.rendered().pixels.size(), static_cast<std::size_t>(kPlace.w * kPlace.h));
+  for (int y = 0; y < kPlace.h; ++y) {
+    for (int x = 0; x < kPlace.w; ++x) {
+      ASSERT_EQ(picture.at(kPlace.x + x, kPlace.y + y),
+                picture_.rendered().pixels[static_cast<std::size_t>(y * kPlace.w + x)]);
+    }
+  }
+  EXPECT_EQ(picture.count(0xFFFFFF), 200 * 100 - kPlace.w * kPlace.h);
+}
+
+TEST_F(TreemapPictureTest, MakesNoNewPictureWhenNothingChanged) {
+  picture_.show(&tree_, kRootNode);
+  EXPECT_TRUE(picture_.update());
+  EXPECT_FALSE(picture_.update());
+  picture_.setRect(kPlace);
+  picture_.setMeasure({});
+  EXPECT_FALSE(picture_.update());
+}
+
+TEST_F(TreemapPictureTest, MakesANewPictureOfANewSizeButNotOfANewPlace) {
+  picture_.show(&tree_, kRootNode);
+  picture_.update();
+  picture_.setRect({0, 0, kPlace.w, kPlace.h});
+  EXPECT_FALSE(picture_.update());
+  picture_.setRect({0, 0, 150, 90});
+  EXPECT_TRUE(picture_.update());
+  EXPECT_EQ(picture_.rendered().width, 150);
+  EXPECT_EQ(picture_.rendered().height, 90);
+}
+
+TEST_F(TreemapPictureTest, PaintsTheBackgroundUntilThereIsAPictureOfTheNewSize) {
+  picture_.show(&tree_, kRootNode);
+  picture_.setRect({0, 0, 50, 50});
+  picture_.update();
+  picture_.setRect(kPlace);
+  expectPlaceFilledWith(painted(), kMapBackground);
+}
+
+TEST_F(TreemapPictureTest, MakesANewPictureWhenItIsMarkedOrMeasuresOtherwise) {
+  picture_.show(&tree_, kRootNode);
+  picture_.update();
+  const auto byLength = picture_.rendered().pixels;
+  picture_.markDirty();
+  EXPECT_TRUE(picture_.update());
+  EXPECT_EQ(picture_.rendered().pixels, byLength);
+  picture_.setMeasure({Measure::CurrentSize, true});
+  EXPECT_TRUE(picture_.update());
+  EXPECT_NE(picture_.rendered().pixels, byLength);
+}
+
+TEST_F(TreemapPictureTest, MakesANewPictureWithOtherExtraBlocks) {
+  const std::vector<ExtraBlock> free = {{kFreeSpaceBlock, "Free space", 500, 0x2B3648}};
+  picture_.show(&tree_, kRootNode);
+  picture_.update();
+  picture_.setExtraBlocks(free);
+  EXPECT_TRUE(picture_.update());
+  EXPECT_EQ(picture_.rendered().extraColours.count(kFreeSpaceBlock), 1U);
+  picture_.setExtraBlocks(free);
+  EXPECT_FALSE(picture_.update());
+  picture_.setExtraBlocks({});
+  EXPECT_TRUE(picture_.update());
+  EXPECT_TRUE(picture_.rendered().extraColours.empty());
+}
+
+TEST_F(TreemapPictureTest, MakesNoPictureWithoutAreaAndKeepsItDue) {
+  picture_.setRect({0, 0, 0, 80});
+  picture_.show(&tree_, kRootNode);
+  EXPECT_FALSE(picture_.update());
+  picture_.setRect(kPlace);
+  EXPECT_TRUE(picture_.update());
+}
+
+TEST_F(TreemapPictureTest, KeepsAPictureDueThatCouldNotBeMade) {
+  constexpr int kMost = std::numeric_limits<int>::max();
+  picture_.show(&tree_, kRootNode);
+  picture_.update();
+  for (const bool marked : {false, true}) {
+    picture_.setRect({0, 0, kMost, kMost});
+    if (marked) picture_.markDirty();
+    EXPECT_THROW(picture_.update(), std::length_error);
+    picture_.setRect(kPlace);
+    EXPECT_TRUE(picture_.update());
+  }
+}
+
+TEST_F(TreemapPictureTest, ForgetsItsPictureWhenNothingIsShownAnyMore) {
+  picture_.show(&tree_, kRootNode);
+  picture_.update();
+  picture_.show(nullptr, kRootNode);
+  EXPECT_FALSE(picture_.update());
+  expectPlaceFilledWith(painted(), kMapBackground);
+}
+
+TEST_F(TreemapPictureTest, KeepsItsPictureOfATreeButNotForAnother) {
+  picture_.show(&tree_, kRootNode);
+  picture_.update();
+  picture_.show(&tree_, tree_.firstChild(kRootNode));
+  EXPECT_NE(picture_.rendered().blockUnder(0, 0), nullptr);
+  sizewalk::FileTree next;
+  test::fillRoot(next, {test::file(1)});
+  picture_.show(&next, kRootNode);
+  EXPECT_EQ(picture_.rendered().blockUnder(0, 0), nullptr) << "its ids are not of this tree";
+  expectPlaceFilledWith(painted(), kMapBackground);
+  EXPECT_TRUE(picture_.update());
+  EXPECT_NE(picture_.rendered().blockUnder(0, 0), nullptr);
+  picture_.show(nullptr, kRootNode);
+}
+
+/// Pictures of a tree that grows, made in the background; what they post is run when a test says.
+class BackgroundPictureTest : public test::WindowTest {
+ protected:
+  BackgroundPictureTest() {
+    folders_ = test::fillRoot(tree_, {test::file(1000, 5), test::folder(), test::folder()});
+    test::fill(tree_, folders_[0], {test::file(1000, 6)});
+    picture_.setRect(kPlace);
+    picture_.onRendered = [this] { ++told_; };
+    picture_.show(&tree_, kRootNode);
+    picture_.update();
+  }
+
+  void growTree() {
+    test::fill(tree_, folders_[1], {test::file(3000, 7)});
+    picture_.markOutdated();
+  }
+  /// Begins a picture of the grown tree and waits until it is posted.
+  void makeInBackground() {
+    growTree();
+    ASSERT_FALSE(picture_.update()) << "nothing is there to be seen yet";
+    ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
+  }
+  std::size_t tasks() {
+    const std::lock_guard lock(mutex_);
+    return tasks_.size();
+  }
+  void runTasks() {
+    std::vector<std::function<void()>> tasks;
+    {
+      const std::lock_guard lock(mutex_);
+      tasks.swap(tasks_);
+    }
+    for (const auto& task : tasks) task();
+  }
+  /// As it is drawn without a background.
+  std::vector<std::uint32_t> drawnAtOnce(const ui::Rect& place, sizewalk::NodeId focus) {
+    return renderTreemap(tree_, focus, place.w, place.h, colours_, {}, {}).pixels;
+  }
+
+  sizewalk::FileTree tree_{test::mapTreeOptions()};
+  std::vector<sizewalk::NodeId> folders_;
+  KindColours colours_{true};
+  std::mutex mutex_;  // guards the tasks
+  std::vector<std::function<void()>> tasks_;
+  int told_ = 0;
+  TreemapPicture picture_{*connection, colours_, [this](std::function<void()> task) {
+                            const std::lock_guard lock(mutex_);
+                            tasks_.push_back(std::move(task));
+                          }};
+};
+
+TEST_F(BackgroundPictureTest, MakesItsFirstPictureAtOnce) {
+  EXPECT_EQ(picture_.rendered().pixels, drawnAtOnce(kPlace, kRootNode));
+  EXPECT_FALSE(picture_.drawing());
+  EXPECT_EQ(tasks(), 0U);
+}
+
+TEST_F(BackgroundPictureTest, KeepsTheLastPictureUntilThatOfTheGrownTreeIsThere) {
+  const std::vector<std::uint32_t> last = picture_.rendered().pixels;
+  makeInBackground();
+  EXPECT_TRUE(picture_.drawing());
+  EXPECT_EQ(picture_.rendered().pixels, last);
+  EXPECT_FALSE(picture_.update());
+  runTasks();
+  EXPECT_EQ(told_, 1);
+  EXPECT_FALSE(picture_.drawing());
+  EXPECT_NE(picture_.rendered().pixels, last);
+  EXPECT_EQ(picture_.rendered().pixels, drawnAtOnce(kPlace, kRootNode));
+  EXPECT_TRUE(picture_.update()) << "it is to be sent";
+  EXPECT_FALSE(picture_.update());
+}
+
+TEST_F(BackgroundPictureTest, IsDrawingFromTheMomentThatTheTreeHasGrown) {
+  growTree();
+  EXPECT_TRUE(picture_.drawing());
+  picture_.setRect({0, 0, 0, 80});
+  EXPECT_FALSE(picture_.drawing()) << "without area there never is a picture";
+}
+
+TEST_F(BackgroundPictureTest, MakesOneAtATime) {
+  makeInBackground();
+  picture_.markOutdated();
+  EXPECT_FALSE(picture_.due());
+  EXPECT_FALSE(picture_.update());
+  runTasks();
+  ASSERT_TRUE(test::eventually([&] { return picture_.due(); }));
+  EXPECT_TRUE(picture_.update());
+  EXPECT_FALSE(picture_.due()) << "the next has begun";
+  ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
+  runTasks();
+  EXPECT_FALSE(picture_.drawing());
+  EXPECT_EQ(told_, 2);
+}
+
+TEST_F(BackgroundPictureTest, PausesAfterAPictureUntilTheTreeGrowsNoMore) {
+  picture_.setGrowing(true);
+  picture_.setRect({0, 0, 1500, 1000});  // takes a few milliseconds
+  picture_.update();
+  makeInBackground();
+  const auto end = RefreshPacer::Clock::now();
+  runTasks();
+  picture_.markOutdated();
+  const bool due = picture_.due();
+  const bool looksAtOnce = RefreshPacer::Clock::now() - end < std::chrono::milliseconds(1);
+  EXPECT_FALSE(due && looksAtOnce);
+  EXPECT_TRUE(test::eventually([&] { return picture_.due(); }));
+  picture_.update();
+  ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
+  runTasks();
+  picture_.markOutdated();
+  picture_.setGrowing(false);
+  EXPECT_TRUE(picture_.due());
+}
+
+TEST_F(BackgroundPictureTest, ShowsSomethingElseAtOnceAndStaysThere) {
+  makeInBackground();
+  picture_.show(&tree_, folders_[0]);
+  EXPECT_TRUE(picture_.update());
+  const std::vector<std::uint32_t> inside = drawnAtOnce(kPlace, folders_[0]);
+  EXPECT_EQ(picture_.rendered().pixels, inside);
+  runTasks();
+  EXPECT_FALSE(picture_.update()) << "what was made meanwhile shows another folder";
+  EXPECT_EQ(picture_.rendered().pixels, inside);
+}
+
+TEST_F(BackgroundPictureTest, ForgetsAPictureThatIsFinishedBeforeSomethingElseIsDrawn) {
+  makeInBackground();
+  picture_.show(&tree_, folders_[0]);
+  runTasks();
+  EXPECT_TRUE(picture_.update());
+  EXPECT_EQ(picture_.rendered().pixels, drawnAtOnce(kPlace, folders_[0]));
+}
+
+TEST_F(BackgroundPictureTest, TakesItsNewSizeAtOnce) {
+  makeInBackground();
+  const ui::Rect larger = {0, 0, 150, 90};
+  picture_.setRect(larger);
+  EXPECT_TRUE(picture_.update());
+  runTasks();
+  EXPECT_FALSE(picture_.update());
+  EXPECT_EQ(picture_.rendered().pixels, drawnAtOnce(larger, kRootNode));
+}
+
+TEST_F(BackgroundPictureTest, WaitsForAPictureOfATreeThatItLeaves) {
+  makeInBackground();
+  picture_.show(nullptr, kRootNode);
+  EXPECT_FALSE(picture_.drawing());
+  runTasks();
+  EXPECT_EQ(told_, 0) << "what was posted is of no use any more";
+  EXPECT_TRUE(picture_.rendered().pixels.empty());
+}
+
+/// Whether a thread of this process waits for something.
+bool waits(pid_t thread) {
+  std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
+  std::string stat;
+  std::getline(file, stat);
+  return stat.substr(stat.rfind(')') + 1).starts_with(" S");
+}
+
+TEST_F(BackgroundPictureTest, WaitsForTheThreadThatReadsTheTree) {
+  const pid_t owner = gettid();
+  std::atomic<bool> leaving = false;
+  std::atomic<bool> ended = false;
+  BackgroundRender render([&](const std::function<void()>&) {
+    ended = test::eventually([&] { return leaving && waits(owner); });
+  });
+  ASSERT_TRUE(render.start({&tree_, kRootNode, 10, 10, colours_, {}, {}, {}}));
+  leaving = true;
+  render.drop();
+  EXPECT_TRUE(ended);
+  EXPECT_FALSE(render.busy());
+}
+
+TEST_F(BackgroundPictureTest, IsNotMisledByThePostOfAPictureThatWasForgotten) {
+  makeInBackground();
+  sizewalk::FileTree next(test::mapTreeOptions());
+  test::fillRoot(next, {test::file(1000, 5)});
+  picture_.show(&next, kRootNode);
+  picture_.update();
+  picture_.markOutdated();
+  picture_.update();
+  ASSERT_TRUE(test::eventually([&] { return tasks() == 2; }));
+  tasks_.front()();
+  EXPECT_EQ(told_, 0);
+  EXPECT_TRUE(picture_.drawing());
+  runTasks();
+  EXPECT_EQ(told_, 1);
+  EXPECT_FALSE(picture_.drawing());
+  EXPECT_EQ(picture_.rendered().pixels,
+            renderTreemap(next, kRootNode, kPlace.w, kPlace.h, colours_, {}, {}).pixels);
+  picture_.show(nullptr, kRootNode);
+}
+
+TEST_F(BackgroundPictureTest, EndsWithoutAPictureWhereThereIsNoMemoryForOne) {
+  constexpr int kMost = std::numeric_limits<int>::max();
+  BackgroundRender render([this](std::function<void()> task) {
+    const std::lock_guard lock(mutex_);
+    tasks_.push_back(std::move(task));
+  });
+  int ends = 0;
+  render.onEnded = [&](const auto& picture, BackgroundRender::Duration) {
+    EXPECT_FALSE(picture);
+    ++ends;
+  };
+  ASSERT_TRUE(render.start({&tree_, kRootNode, kMost, kMost, colours_, {}, {}, {}}));
+  ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
+  EXPECT_TRUE(render.busy());
+  runTasks();
+  EXPECT_FALSE(render.busy());
+  EXPECT_EQ(ends, 1);
+}
+
+}  // namespace
+}  // namespace app

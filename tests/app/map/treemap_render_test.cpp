@@ -1,0 +1,321 @@
+#include "app/map/treemap_render.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "app/map/cushion_shading.h"
+#include "tests/app/map/map_tree.h"
+#include "tests/app/map/naive_map.h"
+
+namespace app {
+namespace {
+
+using sizewalk::FileTree;
+using sizewalk::kRootNode;
+using sizewalk::NodeId;
+using test::file;
+using test::fill;
+using test::fillRoot;
+using test::folder;
+
+constexpr std::uint16_t kPdf = 5;
+constexpr std::uint16_t kJpeg = 8;
+constexpr MeasureSettings kLengths;
+const KindColours kColours(true);
+
+std::uint32_t colour(int kind) { return kColours.colourForKind(kind) & 0xFFFFFF; }
+
+RenderedTreemap draw(const FileTree& tree, std::int32_t width, std::int32_t height,
+                     const std::vector<ExtraBlock>& extraBlocks = {}) {
+  return renderTreemap(tree, kRootNode, width, height, kColours, extraBlocks, kLengths);
+}
+
+void expectAsDrawnNaively(const RenderedTreemap& map, const test::NaiveMap& naive) {
+  ASSERT_EQ(map.blocks.size(), naive.blocks.size());
+  for (std::size_t i = 0; i < map.blocks.size(); ++i) {
+    ASSERT_EQ(map.blocks[i], naive.blocks[i]) << "block " << i;
+  }
+  ASSERT_TRUE(map.pixels == naive.pixels);
+  ASSERT_TRUE(map.blockAt == naive.blockAt);
+  ASSERT_EQ(map.outlineRects.size(), naive.outlineRects.size());
+  for (const auto& [node, rect] : naive.outlineRects) {
+    ASSERT_NE(map.outlineRect(node), nullptr);
+    ASSERT_EQ(*map.outlineRect(node), rect);
+  }
+}
+
+std::vector<ExtraBlock> randomExtraBlocks(std::mt19937_64& random) {
+  std::vector<ExtraBlock> blocks;
+  std::lognormal_distribution<double> size(20, 6);
+  if (random() % 2 == 0) {
+    blocks.push_back(
+        {kFreeSpaceBlock, "Free space", static_cast<std::int64_t>(size(random)), 0x2B3648});
+  }
+  if (random() % 2 == 0) {
+    blocks.push_back({kOtherSpaceBlock, "Other space in use",
+                      static_cast<std::int64_t>(size(random)), 0x4A4458});
+  }
+  return blocks;
+}
+
+TEST(TreemapRender, DrawsRandomTreesAsTheyAreDrawnNaively) {
+  std::mt19937_64 random(7);
+  RenderedTreemap map;
+  for (int round = 0; round < 120; ++round) {
+    SCOPED_TRACE("round " + std::to_string(round));
+    FileTree tree(test::mapTreeOptions());
+    test::fillRandomly(tree, 20 + random() % 3000, random);
+    const MeasureSettings measure = {static_cast<Measure>(random() % 4), random() % 2 == 0};
+    const auto root = static_cast<NodeId>(random() % 3 == 0 ? random() % tree.nodeCount() : 0);
+    const auto width = static_cast<std::int32_t>(random() % (round % 5 == 0 ? 12 : 500));
+    const auto height = static_cast<std::int32_t>(random() % (round % 7 == 0 ? 12 : 400));
+    const std::vector<ExtraBlock> extraBlocks = randomExtraBlocks(random);
+    KindColours colours(round % 3 != 0);
+    colours.setKindSlots({{4, 3}, {5, 1}, {75, 0}});
+    map = renderTreemap(tree, root, width, height, colours, extraBlocks, measure, std::move(map));
+    ASSERT_EQ(map.width, width);
+    ASSERT_EQ(map.height, height);
+    ASSERT_EQ(map.root, root);
+    expectAsDrawnNaively(
+        map, test::drawNaively(tree, root, width, height, colours, extraBlocks, measure));
+    if (HasFatalFailure()) return;
+  }
+}
+
+TEST(TreemapRender, DrawsALargeMapOnSeveralThreadsAsItIsDrawnNaively) {
+  std::mt19937_64 random(8);
+  FileTree tree(test::mapTreeOptions());
+  test::fillRandomly(tree, 60000, random);
+  const MeasureSettings measure = {Measure::CurrentSize, true};
+  const RenderedTreemap map = renderTreemap(tree, kRootNode, 1311, 977, kColours, {}, measure);
+  expectAsDrawnNaively(map, test::drawNaively(tree, kRootNode, 1311, 977, kColours, {}, measure));
+}
+
+TEST(TreemapRender, OfAMapWithoutAreaIsEmptyAndHitsNothing) {
+  FileTree tree;
+  fillRoot(tree, {file(10)});
+  for (const auto& [width, height] : {std::pair{0, 50}, {50, 0}, {-3, 50}}) {
+    const RenderedTreemap map = draw(tree, width, height);
+    EXPECT_TRUE(map.blocks.empty());
+    EXPECT_TRUE(map.pixels.empty());
+    EXPECT_EQ(map.width, width);
+    EXPECT_EQ(map.blockUnder(0, 0), nullptr);
+    EXPECT_EQ(map.outlineRect(kRootNode), nullptr);
+  }
+}
+
+TEST(TreemapRender, OfANodeThatIsNotPublishedIsEmptyEvenIntoAUsedRender) {
+  FileTree tree;
+  fillRoot(tree, {file(10)});
+  const ExtraBlock extra = {kFreeSpaceBlock, "Free space", 10, 1};
+  RenderedTreemap map = draw(tree, 40, 40, {extra});
+  map = renderTreemap(tree, 2, 40, 40, kColours, {}, kLengths, std::move(map));
+  EXPECT_TRUE(map.blocks.empty());
+  EXPECT_TRUE(map.colours.empty());
+  EXPECT_TRUE(map.pixels.empty());
+  EXPECT_TRUE(map.extraColours.empty());
+  EXPECT_EQ(map.blockUnder(5, 5), nullptr);
+  EXPECT_EQ(map.outlineRect(kRootNode), nullptr);
+}
+
+TEST(TreemapRender, HitsTheBlockWhosePixelItIs) {
+  FileTree tree;
+  fillRoot(tree, {file(300, kPdf), file(100, kJpeg)});
+  const RenderedTreemap map = draw(tree, 40, 20);
+  ASSERT_NE(map.blockUnder(0, 19), nullptr);
+  EXPECT_EQ(map.blockUnder(0, 19)->id, 1);
+  EXPECT_EQ(map.blockUnder(29, 0)->id, 1);
+  EXPECT_EQ(map.blockUnder(30, 0)->id, 2);
+  EXPECT_EQ(map.blockUnder(39, 19)->id, 2);
+  EXPECT_EQ(map.blockUnder(40, 0), nullptr);
+  EXPECT_EQ(map.blockUnder(0, 20), nullptr);
+  EXPECT_EQ(map.blockUnder(-1, 0), nullptr);
+  EXPECT_EQ(map.blockUnder(0, -1), nullptr);
+}
+
+TEST(TreemapRender, HitsRestAndExtraBlocks) {
+  FileTree tree;
+  std::vector<test::MapEntry> entries(50, file(1));
+  entries.insert(entries.begin(), file(4000));
+  fillRoot(tree, entries);
+  const RenderedTreemap map = draw(tree, 30, 30, {{kFreeSpaceBlock, "Free space", 1000, 0x2B3648}});
+  ASSERT_NE(map.blockUnder(29, 29), nullptr);
+  EXPECT_EQ(map.blockUnder(29, 29)->id, 2);  // the first of those merged
+  EXPECT_EQ(map.blockUnder(29, 29)->restCount, 50);
+  ASSERT_NE(map.blockUnder(29, 0), nullptr);
+  EXPECT_EQ(map.blockUnder(29, 0)->id, -2);
+  EXPECT_EQ(map.blockUnder(29, 0)->restCount, 0);
+}
+
+TEST(TreemapRender, ColoursAFolderAtTheDepthLimitByWhatFillsIt) {
+  FileTree tree;
+  tree.createRoot("/map");
+  NodeId node = kRootNode;
+  for (int level = 1; level <= 65; ++level) node = fill(tree, node, {folder()}).front();
+  fill(tree, node, {file(9, kPdf)});
+  const RenderedTreemap map = draw(tree, 50, 40);
+  ASSERT_EQ(map.blocks.back().depth, 64);
+  ASSERT_EQ(map.blocks.back().reason, BlockReason::depthLimit);
+  EXPECT_EQ(map.colours.back() & 0xFFFFFF, colour(kPdf));
+}
+
+TEST(TreemapRender, OutlinesAFolderAroundItsContents) {
+  FileTree tree;
+  const std::vector<NodeId> folders = fillRoot(tree, {folder(), file(100, kPdf)});
+  fill(tree, folders[0], {file(150, kJpeg), file(150, kJpeg)});
+  const RenderedTreemap map = draw(tree, 40, 20);
+  ASSERT_NE(map.outlineRect(folders[0]), nullptr);
+  EXPECT_EQ(*map.outlineRect(folders[0]), (MapRect{0, 0, 30, 20}));
+  EXPECT_EQ(*map.outlineRect(kRootNode), (MapRect{0, 0, 40, 20}));
+  for (int x = 0; x < 30; ++x) EXPECT_GE(map.blockUnder(x, 10)->id, 3) << x;
+  EXPECT_EQ(map.outlineRect(77), nullptr);
+}
+
+TEST(TreemapRender, GivesRestAndExtraBlocksNoOutline) {
+  FileTree tree;
+  std::vector<test::MapEntry> entries(50, file(1));
+  entries.push_back(file(4000));
+  fillRoot(tree, entries);
+  const RenderedTreemap map = draw(tree, 30, 30, {{kFreeSpaceBlock, "Free space", 1000, 0x2B3648}});
+  ASSERT_EQ(map.blocks.back().reason, BlockReason::rest);
+  EXPECT_EQ(map.blocks.back().id, 1);
+  EXPECT_EQ(map.outlineRect(1), nullptr);
+  EXPECT_EQ(map.outlineRect(static_cast<NodeId>(kFreeSpaceBlock)), nullptr);
+  EXPECT_EQ(map.outlineRects.size(), 2U);  // the root and the large file
+}
+
+TEST(TreemapRender, ColoursExtraBlocksAsTheyAsk) {
+  FileTree tree;
+  fillRoot(tree, {file(1, kPdf)});
+  const RenderedTreemap map = draw(tree, 60, 30,
+                                   {{kFreeSpaceBlock, "Free space", 1000000, 0x2B3648},
+                                    {kOtherSpaceBlock, "Other space in use", 0, 0x4A4458}});
+  ASSERT_EQ(map.blocks.size(), 2U);
+  EXPECT_EQ(map.blocks[1].id, kFreeSpaceBlock);
+  EXPECT_EQ(map.colours[1], 0x2B3648U);
+  ASSERT_EQ(map.extraColours.count(kOtherSpaceBlock), 1U);
+  EXPECT_EQ(map.extraColours.at(kFreeSpaceBlock).label, "Free space");
+}
+
+/// The colour of the root's first subfolder when it is drawn as one block.
+std::uint32_t colourOfSmallFolder(const FileTree& tree, NodeId node,
+                                  const MeasureSettings& measure = kLengths) {
+  const RenderedTreemap map = renderTreemap(tree, kRootNode, 100, 100, kColours, {}, measure);
+  for (std::size_t i = 0; i < map.blocks.size(); ++i) {
+    if (map.blocks[i].id == static_cast<std::int32_t>(node)) {
+      EXPECT_TRUE(map.blocks[i].painted);
+      return map.colours[i] & 0xFFFFFF;
+    }
+  }
+  ADD_FAILURE() << "no block";
+  return 0;
+}
+
+/// A folder of `entries` beside a file so large that the folder has a few pixels only.
+NodeId addSmallFolder(FileTree& tree, const std::vector<test::MapEntry>& entries) {
+  std::uint64_t size = 1;
+  for (const test::MapEntry& entry : entries) size += entry.apparent;
+  const NodeId node = fillRoot(tree, {folder(), file(size * 2000)}).front();
+  fill(tree, node, entries);
+  return node;
+}
+
+TEST(DominantKind, IsThatOfTheLargestFile) {
+  FileTree tree;
+  const NodeId node = addSmallFolder(tree, {file(10), file(30, kPdf), file(30, kJpeg)});
+  EXPECT_EQ(colourOfSmallFolder(tree, node), colour(kPdf));  // the first of equal ones
+}
+
+TEST(DominantKind, DescendsIntoTheLargestFolder) {
+  FileTree tree;
+  const NodeId node = addSmallFolder(tree, {file(20, kPdf), folder(), file(15)});
+  fill(tree, node + 3, {file(12, kPdf), file(13, kJpeg)});
+  EXPECT_EQ(dominantKind(tree, node, kLengths), kJpeg);
+}
+
+TEST(DominantKind, LooksAtTheFirst256ChildrenOnly) {
+  std::vector<test::MapEntry> entries(256, file(1));
+  entries[255] = file(5, kPdf);
+  entries.push_back(file(100, kJpeg));
+  FileTree tree;
+  EXPECT_EQ(dominantKind(tree, addSmallFolder(tree, entries), kLengths), kPdf);
+}
+
+TEST(DominantKind, GivesUpAfterEightLevels) {
+  for (const int levels : {7, 8}) {
+    FileTree tree;
+    tree.createRoot("/map");
+    NodeId node = kRootNode;
+    for (int i = 0; i < levels; ++i) node = fill(tree, node, {folder()}).front();
+    fill(tree, node, {file(9, kPdf)});
+    EXPECT_EQ(dominantKind(tree, kRootNode, kLengths), levels == 7 ? kPdf : sizewalk::kKindFolder);
+  }
+}
+
+TEST(DominantKind, OfAFolderWithoutSizesIsTheFallback) {
+  FileTree tree;
+  const NodeId node = fillRoot(tree, {folder(), file(5)}).front();
+  fill(tree, node, {file(0, kPdf)});
+  EXPECT_EQ(dominantKind(tree, node, kLengths), sizewalk::kKindFolder);
+  const RenderedTreemap map = renderTreemap(tree, node, 10, 10, kColours, {}, kLengths);
+  EXPECT_EQ(map.blocks.at(0).reason, BlockReason::nothingVisible);
+  EXPECT_EQ(map.colours.at(0) & 0xFFFFFF, colour(sizewalk::otherKind));
+}
+
+TEST(DominantKind, GoesByLengthEvenWhereSizesOnDiskAreShown) {
+  FileTree tree;
+  const NodeId node = addSmallFolder(tree, {{kPdf, 100, 10, 0, false}, {kJpeg, 10, 100, 0, false}});
+  EXPECT_EQ(colourOfSmallFolder(tree, node, {Measure::CurrentSize, true}), colour(kPdf));
+}
+
+TEST(DominantKind, GoesByTheMeasureShown) {
+  FileTree tree(test::mapTreeOptions());
+  const NodeId node = addSmallFolder(tree, {{kPdf, 100, 100, test::kSixMonthsAgo, false},
+                                            {kJpeg, 10, 10, test::kMonthAgo, false}});
+  EXPECT_EQ(dominantKind(tree, node, {Measure::AddedLastSixMonths, true}), kPdf);
+  EXPECT_EQ(dominantKind(tree, node, {Measure::AddedLastMonth, true}), kJpeg);
+}
+
+TEST(DominantKind, PassesOverWhatIsTakenOut) {
+  FileTree tree;
+  const NodeId node = addSmallFolder(tree, {file(20, kPdf), file(10, kJpeg)});
+  tree.removeSubtree(node + 2);
+  EXPECT_EQ(dominantKind(tree, node, kLengths), kJpeg);
+}
+
+TEST(OutlineRects, KeepTheLargestBlockOfANodeAndTheFirstOfEqualOnes) {
+  std::vector<TreemapBlock> blocks(4);
+  blocks[0] = {{0, 0, 2, 2}, 9, 1, 0, true, BlockReason::laidOut, {}};
+  blocks[1] = {{0, 0, 3, 3}, 9, 1, 0, true, BlockReason::laidOut, {}};
+  blocks[2] = {{5, 5, 9, 1}, 9, 1, 0, true, BlockReason::laidOut, {}};
+  blocks[3] = {{0, 0, 99, 99}, 9, 1, 4, true, BlockReason::rest, {}};
+  OutlineRects rects;
+  rects.assign(blocks);
+  EXPECT_EQ(rects.blockOf(9), 1U);
+  EXPECT_EQ(rects.size(), 1U);
+}
+
+TEST(OutlineRects, FindEveryNodeHoweverTheIndicesLie) {
+  std::mt19937_64 random(3);
+  for (const std::uint32_t step : {1U, 2U, 8U, 64U, 4096U, 65537U}) {
+    std::vector<TreemapBlock> blocks(20000);
+    for (std::size_t i = 0; i < blocks.size(); ++i) {
+      blocks[i].id = static_cast<std::int32_t>((i * step) & 0x7FFFFFF);
+    }
+    std::shuffle(blocks.begin(), blocks.end(), random);
+    OutlineRects rects;
+    rects.assign(blocks);
+    ASSERT_EQ(rects.size(), blocks.size());
+    for (const TreemapBlock& block : blocks) {
+      const auto found = rects.blockOf(static_cast<NodeId>(block.id));
+      ASSERT_TRUE(found);
+      ASSERT_EQ(blocks[*found].id, block.id);
+    }
+    EXPECT_EQ(rects.blockOf(0x8000000), std::nullopt);
+    EXPECT_EQ(rects.blockOf(0xFFFFFFFF), std::nullopt);
+  }
+}
+
+}  // namespace
+}  // namespace app

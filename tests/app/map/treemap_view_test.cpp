@@ -1,0 +1,360 @@
+#include "app/map/treemap_view.h"
+
+#include <algorithm>
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "tests/app/map/treemap_view_fixture.h"
+#include "ui/keys.h"
+
+namespace app {
+namespace {
+
+TEST(PixelRect, HasEachEdgeOnTheNearestPixel) {
+  EXPECT_EQ(pixelRect({0.4, 0.5, 10.2, 10.1}), (ui::Rect{0, 1, 11, 10}));
+  EXPECT_EQ(pixelRect({1.5, 2.49, 1, 0.01}), (ui::Rect{2, 2, 1, 1}));
+  EXPECT_EQ(pixelRect({0.1, 0.1, 0.2, 0.2}), (ui::Rect{0, 0, 0, 0}));
+  EXPECT_EQ(pixelRect({-0.5, -1.5, 1, 3}), (ui::Rect{-1, -2, 2, 4})) << "half away from zero";
+}
+
+/// How far inside the edge of `rect` a pixel lies, 0 on it, negative outside.
+int depthIn(const ui::Rect& rect, int x, int y) {
+  return std::min({x - rect.x, y - rect.y, rect.x + rect.w - 1 - x, rect.y + rect.h - 1 - y});
+}
+
+std::uint32_t without(std::uint32_t rgb) { return rgb & 0xFFFFFF; }
+
+bool isDarker(std::uint32_t rgb, std::uint32_t than) {
+  for (const int shift : {0, 8, 16}) {
+    if ((rgb >> shift & 0xFF) > (than >> shift & 0xFF) / 2) return false;
+  }
+  return true;
+}
+
+/// Checks that `picture` is `plain` but for an outline around `rect`: at depth n inside its edge
+/// (-1 is the ring around it) the colour `at(n)`, 0 for the picture darkened, nothing for as it is.
+void expectOutlined(const test::Picture& picture, const test::Picture& plain, const ui::Rect& rect,
+                    const std::function<std::optional<std::uint32_t>(int)>& at) {
+  for (int y = 0; y < kWindow.h; ++y) {
+    for (int x = 0; x < kWindow.w; ++x) {
+      const auto expected = kPlace.contains(x, y) ? at(depthIn(rect, x, y)) : std::nullopt;
+      const std::uint32_t seen = picture.at(x, y);
+      if (!expected) {
+        ASSERT_EQ(seen, plain.at(x, y)) << x << "," << y;
+      } else if (*expected == 0) {
+        ASSERT_TRUE(isDarker(seen, plain.at(x, y))) << x << "," << y;
+      } else {
+        ASSERT_EQ(seen, *expected) << x << "," << y;
+      }
+    }
+  }
+}
+
+std::optional<std::uint32_t> selectedOutline(int depth) {
+  if (depth == 0) return 0xFFFFFF;
+  if (depth == 1) return without(kPalette.accent);
+  if (depth == 2) return 0;
+  return std::nullopt;
+}
+
+std::optional<std::uint32_t> hoverOutline(int depth) {
+  if (depth == 0) return 0xFFFFFF;
+  if (depth == -1) return 0;
+  return std::nullopt;
+}
+
+// What is seen.
+
+TEST_F(TreemapViewTest, PaintsThePictureAndNothingElseWithoutPointerAndSelection) {
+  const auto picture = painted();
+  for (int y = 0; y < kPlace.h; ++y) {
+    for (int x = 0; x < kPlace.w; ++x) {
+      ASSERT_EQ(picture.at(kPlace.x + x, kPlace.y + y),
+                picture_.rendered().pixels[static_cast<std::size_t>(y * kPlace.w + x)]);
+    }
+  }
+  EXPECT_EQ(picture.count(without(kGround)), kWindow.w * kWindow.h - kPlace.w * kPlace.h);
+}
+
+TEST_F(TreemapViewTest, OutlinesTheItemUnderThePointer) {
+  const auto plain = painted();
+  point(placeOf(deep_));
+  expectOutlined(painted(), plain, placeOf(deep_), hoverOutline);
+  point(placeOfSmallItems());
+  expectOutlined(painted(), plain, placeOfSmallItems(), hoverOutline);
+}
+
+TEST_F(TreemapViewTest, OutlinesNothingOnceThePointerIsElsewhere) {
+  const auto plain = painted();
+  point(placeOf(c_));
+  pointBesideMap();
+  EXPECT_EQ(painted().pixels, plain.pixels);
+  point(placeOf(c_));
+  view_.leave();
+  EXPECT_EQ(painted().pixels, plain.pixels);
+}
+
+TEST_F(TreemapViewTest, OutlinesWhatIsSelected) {
+  const auto plain = painted();
+  select({c_});
+  expectOutlined(painted(), plain, placeOf(c_), selectedOutline);
+  select({});
+  EXPECT_EQ(painted().pixels, plain.pixels);
+}
+
+TEST_F(TreemapViewTest, OutlinesASelectedFolderAroundItsContents) {
+  const auto plain = painted();
+  select({dir_});
+  const ui::Rect place = placeOf(dir_);
+  ASSERT_EQ(ui::intersect(place, placeOf(a_)), placeOf(a_));
+  ASSERT_EQ(ui::intersect(place, placeOf(deep_)), placeOf(deep_));
+  expectOutlined(painted(), plain, place, selectedOutline);
+}
+
+TEST_F(TreemapViewTest, OutlinesNothingOfASelectedItemThatTheMapDoesNotShow) {
+  const auto plain = painted();
+  select({small_, small_ + 1});
+  EXPECT_EQ(painted().pixels, plain.pixels);
+  focus_.go(dir_);
+  showFocus();
+  const auto inside = painted();
+  select({c_});
+  EXPECT_EQ(painted().pixels, inside.pixels);
+}
+
+TEST_F(TreemapViewTest, OutlinesEachOfManySelectedItemsThatAreLargeEnough) {
+  sizewalk::FileTree tree;
+  test::fillRoot(tree, std::vector<test::MapEntry>(100'000, file(1000)));
+  picture_.setRect({0, 0, 500, 300});  // 1.5 pixels for each
+  showTree(&tree);
+  const auto plain = painted();
+  Nodes all(100'000);
+  for (NodeId i = 0; i < all.size(); ++i) all[i] = tree.firstChild(kRootNode) + i;
+  select(all);
+  EXPECT_EQ(painted().pixels, plain.pixels) << "no block is three pixels wide and high";
+  all.push_back(kRootNode);
+  select(all);
+  EXPECT_EQ(painted().at(0, 0), 0xFFFFFFu);
+  showTree(&tree_);
+}
+
+TEST_F(TreemapViewTest, OutlinesSelectedItemsInOneAnotherWithoutCuttingALine) {
+  const auto plain = painted();
+  select({dir_, a_, inner_, deep_});
+  const auto picture = painted();
+  const ui::Rect outer = placeOf(dir_);
+  int crossings = 0;
+  for (int y = outer.y; y < outer.y + outer.h; ++y) {
+    for (int x = outer.x; x < outer.x + outer.w; ++x) {
+      int innermost = -1;  // the line that lies over the others
+      int lines = 0;
+      for (const NodeId node : {dir_, a_, inner_, deep_}) {
+        const int depth = depthIn(placeOf(node), x, y);
+        if (depth < 0 || depth > 2) continue;
+        innermost = std::max(innermost, depth);
+        ++lines;
+      }
+      crossings += lines > 1 ? 1 : 0;
+      const std::uint32_t seen = picture.at(x, y);
+      const bool asExpected = innermost == 0   ? seen == 0xFFFFFF
+                              : innermost == 1 ? seen == without(kPalette.accent)
+                              : innermost == 2 ? isDarker(seen, 0xFFFFFF)
+                                               : seen == plain.at(x, y);
+      ASSERT_TRUE(asExpected) << x << "," << y << " in line " << innermost;
+    }
+  }
+  EXPECT_GT(crossings, 0);
+}
+
+TEST_F(TreemapViewTest, HasARingWhileKeysComeHere) {
+  const auto plain = painted();
+  view_.setFocused(true);
+  expectOutlined(painted(), plain, kPlace, [](int depth) {
+    return depth == 0 ? std::optional(without(kPalette.accent)) : std::nullopt;
+  });
+  view_.setFocused(false);
+  EXPECT_EQ(painted().pixels, plain.pixels);
+}
+
+// Hovering.
+
+TEST_F(TreemapViewTest, TellsWhenThePointerComesOntoAnotherItem) {
+  point(placeOf(a_));
+  EXPECT_EQ(view_.hovered(), a_);
+  EXPECT_EQ(changes_, 1);
+  ui::MouseEvent beside = middleOf(placeOf(a_));
+  ++beside.x;
+  view_.motion(beside, 10);
+  EXPECT_EQ(changes_, 1) << "still the same";
+  point(placeOf(c_));
+  EXPECT_EQ(view_.hovered(), c_);
+  EXPECT_EQ(changes_, 2);
+  view_.leave();
+  EXPECT_EQ(view_.hovered(), std::nullopt);
+  EXPECT_EQ(changes_, 3);
+}
+
+TEST_F(TreemapViewTest, IsOnNoItemOnMergedItemsAndBesideTheMap) {
+  point(placeOfSmallItems());
+  EXPECT_EQ(view_.hovered(), std::nullopt);
+  EXPECT_EQ(changes_, 1) << "there is something to outline";
+  pointBesideMap();
+  EXPECT_EQ(view_.hovered(), std::nullopt);
+  EXPECT_EQ(changes_, 2);
+  view_.motion({.x = kPlace.x + kPlace.w, .y = kPlace.y}, 0);
+  EXPECT_EQ(changes_, 2) << "the first pixel right of the map";
+}
+
+TEST_F(TreemapViewTest, SeesAnotherPictureUnderAPointerAtRest) {
+  point(placeOf(c_));
+  focus_.go(dir_);
+  showFocus();
+  EXPECT_TRUE(view_.hovered() == a_ || view_.hovered() == deep_);
+}
+
+TEST_F(TreemapViewTest, IsOnNoItemOfAnotherScanBeforeItsFirstPicture) {
+  sizewalk::FileTree next;
+  test::fillRoot(next, {file(5)});
+  point(placeOf(deep_));
+  picture_.show(&next, kRootNode);
+  EXPECT_EQ(view_.hovered(), std::nullopt) << "the picture that is left is not of this scan";
+  press({kPlace.x + 5, kPlace.y + 5, 0, 0});
+  EXPECT_EQ(selected(), Nodes{});
+  view_.reset();
+  showTree(&tree_);
+}
+
+// The card.
+
+TEST_F(TreemapViewTest, ShowsACardAfter400MsOfRest) {
+  point(placeOf(c_), 5000);
+  changes_ = 0;
+  view_.tick(5399, kWindow);
+  EXPECT_FALSE(cardIsSeen());
+  EXPECT_EQ(changes_, 0);
+  view_.tick(5400, kWindow);
+  EXPECT_TRUE(cardIsSeen());
+  EXPECT_EQ(changes_, 1);
+  view_.tick(9000, kWindow);
+  EXPECT_EQ(changes_, 1) << "there is nothing new to see";
+}
+
+TEST_F(TreemapViewTest, CountsTheRestFromTheLastMotion) {
+  point(placeOf(c_), 0);
+  ui::MouseEvent beside = middleOf(placeOf(c_));
+  ++beside.x;
+  view_.motion(beside, 300);
+  view_.tick(699, kWindow);
+  EXPECT_FALSE(cardIsSeen());
+  view_.tick(700, kWindow);
+  EXPECT_TRUE(cardIsSeen());
+}
+
+TEST_F(TreemapViewTest, ShowsACardOfMergedItems) { restOn(placeOfSmallItems()); }
+
+TEST_F(TreemapViewTest, ShowsNoCardWhereThereIsNothing) {
+  view_.tick(1000, kWindow);
+  EXPECT_FALSE(cardIsSeen()) << "no pointer";
+  pointBesideMap(1000);
+  view_.tick(2000, kWindow);
+  EXPECT_FALSE(cardIsSeen());
+}
+
+TEST_F(TreemapViewTest, KeepsTheCardInsideItsRoom) {
+  point(placeOf(c_), 0);
+  const ui::Rect room{0, 0, 260, 200};
+  view_.tick(400, room);
+  const auto picture = onGround([&](ui::Canvas& canvas) { view_.paintCard(canvas); });
+  for (int y = 0; y < kWindow.h; ++y) {
+    for (int x = 0; x < kWindow.w; ++x) {
+      ASSERT_TRUE(room.contains(x, y) || picture.at(x, y) == without(kGround)) << x << "," << y;
+    }
+  }
+}
+
+TEST_F(TreemapViewTest, HidesTheCardWhenThePointerMovesOrLeaves) {
+  restOn(placeOf(c_));
+  changes_ = 0;
+  ui::MouseEvent beside = middleOf(placeOf(c_));
+  ++beside.x;
+  view_.motion(beside, 500);
+  EXPECT_FALSE(cardIsSeen());
+  EXPECT_EQ(changes_, 1);
+  restOn(placeOf(c_));
+  view_.leave();
+  EXPECT_FALSE(cardIsSeen());
+  view_.tick(5000, kWindow);
+  EXPECT_FALSE(cardIsSeen());
+}
+
+TEST_F(TreemapViewTest, HidesTheCardUntilThePointerMovesAgain) {
+  const std::function<void()> acts[] = {
+      [&] { press(placeOf(c_)); }, [&] { press(placeOf(c_), kSecondary); },
+      [&] { view_.wheel(middleOf(placeOf(c_)), -1); }, [&] { view_.hideCard(); }};
+  for (const auto& act : acts) {
+    restOn(placeOf(c_));
+    changes_ = 0;
+    act();
+    EXPECT_FALSE(cardIsSeen());
+    EXPECT_EQ(changes_, 1);
+    view_.tick(5000, kWindow);
+    EXPECT_FALSE(cardIsSeen()) << "it would come back by itself";
+  }
+  restOn(placeOf(c_));
+}
+
+TEST_F(TreemapViewTest, ShowsNoCardAfterAPressThatCameBeforeIt) {
+  point(placeOf(c_), 0);
+  press(placeOf(c_), kSecondary);
+  view_.tick(400, kWindow);
+  EXPECT_FALSE(cardIsSeen()) << "it would lie over the menu";
+}
+
+TEST_F(TreemapViewTest, SaysWhetherThereWasACardToHide) {
+  EXPECT_FALSE(view_.hideCard());
+  restOn(placeOf(c_));
+  EXPECT_TRUE(view_.hideCard());
+  EXPECT_FALSE(view_.hideCard());
+}
+
+TEST_F(TreemapViewTest, ReplacesTheCardWhenAnotherPictureComesUnderThePointer) {
+  restOn(placeOf(c_));
+  view_.refresh();
+  EXPECT_TRUE(cardIsSeen()) << "the same item is still there";
+  focus_.go(dir_);
+  showFocus();
+  EXPECT_FALSE(cardIsSeen());
+  view_.tick(500, kWindow);
+  EXPECT_TRUE(cardIsSeen());
+}
+
+TEST_F(TreemapViewTest, KeepsTheFiguresOfTheCardUpToDate) {
+  const auto card = [&] { return onGround([&](ui::Canvas& canvas) { view_.paintCard(canvas); }); };
+  sizewalk::FileTree tree(test::mapTreeOptions());
+  const auto dir = test::fillRoot(tree, {folder(), file(1000)}).front();
+  view_.reset();
+  showTree(&tree);
+  restOn(kPlace);
+  const auto before = card();
+  test::fill(tree, dir, {file(1)});  // too small to take the pointer's place
+  picture_.markDirty();
+  changes_ = 0;
+  prepareFrame();
+  EXPECT_FALSE(card() == before) << "the share is another one";
+  EXPECT_EQ(changes_, 0) << "the frame is being drawn already";
+  view_.reset();
+  showTree(&tree_);
+}
+
+TEST_F(TreemapViewTest, ForgetsPointerAndCardWithTheScan) {
+  restOn(placeOf(c_));
+  view_.reset();
+  EXPECT_FALSE(cardIsSeen());
+  EXPECT_EQ(view_.hovered(), std::nullopt);
+  press(placeOf(a_), kPrimary, 2);
+  EXPECT_EQ(focus_.current(), kRootNode) << "the press before belongs to the scan before";
+}
+
+}  // namespace
+}  // namespace app

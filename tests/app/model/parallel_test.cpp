@@ -1,0 +1,51 @@
+#include "app/model/parallel.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <vector>
+
+namespace app {
+namespace {
+
+TEST(ForEachOnThreads, DoesEveryPieceOnce) {
+  for (const unsigned threads : {0U, 1U, 2U, 7U}) {
+    for (const std::size_t count : {0U, 1U, 3U, 1000U}) {
+      std::vector<int> calls(count, 0);
+      forEachOnThreads(count, threads, [&](std::size_t i) { ++calls[i]; });
+      EXPECT_EQ(std::count(calls.begin(), calls.end(), 1), static_cast<std::ptrdiff_t>(count));
+    }
+  }
+}
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+/// A list of so many threads is larger than the 64 megabytes of addresses that a heap of a thread
+/// that has ended may still hold.
+constexpr unsigned kMany = 5000000;
+
+/// Ends the process, with 0 when every piece was done once.
+[[noreturn]] void doPiecesWithoutMemory(unsigned threads) {
+  std::vector<char> calls(kMany, 0);
+  // From here on the kernel hands out nothing more, neither for the heap nor for a stack.
+  const rlimit nothing = {0, 0};
+  bool done = setrlimit(RLIMIT_AS, &nothing) == 0;
+  forEachOnThreads(calls.size(), threads, [&](std::size_t i) { ++calls[i]; });
+  for (const char count : calls) done = done && count == 1;
+  std::_Exit(done ? 0 : 1);
+}
+#endif
+
+TEST(ForEachOnThreads, DoesEveryPieceWhereNoMemoryCanBeHadForThreads) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  GTEST_SKIP() << "the sanitizers end a program that runs out of memory";
+#else
+  EXPECT_EXIT(doPiecesWithoutMemory(2), testing::ExitedWithCode(0), "");
+  // Not even for the list of them.
+  EXPECT_EXIT(doPiecesWithoutMemory(kMany), testing::ExitedWithCode(0), "");
+#endif
+}
+
+}  // namespace
+}  // namespace app

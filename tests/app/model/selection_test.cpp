@@ -1,0 +1,70 @@
+#include "app/model/selection.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "tests/sizewalk/tree_model.h"
+
+namespace app {
+namespace {
+
+using sizewalk::NodeId;
+using test::add;
+using test::Listing;
+
+class SelectionTest : public ::testing::Test {
+ protected:
+  SelectionTest() {
+    selection.onChanged = [this] { ++changes; };
+  }
+
+  Selection selection;
+  int changes = 0;
+};
+
+TEST_F(SelectionTest, HoldsTheOneSelectedLast) {
+  selection.select(3);
+  selection.select(7);
+  EXPECT_FALSE(selection.contains(3));
+  EXPECT_TRUE(selection.contains(7));
+  EXPECT_EQ(selection.size(), 1u);
+  EXPECT_EQ(changes, 2);
+}
+
+TEST_F(SelectionTest, TogglesOneAfterAnother) {
+  selection.toggle(3);
+  selection.toggle(7);
+  EXPECT_EQ(selection.size(), 2u);
+  selection.toggle(3);
+  EXPECT_FALSE(selection.contains(3));
+  EXPECT_TRUE(selection.contains(7));
+}
+
+TEST_F(SelectionTest, SaysNothingWhereNothingChanged) {
+  selection.clear();
+  selection.select(3);
+  selection.select(3);
+  selection.replace(std::vector<NodeId>{3});
+  EXPECT_EQ(changes, 1);
+}
+
+TEST_F(SelectionTest, LeavesOutWhatLiesInsideASelectedFolder) {
+  sizewalk::FileTree tree;
+  tree.createRoot("/r");
+  const NodeId outer = add(tree, Listing(0).folder("outer").file("beside", 1)).front();
+  const NodeId beside = tree.firstChild(0) == outer ? outer + 1 : outer - 1;
+  const NodeId inner = add(tree, Listing(outer).folder("inner")).front();
+  add(tree, Listing(inner).file("deep", 1));
+  const NodeId deep = tree.firstChild(inner);
+
+  selection.replace(std::vector<NodeId>{deep, outer, beside});
+  EXPECT_EQ(selection.outermost(tree), (std::vector<NodeId>{outer, beside}));
+  selection.replace(std::vector<NodeId>{deep, inner});
+  EXPECT_EQ(selection.outermost(tree), (std::vector<NodeId>{inner}));
+  selection.toggle(sizewalk::kRootNode);
+  EXPECT_EQ(selection.outermost(tree), (std::vector<NodeId>{sizewalk::kRootNode}));
+}
+
+}  // namespace
+}  // namespace app

@@ -1,0 +1,106 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "ui/button.h"
+#include "ui/canvas.h"
+#include "ui/geometry.h"
+#include "ui/input.h"
+#include "ui/widgets/input_target.h"
+#include "ui/widgets/style.h"
+
+namespace app {
+
+/// A button of a dialog and what it does. The dialog may be gone when `action` returns.
+struct DialogButton {
+  std::string text;
+  ui::ButtonKind kind = ui::ButtonKind::Plain;
+  std::function<void()> action;
+};
+
+/// A panel over the window that has all input until it is closed. What all dialogs share is here:
+/// the dimmed window, the panel in its middle, a row of buttons at the panel's lower right, and one
+/// control that has the keyboard, which Tab moves. A dialog numbers its own controls from 0 in the
+/// order of Tab; the buttons follow them. Window thread only; lengths are device pixels.
+class Dialog : public InputTarget {
+ public:
+  /// A new frame is to be drawn.
+  std::function<void()> onChanged;
+  /// The dialog is done with. Whoever owns it may destroy it during the call.
+  std::function<void()> onClosed;
+
+  /// `style` outlives the dialog.
+  explicit Dialog(const Style& style) : style_(style) {}
+
+  /// The window is this large.
+  void setSize(int width, int height);
+  void paint(ui::Canvas& canvas) const;
+
+  void press(const ui::MouseEvent& event) override;
+  void motion(const ui::MouseEvent& event) override;
+  void release(const ui::MouseEvent& event) override;
+  void leave() override;
+  void wheel(const ui::MouseEvent& /*event*/, int /*dy*/) override {}
+  /// Tab and Shift+Tab move the keyboard; Enter and Space act on what has it, Enter on the default
+  /// button where that does nothing; Escape cancels. Other keys are the dialog's own.
+  virtual void key(const ui::KeyEvent& event);
+  /// Called a few times a second while the dialog is on top. `nowMs` is `ui::Window::now`.
+  virtual void tick(std::int64_t /*nowMs*/) {}
+
+  const ui::Rect& panel() const { return panel_; }
+  /// The control that has the keyboard.
+  int focused() const { return focused_; }
+  const ui::Rect& buttonRect(std::size_t button) const { return buttonRects_[button]; }
+
+ protected:
+  /// Height and width of the panel in a window of `width` x `height`; it is kept inside.
+  virtual ui::Rect wantedPanel(int width, int height) const = 0;
+  /// Puts what is in the panel, apart from the buttons, into `content`.
+  virtual void layOut(const ui::Rect& content) = 0;
+  virtual void paintContent(ui::Canvas& canvas) const = 0;
+
+  /// Controls of the dialog's own, and the one at a place.
+  virtual int controlCount() const { return 0; }
+  virtual ui::PressTracker::Control controlAt(int /*x*/, int /*y*/) const { return std::nullopt; }
+  /// A control of its own was pressed, or Enter or Space on it. False when Enter on it is meant for
+  /// the default button.
+  virtual bool act(int /*control*/) { return false; }
+  virtual void cancel() { close(); }
+  virtual void pressedOutside() {}
+  /// `focused` is another control now.
+  virtual void keyboardMoved() {}
+
+  /// The buttons from left to right.
+  void setButtons(std::vector<DialogButton> buttons);
+  /// The number of a button among the controls.
+  int buttonControl(std::size_t button) const { return controlCount() + static_cast<int>(button); }
+  void giveKeyboardTo(int control);
+  void close();
+  void changed() const;
+
+  const Style& style() const { return style_; }
+  const ui::PressTracker& presses() const { return presses_; }
+  int padding() const;
+  /// Of the row of buttons with the gap above it.
+  int buttonRowHeight() const;
+
+ private:
+  void layOutButtons();
+  ui::PressTracker::Control anyControlAt(int x, int y) const;
+  int totalControls() const { return controlCount() + static_cast<int>(buttons_.size()); }
+  bool actOn(int control);
+  void actOnDefault();
+
+  const Style& style_;
+  ui::Rect window_;
+  ui::Rect panel_;
+  std::vector<DialogButton> buttons_;
+  std::vector<ui::Rect> buttonRects_;
+  ui::PressTracker presses_;
+  int focused_ = 0;
+};
+
+}  // namespace app

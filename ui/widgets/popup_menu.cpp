@@ -1,0 +1,215 @@
+#include "ui/widgets/popup_menu.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "ui/button.h"
+#include "ui/keys.h"
+#include "ui/scroll_bar.h"
+#include "ui/text.h"
+
+namespace app {
+
+namespace {
+
+constexpr std::string_view kTick = "✓";
+constexpr int kPrimaryButton = 1;
+constexpr unsigned long kSpace = ' ';
+
+// Logical pixels.
+constexpr double kRadius = 6;
+constexpr double kPadding = 4;  // between the outline and the entries
+constexpr double kEntryRadius = 4;
+constexpr double kEntryExtraHeight = 4;  // above that of a row
+constexpr double kTextPadding = 12;
+constexpr double kTickGap = 8;
+constexpr double kSeparatorHeight = 9;
+constexpr double kLeastWidth = 160;
+constexpr double kWindowMargin = 4;
+constexpr double kWheelStep = 48;
+
+/// Where a menu `length` long begins that is wanted at `wanted`: before that when it would not end
+/// `margin` before the `end` of the window, but no nearer to the window's beginning.
+int kept(int wanted, int length, int end, int margin) {
+  return std::max(std::min(wanted, end - margin - length), margin);
+}
+
+}  // namespace
+
+PopupMenu::PopupMenu(const Style& style, std::vector<MenuEntry> entries)
+    : style_(style), entries_(std::move(entries)) {}
+
+void PopupMenu::changed() const {
+  if (onChanged) onChanged();
+}
+
+// Places.
+
+int PopupMenu::entryHeight(std::size_t entry) const {
+  return entries_[entry].separates() ? style_.scaled(kSeparatorHeight)
+                                     : style_.rowHeight() + style_.scaled(kEntryExtraHeight);
+}
+
+int PopupMenu::contentHeight() const {
+  int height = 0;
+  for (std::size_t i = 0; i < entries_.size(); ++i) height += entryHeight(i);
+  return height;
+}
+
+/// Of the column of ticks; without any there is none.
+int PopupMenu::tickWidth() const {
+  if (std::ranges::none_of(entries_, &MenuEntry::ticked)) return 0;
+  return style_.textWidth(kTick) + style_.scaled(kTickGap);
+}
+
+int PopupMenu::wantedWidth() const {
+  int widest = 0;
+  for (const MenuEntry& entry : entries_) {
+    widest = std::max(widest, style_.textWidth(entry.label));
+  }
+  const int around = 2 * (style_.scaled(kTextPadding) + style_.scaled(kPadding));
+  return std::max(widest + tickWidth() + around, style_.scaled(kLeastWidth));
+}
+
+void PopupMenu::place(int x, int y, int windowWidth, int windowHeight) {
+  const int margin = style_.scaled(kWindowMargin);
+  const int inner = style_.scaled(kPadding);
+  const int content = contentHeight();
+  const int h = std::clamp(content + 2 * inner, 1, std::max(1, windowHeight - 2 * margin));
+  const int bar = content + 2 * inner > h ? ui::Scroller::kBarWidth : 0;
+  const int w = std::clamp(wantedWidth() + bar, 1, std::max(1, windowWidth - 2 * margin));
+  const bool fitsBelow = y + h <= windowHeight - margin;
+  const bool fitsAbove = y - h >= margin;
+  const int top = !fitsBelow && fitsAbove ? y - h : y;
+  rect_ = {kept(x, w, windowWidth, margin), kept(top, h, windowHeight, margin), w, h};
+  scroller_.setView({rect_.x + inner, rect_.y + inner, w - 2 * inner, h - 2 * inner});
+  scroller_.setContentHeight(content);
+  changed();
+}
+
+ui::Rect PopupMenu::entryRect(std::size_t entry) const {
+  const ui::Rect& view = scroller_.view();
+  int y = view.y - scroller_.offset();
+  for (std::size_t i = 0; i < entry; ++i) y += entryHeight(i);
+  return {view.x, y, view.w - scroller_.barWidth(), entryHeight(entry)};
+}
+
+std::optional<std::size_t> PopupMenu::choosableAt(int x, int y) const {
+  if (!scroller_.view().contains(x, y)) return std::nullopt;
+  for (std::size_t i = 0; i < entries_.size(); ++i) {
+    if (entries_[i].canBeChosen() && entryRect(i).contains(x, y)) return i;
+  }
+  return std::nullopt;
+}
+
+// What the user does.
+
+void PopupMenu::setCurrent(std::optional<std::size_t> entry) {
+  if (current_ == entry) return;
+  current_ = entry;
+  changed();
+}
+
+void PopupMenu::goToFirst() { walk(std::nullopt, MenuStep::Down); }
+
+void PopupMenu::walk(std::optional<std::size_t> from, MenuStep step) {
+  const auto next = nextEntry(entries_, from, step);
+  if (!next) return;
+  const ui::Rect rect = entryRect(*next);
+  scroller_.reveal(rect.y - scroller_.view().y + scroller_.offset(), rect.h);
+  setCurrent(next);
+}
+
+void PopupMenu::close() {
+  // A copy: the menu, and the callable with it, may go while it runs.
+  if (const auto closed = onClosed) closed();
+}
+
+void PopupMenu::choose(std::size_t entry) {
+  const auto action = entries_[entry].action;
+  close();
+  action();
+}
+
+void PopupMenu::press(const ui::MouseEvent& event) {
+  if (!rect_.contains(event.x, event.y)) return close();
+  if (event.button != kPrimaryButton) return;
+  if (scroller_.press(event.x, event.y)) return changed();
+  pressed_ = true;
+  setCurrent(choosableAt(event.x, event.y));
+}
+
+void PopupMenu::motion(const ui::MouseEvent& event) {
+  if (scroller_.drag(event.y)) return changed();
+  setCurrent(choosableAt(event.x, event.y));
+}
+
+void PopupMenu::release(const ui::MouseEvent& event) {
+  if (event.button != kPrimaryButton) return;
+  scroller_.release();
+  if (!std::exchange(pressed_, false)) return;
+  if (const auto entry = choosableAt(event.x, event.y)) choose(*entry);
+}
+
+void PopupMenu::leave() { setCurrent(std::nullopt); }
+
+void PopupMenu::wheel(const ui::MouseEvent& event, int dy) {
+  scroller_.scrollBy(dy * style_.scaled(kWheelStep));
+  setCurrent(choosableAt(event.x, event.y));
+  changed();
+}
+
+void PopupMenu::key(const ui::KeyEvent& event) {
+  switch (ui::key::plain(event.keysym)) {
+    case ui::key::kUp:
+      return walk(current_, MenuStep::Up);
+    case ui::key::kDown:
+      return walk(current_, MenuStep::Down);
+    case ui::key::kHome:
+      return walk(std::nullopt, MenuStep::Down);
+    case ui::key::kEnd:
+      return walk(std::nullopt, MenuStep::Up);
+    case ui::key::kEscape:
+      return close();
+    case ui::key::kReturn:
+    case kSpace:
+      if (current_) choose(*current_);
+      break;
+    default:
+      break;
+  }
+}
+
+// Drawing.
+
+void PopupMenu::paint(ui::Canvas& canvas) const {
+  const ui::Palette& palette = style_.palette();
+  ui::fillOutlined(canvas, rect_, style_.scaled(kRadius), 1, palette.border, palette.view);
+  canvas.pushClip(scroller_.view());
+  for (std::size_t i = 0; i < entries_.size(); ++i) paintEntry(canvas, i);
+  canvas.popClip();
+  ui::drawScrollBar(canvas, scroller_, palette.raised, palette.dimText);
+}
+
+void PopupMenu::paintEntry(ui::Canvas& canvas, std::size_t entry) const {
+  const ui::Palette& palette = style_.palette();
+  const MenuEntry& shown = entries_[entry];
+  const ui::Rect rect = entryRect(entry);
+  const int padding = style_.scaled(kTextPadding);
+  if (shown.separates()) {
+    canvas.fillRect({rect.x, rect.y + rect.h / 2, rect.w, std::max(1, style_.scaled(1))},
+                    palette.border);
+    return;
+  }
+  const bool current = current_ == entry;
+  if (current) canvas.fillRoundRect(rect, style_.scaled(kEntryRadius), palette.accent);
+  const ui::Colour enabled = current ? palette.accentText : palette.text;
+  const ui::Colour colour = shown.canBeChosen() ? enabled : palette.dimText;
+  const ui::Rect line = {rect.x + padding, rect.y, rect.w - 2 * padding, rect.h};
+  if (shown.ticked) ui::drawText(canvas, line, kTick, style_.body(), colour);
+  const int tick = tickWidth();
+  ui::drawText(canvas, {line.x + tick, line.y, line.w - tick, line.h}, shown.label, style_.body(),
+               colour);
+}
+
+}  // namespace app

@@ -1,0 +1,35 @@
+#include "ui/widgets/style.h"
+
+#include <algorithm>
+
+#include "ui/text.h"
+
+namespace app {
+
+namespace {
+
+// Points.
+constexpr double kBodySize = 10;
+constexpr double kHeadingSize = 15;
+
+// Logical pixels.
+constexpr double kUsualLineHeight = 16;
+constexpr double kRowHeight = 22;
+constexpr double kLeastRowPadding = 3;
+
+}  // namespace
+
+Style::Style(ui::Connection& connection, const ui::Palette& palette)
+    : connection_(connection),
+      palette_(palette),
+      body_(connection.font(kBodySize, ui::FontWeight::Regular)),
+      heading_(connection.font(kHeadingSize, ui::FontWeight::Bold)),
+      lineHeight_(body_.font ? body_.height : connection.scaled(kUsualLineHeight)),
+      rowHeight_(std::max(connection.scaled(kRowHeight),
+                          lineHeight_ + connection.scaled(kLeastRowPadding))) {}
+
+int Style::textWidth(std::string_view text) const {
+  return ui::textWidth(connection_, body_, text);
+}
+
+}  // namespace app
