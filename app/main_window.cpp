@@ -191,7 +191,7 @@ void MainWindow::tick() {
   const std::int64_t now = ui::Window::now();
   if (!scanShown() && now >= nextVolumes_) refreshVolumes();
   screen_->tick(now);
-  if (Dialog* dialog = dialogs_.top()) dialog->tick(now);
+  if (ui::Dialog* dialog = dialogs_.top()) dialog->tick(now);
   if (const auto file = captureCountdown_.tick(scanShown() && !endShown_)) {
     scan_.drawAtOnce();
     window_.invalidate();
@@ -248,7 +248,7 @@ void MainWindow::updatePointer() {
   window_.setPointer(covered ? ui::PointerShape::Arrow : screen_->pointer());
 }
 
-void MainWindow::openDialog(std::unique_ptr<Dialog> dialog) {
+void MainWindow::openDialog(std::unique_ptr<ui::Dialog> dialog) {
   closeMenu();
   screen_->hide();  // nothing below is pressed or under the pointer while the dialog is open
   dialogs_.open(std::move(dialog));
@@ -275,9 +275,9 @@ void MainWindow::showApplicationMenu(int x, int y) {
   openMenu(applicationMenu(commandState(), [this](Command command) { perform(command); }), x, y);
 }
 
-void MainWindow::openMenu(std::vector<MenuEntry> entries, int x, int y) {
+void MainWindow::openMenu(std::vector<ui::MenuEntry> entries, int x, int y) {
   screen_->hide();  // nothing below is pressed or under the pointer while the menu is open
-  menu_ = std::make_unique<PopupMenu>(style_, std::move(entries));
+  menu_ = std::make_unique<ui::PopupMenu>(style_, std::move(entries));
   menu_->onChanged = [this] { window_.invalidate(); };
   menu_->onClosed = [this] { closeMenu(); };
   menu_->place(x, y, window_.width(), window_.height());
@@ -297,21 +297,21 @@ void MainWindow::openMenuByKey() {
 }
 
 void MainWindow::showMessage(const std::string& title, const std::string& text) {
-  openDialog(std::make_unique<MessageDialog>(connection_, style_, title, text, okButton()));
+  openDialog(std::make_unique<ui::MessageDialog>(connection_, style_, title, text, ui::okButton()));
 }
 
 void MainWindow::updateTitle() {
   window_.setTitle(windowTitle(scanShown() ? controller_.path() : std::string()));
 }
 
-InputTarget& MainWindow::inputTarget() {
+ui::InputTarget& MainWindow::inputTarget() {
   if (menu_) return *menu_;
-  if (Dialog* dialog = dialogs_.top()) return *dialog;
+  if (ui::Dialog* dialog = dialogs_.top()) return *dialog;
   return *screen_;
 }
 
 void MainWindow::press(const ui::MouseEvent& event) {
-  InputTarget& target = inputTarget();
+  ui::InputTarget& target = inputTarget();
   // A quick second press belongs to what took the first one; a menu knows no double presses.
   if (event.clicks > 1 && !menu_ && target.serial() != pressTarget_) return;
   pressTarget_ = target.serial();
@@ -326,7 +326,7 @@ void MainWindow::motion(const ui::MouseEvent& event) {
 }
 
 void MainWindow::tellPointer() {
-  InputTarget& target = inputTarget();
+  ui::InputTarget& target = inputTarget();
   pointerTarget_ = target.serial();
   target.motion(*pointer_);
 }
@@ -341,7 +341,7 @@ void MainWindow::wheel(const ui::MouseEvent& event, int dy) { inputTarget().whee
 void MainWindow::leave() {
   pointer_.reset();
   screen_->leave();
-  if (Dialog* dialog = dialogs_.top()) dialog->leave();
+  if (ui::Dialog* dialog = dialogs_.top()) dialog->leave();
   if (menu_) menu_->leave();
 }
 
@@ -357,7 +357,7 @@ void MainWindow::handleKey(const ui::KeyEvent& event) {
     perform(*command);
   } else if (menu_) {
     menu_->key(event);
-  } else if (Dialog* dialog = dialogs_.top()) {
+  } else if (ui::Dialog* dialog = dialogs_.top()) {
     dialog->key(event);
   } else if (ui::key::plain(event.keysym) == ui::key::kEscape) {
     escape();

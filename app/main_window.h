@@ -70,7 +70,7 @@ class MainWindow {
   void tellPointer();
   void updateTitle();
   /// The menu, dialog or screen that has the input.
-  InputTarget& inputTarget();
+  ui::InputTarget& inputTarget();
   void press(const ui::MouseEvent& event);
   void motion(const ui::MouseEvent& event);
   void release(const ui::MouseEvent& event);
@@ -81,7 +81,7 @@ class MainWindow {
   void escape();
   void perform(Command command);
   CommandState commandState() const;
-  void openDialog(std::unique_ptr<Dialog> dialog);
+  void openDialog(std::unique_ptr<ui::Dialog> dialog);
   void chooseFolder();
   /// Shows the scan as stopped, which it soon will be.
   void stopScan();
@@ -90,7 +90,7 @@ class MainWindow {
   /// The menus hang from a place of the window.
   void showMeasureMenu(int x, int y);
   void showApplicationMenu(int x, int y);
-  void openMenu(std::vector<MenuEntry> entries, int x, int y);
+  void openMenu(std::vector<ui::MenuEntry> entries, int x, int y);
   void closeMenu();
   void openMenuByKey();
   void copyPath();
@@ -106,7 +106,7 @@ class MainWindow {
   void volumeMeasured(const std::string& path, const sizewalk::VolumeUsage& usage);
 
   ui::Connection& connection_;
-  const Style style_;
+  const ui::Style style_;
   ui::Icon icon_;
   KindColours colours_;
   MeasureSettings measure_;
@@ -121,9 +121,9 @@ class MainWindow {
   Screen* screen_ = &welcome_;
   /// Above the dialogs: a chooser uses it to its end.
   FolderLister folderLister_;
-  DialogLayer dialogs_;
+  ui::DialogLayer dialogs_;
   /// Above the dialogs; null when none is open.
-  std::unique_ptr<PopupMenu> menu_;
+  std::unique_ptr<ui::PopupMenu> menu_;
   // Serial numbers of input targets, 0 for none.
   /// What took the last press.
   std::uint64_t pressTarget_ = 0;

@@ -13,11 +13,12 @@ constexpr Measure kMeasures[] = {Measure::CurrentSize, Measure::AddedLastMonth,
 
 }  // namespace
 
-std::vector<MenuEntry> applicationMenu(const CommandState& state, const PerformCommand& perform) {
+std::vector<ui::MenuEntry> applicationMenu(const CommandState& state,
+                                           const PerformCommand& perform) {
   const auto entry = [&](std::string label, Command command) {
-    return MenuEntry{.label = std::move(label),
-                     .enabled = isEnabled(command, state),
-                     .action = [perform, command] { perform(command); }};
+    return ui::MenuEntry{.label = std::move(label),
+                         .enabled = isEnabled(command, state),
+                         .action = [perform, command] { perform(command); }};
   };
   return {entry(std::string(kOpenText), Command::LeaveScan),
           entry(std::string(kRescanText), Command::Rescan),
@@ -27,8 +28,8 @@ std::vector<MenuEntry> applicationMenu(const CommandState& state, const PerformC
           entry("Settings…", Command::OpenSettings)};
 }
 
-std::vector<MenuEntry> measureMenu(Measure current, const PerformCommand& perform) {
-  std::vector<MenuEntry> entries;
+std::vector<ui::MenuEntry> measureMenu(Measure current, const PerformCommand& perform) {
+  std::vector<ui::MenuEntry> entries;
   for (const Measure measure : kMeasures) {
     entries.push_back({.label = std::string(measureName(measure)),
                        .action = [perform, measure] { perform(commandThatShows(measure)); },

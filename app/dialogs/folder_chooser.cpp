@@ -37,9 +37,9 @@ ui::Rect inset(const ui::Rect& rect, int dx, int dy = 0) {
 
 }  // namespace
 
-FolderChooser::FolderChooser(const Style& style, std::vector<FolderPlace> places,
+FolderChooser::FolderChooser(const ui::Style& style, std::vector<FolderPlace> places,
                              FolderLister& lister)
-    : Dialog(style), places_(std::move(places)), lister_(lister) {
+    : ui::Dialog(style), places_(std::move(places)), lister_(lister) {
   lister_.onListed = [this](const std::string& path, FolderListing listing) {
     // The user may have left that folder meanwhile, or come back to it.
     if (path == path_ && !listing_) listed(std::move(listing));
@@ -147,7 +147,7 @@ void FolderChooser::press(const ui::MouseEvent& event) {
     changed();
     return;
   }
-  Dialog::press(event);
+  ui::Dialog::press(event);
 }
 
 /// Rows act when they are pressed, not when they are let go: a second press follows.
@@ -178,7 +178,7 @@ void FolderChooser::pressRow(std::size_t row, int clicks) {
 }
 
 void FolderChooser::motion(const ui::MouseEvent& event) {
-  Dialog::motion(event);
+  ui::Dialog::motion(event);
   const bool places = placesColumn_.motion(event.x, event.y);
   if (listColumn_.motion(event.x, event.y) || places) changed();
 }
@@ -188,11 +188,11 @@ void FolderChooser::release(const ui::MouseEvent& event) {
     placesColumn_.release();
     listColumn_.release();
   }
-  Dialog::release(event);  // after which the chooser may be gone
+  ui::Dialog::release(event);  // after which the chooser may be gone
 }
 
 void FolderChooser::leave() {
-  Dialog::leave();
+  ui::Dialog::leave();
   const bool places = placesColumn_.leave();
   if (listColumn_.leave() || places) changed();
 }
@@ -213,7 +213,7 @@ void FolderChooser::key(const ui::KeyEvent& event) {
   const bool taken = focused() == kList     ? keyInList(event)
                      : focused() == kPlaces ? keyInPlaces(ui::key::plain(event.keysym))
                                             : false;
-  if (!taken) Dialog::key(event);
+  if (!taken) ui::Dialog::key(event);
 }
 
 bool FolderChooser::keyAnywhere(const ui::KeyEvent& event) {
@@ -316,7 +316,7 @@ void FolderChooser::paintPath(ui::Canvas& canvas) const {
 void FolderChooser::paintPlaces(ui::Canvas& canvas) const {
   const ui::Palette& palette = style().palette();
   canvas.pushClip(placesColumn_.view());
-  const RowRange seen = placesColumn_.visible();
+  const ui::RowRange seen = placesColumn_.visible();
   for (std::size_t row = seen.first; row < seen.last; ++row) paintPlace(canvas, row);
   canvas.popClip();
   ui::drawScrollBar(canvas, placesColumn_.scroller(), palette.raised, palette.dimText);
@@ -346,7 +346,7 @@ void FolderChooser::paintList(ui::Canvas& canvas) const {
   ui::fillOutlined(canvas, listFrame_, 0, hasKeyboard ? ui::focusRingWidth(style().scale()) : 1,
                    hasKeyboard ? palette.accent : palette.border, palette.base);
   canvas.pushClip(listColumn_.view());
-  const RowRange seen = listColumn_.visible();
+  const ui::RowRange seen = listColumn_.visible();
   for (std::size_t row = seen.first; row < seen.last; ++row) paintRow(canvas, row);
   ui::drawText(canvas, listColumn_.view(), message(), style().body(), palette.dimText,
                ui::Align::Centre);

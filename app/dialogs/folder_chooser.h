@@ -20,7 +20,7 @@ namespace app {
 /// Arrows move through the list or the places, whichever has the keyboard, left and right between
 /// the two; letters search the list. Enter goes into the selected folder or to the place, Backspace
 /// goes up, and Ctrl+Enter scans.
-class FolderChooser : public Dialog {
+class FolderChooser : public ui::Dialog {
  public:
   /// The controls that come before the buttons.
   enum Control : int { kUp, kPlaces, kList };
@@ -32,7 +32,7 @@ class FolderChooser : public Dialog {
 
   /// Shows the first of `places`, of which there is at least one. `style` and `lister` outlive the
   /// chooser, which is the only one to use the lister while it is there.
-  FolderChooser(const Style& style, std::vector<FolderPlace> places, FolderLister& lister);
+  FolderChooser(const ui::Style& style, std::vector<FolderPlace> places, FolderLister& lister);
   ~FolderChooser() override;
 
   void press(const ui::MouseEvent& event) override;
@@ -51,8 +51,8 @@ class FolderChooser : public Dialog {
   /// What is said where the list would be; empty while there is a list.
   std::string message() const;
 
-  const RowColumn& listColumn() const { return listColumn_; }
-  const RowColumn& placesColumn() const { return placesColumn_; }
+  const ui::RowColumn& listColumn() const { return listColumn_; }
+  const ui::RowColumn& placesColumn() const { return placesColumn_; }
   const ui::Rect& pathBox() const { return pathBox_; }
   const ui::Rect& upButton() const { return upButton_; }
 
@@ -94,14 +94,14 @@ class FolderChooser : public Dialog {
   std::optional<std::size_t> selected_;
   /// The place that Enter goes to while the places have the keyboard.
   std::size_t currentPlace_ = 0;
-  TypeAhead typeAhead_;
+  ui::TypeAhead typeAhead_;
 
   ui::Rect heading_;
   ui::Rect pathBox_;
   ui::Rect upButton_;
   ui::Rect listFrame_;
-  RowColumn placesColumn_;
-  RowColumn listColumn_;
+  ui::RowColumn placesColumn_;
+  ui::RowColumn listColumn_;
 };
 
 }  // namespace app

@@ -37,8 +37,9 @@ int heightOf(const auto& places) {
 
 }  // namespace
 
-SettingsDialog::SettingsDialog(ui::Connection& connection, const Style& style, SettingsStore& store)
-    : Dialog(style),
+SettingsDialog::SettingsDialog(ui::Connection& connection, const ui::Style& style,
+                               SettingsStore& store)
+    : ui::Dialog(style),
       connection_(connection),
       store_(store),
       small_(connection.font(kSmallSize, ui::FontWeight::Regular)),
@@ -140,7 +141,7 @@ void SettingsDialog::press(const ui::MouseEvent& event) {
   if (event.button == kPrimaryButton && scroller_.press(event.x, event.y)) {
     changed();
   } else {
-    Dialog::press(event);
+    ui::Dialog::press(event);
   }
 }
 
@@ -149,18 +150,18 @@ void SettingsDialog::motion(const ui::MouseEvent& event) {
   if (scroller_.drag(event.y)) {
     changed();
   } else {
-    Dialog::motion(event);
+    ui::Dialog::motion(event);
   }
 }
 
 void SettingsDialog::release(const ui::MouseEvent& event) {
   if (event.button == kPrimaryButton) scroller_.release();
-  Dialog::release(event);
+  ui::Dialog::release(event);
 }
 
 void SettingsDialog::leave() {
   pointer_.reset();
-  Dialog::leave();
+  ui::Dialog::leave();
 }
 
 void SettingsDialog::wheel(const ui::MouseEvent& /*event*/, int dy) {
@@ -171,7 +172,7 @@ void SettingsDialog::wheel(const ui::MouseEvent& /*event*/, int dy) {
 
 /// Another row may have come below the pointer.
 void SettingsDialog::hoverAnew() {
-  if (pointer_) Dialog::motion(*pointer_);
+  if (pointer_) ui::Dialog::motion(*pointer_);
 }
 
 void SettingsDialog::keyboardMoved() {
@@ -203,7 +204,7 @@ void SettingsDialog::key(const ui::KeyEvent& event) {
   } else if (keysym == ui::key::kReturn && focused() < controlCount()) {
     close();
   } else {
-    Dialog::key(event);
+    ui::Dialog::key(event);
   }
 }
 

@@ -16,13 +16,13 @@ namespace app {
 /// The settings, a row with a switch for each. A press on a row, or Space on the one that has the
 /// keyboard, flips its setting at once. Rows that the panel has no room for are scrolled to; the
 /// heading and the buttons stay.
-class SettingsDialog : public Dialog {
+class SettingsDialog : public ui::Dialog {
  public:
   /// A setting was flipped, or all were reset.
   std::function<void()> onSettingsChanged;
 
   /// `connection` and `store` outlive the dialog.
-  SettingsDialog(ui::Connection& connection, const Style& style, SettingsStore& store);
+  SettingsDialog(ui::Connection& connection, const ui::Style& style, SettingsStore& store);
 
   void press(const ui::MouseEvent& event) override;
   void motion(const ui::MouseEvent& event) override;

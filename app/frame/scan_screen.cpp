@@ -15,7 +15,7 @@ namespace {
 constexpr int kPrimaryButton = 1;
 }  // namespace
 
-ScanScreen::ScanScreen(ui::Connection& connection, const Style& style, KindColours& colours,
+ScanScreen::ScanScreen(ui::Connection& connection, const ui::Style& style, KindColours& colours,
                        BackgroundRender::Post post)
     : style_(style),
       colours_(colours),
@@ -115,11 +115,11 @@ void ScanScreen::addPointerTargets() {
                      .release = {},
                      .leave = [this] { map_.leave(); },
                      .wheel = [this](const auto& e, int dy) { map_.wheel(e, dy); }});
-  const PointerRouter::Target divider = {.press = [this](const auto& e) { dividers_.press(e); },
-                                         .motion = [this](const auto& e) { dividers_.drag(e); },
-                                         .release = ifPrimary([this] { dividers_.release(); }),
-                                         .leave = {},
-                                         .wheel = {}};
+  const ui::PointerRouter::Target divider = {.press = [this](const auto& e) { dividers_.press(e); },
+                                             .motion = [this](const auto& e) { dividers_.drag(e); },
+                                             .release = ifPrimary([this] { dividers_.release(); }),
+                                             .leave = {},
+                                             .wheel = {}};
   mainDividerTarget_ = pointers_.add(divider);
   kindsDividerTarget_ = pointers_.add(divider);
 }

@@ -54,7 +54,7 @@ class ScanScreen : public Screen {
   std::function<void(sizewalk::NodeId)> onOpenFile;
 
   /// All outlive the view. Without `post` the map is never drawn in the background.
-  ScanScreen(ui::Connection& connection, const Style& style, KindColours& colours,
+  ScanScreen(ui::Connection& connection, const ui::Style& style, KindColours& colours,
              BackgroundRender::Post post = {});
 
   /// Shows `tree`, which outlives being shown, from the scanned folder on; nothing when it is null.
@@ -127,7 +127,7 @@ class ScanScreen : public Screen {
   void cycleKeyboard(bool backwards);
   void activate(sizewalk::NodeId node);
 
-  const Style& style_;
+  const ui::Style& style_;
   KindColours& colours_;
   const sizewalk::FileTree* tree_ = nullptr;
   MeasureSettings measure_;
@@ -146,13 +146,13 @@ class ScanScreen : public Screen {
   TreemapPicture picture_;
   TreemapView map_;
   StatusLine statusLine_;
-  PointerRouter pointers_;
-  PointerRouter::Index toolbarTarget_ = 0;
-  PointerRouter::Index listTarget_ = 0;
-  PointerRouter::Index kindsTarget_ = 0;
-  PointerRouter::Index mapTarget_ = 0;
-  PointerRouter::Index mainDividerTarget_ = 0;
-  PointerRouter::Index kindsDividerTarget_ = 0;
+  ui::PointerRouter pointers_;
+  ui::PointerRouter::Index toolbarTarget_ = 0;
+  ui::PointerRouter::Index listTarget_ = 0;
+  ui::PointerRouter::Index kindsTarget_ = 0;
+  ui::PointerRouter::Index mapTarget_ = 0;
+  ui::PointerRouter::Index mainDividerTarget_ = 0;
+  ui::PointerRouter::Index kindsDividerTarget_ = 0;
   Part keyboard_ = Part::List;
   // What the next `prepare` has to do.
   bool treeDirty_ = false;

@@ -12,7 +12,7 @@ namespace app {
 
 /// What fills the window: the welcome or a scan. The main window shows one of them at a time and
 /// hands it all input. Window thread only; lengths are device pixels, the screen covers the window.
-class Screen : public InputTarget {
+class Screen : public ui::InputTarget {
  public:
   /// A new frame is to be drawn.
   std::function<void()> onChanged;

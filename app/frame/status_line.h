@@ -27,7 +27,7 @@ StatusLayout layOutStatus(const std::string& left, const std::string& right, con
 class StatusLine {
  public:
   /// `style` outlives the line.
-  explicit StatusLine(const Style& style) : style_(style) {}
+  explicit StatusLine(const ui::Style& style) : style_(style) {}
 
   // These return whether what the line shows has changed.
 
@@ -44,7 +44,7 @@ class StatusLine {
  private:
   void layOut();
 
-  const Style& style_;
+  const ui::Style& style_;
   ui::Rect rect_;
   std::string left_;
   std::string right_;

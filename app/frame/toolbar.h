@@ -27,7 +27,7 @@ class Toolbar {
   std::function<void(sizewalk::NodeId)> onSegment;
 
   /// `style` outlives the toolbar.
-  explicit Toolbar(const Style& style) : style_(style) {}
+  explicit Toolbar(const ui::Style& style) : style_(style) {}
 
   // These return whether what the toolbar shows has changed.
 
@@ -55,7 +55,7 @@ class Toolbar {
   void paintSegments(ui::Canvas& canvas) const;
   void paintSegment(ui::Canvas& canvas, const BreadcrumbSegment& segment) const;
 
-  const Style& style_;
+  const ui::Style& style_;
   ui::Rect rect_;
   ToolbarState state_;
   /// Whether the tree held the folder in focus when it was laid out: a scan shows its folder only

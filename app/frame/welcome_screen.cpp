@@ -6,7 +6,7 @@
 
 namespace app {
 
-WelcomeScreen::WelcomeScreen(const Style& style, ui::Icon& icon)
+WelcomeScreen::WelcomeScreen(const ui::Style& style, ui::Icon& icon)
     : style_(style), toolbar_(style), view_(style, icon) {
   toolbar_.onAppMenu = [this](const ui::Rect& place) {
     if (onAppMenu) onAppMenu(place);

@@ -23,7 +23,7 @@ class WelcomeScreen : public Screen {
   std::function<void(const ui::Rect&)> onAppMenu;
 
   /// Both outlive the screen.
-  WelcomeScreen(const Style& style, ui::Icon& icon);
+  WelcomeScreen(const ui::Style& style, ui::Icon& icon);
 
   void setCards(std::vector<VolumeCard> cards);
 
@@ -46,12 +46,12 @@ class WelcomeScreen : public Screen {
     if (change) changed();
   }
 
-  const Style& style_;
+  const ui::Style& style_;
   Toolbar toolbar_;
   WelcomeView view_;
-  PointerRouter pointers_;
-  PointerRouter::Index toolbarTarget_;
-  PointerRouter::Index viewTarget_;
+  ui::PointerRouter pointers_;
+  ui::PointerRouter::Index toolbarTarget_;
+  ui::PointerRouter::Index viewTarget_;
 };
 
 }  // namespace app

@@ -24,7 +24,7 @@ class WelcomeView {
   std::function<void()> onChooseFolder;
 
   /// Both outlive the view.
-  WelcomeView(const Style& style, ui::Icon& icon) : style_(style), icon_(icon) {}
+  WelcomeView(const ui::Style& style, ui::Icon& icon) : style_(style), icon_(icon) {}
 
   // These return whether what the view shows has changed.
 
@@ -64,7 +64,7 @@ class WelcomeView {
   void paintBar(ui::Canvas& canvas, const VolumeCard& card, const ui::Rect& track) const;
   void paintChooseButton(ui::Canvas& canvas) const;
 
-  const Style& style_;
+  const ui::Style& style_;
   ui::Icon& icon_;
   ui::Rect rect_;
   std::vector<VolumeCard> cards_;

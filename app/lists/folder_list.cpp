@@ -56,7 +56,7 @@ struct FolderList::RowColours {
   ui::Colour rest;
 };
 
-FolderList::FolderList(const Style& style, const KindColours* colours, Selection& selection)
+FolderList::FolderList(const ui::Style& style, const KindColours* colours, Selection& selection)
     : style_(style), colours_(colours), selection_(selection) {}
 
 // What is shown.
@@ -91,8 +91,9 @@ void FolderList::changeRows(const std::function<void()>& change) {
   keepingPendingRow(change);
   if (!currentRow()) current_ = rowCount() > 0 ? std::optional(kRootNode) : std::nullopt;
   if (const auto row = kept ? rows_.find(kept->node) : std::nullopt) {
-    const std::int64_t offset = rowTop(*row, style_.rowHeight()) - kept->distance;
-    scroller_.scrollTo(static_cast<int>(std::clamp<std::int64_t>(offset, 0, kMostContentHeight)));
+    const std::int64_t offset = ui::rowTop(*row, style_.rowHeight()) - kept->distance;
+    scroller_.scrollTo(
+        static_cast<int>(std::clamp<std::int64_t>(offset, 0, ui::kMostContentHeight)));
   }
   changed();
 }
@@ -101,7 +102,7 @@ void FolderList::keepingPendingRow(const std::function<void()>& change) {
   std::optional<NodeId> pending;
   if (pendingRow_ >= 0) pending = nodeAt(static_cast<std::size_t>(pendingRow_));
   change();
-  scroller_.setContentHeight(contentHeight(rowCount(), style_.rowHeight()));
+  scroller_.setContentHeight(ui::contentHeight(rowCount(), style_.rowHeight()));
   const auto row = pending ? rows_.find(*pending) : std::nullopt;
   pendingRow_ = row ? static_cast<std::ptrdiff_t>(*row) : -1;
 }
@@ -110,12 +111,13 @@ void FolderList::keepingPendingRow(const std::function<void()>& change) {
 std::optional<FolderList::KeptRow> FolderList::rowToKeep() const {
   const auto kept = [this](std::size_t row) -> std::optional<KeptRow> {
     if (!isInView(row) || !rows_.leadsTo(nodeAt(row))) return std::nullopt;
-    return KeptRow{nodeAt(row), rowTop(row, style_.rowHeight()) - scroller_.offset()};
+    return KeptRow{nodeAt(row), ui::rowTop(row, style_.rowHeight()) - scroller_.offset()};
   };
   for (const auto& row : {hoveredRow(), currentRow()}) {
     if (const auto result = row ? kept(*row) : std::nullopt) return result;
   }
-  const RowRange seen = visibleRows(scroller_.offset(), rect_.h, style_.rowHeight(), rowCount());
+  const ui::RowRange seen =
+      ui::visibleRows(scroller_.offset(), rect_.h, style_.rowHeight(), rowCount());
   for (const bool selected : {true, false}) {
     for (std::size_t row = seen.first; row < seen.last; ++row) {
       if (selected && !selection_.contains(nodeAt(row))) continue;
@@ -170,8 +172,8 @@ void FolderList::scrollToRow(std::size_t row) {
 void FolderList::update() {
   if (pendingRow_ < 0 || rect_.empty()) return;
   const int height = style_.rowHeight();
-  const std::int64_t top = rowTop(static_cast<std::size_t>(pendingRow_), height);
-  scroller_.reveal(static_cast<int>(std::min<std::int64_t>(top, kMostContentHeight)), height);
+  const std::int64_t top = ui::rowTop(static_cast<std::size_t>(pendingRow_), height);
+  scroller_.reveal(static_cast<int>(std::min<std::int64_t>(top, ui::kMostContentHeight)), height);
   pendingRow_ = -1;
 }
 
@@ -182,7 +184,8 @@ void FolderList::paint(ui::Canvas& canvas) const {
   canvas.fillRect(rect_, palette.view);
   if (!tree_) return;
   canvas.pushClip(rect_);
-  const RowRange seen = visibleRows(scroller_.offset(), rect_.h, style_.rowHeight(), rowCount());
+  const ui::RowRange seen =
+      ui::visibleRows(scroller_.offset(), rect_.h, style_.rowHeight(), rowCount());
   bool currentSeen = false;
   for (std::size_t row = seen.first; row < seen.last; ++row) {
     paintRow(canvas, row);
@@ -198,7 +201,7 @@ FolderList::RowPlaces FolderList::placesOf(std::size_t row) const {
   const int sizeColumn = style_.scaled(kSizeColumnWidth);
   const int right = rect_.x + rect_.w;
   const int bar = scroller_.barWidth();
-  const int y = rect_.y + rowPlace(rowTop(row, height), scroller_.offset());
+  const int y = rect_.y + ui::rowPlace(ui::rowTop(row, height), scroller_.offset());
   const int mid = y + height / 2;
   const int x0 = rect_.x + rows_.rows()[row].depth * style_.scaled(kIndent) + kLeftMargin;
   const int nameX = x0 + kNamePlace;
@@ -230,7 +233,7 @@ void FolderList::paintRow(ui::Canvas& canvas, std::size_t row) const {
   }
   paintTexts(canvas, places, node, colours);
   if (focused_ && current_ == node) {
-    canvas.strokeRect(ringPlace(rowRect(row), selected),
+    canvas.strokeRect(ui::ringPlace(rowRect(row), selected),
                       selected ? palette.accentText : palette.accent);
   }
 }
@@ -268,8 +271,8 @@ ui::Rect FolderList::rowRect(std::size_t row) const {
 
 std::optional<std::size_t> FolderList::rowAt(int x, int y) const {
   if (!rect_.contains(x, y) || scroller_.bar().contains(x, y)) return std::nullopt;
-  return rowAtOffset(std::int64_t{y} - rect_.y + scroller_.offset(), style_.rowHeight(),
-                     rowCount());
+  return ui::rowAtOffset(std::int64_t{y} - rect_.y + scroller_.offset(), style_.rowHeight(),
+                         rowCount());
 }
 
 std::optional<NodeId> FolderList::hovered() const {
@@ -294,7 +297,7 @@ std::optional<std::size_t> FolderList::parentRow(std::size_t row) const {
 }
 
 bool FolderList::isInView(std::size_t row) const {
-  return showsInView(row, scroller_.offset(), rect_.h, style_.rowHeight());
+  return ui::showsInView(row, scroller_.offset(), rect_.h, style_.rowHeight());
 }
 
 // The pointer.
@@ -439,7 +442,7 @@ bool FolderList::keyWithCtrl(const ui::KeyEvent& event, std::size_t row) {
 
 /// The row that a key which moves through the rows leads to.
 std::optional<std::size_t> FolderList::rowAfterKey(unsigned long keysym, std::size_t row) const {
-  const auto page = rowsInPage(rect_.h, style_.rowHeight());
+  const auto page = ui::rowsInPage(rect_.h, style_.rowHeight());
   const std::size_t last = rowCount() - 1;
   switch (keysym) {
     case ui::key::kUp:

@@ -39,7 +39,7 @@ class FolderList {
   std::function<void(sizewalk::NodeId, int x, int y)> onContextMenu;
 
   /// All outlive the list. Without `colours` rows have no swatches.
-  FolderList(const Style& style, const KindColours* colours, Selection& selection);
+  FolderList(const ui::Style& style, const KindColours* colours, Selection& selection);
 
   /// Shows `tree`, which outlives being shown, from the top with the scanned folder open; nothing
   /// when it is null. Clearing the selection, which held nodes of another tree, is up to the owner.
@@ -134,7 +134,7 @@ class FolderList {
   void askForMenuAt(std::size_t row);
   bool typeAhead(const ui::KeyEvent& event, std::int64_t nowMs, std::size_t row);
 
-  const Style& style_;
+  const ui::Style& style_;
   const KindColours* colours_;
   Selection& selection_;
   const sizewalk::FileTree* tree_ = nullptr;
@@ -142,7 +142,7 @@ class FolderList {
   FolderRows rows_;
   ui::Rect rect_;
   ui::Scroller scroller_;
-  TypeAhead typeAhead_;
+  ui::TypeAhead typeAhead_;
   bool focused_ = false;
   std::ptrdiff_t pendingRow_ = -1;
   std::optional<sizewalk::NodeId> current_;

@@ -58,7 +58,7 @@ void KindsTable::setRows(std::vector<KindRow> rows) {
   const std::size_t currentRow = find(current_).value_or(0);
   rows_ = std::move(rows);
   sortKindRows(rows_, sort_);
-  scroller_.setContentHeight(contentHeight(rows_.size(), style_.rowHeight()));
+  scroller_.setContentHeight(ui::contentHeight(rows_.size(), style_.rowHeight()));
   if (const auto row = kept ? find(keptKind) : std::nullopt) {
     scroller_.scrollBy(rowRect(*row).y - keptY);
   }
@@ -77,7 +77,7 @@ std::optional<std::size_t> KindsTable::rowToKeep() const {
     if (row && isInView(*row)) return row;
   }
   if (scroller_.offset() == 0) return std::nullopt;
-  return rowAtOffset(scroller_.offset(), style_.rowHeight(), rows_.size());
+  return ui::rowAtOffset(scroller_.offset(), style_.rowHeight(), rows_.size());
 }
 
 void KindsTable::setRect(const ui::Rect& rect) {
@@ -122,8 +122,8 @@ void KindsTable::paint(ui::Canvas& canvas) const {
   canvas.pushClip(rect_);
   paintHeader(canvas);
   canvas.pushClip(scroller_.view());
-  const RowRange seen =
-      visibleRows(scroller_.offset(), scroller_.view().h, style_.rowHeight(), rows_.size());
+  const ui::RowRange seen =
+      ui::visibleRows(scroller_.offset(), scroller_.view().h, style_.rowHeight(), rows_.size());
   bool currentSeen = false;
   for (std::size_t row = seen.first; row < seen.last; ++row) {
     paintRow(canvas, row);
@@ -174,7 +174,8 @@ void KindsTable::paintRow(ui::Canvas& canvas, std::size_t row) const {
   draw(places.size, formatSize(signedSize(kind.size)), ui::Align::Right);
   draw(places.files, formatCount(kind.files), ui::Align::Right);
   if (focused_ && current_ == kind.kind) {
-    canvas.strokeRect(ringPlace(place, selected), selected ? palette.accentText : palette.accent);
+    canvas.strokeRect(ui::ringPlace(place, selected),
+                      selected ? palette.accentText : palette.accent);
   }
 }
 
@@ -186,15 +187,15 @@ KindColumns KindsTable::columns() const {
 
 ui::Rect KindsTable::rowRect(std::size_t row) const {
   const int height = style_.rowHeight();
-  const int y = scroller_.view().y + rowPlace(rowTop(row, height), scroller_.offset());
+  const int y = scroller_.view().y + ui::rowPlace(ui::rowTop(row, height), scroller_.offset());
   return {rect_.x, y, rect_.w - scroller_.barWidth(), height};
 }
 
 std::optional<std::size_t> KindsTable::rowAt(int x, int y) const {
   const ui::Rect& body = scroller_.view();
   if (!body.contains(x, y) || scroller_.bar().contains(x, y)) return std::nullopt;
-  return rowAtOffset(std::int64_t{y} - body.y + scroller_.offset(), style_.rowHeight(),
-                     rows_.size());
+  return ui::rowAtOffset(std::int64_t{y} - body.y + scroller_.offset(), style_.rowHeight(),
+                         rows_.size());
 }
 
 std::optional<std::size_t> KindsTable::hoveredRow() const {
@@ -208,7 +209,7 @@ std::optional<std::size_t> KindsTable::find(std::optional<int> kind) const {
 }
 
 bool KindsTable::isInView(std::size_t row) const {
-  return showsInView(row, scroller_.offset(), scroller_.view().h, style_.rowHeight());
+  return ui::showsInView(row, scroller_.offset(), scroller_.view().h, style_.rowHeight());
 }
 
 // The pointer.
@@ -257,7 +258,7 @@ void KindsTable::wheel(int dy) {
 bool KindsTable::key(const ui::KeyEvent& event) {
   const auto row = find(current_);
   if (!row || event.ctrl) return false;
-  const std::size_t page = rowsInPage(scroller_.view().h, style_.rowHeight());
+  const std::size_t page = ui::rowsInPage(scroller_.view().h, style_.rowHeight());
   const std::size_t last = rows_.size() - 1;
   switch (ui::key::plain(event.keysym)) {
     case ui::key::kUp:
@@ -291,7 +292,7 @@ bool KindsTable::key(const ui::KeyEvent& event) {
 void KindsTable::moveTo(std::size_t row) {
   current_ = rows_[row].kind;
   const int height = style_.rowHeight();
-  scroller_.reveal(static_cast<int>(rowTop(row, height)), height);
+  scroller_.reveal(static_cast<int>(ui::rowTop(row, height)), height);
   changed();
   if (selected_) select(current_);
 }

@@ -44,7 +44,8 @@ class KindsTable {
   std::function<void(std::optional<int>)> onKindSelected;
 
   /// Both outlive the table. Without `colours` rows have no swatches.
-  KindsTable(const Style& style, const KindColours* colours) : style_(style), colours_(colours) {}
+  KindsTable(const ui::Style& style, const KindColours* colours)
+      : style_(style), colours_(colours) {}
 
   /// Shows `rows`, which come in any order. Of those that remain, the one under the pointer stays
   /// where it is on the screen; else the selected one if it is in view; else the topmost one,
@@ -98,7 +99,7 @@ class KindsTable {
   void moveTo(std::size_t row);
   void changed() const;
 
-  const Style& style_;
+  const ui::Style& style_;
   const KindColours* colours_;
   std::vector<KindRow> rows_;
   KindSort sort_;

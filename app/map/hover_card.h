@@ -13,7 +13,7 @@ namespace app {
 class HoverCard {
  public:
   /// `style` outlives the card.
-  explicit HoverCard(const Style& style) : style_(style) {}
+  explicit HoverCard(const ui::Style& style) : style_(style) {}
 
   /// Shows `card` beside the pointer at (x, y), within `bounds`; cut off where they are too small.
   void show(MapCard card, int x, int y, const ui::Rect& bounds);
@@ -29,7 +29,7 @@ class HoverCard {
   int textWidth() const;
   void shortenPaths(int width);
 
-  const Style& style_;
+  const ui::Style& style_;
   std::optional<MapCard> card_;
   ui::Rect rect_;
   /// Of the column of labels, gap included.

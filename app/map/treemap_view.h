@@ -30,7 +30,8 @@ class TreemapView {
   std::function<void(sizewalk::NodeId, int x, int y)> onContextMenu;
 
   /// All of them outlive the view.
-  TreemapView(const Style& style, TreemapPicture& picture, MapFocus& focus, Selection& selection)
+  TreemapView(const ui::Style& style, TreemapPicture& picture, MapFocus& focus,
+              Selection& selection)
       : style_(style), picture_(picture), focus_(focus), selection_(selection), card_(style) {}
 
   /// The picture or the selection may be another one: looks at both anew, before painting.
@@ -94,7 +95,7 @@ class TreemapView {
     friend bool operator==(const Press&, const Press&) = default;
   };
 
-  const Style& style_;
+  const ui::Style& style_;
   TreemapPicture& picture_;
   MapFocus& focus_;
   Selection& selection_;

@@ -163,7 +163,7 @@ class MainWindowInputTest : public testing::Test {
   const std::string folder_ = dir_ / "folder";
   const test::XServer server_;
   std::unique_ptr<ui::Connection> connection_;
-  const Style style_;
+  const ui::Style style_;
   std::unique_ptr<MainWindow> window_;
 };
 

@@ -12,9 +12,9 @@ namespace {
 constexpr CommandState kWithScan = {.scanShown = true};
 
 /// The labels, "-" for a separator, in brackets what cannot be chosen.
-std::vector<std::string> shown(const std::vector<MenuEntry>& entries) {
+std::vector<std::string> shown(const std::vector<ui::MenuEntry>& entries) {
   std::vector<std::string> labels;
-  for (const MenuEntry& entry : entries) {
+  for (const ui::MenuEntry& entry : entries) {
     if (entry.separates()) {
       labels.emplace_back("-");
     } else {
@@ -26,7 +26,7 @@ std::vector<std::string> shown(const std::vector<MenuEntry>& entries) {
 
 using Labels = std::vector<std::string>;
 
-MenuEntry entry(const std::string& label, bool enabled = true) {
+ui::MenuEntry entry(const std::string& label, bool enabled = true) {
   return {.label = label, .enabled = enabled, .action = [] {}};
 }
 
@@ -34,37 +34,37 @@ TEST(MenuEntry, CannotBeChosenWhenItIsDisabledOrSeparatesOrDoesNothing) {
   EXPECT_TRUE(entry("a").canBeChosen());
   EXPECT_FALSE(entry("a", false).canBeChosen());
   EXPECT_FALSE(entry("").canBeChosen());
-  EXPECT_FALSE((MenuEntry{.label = "a", .action = {}}).canBeChosen());
+  EXPECT_FALSE((ui::MenuEntry{.label = "a", .action = {}}).canBeChosen());
 }
 
 TEST(NextEntry, SkipsWhatCannotBeChosen) {
-  const std::vector<MenuEntry> entries = {entry("a"), {}, entry("b", false), entry("c")};
-  EXPECT_EQ(nextEntry(entries, 0, MenuStep::Down), 3u);
-  EXPECT_EQ(nextEntry(entries, 3, MenuStep::Up), 0u);
+  const std::vector<ui::MenuEntry> entries = {entry("a"), {}, entry("b", false), entry("c")};
+  EXPECT_EQ(ui::nextEntry(entries, 0, ui::MenuStep::Down), 3u);
+  EXPECT_EQ(ui::nextEntry(entries, 3, ui::MenuStep::Up), 0u);
 }
 
 TEST(NextEntry, GoesOnFromTheOtherEnd) {
-  const std::vector<MenuEntry> entries = {entry("a"), entry("b"), entry("c", false)};
-  EXPECT_EQ(nextEntry(entries, 1, MenuStep::Down), 0u);
-  EXPECT_EQ(nextEntry(entries, 0, MenuStep::Up), 1u);
+  const std::vector<ui::MenuEntry> entries = {entry("a"), entry("b"), entry("c", false)};
+  EXPECT_EQ(ui::nextEntry(entries, 1, ui::MenuStep::Down), 0u);
+  EXPECT_EQ(ui::nextEntry(entries, 0, ui::MenuStep::Up), 1u);
 }
 
 TEST(NextEntry, BeginsAtAnEnd) {
-  const std::vector<MenuEntry> entries = {{}, entry("a"), entry("b"), entry("c", false)};
-  EXPECT_EQ(nextEntry(entries, std::nullopt, MenuStep::Down), 1u);
-  EXPECT_EQ(nextEntry(entries, std::nullopt, MenuStep::Up), 2u);
+  const std::vector<ui::MenuEntry> entries = {{}, entry("a"), entry("b"), entry("c", false)};
+  EXPECT_EQ(ui::nextEntry(entries, std::nullopt, ui::MenuStep::Down), 1u);
+  EXPECT_EQ(ui::nextEntry(entries, std::nullopt, ui::MenuStep::Up), 2u);
 }
 
 TEST(NextEntry, IsTheSameAgainWhenThereIsNoOther) {
-  const std::vector<MenuEntry> entries = {entry("a", false), entry("b")};
-  EXPECT_EQ(nextEntry(entries, 1, MenuStep::Down), 1u);
-  EXPECT_EQ(nextEntry(entries, 1, MenuStep::Up), 1u);
+  const std::vector<ui::MenuEntry> entries = {entry("a", false), entry("b")};
+  EXPECT_EQ(ui::nextEntry(entries, 1, ui::MenuStep::Down), 1u);
+  EXPECT_EQ(ui::nextEntry(entries, 1, ui::MenuStep::Up), 1u);
 }
 
 TEST(NextEntry, IsNoneWhereNothingCanBeChosen) {
-  EXPECT_EQ(nextEntry({}, std::nullopt, MenuStep::Down), std::nullopt);
-  const std::vector<MenuEntry> entries = {entry("a", false), {}};
-  EXPECT_EQ(nextEntry(entries, std::nullopt, MenuStep::Up), std::nullopt);
+  EXPECT_EQ(ui::nextEntry({}, std::nullopt, ui::MenuStep::Down), std::nullopt);
+  const std::vector<ui::MenuEntry> entries = {entry("a", false), {}};
+  EXPECT_EQ(ui::nextEntry(entries, std::nullopt, ui::MenuStep::Up), std::nullopt);
 }
 
 TEST(ApplicationMenu, OffersItsEntriesWhileAScanIsShown) {
@@ -80,7 +80,7 @@ TEST(ApplicationMenu, OffersOnlySettingsBeforeAnyScan) {
 TEST(ApplicationMenu, PerformsCommands) {
   std::vector<Command> performed;
   const auto perform = [&](Command command) { performed.push_back(command); };
-  for (const MenuEntry& entry : applicationMenu(kWithScan, perform)) {
+  for (const ui::MenuEntry& entry : applicationMenu(kWithScan, perform)) {
     if (entry.canBeChosen()) entry.action();
   }
   EXPECT_EQ(performed, (std::vector<Command>{Command::LeaveScan, Command::Rescan, Command::CopyPath,
@@ -89,7 +89,7 @@ TEST(ApplicationMenu, PerformsCommands) {
 
 TEST(MeasureMenu, TicksTheCurrentMeasure) {
   std::vector<std::pair<std::string, bool>> entries;
-  for (const MenuEntry& entry : measureMenu(Measure::AddedLastSixMonths, {})) {
+  for (const ui::MenuEntry& entry : measureMenu(Measure::AddedLastSixMonths, {})) {
     entries.emplace_back(entry.label, entry.ticked);
   }
   EXPECT_EQ(entries,
@@ -102,7 +102,7 @@ TEST(MeasureMenu, TicksTheCurrentMeasure) {
 TEST(MeasureMenu, HasTheViewsShowTheMeasureThatIsChosen) {
   std::vector<Command> performed;
   const auto perform = [&](Command command) { performed.push_back(command); };
-  for (const MenuEntry& entry : measureMenu(Measure::CurrentSize, perform)) entry.action();
+  for (const ui::MenuEntry& entry : measureMenu(Measure::CurrentSize, perform)) entry.action();
   EXPECT_EQ(performed, (std::vector<Command>{Command::ShowCurrentSize, Command::ShowAddedLastMonth,
                                              Command::ShowAddedLastSixMonths,
                                              Command::ShowAddedSinceLastScan}));

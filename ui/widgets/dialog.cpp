@@ -5,11 +5,11 @@
 
 #include "ui/keys.h"
 
-namespace app {
+namespace ui {
 
 namespace {
 
-constexpr ui::Colour kDim = 0x66000000;
+constexpr Colour kDim = 0x66000000;
 constexpr int kPrimaryButton = 1;
 constexpr unsigned long kSpace = ' ';
 
@@ -52,7 +52,7 @@ void Dialog::giveKeyboardTo(int control) {
 
 void Dialog::setSize(int width, int height) {
   window_ = {0, 0, width, height};
-  const ui::Rect wanted = wantedPanel(width, height);
+  const Rect wanted = wantedPanel(width, height);
   const int margin = style_.scaled(kMargin);
   const int w = std::clamp(wanted.w, 1, std::max(1, width - 2 * margin));
   const int h = std::clamp(wanted.h, 1, std::max(1, height - 2 * margin));
@@ -76,14 +76,14 @@ void Dialog::layOutButtons() {
   }
 }
 
-ui::PressTracker::Control Dialog::anyControlAt(int x, int y) const {
+PressTracker::Control Dialog::anyControlAt(int x, int y) const {
   for (std::size_t i = 0; i < buttonRects_.size(); ++i) {
     if (buttonRects_[i].contains(x, y)) return buttonControl(i);
   }
   return panel_.contains(x, y) ? controlAt(x, y) : std::nullopt;
 }
 
-void Dialog::press(const ui::MouseEvent& event) {
+void Dialog::press(const MouseEvent& event) {
   if (event.button != kPrimaryButton) return;
   if (!panel_.contains(event.x, event.y)) {
     pressedOutside();
@@ -92,7 +92,7 @@ void Dialog::press(const ui::MouseEvent& event) {
   if (presses_.press(anyControlAt(event.x, event.y))) changed();
 }
 
-void Dialog::motion(const ui::MouseEvent& event) {
+void Dialog::motion(const MouseEvent& event) {
   if (presses_.motion(anyControlAt(event.x, event.y))) changed();
 }
 
@@ -100,7 +100,7 @@ void Dialog::leave() {
   if (presses_.leave()) changed();
 }
 
-void Dialog::release(const ui::MouseEvent& event) {
+void Dialog::release(const MouseEvent& event) {
   if (event.button != kPrimaryButton || !presses_.holding()) return;
   const auto control = presses_.release(anyControlAt(event.x, event.y));
   changed();
@@ -117,25 +117,25 @@ bool Dialog::actOn(int control) {
 }
 
 void Dialog::actOnDefault() {
-  const auto found = std::ranges::find(buttons_, ui::ButtonKind::Default, &DialogButton::kind);
+  const auto found = std::ranges::find(buttons_, ButtonKind::Default, &DialogButton::kind);
   if (found == buttons_.end()) return;
   actOn(buttonControl(static_cast<std::size_t>(found - buttons_.begin())));
 }
 
-void Dialog::key(const ui::KeyEvent& event) {
-  switch (ui::key::plain(event.keysym)) {
-    case ui::key::kTab: {
+void Dialog::key(const KeyEvent& event) {
+  switch (key::plain(event.keysym)) {
+    case key::kTab: {
       const int count = std::max(1, totalControls());
       giveKeyboardTo((focused_ + (event.shift ? count - 1 : 1)) % count);
       break;
     }
-    case ui::key::kReturn:
+    case key::kReturn:
       if (!actOn(focused_)) actOnDefault();
       break;
     case kSpace:
       actOn(focused_);
       break;
-    case ui::key::kEscape:
+    case key::kEscape:
       cancel();
       break;
     default:
@@ -143,8 +143,8 @@ void Dialog::key(const ui::KeyEvent& event) {
   }
 }
 
-void Dialog::paint(ui::Canvas& canvas) const {
-  const ui::Palette& palette = style_.palette();
+void Dialog::paint(Canvas& canvas) const {
+  const Palette& palette = style_.palette();
   canvas.fillRect(window_, kDim);
   canvas.fillRoundRect(panel_, style_.scaled(kRadius), palette.window);
   canvas.strokeRect(panel_, palette.border);
@@ -152,16 +152,16 @@ void Dialog::paint(ui::Canvas& canvas) const {
   paintContent(canvas);
   for (std::size_t i = 0; i < buttons_.size(); ++i) {
     const int control = buttonControl(i);
-    ui::paintButton(canvas,
-                    {.rect = buttonRects_[i],
-                     .text = buttons_[i].text,
-                     .kind = buttons_[i].kind,
-                     .hovered = presses_.hovered(control),
-                     .pressed = presses_.pressed(control),
-                     .focused = focused_ == control},
-                    style_.body(), palette);
+    paintButton(canvas,
+                {.rect = buttonRects_[i],
+                 .text = buttons_[i].text,
+                 .kind = buttons_[i].kind,
+                 .hovered = presses_.hovered(control),
+                 .pressed = presses_.pressed(control),
+                 .focused = focused_ == control},
+                style_.body(), palette);
   }
   canvas.popClip();
 }
 
-}  // namespace app
+}  // namespace ui

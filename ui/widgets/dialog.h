@@ -12,12 +12,12 @@
 #include "ui/widgets/input_target.h"
 #include "ui/widgets/style.h"
 
-namespace app {
+namespace ui {
 
 /// A button of a dialog and what it does. The dialog may be gone when `action` returns.
 struct DialogButton {
   std::string text;
-  ui::ButtonKind kind = ui::ButtonKind::Plain;
+  ButtonKind kind = ButtonKind::Plain;
   std::function<void()> action;
 };
 
@@ -37,34 +37,34 @@ class Dialog : public InputTarget {
 
   /// The window is this large.
   void setSize(int width, int height);
-  void paint(ui::Canvas& canvas) const;
+  void paint(Canvas& canvas) const;
 
-  void press(const ui::MouseEvent& event) override;
-  void motion(const ui::MouseEvent& event) override;
-  void release(const ui::MouseEvent& event) override;
+  void press(const MouseEvent& event) override;
+  void motion(const MouseEvent& event) override;
+  void release(const MouseEvent& event) override;
   void leave() override;
-  void wheel(const ui::MouseEvent& /*event*/, int /*dy*/) override {}
+  void wheel(const MouseEvent& /*event*/, int /*dy*/) override {}
   /// Tab and Shift+Tab move the keyboard; Enter and Space act on what has it, Enter on the default
   /// button where that does nothing; Escape cancels. Other keys are the dialog's own.
-  virtual void key(const ui::KeyEvent& event);
-  /// Called a few times a second while the dialog is on top. `nowMs` is `ui::Window::now`.
+  virtual void key(const KeyEvent& event);
+  /// Called a few times a second while the dialog is on top. `nowMs` is `Window::now`.
   virtual void tick(std::int64_t /*nowMs*/) {}
 
-  const ui::Rect& panel() const { return panel_; }
+  const Rect& panel() const { return panel_; }
   /// The control that has the keyboard.
   int focused() const { return focused_; }
-  const ui::Rect& buttonRect(std::size_t button) const { return buttonRects_[button]; }
+  const Rect& buttonRect(std::size_t button) const { return buttonRects_[button]; }
 
  protected:
   /// Height and width of the panel in a window of `width` x `height`; it is kept inside.
-  virtual ui::Rect wantedPanel(int width, int height) const = 0;
+  virtual Rect wantedPanel(int width, int height) const = 0;
   /// Puts what is in the panel, apart from the buttons, into `content`.
-  virtual void layOut(const ui::Rect& content) = 0;
-  virtual void paintContent(ui::Canvas& canvas) const = 0;
+  virtual void layOut(const Rect& content) = 0;
+  virtual void paintContent(Canvas& canvas) const = 0;
 
   /// Controls of the dialog's own, and the one at a place.
   virtual int controlCount() const { return 0; }
-  virtual ui::PressTracker::Control controlAt(int /*x*/, int /*y*/) const { return std::nullopt; }
+  virtual PressTracker::Control controlAt(int /*x*/, int /*y*/) const { return std::nullopt; }
   /// A control of its own was pressed, or Enter or Space on it. False when Enter on it is meant for
   /// the default button.
   virtual bool act(int /*control*/) { return false; }
@@ -82,25 +82,25 @@ class Dialog : public InputTarget {
   void changed() const;
 
   const Style& style() const { return style_; }
-  const ui::PressTracker& presses() const { return presses_; }
+  const PressTracker& presses() const { return presses_; }
   int padding() const;
   /// Of the row of buttons with the gap above it.
   int buttonRowHeight() const;
 
  private:
   void layOutButtons();
-  ui::PressTracker::Control anyControlAt(int x, int y) const;
+  PressTracker::Control anyControlAt(int x, int y) const;
   int totalControls() const { return controlCount() + static_cast<int>(buttons_.size()); }
   bool actOn(int control);
   void actOnDefault();
 
   const Style& style_;
-  ui::Rect window_;
-  ui::Rect panel_;
+  Rect window_;
+  Rect panel_;
   std::vector<DialogButton> buttons_;
-  std::vector<ui::Rect> buttonRects_;
-  ui::PressTracker presses_;
+  std::vector<Rect> buttonRects_;
+  PressTracker presses_;
   int focused_ = 0;
 };
 
-}  // namespace app
+}  // namespace ui

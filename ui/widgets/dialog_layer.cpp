@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace app {
+namespace ui {
 
 void DialogLayer::changed() const {
   if (onChanged) onChanged();
@@ -33,8 +33,8 @@ void DialogLayer::setSize(int width, int height) {
   for (const auto& dialog : open_) dialog->setSize(width, height);
 }
 
-void DialogLayer::paint(ui::Canvas& canvas) const {
+void DialogLayer::paint(Canvas& canvas) const {
   for (const auto& dialog : open_) dialog->paint(canvas);
 }
 
-}  // namespace app
+}  // namespace ui

@@ -6,7 +6,7 @@
 
 #include "ui/widgets/dialog.h"
 
-namespace app {
+namespace ui {
 
 /// The dialogs that are open, the topmost last: it has all input. Window thread only.
 class DialogLayer {
@@ -21,7 +21,7 @@ class DialogLayer {
   Dialog* top() const { return open_.empty() ? nullptr : open_.back().get(); }
 
   void setSize(int width, int height);
-  void paint(ui::Canvas& canvas) const;
+  void paint(Canvas& canvas) const;
 
  private:
   void close(const Dialog* dialog);
@@ -32,4 +32,4 @@ class DialogLayer {
   int height_ = 0;
 };
 
-}  // namespace app
+}  // namespace ui

@@ -4,7 +4,7 @@
 
 #include "ui/input.h"
 
-namespace app {
+namespace ui {
 
 /// What can have the pointer's input: a screen, a dialog or a menu. The main window hands it to the
 /// topmost one. Window thread only.
@@ -18,13 +18,13 @@ class InputTarget {
   /// Tells it from every other one, also from those that are gone. Never 0.
   std::uint64_t serial() const { return serial_; }
 
-  virtual void press(const ui::MouseEvent& event) = 0;
-  virtual void motion(const ui::MouseEvent& event) = 0;
-  virtual void release(const ui::MouseEvent& event) = 0;
+  virtual void press(const MouseEvent& event) = 0;
+  virtual void motion(const MouseEvent& event) = 0;
+  virtual void release(const MouseEvent& event) = 0;
   /// The pointer left the window.
   virtual void leave() = 0;
   /// `dy` steps of the wheel, down when above 0.
-  virtual void wheel(const ui::MouseEvent& event, int dy) = 0;
+  virtual void wheel(const MouseEvent& event, int dy) = 0;
 
  private:
   static std::uint64_t nextSerial() {
@@ -35,4 +35,4 @@ class InputTarget {
   const std::uint64_t serial_;
 };
 
-}  // namespace app
+}  // namespace ui

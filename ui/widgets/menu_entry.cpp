@@ -1,6 +1,6 @@
 #include "ui/widgets/menu_entry.h"
 
-namespace app {
+namespace ui {
 
 std::optional<std::size_t> nextEntry(std::span<const MenuEntry> entries,
                                      std::optional<std::size_t> from, MenuStep step) {
@@ -15,4 +15,4 @@ std::optional<std::size_t> nextEntry(std::span<const MenuEntry> entries,
   return std::nullopt;
 }
 
-}  // namespace app
+}  // namespace ui

@@ -6,7 +6,7 @@
 #include <span>
 #include <string>
 
-namespace app {
+namespace ui {
 
 /// A line of a menu.
 struct MenuEntry {
@@ -30,4 +30,4 @@ enum class MenuStep : int { Up = -1, Down = 1 };
 std::optional<std::size_t> nextEntry(std::span<const MenuEntry> entries,
                                      std::optional<std::size_t> from, MenuStep step);
 
-}  // namespace app
+}  // namespace ui

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <utility>
 
-namespace app {
+namespace ui {
 
 namespace {
-constexpr ui::MouseEvent kBesideEverything = {.x = -1, .y = -1, .button = 1};
+constexpr MouseEvent kBesideEverything = {.x = -1, .y = -1, .button = 1};
 }  // namespace
 
 PointerRouter::Index PointerRouter::add(Target target) {
@@ -27,7 +27,7 @@ void PointerRouter::enter(std::optional<Index> part) {
   if (left && parts_[*left].target.leave) parts_[*left].target.leave();
 }
 
-std::optional<PointerRouter::Index> PointerRouter::press(const ui::MouseEvent& event) {
+std::optional<PointerRouter::Index> PointerRouter::press(const MouseEvent& event) {
   // A button that goes down twice has come up where nobody told: another client had the pointer.
   if (buttonsDown_.contains(event.button)) reset();
   if (!held_) {
@@ -41,13 +41,13 @@ std::optional<PointerRouter::Index> PointerRouter::press(const ui::MouseEvent& e
   return pressed;
 }
 
-void PointerRouter::motion(const ui::MouseEvent& event) {
+void PointerRouter::motion(const MouseEvent& event) {
   if (!held_) enter(partAt(event.x, event.y));
   const std::optional<Index> part = owner();
   if (part && parts_[*part].target.motion) parts_[*part].target.motion(event);
 }
 
-void PointerRouter::release(const ui::MouseEvent& event) {
+void PointerRouter::release(const MouseEvent& event) {
   const std::optional<Index> part = held_;
   buttonsDown_.erase(event.button);
   if (buttonsDown_.empty()) held_.reset();
@@ -58,7 +58,7 @@ void PointerRouter::leave() {
   if (!held_) enter(std::nullopt);
 }
 
-void PointerRouter::wheel(const ui::MouseEvent& event, int dy) {
+void PointerRouter::wheel(const MouseEvent& event, int dy) {
   const std::optional<Index> part = partAt(event.x, event.y);
   if (part && parts_[*part].target.wheel) parts_[*part].target.wheel(event, dy);
 }
@@ -70,4 +70,4 @@ void PointerRouter::reset() {
   enter(std::nullopt);
 }
 
-}  // namespace app
+}  // namespace ui

@@ -9,7 +9,7 @@
 #include "ui/geometry.h"
 #include "ui/input.h"
 
-namespace app {
+namespace ui {
 
 /// Hands what the pointer does to the part of the window that it is on. A part that was pressed has
 /// the pointer until the last button is released, wherever it goes: drags do not end at an edge.
@@ -18,25 +18,25 @@ class PointerRouter {
  public:
   /// What a part does; each may be empty.
   struct Target {
-    std::function<void(const ui::MouseEvent&)> press;
-    std::function<void(const ui::MouseEvent&)> motion;
-    std::function<void(const ui::MouseEvent&)> release;
+    std::function<void(const MouseEvent&)> press;
+    std::function<void(const MouseEvent&)> motion;
+    std::function<void(const MouseEvent&)> release;
     std::function<void()> leave;
     /// `dy` steps, down when above 0.
-    std::function<void(const ui::MouseEvent&, int dy)> wheel;
+    std::function<void(const MouseEvent&, int dy)> wheel;
   };
   using Index = std::size_t;
 
   /// Adds a part, without a place yet. Parts do not overlap.
   Index add(Target target);
-  void setRect(Index index, const ui::Rect& rect) { parts_[index].rect = rect; }
+  void setRect(Index index, const Rect& rect) { parts_[index].rect = rect; }
 
   /// The part that was pressed; nothing beside all parts.
-  std::optional<Index> press(const ui::MouseEvent& event);
-  void motion(const ui::MouseEvent& event);
-  void release(const ui::MouseEvent& event);
+  std::optional<Index> press(const MouseEvent& event);
+  void motion(const MouseEvent& event);
+  void release(const MouseEvent& event);
   void leave();
-  void wheel(const ui::MouseEvent& event, int dy);
+  void wheel(const MouseEvent& event, int dy);
   /// The part that has the pointer: the one that was pressed, else the one that it is on.
   std::optional<Index> owner() const { return held_ ? held_ : entered_; }
   /// Forgets where the pointer is and which part has it: what is pressed is let go beside
@@ -47,7 +47,7 @@ class PointerRouter {
  private:
   struct Part {
     Target target;
-    ui::Rect rect;
+    Rect rect;
   };
 
   std::optional<Index> partAt(int x, int y) const;
@@ -61,4 +61,4 @@ class PointerRouter {
   std::set<int> buttonsDown_;
 };
 
-}  // namespace app
+}  // namespace ui

@@ -8,7 +8,7 @@
 #include "ui/scroll_bar.h"
 #include "ui/text.h"
 
-namespace app {
+namespace ui {
 
 namespace {
 
@@ -76,7 +76,7 @@ void PopupMenu::place(int x, int y, int windowWidth, int windowHeight) {
   const int inner = style_.scaled(kPadding);
   const int content = contentHeight();
   const int h = std::clamp(content + 2 * inner, 1, std::max(1, windowHeight - 2 * margin));
-  const int bar = content + 2 * inner > h ? ui::Scroller::kBarWidth : 0;
+  const int bar = content + 2 * inner > h ? Scroller::kBarWidth : 0;
   const int w = std::clamp(wantedWidth() + bar, 1, std::max(1, windowWidth - 2 * margin));
   const bool fitsBelow = y + h <= windowHeight - margin;
   const bool fitsAbove = y - h >= margin;
@@ -87,8 +87,8 @@ void PopupMenu::place(int x, int y, int windowWidth, int windowHeight) {
   changed();
 }
 
-ui::Rect PopupMenu::entryRect(std::size_t entry) const {
-  const ui::Rect& view = scroller_.view();
+Rect PopupMenu::entryRect(std::size_t entry) const {
+  const Rect& view = scroller_.view();
   int y = view.y - scroller_.offset();
   for (std::size_t i = 0; i < entry; ++i) y += entryHeight(i);
   return {view.x, y, view.w - scroller_.barWidth(), entryHeight(entry)};
@@ -115,7 +115,7 @@ void PopupMenu::goToFirst() { walk(std::nullopt, MenuStep::Down); }
 void PopupMenu::walk(std::optional<std::size_t> from, MenuStep step) {
   const auto next = nextEntry(entries_, from, step);
   if (!next) return;
-  const ui::Rect rect = entryRect(*next);
+  const Rect rect = entryRect(*next);
   scroller_.reveal(rect.y - scroller_.view().y + scroller_.offset(), rect.h);
   setCurrent(next);
 }
@@ -131,7 +131,7 @@ void PopupMenu::choose(std::size_t entry) {
   action();
 }
 
-void PopupMenu::press(const ui::MouseEvent& event) {
+void PopupMenu::press(const MouseEvent& event) {
   if (!rect_.contains(event.x, event.y)) return close();
   if (event.button != kPrimaryButton) return;
   if (scroller_.press(event.x, event.y)) return changed();
@@ -139,12 +139,12 @@ void PopupMenu::press(const ui::MouseEvent& event) {
   setCurrent(choosableAt(event.x, event.y));
 }
 
-void PopupMenu::motion(const ui::MouseEvent& event) {
+void PopupMenu::motion(const MouseEvent& event) {
   if (scroller_.drag(event.y)) return changed();
   setCurrent(choosableAt(event.x, event.y));
 }
 
-void PopupMenu::release(const ui::MouseEvent& event) {
+void PopupMenu::release(const MouseEvent& event) {
   if (event.button != kPrimaryButton) return;
   scroller_.release();
   if (!std::exchange(pressed_, false)) return;
@@ -153,25 +153,25 @@ void PopupMenu::release(const ui::MouseEvent& event) {
 
 void PopupMenu::leave() { setCurrent(std::nullopt); }
 
-void PopupMenu::wheel(const ui::MouseEvent& event, int dy) {
+void PopupMenu::wheel(const MouseEvent& event, int dy) {
   scroller_.scrollBy(dy * style_.scaled(kWheelStep));
   setCurrent(choosableAt(event.x, event.y));
   changed();
 }
 
-void PopupMenu::key(const ui::KeyEvent& event) {
-  switch (ui::key::plain(event.keysym)) {
-    case ui::key::kUp:
+void PopupMenu::key(const KeyEvent& event) {
+  switch (key::plain(event.keysym)) {
+    case key::kUp:
       return walk(current_, MenuStep::Up);
-    case ui::key::kDown:
+    case key::kDown:
       return walk(current_, MenuStep::Down);
-    case ui::key::kHome:
+    case key::kHome:
       return walk(std::nullopt, MenuStep::Down);
-    case ui::key::kEnd:
+    case key::kEnd:
       return walk(std::nullopt, MenuStep::Up);
-    case ui::key::kEscape:
+    case key::kEscape:
       return close();
-    case ui::key::kReturn:
+    case key::kReturn:
     case kSpace:
       if (current_) choose(*current_);
       break;
@@ -182,19 +182,19 @@ void PopupMenu::key(const ui::KeyEvent& event) {
 
 // Drawing.
 
-void PopupMenu::paint(ui::Canvas& canvas) const {
-  const ui::Palette& palette = style_.palette();
-  ui::fillOutlined(canvas, rect_, style_.scaled(kRadius), 1, palette.border, palette.view);
+void PopupMenu::paint(Canvas& canvas) const {
+  const Palette& palette = style_.palette();
+  fillOutlined(canvas, rect_, style_.scaled(kRadius), 1, palette.border, palette.view);
   canvas.pushClip(scroller_.view());
   for (std::size_t i = 0; i < entries_.size(); ++i) paintEntry(canvas, i);
   canvas.popClip();
-  ui::drawScrollBar(canvas, scroller_, palette.raised, palette.dimText);
+  drawScrollBar(canvas, scroller_, palette.raised, palette.dimText);
 }
 
-void PopupMenu::paintEntry(ui::Canvas& canvas, std::size_t entry) const {
-  const ui::Palette& palette = style_.palette();
+void PopupMenu::paintEntry(Canvas& canvas, std::size_t entry) const {
+  const Palette& palette = style_.palette();
   const MenuEntry& shown = entries_[entry];
-  const ui::Rect rect = entryRect(entry);
+  const Rect rect = entryRect(entry);
   const int padding = style_.scaled(kTextPadding);
   if (shown.separates()) {
     canvas.fillRect({rect.x, rect.y + rect.h / 2, rect.w, std::max(1, style_.scaled(1))},
@@ -203,13 +203,13 @@ void PopupMenu::paintEntry(ui::Canvas& canvas, std::size_t entry) const {
   }
   const bool current = current_ == entry;
   if (current) canvas.fillRoundRect(rect, style_.scaled(kEntryRadius), palette.accent);
-  const ui::Colour enabled = current ? palette.accentText : palette.text;
-  const ui::Colour colour = shown.canBeChosen() ? enabled : palette.dimText;
-  const ui::Rect line = {rect.x + padding, rect.y, rect.w - 2 * padding, rect.h};
-  if (shown.ticked) ui::drawText(canvas, line, kTick, style_.body(), colour);
+  const Colour enabled = current ? palette.accentText : palette.text;
+  const Colour colour = shown.canBeChosen() ? enabled : palette.dimText;
+  const Rect line = {rect.x + padding, rect.y, rect.w - 2 * padding, rect.h};
+  if (shown.ticked) drawText(canvas, line, kTick, style_.body(), colour);
   const int tick = tickWidth();
-  ui::drawText(canvas, {line.x + tick, line.y, line.w - tick, line.h}, shown.label, style_.body(),
-               colour);
+  drawText(canvas, {line.x + tick, line.y, line.w - tick, line.h}, shown.label, style_.body(),
+           colour);
 }
 
-}  // namespace app
+}  // namespace ui

@@ -13,7 +13,7 @@
 #include "ui/widgets/menu_entry.h"
 #include "ui/widgets/style.h"
 
-namespace app {
+namespace ui {
 
 /// A menu over the window that has all input until an entry is chosen or it is closed. One entry is
 /// the current one, which both the pointer and the keys move. An entry is chosen when the primary
@@ -36,19 +36,19 @@ class PopupMenu : public InputTarget {
   void place(int x, int y, int windowWidth, int windowHeight);
   /// Makes the first entry that can be chosen the current one, for a menu opened by a key.
   void goToFirst();
-  void paint(ui::Canvas& canvas) const;
+  void paint(Canvas& canvas) const;
 
-  void press(const ui::MouseEvent& event) override;
-  void motion(const ui::MouseEvent& event) override;
-  void release(const ui::MouseEvent& event) override;
+  void press(const MouseEvent& event) override;
+  void motion(const MouseEvent& event) override;
+  void release(const MouseEvent& event) override;
   void leave() override;
-  void wheel(const ui::MouseEvent& event, int dy) override;
-  void key(const ui::KeyEvent& event);
+  void wheel(const MouseEvent& event, int dy) override;
+  void key(const KeyEvent& event);
 
   const std::vector<MenuEntry>& entries() const { return entries_; }
   std::optional<std::size_t> current() const { return current_; }
-  const ui::Rect& rect() const { return rect_; }
-  ui::Rect entryRect(std::size_t entry) const;
+  const Rect& rect() const { return rect_; }
+  Rect entryRect(std::size_t entry) const;
 
  private:
   int entryHeight(std::size_t entry) const;
@@ -61,14 +61,14 @@ class PopupMenu : public InputTarget {
   void choose(std::size_t entry);
   void close();
   void changed() const;
-  void paintEntry(ui::Canvas& canvas, std::size_t entry) const;
+  void paintEntry(Canvas& canvas, std::size_t entry) const;
 
   const Style& style_;
   const std::vector<MenuEntry> entries_;
-  ui::Rect rect_;
-  ui::Scroller scroller_;
+  Rect rect_;
+  Scroller scroller_;
   std::optional<std::size_t> current_;
   bool pressed_ = false;  // the primary button, in the menu
 };
 
-}  // namespace app
+}  // namespace ui

@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <cstdint>
 
-namespace app {
+namespace ui {
 
 namespace {
 constexpr int kWheelRows = 3;
 }
 
-void RowColumn::setView(const ui::Rect& view, int rowHeight) {
+void RowColumn::setView(const Rect& view, int rowHeight) {
   rowHeight_ = rowHeight;
   scroller_.setView(view);
   scroller_.setContentHeight(contentHeight(count_, rowHeight_));
@@ -26,7 +26,7 @@ RowRange RowColumn::visible() const {
   return visibleRows(scroller_.offset(), view().h, rowHeight_, count_);
 }
 
-ui::Rect RowColumn::rowRect(std::size_t row) const {
+Rect RowColumn::rowRect(std::size_t row) const {
   const int y = view().y + rowPlace(rowTop(row, rowHeight_), scroller_.offset());
   return {view().x, y, view().w - scroller_.barWidth(), rowHeight_};
 }
@@ -41,7 +41,7 @@ void RowColumn::reveal(std::size_t row) {
   scroller_.reveal(static_cast<int>(top), rowHeight_);
 }
 
-std::optional<std::size_t> RowColumn::rowAfterKey(ui::key::Keysym key,
+std::optional<std::size_t> RowColumn::rowAfterKey(key::Keysym key,
                                                   std::optional<std::size_t> row) const {
   if (count_ == 0) return std::nullopt;
   const std::size_t last = count_ - 1;
@@ -49,17 +49,17 @@ std::optional<std::size_t> RowColumn::rowAfterKey(ui::key::Keysym key,
   const auto up = [&](std::size_t rows) { return row ? *row - std::min(*row, rows) : 0; };
   const auto down = [&](std::size_t rows) { return row ? std::min(*row + rows, last) : 0; };
   switch (key) {
-    case ui::key::kUp:
+    case key::kUp:
       return up(1);
-    case ui::key::kDown:
+    case key::kDown:
       return down(1);
-    case ui::key::kPageUp:
+    case key::kPageUp:
       return up(page);
-    case ui::key::kPageDown:
+    case key::kPageDown:
       return down(page);
-    case ui::key::kHome:
+    case key::kHome:
       return 0;
-    case ui::key::kEnd:
+    case key::kEnd:
       return last;
     default:
       return std::nullopt;
@@ -86,4 +86,4 @@ std::optional<std::size_t> RowColumn::hovered() const {
   return pointer_ ? rowAt(pointer_->x, pointer_->y) : std::nullopt;
 }
 
-}  // namespace app
+}  // namespace ui

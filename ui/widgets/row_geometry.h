@@ -11,7 +11,7 @@
 // Where the rows of a list are, all of one height and one below the other. Lengths are device
 // pixels, offsets count from the top of the first row. Rows have a height of at least 1.
 
-namespace app {
+namespace ui {
 
 /// A run of rows, first inclusive, last exclusive.
 struct RowRange {
@@ -53,7 +53,7 @@ constexpr int rowPlace(std::int64_t top, int offset) {
 
 /// The ring round the current row: just inside `row`, and one pixel further on a selected row,
 /// whose ring may have the colour of what is around the row.
-constexpr ui::Rect ringPlace(const ui::Rect& row, bool selected) {
+constexpr Rect ringPlace(const Rect& row, bool selected) {
   const int inset = selected ? 1 : 0;
   return {row.x + inset, row.y + inset, row.w - 2 * inset, row.h - 2 * inset};
 }
@@ -77,4 +77,4 @@ constexpr std::size_t rowsInPage(int viewHeight, int rowHeight) {
   return static_cast<std::size_t>(std::max(1, viewHeight / rowHeight - 1));
 }
 
-}  // namespace app
+}  // namespace ui

@@ -4,7 +4,7 @@
 
 #include "ui/text.h"
 
-namespace app {
+namespace ui {
 
 namespace {
 
@@ -19,11 +19,11 @@ constexpr double kLeastRowPadding = 3;
 
 }  // namespace
 
-Style::Style(ui::Connection& connection, const ui::Palette& palette)
+Style::Style(Connection& connection, const Palette& palette)
     : connection_(connection),
       palette_(palette),
-      body_(connection.font(kBodySize, ui::FontWeight::Regular)),
-      heading_(connection.font(kHeadingSize, ui::FontWeight::Bold)),
+      body_(connection.font(kBodySize, FontWeight::Regular)),
+      heading_(connection.font(kHeadingSize, FontWeight::Bold)),
       lineHeight_(body_.font ? body_.height : connection.scaled(kUsualLineHeight)),
       rowHeight_(std::max(connection.scaled(kRowHeight),
                           lineHeight_ + connection.scaled(kLeastRowPadding))) {}
@@ -32,4 +32,4 @@ int Style::textWidth(std::string_view text) const {
   return ui::textWidth(connection_, body_, text);
 }
 
-}  // namespace app
+}  // namespace ui

@@ -6,20 +6,20 @@
 #include "ui/fonts.h"
 #include "ui/palette.h"
 
-namespace app {
+namespace ui {
 
 /// What the views draw with: one for the window, outliving them. Window thread only.
 class Style {
  public:
-  Style(ui::Connection& connection, const ui::Palette& palette);
+  Style(Connection& connection, const Palette& palette);
 
-  const ui::Palette& palette() const { return palette_; }
+  const Palette& palette() const { return palette_; }
   double scale() const { return connection_.scale(); }
   int scaled(double logical) const { return connection_.scaled(logical); }
 
   /// The font of nearly everything, and that of headings.
-  const ui::Font& body() const { return body_; }
-  const ui::Font& heading() const { return heading_; }
+  const Font& body() const { return body_; }
+  const Font& heading() const { return heading_; }
   /// Height of a line of the body font; that of a usual font where there is none.
   int lineHeight() const { return lineHeight_; }
   /// Height of a row of the list, the table and of menus: 22 at scale 1, more if the font needs it.
@@ -28,15 +28,15 @@ class Style {
   int textWidth(std::string_view text) const;
 
   /// The veil over a row under the pointer.
-  ui::Colour hoverVeil() const { return palette_.dark ? 0x0EFFFFFF : 0x0A000000; }
+  Colour hoverVeil() const { return palette_.dark ? 0x0EFFFFFF : 0x0A000000; }
 
  private:
-  ui::Connection& connection_;
-  ui::Palette palette_;
-  ui::Font body_;
-  ui::Font heading_;
+  Connection& connection_;
+  Palette palette_;
+  Font body_;
+  Font heading_;
   int lineHeight_;
   int rowHeight_;
 };
 
-}  // namespace app
+}  // namespace ui

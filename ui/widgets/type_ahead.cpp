@@ -2,7 +2,7 @@
 
 #include "base/utf8.h"
 
-namespace app {
+namespace ui {
 
 namespace {
 
@@ -53,4 +53,4 @@ bool TypeAhead::matches(std::string_view name) const {
   return true;
 }
 
-}  // namespace app
+}  // namespace ui

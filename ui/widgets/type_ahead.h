@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace app {
+namespace ui {
 
 /// The beginning of a name as it is typed into a list. Each key lengthens it; after a second
 /// without one it is forgotten.
@@ -42,4 +42,4 @@ class TypeAhead {
   std::int64_t lastMs_ = 0;
 };
 
-}  // namespace app
+}  // namespace ui

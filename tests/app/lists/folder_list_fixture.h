@@ -95,7 +95,7 @@ struct ListOnServer : test::WindowOnServer {
     NodeId node;
     int x, y;
   };
-  Style style_;
+  ui::Style style_;
   /// Height of a row, which depends on the font, and half of it.
   const int h_ = style_.rowHeight();
   const int mid_ = h_ / 2;

@@ -80,7 +80,7 @@ struct TableOnServer : test::WindowOnServer {
   }
   test::Picture painted() { return painted(table_); }
 
-  Style style_;
+  ui::Style style_;
   const int h_ = style_.rowHeight();
   /// A header and five rows.
   const ui::Rect place_{20, 10, 340, 6 * h_};

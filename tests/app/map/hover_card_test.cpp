@@ -72,7 +72,7 @@ class HoverCardTest : public test::WindowTest {
     }
   }
 
-  Style style_{*connection, ui::kLightPalette};
+  ui::Style style_{*connection, ui::kLightPalette};
   HoverCard card_{style_};
   const ui::Rect bounds_{0, 0, 600, 400};
 };

@@ -139,7 +139,7 @@ class TreemapViewTest : public test::WindowTest {
   sizewalk::FileTree tree_{test::mapTreeOptions()};
   NodeId dir_ = 0, small_ = 0, c_ = 0, inner_ = 0, a_ = 0, deep_ = 0;
   KindColours colours_{true};
-  Style style_{*connection, kPalette};
+  ui::Style style_{*connection, kPalette};
   TreemapPicture picture_{*connection, colours_};
   MapFocus focus_;
   Selection selection_;

@@ -12,7 +12,7 @@
 #include "ui/keys.h"
 #include "ui/widgets/dialog_layer.h"
 
-namespace app {
+namespace ui {
 namespace {
 
 class MessageDialogTest : public test::WindowTest {
@@ -147,4 +147,4 @@ TEST_F(MessageDialogTest, DimsTheWindowAroundItsPanel) {
 }
 
 }  // namespace
-}  // namespace app
+}  // namespace ui

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace app {
+namespace ui {
 namespace {
 
 using Log = std::vector<std::string>;
@@ -137,4 +137,4 @@ TEST_F(PointerRouterTest, AResetLetsGoBesideEverything) {
 }
 
 }  // namespace
-}  // namespace app
+}  // namespace ui

@@ -10,7 +10,7 @@
 #include "tests/ui/widgets/views_on_window.h"
 #include "ui/keys.h"
 
-namespace app {
+namespace ui {
 namespace {
 
 using test::at;
@@ -220,4 +220,4 @@ TEST_F(PopupMenuTest, DoesNotChooseWhatIsScrolledOutOfItsOutline) {
 }
 
 }  // namespace
-}  // namespace app
+}  // namespace ui

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace app {
+namespace ui {
 namespace {
 
 constexpr int kRow = 20;
@@ -104,4 +104,4 @@ TEST_F(RowColumnTest, HasNoRowUnderThePointerThatHoldsTheBar) {
 }
 
 }  // namespace
-}  // namespace app
+}  // namespace ui

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace app {
+namespace ui {
 namespace {
 
 constexpr std::size_t kMillion = 1000000;
@@ -64,4 +64,4 @@ TEST(RowsInPage, KeepOneInSight) {
 }
 
 }  // namespace
-}  // namespace app
+}  // namespace ui

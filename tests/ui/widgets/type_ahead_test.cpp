@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace app {
+namespace ui {
 namespace {
 
 /// What has been typed, a key every hundredth of a second.
@@ -64,4 +64,4 @@ TEST(TypeAhead, TakesNothingThatControls) {
 }
 
 }  // namespace
-}  // namespace app
+}  // namespace ui

@@ -19,7 +19,7 @@ class ViewsOnWindow : protected WindowOnServer {
   /// What `paintViews` leaves in a window of this size, whose ground is magenta.
   Picture picture(int width, int height, const std::function<void(ui::Canvas&)>& paintViews);
 
-  app::Style style;
+  ui::Style style;
 };
 
 /// Far from every colour of the palettes: shows where no view has drawn.
