@@ -12,9 +12,9 @@
 #include "app/model/settings_store.h"
 #include "app/product.h"
 #include "base/utf8.h"
-#include "ui/keys.h"
 #include "ui/text.h"
 #include "ui/widgets/message_dialog.h"
+#include "ui/widgets/popup_menu.h"
 
 namespace app {
 
@@ -91,32 +91,22 @@ void MainWindow::connectScreens() {
   welcome_.onVolume = [this](const std::string& path) { scanPath(path); };
   welcome_.onChooseFolder = [this] { chooseFolder(); };
   scan_.onChanged = [this] { window_.invalidate(); };
-  dialogs_.onChanged = [this] { window_.invalidate(); };
-  scan_.onCommand = [this](Command command) { perform(command); };
-  const auto hangMenu = [this](const ui::Rect& button) {
-    showApplicationMenu(button.x, button.y + button.h);
-  };
-  welcome_.onAppMenu = hangMenu;
-  scan_.onAppMenu = hangMenu;
-  scan_.onMeasureMenu = [this](const ui::Rect& button) {
-    showMeasureMenu(button.x, button.y + button.h);
-  };
+  input_.onChanged = [this] { window_.invalidate(); };
+  welcome_.onCommand = [this](const Command& command) { perform(command); };
+  scan_.onCommand = [this](const Command& command) { perform(command); };
 }
 
 void MainWindow::connectInput() {
+  input_.onPointer = [this](ui::PointerShape shape) { window_.setPointer(shape); };
   window_.onPrepare = [this] { prepareFrame(); };
-  window_.onPaint = [this](ui::Canvas& canvas) {
-    screen_->paint(canvas);
-    dialogs_.paint(canvas);
-    if (menu_) menu_->paint(canvas);
-  };
+  window_.onPaint = [this](ui::Canvas& canvas) { input_.paint(canvas); };
   window_.onResize = [this](int width, int height) { resize(width, height); };
-  window_.onPress = [this](const ui::MouseEvent& event) { press(event); };
-  window_.onMotion = [this](const ui::MouseEvent& event) { motion(event); };
-  window_.onRelease = [this](const ui::MouseEvent& event) { release(event); };
-  window_.onLeave = [this] { leave(); };
+  window_.onPress = [this](const ui::MouseEvent& event) { input_.press(event); };
+  window_.onMotion = [this](const ui::MouseEvent& event) { input_.motion(event); };
+  window_.onRelease = [this](const ui::MouseEvent& event) { input_.release(event); };
+  window_.onLeave = [this] { input_.leave(); };
   window_.onWheel = [this](const ui::MouseEvent& event, int /*dx*/, int dy) {
-    if (dy != 0) wheel(event, dy);
+    if (dy != 0) input_.wheel(event, dy);
   };
   window_.onKey = [this](const ui::KeyEvent& event) { key(event); };
 }
@@ -143,14 +133,10 @@ bool MainWindow::create() {
 }
 
 void MainWindow::show(Screen& screen) {
-  closeMenu();
-  if (screen_ != &screen) screen_->hide();
   screen_ = &screen;
-  pointerTarget_ = 0;
+  input_.show(screen);
   if (&screen == &welcome_) refreshVolumes();
   updateTitle();
-  updatePointer();
-  window_.invalidate();
 }
 
 void MainWindow::scanPath(const std::string& path) {
@@ -190,10 +176,9 @@ void MainWindow::tick() {
   followScan();
   const std::int64_t now = ui::Window::now();
   if (!scanShown() && now >= nextVolumes_) refreshVolumes();
-  screen_->tick(now);
-  if (ui::Dialog* dialog = dialogs_.top()) dialog->tick(now);
+  input_.tick(now);
   if (const auto file = captureCountdown_.tick(scanShown() && !endShown_)) {
-    scan_.drawAtOnce();
+    scan_.showAllInNextFrame();
     window_.invalidate();
     window_.post([this, path = *file] { capture(path); });
   }
@@ -230,144 +215,58 @@ void MainWindow::showScanEnd() {
 }
 
 void MainWindow::prepareFrame() {
-  pacer_.run([this] { return screen_->prepare(); });
+  pacer_.run([this] { return input_.prepare(); });
 }
 
 void MainWindow::resize(int width, int height) {
-  closeMenu();
-  welcome_.setSize(width, height);
-  scan_.setSize(width, height);
-  dialogs_.setSize(width, height);
-  pointerTarget_ = 0;
-  updatePointer();
-}
-
-void MainWindow::updatePointer() {
-  if (pointer_ && inputTarget().serial() != pointerTarget_) tellPointer();
-  const bool covered = menu_ || !dialogs_.empty();
-  window_.setPointer(covered ? ui::PointerShape::Arrow : screen_->pointer());
-}
-
-void MainWindow::openDialog(std::unique_ptr<ui::Dialog> dialog) {
-  closeMenu();
-  screen_->hide();  // nothing below is pressed or under the pointer while the dialog is open
-  dialogs_.open(std::move(dialog));
-  updatePointer();
+  welcome_.setRect({0, 0, width, height});
+  scan_.setRect({0, 0, width, height});
+  input_.setSize(width, height);
 }
 
 void MainWindow::chooseFolder() {
   auto chooser = std::make_unique<FolderChooser>(style_, folderPlaces(), folderLister_);
   chooser->onChosen = [this](const std::string& path) { scanPath(path); };
-  openDialog(std::move(chooser));
+  input_.open(std::move(chooser));
 }
 
 void MainWindow::openSettings() {
   auto dialog = std::make_unique<SettingsDialog>(connection_, style_, SettingsStore::instance());
   dialog->onSettingsChanged = [this] { applySettings(); };
-  openDialog(std::move(dialog));
+  input_.open(std::move(dialog));
 }
 
-void MainWindow::showMeasureMenu(int x, int y) {
-  openMenu(measureMenu(measure_.measure, [this](Command command) { perform(command); }), x, y);
+void MainWindow::showMetricMenu(int x, int y, Command::By by) {
+  const auto run = [this](const Command& command) { perform(command); };
+  openMenu(measureMenu(measure_.measure, run), x, y, by);
 }
 
-void MainWindow::showApplicationMenu(int x, int y) {
-  openMenu(applicationMenu(commandState(), [this](Command command) { perform(command); }), x, y);
+void MainWindow::showApplicationMenu(int x, int y, Command::By by) {
+  const auto run = [this](const Command& command) { perform(command); };
+  openMenu(applicationMenu(commandState(), run), x, y, by);
 }
 
-void MainWindow::openMenu(std::vector<ui::MenuEntry> entries, int x, int y) {
-  screen_->hide();  // nothing below is pressed or under the pointer while the menu is open
-  menu_ = std::make_unique<ui::PopupMenu>(style_, std::move(entries));
-  menu_->onChanged = [this] { window_.invalidate(); };
-  menu_->onClosed = [this] { closeMenu(); };
-  menu_->place(x, y, window_.width(), window_.height());
-  updatePointer();
-}
-
-void MainWindow::closeMenu() {
-  if (!menu_) return;
-  menu_.reset();
-  window_.invalidate();
-}
-
-void MainWindow::openMenuByKey() {
-  const ui::Rect button = screen_->menuButton();
-  showApplicationMenu(button.x, button.y + button.h);
-  menu_->goToFirst();
+void MainWindow::openMenu(std::vector<ui::MenuEntry> entries, int x, int y, Command::By by) {
+  auto menu = std::make_unique<ui::PopupMenu>(style_, std::move(entries), x, y);
+  if (by == Command::By::Key) menu->goToFirst();
+  input_.open(std::move(menu));
 }
 
 void MainWindow::showMessage(const std::string& title, const std::string& text) {
-  openDialog(std::make_unique<ui::MessageDialog>(connection_, style_, title, text, ui::okButton()));
+  input_.open(
+      std::make_unique<ui::MessageDialog>(connection_, style_, title, text, ui::okButton()));
 }
 
 void MainWindow::updateTitle() {
   window_.setTitle(windowTitle(scanShown() ? controller_.path() : std::string()));
 }
 
-ui::InputTarget& MainWindow::inputTarget() {
-  if (menu_) return *menu_;
-  if (ui::Dialog* dialog = dialogs_.top()) return *dialog;
-  return *screen_;
-}
-
-void MainWindow::press(const ui::MouseEvent& event) {
-  ui::InputTarget& target = inputTarget();
-  // A quick second press belongs to what took the first one; a menu knows no double presses.
-  if (event.clicks > 1 && !menu_ && target.serial() != pressTarget_) return;
-  pressTarget_ = target.serial();
-  target.press(event);
-  updatePointer();
-}
-
-void MainWindow::motion(const ui::MouseEvent& event) {
-  pointer_ = event;
-  tellPointer();
-  updatePointer();
-}
-
-void MainWindow::tellPointer() {
-  ui::InputTarget& target = inputTarget();
-  pointerTarget_ = target.serial();
-  target.motion(*pointer_);
-}
-
-void MainWindow::release(const ui::MouseEvent& event) {
-  inputTarget().release(event);
-  updatePointer();
-}
-
-void MainWindow::wheel(const ui::MouseEvent& event, int dy) { inputTarget().wheel(event, dy); }
-
-void MainWindow::leave() {
-  pointer_.reset();
-  screen_->leave();
-  if (ui::Dialog* dialog = dialogs_.top()) dialog->leave();
-  if (menu_) menu_->leave();
-}
-
+/// The view with the keyboard comes first; closing works whatever is open.
 void MainWindow::key(const ui::KeyEvent& event) {
-  handleKey(event);
-  updatePointer();
-}
-
-void MainWindow::handleKey(const ui::KeyEvent& event) {
   const auto command = commandFor(event);
-  const bool covered = menu_ || !dialogs_.empty();
-  if (command && (!covered || command == Command::Close)) {
-    perform(*command);
-  } else if (menu_) {
-    menu_->key(event);
-  } else if (ui::Dialog* dialog = dialogs_.top()) {
-    dialog->key(event);
-  } else if (ui::key::plain(event.keysym) == ui::key::kEscape) {
-    escape();
-  } else {
-    screen_->key(event);
-  }
-}
-
-void MainWindow::escape() {
-  if (!screen_->dismiss()) perform(Command::StopScan);
+  const bool closes = command && command->action == Action::Close;
+  if (!closes && input_.key(event)) return;
+  if (command) perform(*command);
 }
 
 CommandState MainWindow::commandState() const {
@@ -376,42 +275,46 @@ CommandState MainWindow::commandState() const {
           .canGoOut = scan_.focus().canGoOut()};
 }
 
-void MainWindow::perform(Command command) {
+void MainWindow::perform(const Command& command) {
   if (!isEnabled(command, commandState())) return;
-  switch (command) {
-    case Command::LeaveScan:
+  switch (command.action) {
+    case Action::LeaveScan:
       return showWelcome();
-    case Command::StopScan:
+    case Action::StopScan:
       return stopScan();
-    case Command::Rescan:
+    case Action::Rescan:
       return scanPath(std::string(controller_.path()));
-    case Command::GoOut:
+    case Action::GoOut:
       return scan_.focus().goOut();
-    case Command::GoToScannedFolder:
+    case Action::GoToScannedFolder:
       return scan_.focus().go(sizewalk::kRootNode);
-    case Command::GoToPrevious:
+    case Action::GoToPrevious:
       return scan_.focus().goToPrevious();
-    case Command::GoToNext:
+    case Action::GoToNext:
       return scan_.focus().goToNext();
-    case Command::CopyPath:
-      return copyPath();
-    case Command::ShowCurrentSize:
-    case Command::ShowAddedLastMonth:
-    case Command::ShowAddedLastSixMonths:
-    case Command::ShowAddedSinceLastScan:
-      return setMeasure(measureOf(command));
-    case Command::OpenMenu:
-      return openMenuByKey();
-    case Command::OpenSettings:
+    case Action::GoTo:
+      return scan_.focus().go(command.target.value_or(sizewalk::kRootNode));
+    case Action::CopyPath:
+      return copyPath(command.target.value_or(scan_.target()));
+    case Action::ShowMeasure:
+      return setMeasure(command.measure);
+    case Action::OpenMeasureMenu: {
+      const ui::Rect button = scan_.measureButton();
+      return showMetricMenu(button.x, button.y + button.h, command.by);
+    }
+    case Action::OpenApplicationMenu: {
+      const ui::Rect button = screen_->menuButton();
+      return showApplicationMenu(button.x, button.y + button.h, command.by);
+    }
+    case Action::OpenSettings:
       return openSettings();
-    case Command::Close:
+    case Action::Close:
       return window_.close();
   }
 }
 
-void MainWindow::copyPath() {
+void MainWindow::copyPath(sizewalk::NodeId target) {
   const sizewalk::FileTree& tree = controller_.scanner()->tree();
-  const sizewalk::NodeId target = scan_.target();
   if (target < tree.nodeCount()) window_.setClipboardText(displayName(tree.path(target)));
 }
 

@@ -19,9 +19,9 @@
 #include "sizewalk/volume_meter.h"
 #include "ui/connection.h"
 #include "ui/icon.h"
-#include "ui/widgets/dialog_layer.h"
-#include "ui/widgets/input_target.h"
-#include "ui/widgets/popup_menu.h"
+#include "ui/widgets/dialog.h"
+#include "ui/widgets/input_stack.h"
+#include "ui/widgets/menu_entry.h"
 #include "ui/widgets/style.h"
 #include "ui/window.h"
 
@@ -65,35 +65,20 @@ class MainWindow {
   void tick();
   void prepareFrame();
   void resize(int width, int height);
-  /// The pointer's shape, and where it lies if that is news to what has the input by now.
-  void updatePointer();
-  void tellPointer();
   void updateTitle();
-  /// The menu, dialog or screen that has the input.
-  ui::InputTarget& inputTarget();
-  void press(const ui::MouseEvent& event);
-  void motion(const ui::MouseEvent& event);
-  void release(const ui::MouseEvent& event);
-  void wheel(const ui::MouseEvent& event, int dy);
-  void leave();
   void key(const ui::KeyEvent& event);
-  void handleKey(const ui::KeyEvent& event);
-  void escape();
-  void perform(Command command);
+  void perform(const Command& command);
   CommandState commandState() const;
-  void openDialog(std::unique_ptr<ui::Dialog> dialog);
   void chooseFolder();
   /// Shows the scan as stopped, which it soon will be.
   void stopScan();
   void openSettings();
   void showMessage(const std::string& title, const std::string& text);
-  /// The menus hang from a place of the window.
-  void showMeasureMenu(int x, int y);
-  void showApplicationMenu(int x, int y);
-  void openMenu(std::vector<ui::MenuEntry> entries, int x, int y);
-  void closeMenu();
-  void openMenuByKey();
-  void copyPath();
+  // The menus hang from a place of the window.
+  void showMetricMenu(int x, int y, Command::By by);
+  void showApplicationMenu(int x, int y, Command::By by);
+  void openMenu(std::vector<ui::MenuEntry> entries, int x, int y, Command::By by);
+  void copyPath(sizewalk::NodeId target);
   void setMeasure(Measure measure);
 
   /// Shows more of a running scan if it is time to.
@@ -119,17 +104,9 @@ class MainWindow {
   ScanScreen scan_;
   /// What the window shows: one of the two above.
   Screen* screen_ = &welcome_;
-  /// Above the dialogs: a chooser uses it to its end.
+  /// Above what it is used in: a chooser uses it to its end.
   FolderLister folderLister_;
-  ui::DialogLayer dialogs_;
-  /// Above the dialogs; null when none is open.
-  std::unique_ptr<ui::PopupMenu> menu_;
-  // Serial numbers of input targets, 0 for none.
-  /// What took the last press.
-  std::uint64_t pressTarget_ = 0;
-  /// Where the pointer is in the window, if it is, and what was last told so.
-  std::optional<ui::MouseEvent> pointer_;
-  std::uint64_t pointerTarget_ = 0;
+  ui::InputStack input_;
   sizewalk::VolumeMeter meter_;
   VolumeCards volumes_;
   std::int64_t nextVolumes_ = 0;  // when they are to be listed again, as `ui::Window::now` tells

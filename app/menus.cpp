@@ -15,25 +15,28 @@ constexpr Measure kMeasures[] = {Measure::CurrentSize, Measure::AddedLastMonth,
 
 std::vector<ui::MenuEntry> applicationMenu(const CommandState& state,
                                            const PerformCommand& perform) {
-  const auto entry = [&](std::string label, Command command) {
+  const auto entry = [&](std::string label, Action action) {
+    const Command command{.action = action};
     return ui::MenuEntry{.label = std::move(label),
                          .enabled = isEnabled(command, state),
                          .action = [perform, command] { perform(command); }};
   };
-  return {entry(std::string(kOpenText), Command::LeaveScan),
-          entry(std::string(kRescanText), Command::Rescan),
+  return {entry(std::string(kOpenText), Action::LeaveScan),
+          entry(std::string(kRescanText), Action::Rescan),
           {},
-          entry("Copy Path", Command::CopyPath),
+          entry("Copy Path", Action::CopyPath),
           {},
-          entry("Settings…", Command::OpenSettings)};
+          entry("Settings…", Action::OpenSettings)};
 }
 
 std::vector<ui::MenuEntry> measureMenu(Measure current, const PerformCommand& perform) {
   std::vector<ui::MenuEntry> entries;
   for (const Measure measure : kMeasures) {
-    entries.push_back({.label = std::string(measureName(measure)),
-                       .action = [perform, measure] { perform(commandThatShows(measure)); },
-                       .ticked = measure == current});
+    entries.push_back(
+        {.label = std::string(measureName(measure)),
+         .action = [perform,
+                    measure] { perform({.action = Action::ShowMeasure, .measure = measure}); },
+         .ticked = measure == current});
   }
   return entries;
 }

@@ -9,7 +9,7 @@
 
 namespace app {
 
-using PerformCommand = std::function<void(Command)>;
+using PerformCommand = std::function<void(const Command&)>;
 
 /// What hangs from the menu button. `state` is that of the moment the menu opens.
 std::vector<ui::MenuEntry> applicationMenu(const CommandState& state,

@@ -20,6 +20,8 @@ struct MouseEvent {
   /// Keys that were held; false for releases.
   bool shift = false;
   bool ctrl = false;
+  /// When the window handed it on, as `Window::now` tells.
+  std::int64_t timeMs = 0;
 };
 
 /// A key that was pressed.
@@ -31,6 +33,8 @@ struct KeyEvent {
   std::string text;
   bool shift = false;
   bool ctrl = false;
+  /// When the window handed it on, as `Window::now` tells.
+  std::int64_t timeMs = 0;
 };
 
 /// Counts the presses of a series of quick clicks in one place. All buttons share one series.

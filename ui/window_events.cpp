@@ -9,6 +9,14 @@
 
 namespace ui {
 
+namespace {
+template <typename Event>
+Event at(std::int64_t nowMs, Event event) {
+  event.timeMs = nowMs;
+  return event;
+}
+}  // namespace
+
 void Window::run() {
   running_ = true;
   while (running_) {
@@ -92,21 +100,22 @@ void Window::Native::handleClientMessage(const XClientMessageEvent& event) {
 }
 
 void Window::Native::handleKey(XKeyEvent& event) {
-  if (owner.onKey) owner.onKey(keyEventOf(event));
+  if (owner.onKey) owner.onKey(at(now(), keyEventOf(event)));
 }
 
 void Window::Native::handlePress(const XButtonEvent& event) {
   if (const auto step = wheelStepOf(event.button)) {
-    if (owner.onWheel) owner.onWheel(mouseEventOf(event, 1), step->dx, step->dy);
+    if (owner.onWheel) owner.onWheel(at(now(), mouseEventOf(event, 1)), step->dx, step->dy);
     return;
   }
-  const int count = clicks.press(event.x, event.y, now());
-  if (owner.onPress) owner.onPress(mouseEventOf(event, count));
+  const std::int64_t time = now();
+  const int count = clicks.press(event.x, event.y, time);
+  if (owner.onPress) owner.onPress(at(time, mouseEventOf(event, count)));
 }
 
 void Window::Native::handleRelease(const XButtonEvent& event) {
   if (wheelStepOf(event.button)) return;
-  if (owner.onRelease) owner.onRelease(releaseEventOf(event, clicks.count()));
+  if (owner.onRelease) owner.onRelease(at(now(), releaseEventOf(event, clicks.count())));
 }
 
 void Window::Native::handleMotion(XEvent& event) {
@@ -114,7 +123,7 @@ void Window::Native::handleMotion(XEvent& event) {
   // behind.
   while (XCheckTypedWindowEvent(display, window, MotionNotify, &event)) {
   }
-  if (owner.onMotion) owner.onMotion(mouseEventOf(event.xmotion));
+  if (owner.onMotion) owner.onMotion(at(now(), mouseEventOf(event.xmotion)));
 }
 
 }  // namespace ui

@@ -114,7 +114,7 @@ ui::Rect FolderChooser::wantedPanel(int /*width*/, int /*height*/) const {
   return {0, 0, style().scaled(kWidth), style().scaled(kHeight)};
 }
 
-void FolderChooser::layOut(const ui::Rect& content) {
+void FolderChooser::layOutContent(const ui::Rect& content) {
   const int gap = style().scaled(kGap);
   heading_ = {content.x, content.y, content.w, style().heading().height};
   const int pathTop = heading_.y + heading_.h + gap;
@@ -208,12 +208,12 @@ void FolderChooser::wheel(const ui::MouseEvent& event, int dy) {
 
 // Keys.
 
-void FolderChooser::key(const ui::KeyEvent& event) {
-  if (keyAnywhere(event)) return;
-  const bool taken = focused() == kList     ? keyInList(event)
-                     : focused() == kPlaces ? keyInPlaces(ui::key::plain(event.keysym))
-                                            : false;
-  if (!taken) ui::Dialog::key(event);
+bool FolderChooser::key(const ui::KeyEvent& event) {
+  if (keyAnywhere(event)) return true;
+  const bool taken = focusedControl() == kList     ? keyInList(event)
+                     : focusedControl() == kPlaces ? keyInPlaces(ui::key::plain(event.keysym))
+                                                   : false;
+  return taken || ui::Dialog::key(event);
 }
 
 bool FolderChooser::keyAnywhere(const ui::KeyEvent& event) {
@@ -308,7 +308,7 @@ void FolderChooser::paintPath(ui::Canvas& canvas) const {
                    .text = "↑",
                    .hovered = presses().hovered(kUp),
                    .pressed = presses().pressed(kUp),
-                   .focused = focused() == kUp,
+                   .focused = focusedControl() == kUp,
                    .disabled = path_ == "/"},
                   style().body(), palette);
 }
@@ -330,7 +330,7 @@ void FolderChooser::paintPlace(ui::Canvas& canvas, std::size_t row) const {
   const bool shown = place.path == path_;
   const bool highlighted = shown || placesColumn_.hovered() == row;
   const ui::Colour fill = shown ? palette.pressed : highlighted ? palette.raised : palette.window;
-  if (focused() == kPlaces && currentPlace_ == row) {
+  if (focusedControl() == kPlaces && currentPlace_ == row) {
     ui::fillOutlined(canvas, rect, radius, ui::focusRingWidth(style().scale()), palette.accent,
                      fill);
   } else if (highlighted) {
@@ -342,7 +342,7 @@ void FolderChooser::paintPlace(ui::Canvas& canvas, std::size_t row) const {
 
 void FolderChooser::paintList(ui::Canvas& canvas) const {
   const ui::Palette& palette = style().palette();
-  const bool hasKeyboard = focused() == kList;
+  const bool hasKeyboard = focusedControl() == kList;
   ui::fillOutlined(canvas, listFrame_, 0, hasKeyboard ? ui::focusRingWidth(style().scale()) : 1,
                    hasKeyboard ? palette.accent : palette.border, palette.base);
   canvas.pushClip(listColumn_.view());

@@ -40,7 +40,7 @@ class FolderChooser : public ui::Dialog {
   void release(const ui::MouseEvent& event) override;
   void leave() override;
   void wheel(const ui::MouseEvent& event, int dy) override;
-  void key(const ui::KeyEvent& event) override;
+  bool key(const ui::KeyEvent& event) override;
   void tick(std::int64_t nowMs) override;
 
   const std::string& path() const { return path_; }
@@ -58,7 +58,7 @@ class FolderChooser : public ui::Dialog {
 
  protected:
   ui::Rect wantedPanel(int width, int height) const override;
-  void layOut(const ui::Rect& content) override;
+  void layOutContent(const ui::Rect& content) override;
   void paintContent(ui::Canvas& canvas) const override;
   int controlCount() const override { return kList + 1; }
   ui::PressTracker::Control controlAt(int x, int y) const override;

@@ -82,7 +82,7 @@ ui::Rect SettingsDialog::wantedPanel(int width, int /*height*/) const {
   return {0, 0, w, headingHeight() + rows + buttonRowHeight() + 2 * padding()};
 }
 
-void SettingsDialog::layOut(const ui::Rect& content) {
+void SettingsDialog::layOutContent(const ui::Rect& content) {
   heading_ = {content.x, content.y, content.w, style().heading().height};
   const int above = headingHeight();
   const ui::Rect list = {content.x, content.y + above, content.w, std::max(0, content.h - above)};
@@ -176,7 +176,7 @@ void SettingsDialog::hoverAnew() {
 }
 
 void SettingsDialog::keyboardMoved() {
-  const auto row = static_cast<std::size_t>(focused());
+  const auto row = static_cast<std::size_t>(focusedControl());
   if (row >= places_.size()) return;
   scroller_.reveal(places_[row].top, places_[row].height);
   hoverAnew();
@@ -185,9 +185,9 @@ void SettingsDialog::keyboardMoved() {
 std::optional<int> SettingsDialog::controlAfterKey(unsigned long keysym) const {
   switch (keysym) {
     case ui::key::kUp:
-      return std::max(focused() - 1, 0);
+      return std::max(focusedControl() - 1, 0);
     case ui::key::kDown:
-      return std::min(focused() + 1, buttonControl(1));
+      return std::min(focusedControl() + 1, buttonControl(1));
     case ui::key::kHome:
       return 0;
     case ui::key::kEnd:
@@ -197,15 +197,16 @@ std::optional<int> SettingsDialog::controlAfterKey(unsigned long keysym) const {
   }
 }
 
-void SettingsDialog::key(const ui::KeyEvent& event) {
+bool SettingsDialog::key(const ui::KeyEvent& event) {
   const unsigned long keysym = ui::key::plain(event.keysym);
   if (const auto control = controlAfterKey(keysym)) {
     giveKeyboardTo(*control);
-  } else if (keysym == ui::key::kReturn && focused() < controlCount()) {
+  } else if (keysym == ui::key::kReturn && focusedControl() < controlCount()) {
     close();
   } else {
-    ui::Dialog::key(event);
+    return ui::Dialog::key(event);
   }
+  return true;
 }
 
 // Drawing.
@@ -239,7 +240,7 @@ void SettingsDialog::paintRowGround(ui::Canvas& canvas, std::size_t row) const {
   const auto control = static_cast<int>(row);
   const bool hovered = presses().hovered(control);
   const int radius = style().scaled(kRowRadius);
-  if (focused() == control) {
+  if (focusedControl() == control) {
     ui::fillOutlined(canvas, rowRect(row), radius, ui::focusRingWidth(style().scale()),
                      palette.accent, hovered ? palette.raised : palette.window);
   } else if (hovered) {

@@ -31,7 +31,7 @@ class SettingsDialog : public ui::Dialog {
   void wheel(const ui::MouseEvent& event, int dy) override;
   /// Up and Down walk the rows and then the buttons, Home and End go to the first and the last row.
   /// Enter on a row is Done.
-  void key(const ui::KeyEvent& event) override;
+  bool key(const ui::KeyEvent& event) override;
 
   const std::vector<SettingsRow>& rows() const { return rows_; }
   /// Where a row is; outside of `listRect` when it is scrolled away.
@@ -42,7 +42,7 @@ class SettingsDialog : public ui::Dialog {
 
  protected:
   ui::Rect wantedPanel(int width, int height) const override;
-  void layOut(const ui::Rect& content) override;
+  void layOutContent(const ui::Rect& content) override;
   void paintContent(ui::Canvas& canvas) const override;
   int controlCount() const override { return static_cast<int>(rows_.size()); }
   ui::PressTracker::Control controlAt(int x, int y) const override;

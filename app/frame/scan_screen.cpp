@@ -1,19 +1,15 @@
 #include "app/frame/scan_screen.h"
 
+#include <initializer_list>
 #include <utility>
 
 #include "app/model/format.h"
 #include "ui/keys.h"
-#include "ui/window.h"
 
 namespace app {
 
 using sizewalk::kRootNode;
 using sizewalk::NodeId;
-
-namespace {
-constexpr int kPrimaryButton = 1;
-}  // namespace
 
 ScanScreen::ScanScreen(ui::Connection& connection, const ui::Style& style, KindColours& colours,
                        BackgroundRender::Post post)
@@ -24,42 +20,29 @@ ScanScreen::ScanScreen(ui::Connection& connection, const ui::Style& style, KindC
       kinds_(style, &colours),
       picture_(connection, colours, std::move(post)),
       map_(style, picture_, focus_, selection_),
+      mainDivider_(style),
+      kindsDivider_(style),
       statusLine_(style) {
-  connectToolbar();
+  for (ui::View* view : std::initializer_list<ui::View*>{
+           &toolbar_, &list_, &kinds_, &map_, &mainDivider_, &kindsDivider_, &statusLine_}) {
+    add(*view);
+  }
+  toolbar_.onCommand = [this](const Command& command) {
+    if (onCommand) onCommand(command);
+  };
   connectList();
   connectKinds();
   connectMap();
-  addPointerTargets();
-  dividers_.onMoved = [this] { layOut(); };
+  connectDividers();
   selection_.onChanged = [this] {
     selectionDirty_ = true;
     changed();
   };
   focus_.onChanged = [this] { focusChanged(); };
-  giveKeyboardTo(Part::List);
-}
-
-void ScanScreen::connectToolbar() {
-  const auto command = [this](Command wanted) {
-    return [this, wanted] {
-      if (onCommand) onCommand(wanted);
-    };
-  };
-  toolbar_.onOpen = command(Command::LeaveScan);
-  toolbar_.onStop = command(Command::StopScan);
-  toolbar_.onRescan = command(Command::Rescan);
-  toolbar_.onUp = command(Command::GoOut);
-  toolbar_.onSegment = [this](NodeId node) { focus_.go(node); };
-  toolbar_.onMeasureMenu = [this](const ui::Rect& place) {
-    if (onMeasureMenu) onMeasureMenu(place);
-  };
-  toolbar_.onAppMenu = [this](const ui::Rect& place) {
-    if (onAppMenu) onAppMenu(place);
-  };
+  giveKeyboardTo(&list_);
 }
 
 void ScanScreen::connectList() {
-  list_.onChanged = [this] { changed(); };
   list_.onActivate = [this](NodeId node) { activate(node); };
   list_.onContextMenu = [this](NodeId node, int x, int y) {
     if (onContextMenu) onContextMenu(node, x, y);
@@ -67,7 +50,6 @@ void ScanScreen::connectList() {
 }
 
 void ScanScreen::connectKinds() {
-  kinds_.onChanged = [this] { changed(); };
   kinds_.onKindSelected = [this](std::optional<int> kind) {
     picture_.setHighlight(kind);
     changed();
@@ -76,59 +58,28 @@ void ScanScreen::connectKinds() {
 
 void ScanScreen::connectMap() {
   picture_.onRendered = [this] { changed(); };
-  map_.onChanged = [this] { changed(); };
   map_.onPicked = [this](NodeId node) { list_.revealNode(node); };
   map_.onContextMenu = [this](NodeId node, int x, int y) {
     if (onContextMenu) onContextMenu(node, x, y);
   };
 }
 
-void ScanScreen::addPointerTargets() {
-  const auto ifChanged = [this](bool change) {
-    if (change) changed();
+void ScanScreen::connectDividers() {
+  mainDivider_.onMoved = [this](std::optional<double> share) {
+    (settings_.listAboveMap ? dividerPlaces_.listHeight : dividerPlaces_.column) = share;
+    layOutAgain();
   };
-  // Other buttons end no drag.
-  const auto ifPrimary = [](auto act) {
-    return [act](const ui::MouseEvent& event) {
-      if (event.button == kPrimaryButton) act();
-    };
+  kindsDivider_.onMoved = [this](std::optional<double> share) {
+    (settings_.listAboveMap ? dividerPlaces_.mapBesideKinds : dividerPlaces_.listOverKinds) = share;
+    layOutAgain();
   };
-  toolbarTarget_ =
-      pointers_.add({.press = [=, this](const auto& e) { ifChanged(toolbar_.press(e)); },
-                     .motion = [=, this](const auto& e) { ifChanged(toolbar_.motion(e)); },
-                     .release = [=, this](const auto& e) { ifChanged(toolbar_.release(e)); },
-                     .leave = [=, this] { ifChanged(toolbar_.leave()); },
-                     .wheel = {}});
-  listTarget_ = pointers_.add({.press = [this](const auto& e) { list_.press(e); },
-                               .motion = [this](const auto& e) { list_.motion(e); },
-                               .release = ifPrimary([this] { list_.release(); }),
-                               .leave = [this] { list_.leave(); },
-                               .wheel = [this](const auto&, int dy) { list_.wheel(dy); }});
-  kindsTarget_ = pointers_.add({.press = [this](const auto& e) { kinds_.press(e); },
-                                .motion = [this](const auto& e) { kinds_.motion(e); },
-                                .release = ifPrimary([this] { kinds_.release(); }),
-                                .leave = [this] { kinds_.leave(); },
-                                .wheel = [this](const auto&, int dy) { kinds_.wheel(dy); }});
-  mapTarget_ =
-      pointers_.add({.press = [this](const auto& e) { map_.press(e); },
-                     .motion = [this](const auto& e) { map_.motion(e, ui::Window::now()); },
-                     .release = {},
-                     .leave = [this] { map_.leave(); },
-                     .wheel = [this](const auto& e, int dy) { map_.wheel(e, dy); }});
-  const ui::PointerRouter::Target divider = {.press = [this](const auto& e) { dividers_.press(e); },
-                                             .motion = [this](const auto& e) { dividers_.drag(e); },
-                                             .release = ifPrimary([this] { dividers_.release(); }),
-                                             .leave = {},
-                                             .wheel = {}};
-  mainDividerTarget_ = pointers_.add(divider);
-  kindsDividerTarget_ = pointers_.add(divider);
 }
 
 void ScanScreen::show(const sizewalk::FileTree* tree) {
   // The parts that outline nodes go first: none of them may look at a tree that is gone.
   selection_.clear();
   focus_.reset(tree);
-  hide();
+  releasePointer();
   kinds_.clearSelection();
   tree_ = tree;
   volume_.reset();
@@ -138,7 +89,7 @@ void ScanScreen::show(const sizewalk::FileTree* tree) {
   picture_.show(tree, kRootNode);
   map_.reset();
   updateToolbar();
-  giveKeyboardTo(Part::List);
+  giveKeyboardTo(&list_);
   treeChanged();
 }
 
@@ -155,9 +106,9 @@ void ScanScreen::setSettings(const ScanScreenSettings& settings) {
   picture_.markDirty();
   if (!settings.showKinds) {
     kinds_.clearSelection();
-    if (keyboard_ == Part::Kinds) giveKeyboardTo(Part::List);
+    if (keyboardOwner() == &kinds_) giveKeyboardTo(&list_);
   }
-  layOut();
+  layOutAgain();
   treeChanged();
 }
 
@@ -177,38 +128,39 @@ void ScanScreen::treeChanged() {
   changed();
 }
 
-void ScanScreen::drawAtOnce() {
+void ScanScreen::showAllInNextFrame() {
   picture_.markDirty();
   treeChanged();
 }
 
-void ScanScreen::setSize(int width, int height) {
-  width_ = width;
-  height_ = height;
+void ScanScreen::layOutAgain() {
   layOut();
+  changed();
 }
 
 void ScanScreen::layOut() {
-  layout_ = layOutFrame({.width = width_,
-                         .height = height_,
+  layout_ = layOutFrame({.width = rect().w,
+                         .height = rect().h,
                          .scale = style_.scale(),
                          .lineHeight = style_.lineHeight(),
                          .listAboveMap = settings_.listAboveMap,
                          .showKinds = settings_.showKinds,
-                         .dividers = dividers_.places()});
-  dividers_.follow(layout_, settings_.listAboveMap);
+                         .dividers = dividerPlaces_});
   toolbar_.setRect(layout_.toolbar);
   list_.setRect(layout_.list);
   kinds_.setRect(layout_.kinds);
-  picture_.setRect(layout_.map);
+  map_.setRect(layout_.map);
+  map_.setCardBounds(rect());
   statusLine_.setRect(layout_.status);
-  pointers_.setRect(toolbarTarget_, layout_.toolbar);
-  pointers_.setRect(listTarget_, layout_.list);
-  pointers_.setRect(kindsTarget_, layout_.kinds);
-  pointers_.setRect(mapTarget_, layout_.map);
-  pointers_.setRect(mainDividerTarget_, layout_.mainDivider);
-  pointers_.setRect(kindsDividerTarget_, layout_.kindsDivider);
-  changed();
+  mainDivider_.setRect(layout_.mainDivider);
+  kindsDivider_.setRect(layout_.kindsDivider);
+  using enum Divider::Direction;
+  mainDivider_.setPanes(settings_.listAboveMap ? Down : Across, layout_.list, layout_.map);
+  if (settings_.listAboveMap) {
+    kindsDivider_.setPanes(Across, layout_.map, layout_.kinds);
+  } else {
+    kindsDivider_.setPanes(Down, layout_.list, layout_.kinds);
+  }
 }
 
 bool ScanScreen::bringUpToDate() {
@@ -218,9 +170,9 @@ bool ScanScreen::bringUpToDate() {
   const bool selected = std::exchange(selectionDirty_, false);
   if (selected || looked || drawn) map_.refresh();
   if (selected || looked) addUpSelection();
-  list_.update();
   updateToolbar();
   updateStatus();
+  Screen::bringUpToDate();
   return looked || drawn;
 }
 
@@ -292,77 +244,10 @@ std::optional<NodeId> ScanScreen::hovered() const {
   return onMap ? onMap : list_.hovered();
 }
 
-void ScanScreen::paint(ui::Canvas& canvas) const {
-  const ui::Palette& palette = style_.palette();
-  toolbar_.paint(canvas);
-  list_.paint(canvas);
-  if (!layout_.kinds.empty()) kinds_.paint(canvas);
-  map_.paint(canvas);
-  canvas.fillRect(layout_.mainDivider, palette.window);
-  canvas.fillRect(layout_.kindsDivider, palette.window);
-  statusLine_.paint(canvas);
-  map_.paintCard(canvas);
-}
-
-void ScanScreen::press(const ui::MouseEvent& event) {
-  lastPointer_ = event;
-  const auto part = pointers_.press(event);
-  if (part == listTarget_) giveKeyboardTo(Part::List);
-  if (part == kindsTarget_) giveKeyboardTo(Part::Kinds);
-  if (part == mapTarget_) giveKeyboardTo(Part::Map);
-}
-
-void ScanScreen::motion(const ui::MouseEvent& event) {
-  lastPointer_ = event;
-  pointers_.motion(event);
-}
-
-void ScanScreen::release(const ui::MouseEvent& event) {
-  lastPointer_ = event;
-  pointers_.release(event);
-}
-
-void ScanScreen::leave() { pointers_.leave(); }
-
-void ScanScreen::hide() {
-  pointers_.reset();
-  lastPointer_ = {.x = -1, .y = -1};
-}
-
-void ScanScreen::wheel(const ui::MouseEvent& event, int dy) { pointers_.wheel(event, dy); }
-
-void ScanScreen::giveKeyboardTo(Part part) {
-  keyboard_ = part;
-  list_.setFocused(part == Part::List);
-  kinds_.setFocused(part == Part::Kinds);
-  map_.setFocused(part == Part::Map);
-  changed();
-}
-
-void ScanScreen::cycleKeyboard(bool backwards) {
-  const bool skipKinds = layout_.kinds.empty();
-  const int step = backwards ? 2 : 1;
-  int next = static_cast<int>(keyboard_);
-  do {
-    next = (next + step) % 3;
-  } while (skipKinds && static_cast<Part>(next) == Part::Kinds);
-  giveKeyboardTo(static_cast<Part>(next));
-}
-
 bool ScanScreen::key(const ui::KeyEvent& event) {
-  if (ui::key::plain(event.keysym) == ui::key::kTab) {
-    cycleKeyboard(event.shift);
-    return true;
-  }
-  // What the kinds and the map have no use for, such as letters, is for the list.
-  const bool used = (keyboard_ == Part::Kinds && kinds_.key(event)) ||
-                    (keyboard_ == Part::Map && map_.key(event));
-  return used || list_.key(event, ui::Window::now());
-}
-
-void ScanScreen::tick(std::int64_t nowMs) {
-  map_.tick(nowMs, {0, 0, width_, height_});
-  if (picture_.due()) changed();
+  if (Screen::key(event)) return true;
+  if (ui::key::plain(event.keysym) == ui::key::kEscape && dismiss()) return true;
+  return keyboardOwner() != &list_ && list_.key(event);
 }
 
 bool ScanScreen::dismiss() {
@@ -372,13 +257,9 @@ bool ScanScreen::dismiss() {
   return highlighted;
 }
 
-ui::PointerShape ScanScreen::pointer() const {
-  const auto owner = pointers_.owner();
-  const bool onDivider = owner == mainDividerTarget_ || owner == kindsDividerTarget_;
-  const auto direction = dividers_.at(lastPointer_.x, lastPointer_.y);
-  if (!onDivider || !direction) return toolbar_.pointer();
-  return *direction == Dividers::Direction::Across ? ui::PointerShape::ResizeHorizontal
-                                                   : ui::PointerShape::ResizeVertical;
+void ScanScreen::tick(std::int64_t nowMs) {
+  Screen::tick(nowMs);
+  if (picture_.due()) changed();
 }
 
 void ScanScreen::activate(NodeId node) {

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "app/frame/dividers.h"
+#include "app/frame/divider.h"
 #include "app/frame/frame_layout.h"
 #include "app/frame/screen.h"
 #include "app/frame/status_line.h"
@@ -26,7 +26,6 @@
 #include "ui/canvas.h"
 #include "ui/connection.h"
 #include "ui/input.h"
-#include "ui/widgets/pointer_router.h"
 #include "ui/widgets/style.h"
 
 namespace app {
@@ -44,10 +43,7 @@ struct ScanScreenSettings {
 /// that it is for, and what changes in one part to the others. Window thread only.
 class ScanScreen : public Screen {
  public:
-  std::function<void(Command)> onCommand;
-  /// A menu is to hang from the button at a place.
-  std::function<void(const ui::Rect&)> onMeasureMenu;
-  std::function<void(const ui::Rect&)> onAppMenu;
+  std::function<void(const Command&)> onCommand;
   /// The context menu of an item, which is selected, at (x, y).
   std::function<void(sizewalk::NodeId, int x, int y)> onContextMenu;
   /// A file is to be opened.
@@ -69,23 +65,17 @@ class ScanScreen : public Screen {
   /// later.
   void treeChanged();
   /// The next frame shows the tree as it is by then, on the map as well.
-  void drawAtOnce();
+  void showAllInNextFrame();
 
-  void setSize(int width, int height) override;
-  void paint(ui::Canvas& canvas) const override;
-  void press(const ui::MouseEvent& event) override;
-  void motion(const ui::MouseEvent& event) override;
-  void release(const ui::MouseEvent& event) override;
-  void leave() override;
-  void hide() override;
-  void wheel(const ui::MouseEvent& event, int dy) override;
-  /// Of the part that has the keyboard.
+  /// What the view with the keyboard has no use for goes to the list; Escape takes back a card,
+  /// then the highlight of a kind.
   bool key(const ui::KeyEvent& event) override;
   void tick(std::int64_t nowMs) override;
-  /// A card, then the highlight of a kind.
-  bool dismiss() override;
-  ui::Rect menuButton() const override { return toolbar_.layout().menu; }
-  ui::PointerShape pointer() const override;
+  ui::Rect menuButton() const override {
+    return toolbar_.layout().place(Action::OpenApplicationMenu);
+  }
+  /// Where the measure menu hangs from.
+  ui::Rect measureButton() const { return toolbar_.layout().place(Action::OpenMeasureMenu); }
 
   MapFocus& focus() { return focus_; }
   const MapFocus& focus() const { return focus_; }
@@ -102,19 +92,18 @@ class ScanScreen : public Screen {
   sizewalk::NodeId target() const;
 
  protected:
+  void layOut() override;
   /// Costly when it looked at the tree or made a picture.
   bool bringUpToDate() override;
 
  private:
-  /// The parts that can have the keyboard, in the order of Tab.
-  enum class Part { List, Kinds, Map };
-
   void connectToolbar();
   void connectList();
   void connectKinds();
   void connectMap();
-  void addPointerTargets();
-  void layOut();
+  void connectDividers();
+  void layOutAgain();
+  bool dismiss();
   void lookAtTree();
   void focusChanged();
   void updateExtraBlocks();
@@ -123,8 +112,6 @@ class ScanScreen : public Screen {
   void addUpSelection();
   std::string statusRight() const;
   std::optional<sizewalk::NodeId> hovered() const;
-  void giveKeyboardTo(Part part);
-  void cycleKeyboard(bool backwards);
   void activate(sizewalk::NodeId node);
 
   const ui::Style& style_;
@@ -134,10 +121,9 @@ class ScanScreen : public Screen {
   ScanScreenSettings settings_;
   ScanStatus status_;
   std::optional<VolumeSpace> volume_;
-  int width_ = 0;
-  int height_ = 0;
   FrameLayout layout_;
-  Dividers dividers_;
+  /// Where the user has put the dividers, for this run.
+  DividerPlaces dividerPlaces_;
   Selection selection_;
   MapFocus focus_;
   Toolbar toolbar_;
@@ -145,22 +131,15 @@ class ScanScreen : public Screen {
   KindsTable kinds_;
   TreemapPicture picture_;
   TreemapView map_;
+  Divider mainDivider_;
+  Divider kindsDivider_;
   StatusLine statusLine_;
-  ui::PointerRouter pointers_;
-  ui::PointerRouter::Index toolbarTarget_ = 0;
-  ui::PointerRouter::Index listTarget_ = 0;
-  ui::PointerRouter::Index kindsTarget_ = 0;
-  ui::PointerRouter::Index mapTarget_ = 0;
-  ui::PointerRouter::Index mainDividerTarget_ = 0;
-  ui::PointerRouter::Index kindsDividerTarget_ = 0;
-  Part keyboard_ = Part::List;
   // What the next `prepare` has to do.
   bool treeDirty_ = false;
   bool selectionDirty_ = false;
   /// Of what is selected, nothing counted twice. Adding it up takes as long as the selection is
   /// large, so not in every frame.
   std::int64_t selectedSize_ = 0;
-  ui::MouseEvent lastPointer_;
 };
 
 }  // namespace app

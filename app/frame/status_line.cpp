@@ -37,32 +37,25 @@ StatusLayout layOutStatus(const std::string& left, const std::string& right, con
   return layout;
 }
 
-bool StatusLine::setRect(const ui::Rect& rect) {
-  if (rect_ == rect) return false;
-  rect_ = rect;
-  layOut();
-  return true;
-}
-
-bool StatusLine::setTexts(const std::string& left, const std::string& right) {
+void StatusLine::setTexts(const std::string& left, const std::string& right) {
   const std::string readable = displayName(right);
-  if (left_ == left && right_ == readable) return false;
+  if (left_ == left && right_ == readable) return;
   left_ = left;
   right_ = readable;
   layOut();
-  return true;
+  changed();
 }
 
 void StatusLine::layOut() {
-  layout_ = layOutStatus(left_, right_, rect_, style_.scale(),
+  layout_ = layOutStatus(left_, right_, rect(), style_.scale(),
                          [this](std::string_view text) { return style_.textWidth(text); });
 }
 
 void StatusLine::paint(ui::Canvas& canvas) const {
   const ui::Palette& palette = style_.palette();
-  canvas.pushClip(rect_);
-  canvas.fillRect(rect_, palette.window);
-  canvas.fillRect({rect_.x, rect_.y, rect_.w, 1}, palette.border);
+  canvas.pushClip(rect());
+  canvas.fillRect(rect(), palette.window);
+  canvas.fillRect({rect().x, rect().y, rect().w, 1}, palette.border);
   ui::drawText(canvas, layout_.left, left_, style_.body(), palette.text);
   ui::drawText(canvas, layout_.right, layout_.rightText, style_.body(), palette.dimText);
   canvas.popClip();

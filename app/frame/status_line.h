@@ -6,6 +6,7 @@
 #include "ui/geometry.h"
 #include "ui/text_fit.h"
 #include "ui/widgets/style.h"
+#include "ui/widgets/view.h"
 
 namespace app {
 
@@ -24,28 +25,25 @@ StatusLayout layOutStatus(const std::string& left, const std::string& right, con
 
 /// The line at the bottom of the window: the scan's figures at the left, at the right what is under
 /// the pointer or selected. Window thread only.
-class StatusLine {
+class StatusLine : public ui::View {
  public:
   /// `style` outlives the line.
   explicit StatusLine(const ui::Style& style) : style_(style) {}
 
-  // These return whether what the line shows has changed.
-
-  bool setRect(const ui::Rect& rect);
   /// `right` may be a path as the file system has it: bytes that are no text are made readable.
-  bool setTexts(const std::string& left, const std::string& right);
+  void setTexts(const std::string& left, const std::string& right);
 
-  void paint(ui::Canvas& canvas) const;
+  void paint(ui::Canvas& canvas) const override;
   const StatusLayout& layout() const { return layout_; }
   const std::string& left() const { return left_; }
   /// In full, and readable.
   const std::string& right() const { return right_; }
 
- private:
-  void layOut();
+ protected:
+  void layOut() override;
 
+ private:
   const ui::Style& style_;
-  ui::Rect rect_;
   std::string left_;
   std::string right_;
   StatusLayout layout_;

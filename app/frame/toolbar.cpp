@@ -7,59 +7,35 @@
 namespace app {
 
 namespace {
-
 constexpr int kPrimaryButton = 1;
-
-/// The parts by number; the segment of a folder is `kFirstSegment` and its node, so that a press is
-/// taken back when another folder comes under the pointer.
-enum Control : int { kOpen, kStop, kRescan, kUp, kMeasure, kMenu, kFirstSegment };
-
-const ui::Rect& placeOf(const ToolbarLayout& layout, int control) {
-  const ui::Rect* const places[] = {&layout.open, &layout.stop,    &layout.rescan,
-                                    &layout.up,   &layout.measure, &layout.menu};
-  return *places[control];
 }
 
-void call(const std::function<void()>& callable) {
-  if (callable) callable();
-}
-
-void call(const std::function<void(const ui::Rect&)>& callable, const ui::Rect& rect) {
-  if (callable) callable(rect);
-}
-
-}  // namespace
-
-bool Toolbar::setRect(const ui::Rect& rect) {
-  if (rect_ == rect) return false;
-  rect_ = rect;
-  layOut();
-  return true;
-}
-
-bool Toolbar::update(const ToolbarState& state) {
+void Toolbar::update(const ToolbarState& state) {
   const bool published = state.tree && state.focus < state.tree->nodeCount();
-  if (state_ == state && focusPublished_ == published) return false;
+  if (state_ == state && focusPublished_ == published) return;
   state_ = state;
   focusPublished_ = published;
   layOut();
-  return true;
+  changed();
 }
 
 void Toolbar::layOut() {
-  layout_ = layOutToolbar(state_, rect_, style_.lineHeight(), style_.scale(),
+  layout_ = layOutToolbar(state_, rect(), style_.lineHeight(), style_.scale(),
                           [this](std::string_view text) { return style_.textWidth(text); });
 }
 
 ui::PressTracker::Control Toolbar::controlAt(int x, int y) const {
-  // The menu first: in a bar too narrow for all it is drawn over the others.
-  for (const int control : {kMenu, kOpen, kStop, kRescan, kUp, kMeasure}) {
-    if (placeOf(layout_, control).contains(x, y)) return control;
+  for (std::size_t i = 0; i < layout_.buttons.size(); ++i) {
+    if (layout_.buttons[i].rect.contains(x, y)) return static_cast<std::int64_t>(i);
   }
   for (const BreadcrumbSegment& segment : layout_.segments) {
-    if (segmentRect(segment).contains(x, y)) return std::int64_t{kFirstSegment} + segment.node;
+    if (segmentRect(segment).contains(x, y)) return controlOf(segment);
   }
   return std::nullopt;
+}
+
+std::int64_t Toolbar::controlOf(const BreadcrumbSegment& segment) const {
+  return static_cast<std::int64_t>(layout_.buttons.size()) + segment.node;
 }
 
 ui::Rect Toolbar::segmentRect(const BreadcrumbSegment& segment) const {
@@ -67,64 +43,60 @@ ui::Rect Toolbar::segmentRect(const BreadcrumbSegment& segment) const {
   return ui::intersect({room.x + segment.x, room.y, segment.width, room.h}, room);
 }
 
-bool Toolbar::press(const ui::MouseEvent& event) {
-  return event.button == kPrimaryButton && presses_.press(controlAt(event.x, event.y));
+void Toolbar::press(const ui::MouseEvent& event) {
+  if (event.button != kPrimaryButton) return;
+  if (presses_.press(controlAt(event.x, event.y))) changed();
 }
 
-bool Toolbar::motion(const ui::MouseEvent& event) {
-  return presses_.motion(controlAt(event.x, event.y));
+void Toolbar::motion(const ui::MouseEvent& event) {
+  if (presses_.motion(controlAt(event.x, event.y))) changed();
 }
 
-bool Toolbar::release(const ui::MouseEvent& event) {
-  if (event.button != kPrimaryButton || !presses_.holding()) return false;
-  if (const auto control = presses_.release(controlAt(event.x, event.y))) act(*control);
-  return true;
+void Toolbar::leave() {
+  if (presses_.leave()) changed();
+}
+
+void Toolbar::release(const ui::MouseEvent& event) {
+  if (event.button != kPrimaryButton || !presses_.holding()) return;
+  const auto control = presses_.release(controlAt(event.x, event.y));
+  changed();
+  if (control) act(*control);
 }
 
 void Toolbar::act(std::int64_t control) {
-  switch (control) {
-    case kOpen:
-      return call(onOpen);
-    case kStop:
-      return call(onStop);
-    case kRescan:
-      return call(onRescan);
-    case kUp:
-      return call(onUp);
-    case kMeasure:
-      return call(onMeasureMenu, layout_.measure);
-    case kMenu:
-      return call(onAppMenu, layout_.menu);
-    default:
-      if (onSegment) onSegment(static_cast<sizewalk::NodeId>(control - kFirstSegment));
+  if (!onCommand) return;
+  const auto buttons = static_cast<std::int64_t>(layout_.buttons.size());
+  if (control < buttons) {
+    onCommand({.action = layout_.buttons[static_cast<std::size_t>(control)].action});
+  } else {
+    const auto node = static_cast<sizewalk::NodeId>(control - buttons);
+    onCommand({.action = Action::GoTo, .target = node});
   }
 }
 
 ui::PointerShape Toolbar::pointer() const {
-  const bool overSegment = std::ranges::any_of(layout_.segments, [&](const auto& segment) {
-    return presses_.hovered(std::int64_t{kFirstSegment} + segment.node);
-  });
+  const bool overSegment = std::ranges::any_of(
+      layout_.segments, [&](const auto& segment) { return presses_.hovered(controlOf(segment)); });
   return overSegment ? ui::PointerShape::Hand : ui::PointerShape::Arrow;
 }
 
 void Toolbar::paint(ui::Canvas& canvas) const {
   const ui::Palette& palette = style_.palette();
-  canvas.pushClip(rect_);
-  canvas.fillRect(rect_, palette.window);
-  canvas.fillRect({rect_.x, rect_.y + rect_.h - 1, rect_.w, 1}, palette.border);
-  paintControl(canvas, kOpen, kOpenText);
-  paintControl(canvas, kStop, kStopText);
-  paintControl(canvas, kRescan, kRescanText);
-  paintControl(canvas, kUp, kUpText);
-  paintControl(canvas, kMeasure, measureSelectorText(state_.measure));
+  const ui::Rect& bar = rect();
+  canvas.pushClip(bar);
+  canvas.fillRect(bar, palette.window);
+  canvas.fillRect({bar.x, bar.y + bar.h - 1, bar.w, 1}, palette.border);
   paintSegments(canvas);
-  paintControl(canvas, kMenu, kMenuText);
+  // Those that lie over others last.
+  for (std::size_t i = layout_.buttons.size(); i-- > 0;) paintButton(canvas, i);
   canvas.popClip();
 }
 
-void Toolbar::paintControl(ui::Canvas& canvas, int control, std::string_view text) const {
-  const ui::Button button = {.rect = placeOf(layout_, control),
-                             .text = std::string(text),
+void Toolbar::paintButton(ui::Canvas& canvas, std::size_t number) const {
+  const ToolbarButton& shown = layout_.buttons[number];
+  const auto control = static_cast<std::int64_t>(number);
+  const ui::Button button = {.rect = shown.rect,
+                             .text = shown.text,
                              .hovered = presses_.hovered(control),
                              .pressed = presses_.pressed(control)};
   ui::paintButton(canvas, button, style_.body(), style_.palette());
@@ -145,7 +117,7 @@ void Toolbar::paintSegments(ui::Canvas& canvas) const {
 
 void Toolbar::paintSegment(ui::Canvas& canvas, const BreadcrumbSegment& segment) const {
   const ui::Rect rect = segmentRect(segment);
-  const bool hovered = presses_.hovered(std::int64_t{kFirstSegment} + segment.node);
+  const bool hovered = presses_.hovered(controlOf(segment));
   const bool last = &segment == &layout_.segments.back();
   const ui::Palette& palette = style_.palette();
   const ui::Colour resting = last ? palette.text : palette.dimText;

@@ -1,6 +1,8 @@
 #include "app/frame/toolbar_layout.h"
 
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 namespace app {
 
@@ -55,24 +57,33 @@ std::string measureSelectorText(Measure measure) {
   return std::string(measureName(measure)) + "  ▾";
 }
 
+ui::Rect ToolbarLayout::place(Action action) const {
+  const auto found = std::ranges::find(buttons, action, &ToolbarButton::action);
+  return found == buttons.end() ? ui::Rect{} : found->rect;
+}
+
 ToolbarLayout layOutToolbar(const ToolbarState& state, const ui::Rect& bar, int lineHeight,
                             double scale, const std::function<int(std::string_view)>& measureText) {
   const int padding = ui::scaled(kPadding, scale);
   const int glyphWidth = lineHeight + kGlyphExtraWidth;
-  const auto textButton = [&](std::string_view text) {
-    return measureText(text) + ui::scaled(kTextPadding, scale);
-  };
   Lane lane(bar, lineHeight + kButtonExtraHeight, bar.x + padding);
   ToolbarLayout layout;
   const int menuLeft = bar.x + bar.w - padding - glyphWidth;
-  layout.menu = lane.at(menuLeft, glyphWidth);
-  if (!state.tree) return layout;
+  layout.buttons.push_back(
+      {Action::OpenApplicationMenu, std::string(kMenuText), lane.at(menuLeft, glyphWidth)});
+  const bool shown = state.tree != nullptr;
+  const auto add = [&](Action action, std::string text, bool isShown, std::optional<int> width) {
+    const int own = measureText(text) + ui::scaled(kTextPadding, scale);
+    const ui::Rect rect = shown && isShown ? lane.take(width.value_or(own)) : ui::Rect{};
+    layout.buttons.push_back({action, std::move(text), rect});
+  };
+  add(Action::LeaveScan, std::string(kOpenText), true, {});
+  add(Action::StopScan, std::string(kStopText), state.scanning, {});
+  add(Action::Rescan, std::string(kRescanText), !state.scanning, {});
+  add(Action::GoOut, std::string(kUpText), state.canGoUp, glyphWidth);
+  add(Action::OpenMeasureMenu, measureSelectorText(state.measure), true, {});
+  if (!shown) return layout;
 
-  layout.open = lane.take(textButton(kOpenText));
-  (state.scanning ? layout.stop : layout.rescan) =
-      lane.take(textButton(state.scanning ? kStopText : kRescanText));
-  if (state.canGoUp) layout.up = lane.take(glyphWidth);
-  layout.measure = lane.take(textButton(measureSelectorText(state.measure)));
   layout.breadcrumb = lane.at(lane.next(), std::max(menuLeft - kGap - lane.next(), 0));
   if (!layout.breadcrumb.empty()) {
     layout.segments = breadcrumb(*state.tree, state.focus, layout.breadcrumb.w, measureText);

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "app/frame/breadcrumb.h"
+#include "app/model/commands.h"
 #include "app/model/measure.h"
 #include "sizewalk/file_tree.h"
 #include "ui/geometry.h"
@@ -23,18 +24,25 @@ struct ToolbarState {
   bool operator==(const ToolbarState&) const = default;
 };
 
-/// Where the toolbar's parts are, in device pixels of the window. A button that is not shown is
-/// empty, so that it cannot be pressed.
+/// A button of the toolbar and what it does.
+struct ToolbarButton {
+  Action action;
+  std::string text;
+  /// Empty when the button is not shown, so that it cannot be pressed.
+  ui::Rect rect;
+};
+
+/// Where the toolbar's parts are, in device pixels of the window.
 struct ToolbarLayout {
-  ui::Rect open;
-  ui::Rect stop;
-  ui::Rect rescan;
-  ui::Rect up;
-  ui::Rect measure;
-  ui::Rect menu;
+  /// All of them, shown or not, those that lie over others first: in a bar too narrow for all the
+  /// menu's covers the others.
+  std::vector<ToolbarButton> buttons;
   /// Room of the breadcrumb, and its segments, whose places count from the room's left edge.
   ui::Rect breadcrumb;
   std::vector<BreadcrumbSegment> segments;
+
+  /// Where the button with that action is; empty when it is not shown.
+  ui::Rect place(Action action) const;
 };
 
 inline constexpr std::string_view kOpenText = "Open…";

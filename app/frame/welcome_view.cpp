@@ -24,32 +24,30 @@ bool samePaths(const std::vector<VolumeCard>& a, const std::vector<VolumeCard>& 
 
 }  // namespace
 
-bool WelcomeView::setRect(const ui::Rect& rect) {
-  if (rect_ == rect) return false;
-  const bool onButton = focused_ == buttonControl();
-  rect_ = rect;
-  layOut();
+void WelcomeView::layOut() {
+  const bool onButton = focusedControl_ == buttonControl();
+  layOutCards();
   // The cards shown may be others now, which numbers the button anew.
   presses_ = {};
-  if (onButton || (focused_ && *focused_ > cardCount())) focused_ = buttonControl();
-  return true;
+  if (onButton || (focusedControl_ && *focusedControl_ > cardCount()))
+    focusedControl_ = buttonControl();
 }
 
-bool WelcomeView::setCards(std::vector<VolumeCard> cards) {
-  if (cards_ == cards) return false;
-  const bool onButton = focused_ == buttonControl();
-  const bool onCard = focused_ && !onButton;
-  const std::string path = onCard ? cards_[static_cast<std::size_t>(*focused_)].path : "";
+void WelcomeView::setCards(std::vector<VolumeCard> cards) {
+  if (cards_ == cards) return;
+  const bool onButton = focusedControl_ == buttonControl();
+  const bool onCard = focusedControl_ && !onButton;
+  const std::string path = onCard ? cards_[static_cast<std::size_t>(*focusedControl_)].path : "";
   if (!samePaths(cards_, cards)) presses_ = {};
   cards_ = std::move(cards);
-  layOut();
-  if (onButton) focused_ = buttonControl();
+  layOutCards();
+  if (onButton) focusedControl_ = buttonControl();
   if (onCard) focusCard(path);
-  return true;
+  changed();
 }
 
-void WelcomeView::layOut() {
-  layout_ = layOutWelcome({.view = rect_,
+void WelcomeView::layOutCards() {
+  layout_ = layOutWelcome({.view = rect(),
                            .scale = style_.scale(),
                            .lineHeight = style_.lineHeight(),
                            .headingHeight = style_.heading().height,
@@ -60,8 +58,8 @@ void WelcomeView::layOut() {
 void WelcomeView::focusCard(const std::string& path) {
   const auto shown = cards_.begin() + cardCount();
   const auto found = std::ranges::find(cards_.begin(), shown, path, &VolumeCard::path);
-  focused_.reset();
-  if (found != shown) focused_ = static_cast<int>(found - cards_.begin());
+  focusedControl_.reset();
+  if (found != shown) focusedControl_ = static_cast<int>(found - cards_.begin());
 }
 
 ui::PressTracker::Control WelcomeView::controlAt(int x, int y) const {
@@ -72,26 +70,24 @@ ui::PressTracker::Control WelcomeView::controlAt(int x, int y) const {
   return std::nullopt;
 }
 
-bool WelcomeView::press(const ui::MouseEvent& event) {
-  return event.button == kPrimaryButton && presses_.press(controlAt(event.x, event.y));
+void WelcomeView::press(const ui::MouseEvent& event) {
+  if (event.button != kPrimaryButton) return;
+  if (presses_.press(controlAt(event.x, event.y))) changed();
 }
 
-bool WelcomeView::motion(const ui::MouseEvent& event) {
-  return presses_.motion(controlAt(event.x, event.y));
+void WelcomeView::motion(const ui::MouseEvent& event) {
+  if (presses_.motion(controlAt(event.x, event.y))) changed();
 }
 
-bool WelcomeView::release(const ui::MouseEvent& event) {
-  if (event.button != kPrimaryButton || !presses_.holding()) return false;
-  if (const auto control = presses_.release(controlAt(event.x, event.y))) act(*control);
-  return true;
+void WelcomeView::release(const ui::MouseEvent& event) {
+  if (event.button != kPrimaryButton || !presses_.holding()) return;
+  const auto control = presses_.release(controlAt(event.x, event.y));
+  changed();
+  if (control) act(*control);
 }
 
-bool WelcomeView::leave() { return presses_.leave(); }
-
-bool WelcomeView::unfocus() {
-  const bool had = focused_.has_value();
-  focused_.reset();
-  return had;
+void WelcomeView::leave() {
+  if (presses_.leave()) changed();
 }
 
 bool WelcomeView::key(const ui::KeyEvent& event) {
@@ -99,17 +95,19 @@ bool WelcomeView::key(const ui::KeyEvent& event) {
   switch (const ui::key::Keysym keysym = ui::key::plain(event.keysym)) {
     case ui::key::kTab:
       cycleFocus(event.shift);
+      changed();
       return true;
     case ui::key::kLeft:
     case ui::key::kRight:
     case ui::key::kUp:
     case ui::key::kDown:
       moveFocus(keysym);
+      changed();
       return true;
     case ui::key::kReturn:
     case kSpace:
-      if (focused_) act(*focused_);
-      return focused_.has_value();
+      if (focusedControl_) act(*focusedControl_);
+      return focusedControl_.has_value();
     default:
       return false;
   }
@@ -117,40 +115,41 @@ bool WelcomeView::key(const ui::KeyEvent& event) {
 
 void WelcomeView::cycleFocus(bool backwards) {
   const int controls = cardCount() + 1;
-  const int before = focused_.value_or(backwards ? 0 : -1);
-  focused_ = (before + (backwards ? controls - 1 : 1)) % controls;
+  const int before = focusedControl_.value_or(backwards ? 0 : -1);
+  focusedControl_ = (before + (backwards ? controls - 1 : 1)) % controls;
 }
 
 void WelcomeView::moveFocus(unsigned long keysym) {
-  if (!focused_) {
-    focused_ = 0;
+  if (!focusedControl_) {
+    focusedControl_ = 0;
     return;
   }
   if (keysym == ui::key::kDown) return moveFocusDown();
   if (keysym == ui::key::kUp) return moveFocusUp();
-  if (focused_ == buttonControl()) return;
-  const int moved = *focused_ + (keysym == ui::key::kRight ? 1 : -1);
-  focused_ = std::clamp(moved, 0, cardCount() - 1);
+  if (focusedControl_ == buttonControl()) return;
+  const int moved = *focusedControl_ + (keysym == ui::key::kRight ? 1 : -1);
+  focusedControl_ = std::clamp(moved, 0, cardCount() - 1);
 }
 
 void WelcomeView::moveFocusDown() {
-  const int below = *focused_ + layout_.columns;
+  const int below = *focusedControl_ + layout_.columns;
   if (below < cardCount()) {
-    focused_ = below;
+    focusedControl_ = below;
     return;
   }
   // A last row that does not reach this far still lies below.
-  const bool inLastRow = focused_ == buttonControl() ||
-                         *focused_ / layout_.columns == (cardCount() - 1) / layout_.columns;
-  focused_ = inLastRow ? buttonControl() : cardCount() - 1;
+  const bool inLastRow = focusedControl_ == buttonControl() ||
+                         *focusedControl_ / layout_.columns == (cardCount() - 1) / layout_.columns;
+  focusedControl_ = inLastRow ? buttonControl() : cardCount() - 1;
 }
 
 void WelcomeView::moveFocusUp() {
   if (cardCount() == 0) return;
-  if (focused_ == buttonControl()) {
-    focused_ = (cardCount() - 1) / layout_.columns * layout_.columns;  // just above the button
-  } else if (*focused_ >= layout_.columns) {
-    *focused_ -= layout_.columns;
+  if (focusedControl_ == buttonControl()) {
+    focusedControl_ =
+        (cardCount() - 1) / layout_.columns * layout_.columns;  // just above the button
+  } else if (*focusedControl_ >= layout_.columns) {
+    *focusedControl_ -= layout_.columns;
   }
 }
 
@@ -165,8 +164,8 @@ void WelcomeView::act(std::int64_t control) {
 }
 
 void WelcomeView::paint(ui::Canvas& canvas) const {
-  canvas.pushClip(rect_);
-  canvas.fillRect(rect_, style_.palette().view);
+  canvas.pushClip(rect());
+  canvas.fillRect(rect(), style_.palette().view);
   paintHeading(canvas);
   for (int i = 0; i < cardCount(); ++i) paintCard(canvas, i);
   paintChooseButton(canvas);
@@ -185,7 +184,7 @@ void WelcomeView::paintCard(ui::Canvas& canvas, int number) const {
   const CardPlaces& places = layout_.cards[static_cast<std::size_t>(number)];
   const VolumeCard& card = cards_[static_cast<std::size_t>(number)];
   const ui::Palette& palette = style_.palette();
-  const bool focused = focused_ == number;
+  const bool focused = focusedControl_ == number;
   const ui::Colour fill = presses_.hovered(number) ? palette.pressed : palette.raised;
   ui::fillOutlined(canvas, places.card, kCardRadius,
                    focused ? ui::focusRingWidth(style_.scale()) : 1,
@@ -211,7 +210,7 @@ void WelcomeView::paintChooseButton(ui::Canvas& canvas) const {
                              .text = std::string(kChooseFolderText),
                              .hovered = presses_.hovered(number),
                              .pressed = presses_.pressed(number),
-                             .focused = focused_ == number};
+                             .focused = focusedControl_ == number};
   ui::paintButton(canvas, button, style_.body(), style_.palette());
 }
 

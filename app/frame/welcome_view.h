@@ -12,12 +12,13 @@
 #include "ui/icon.h"
 #include "ui/input.h"
 #include "ui/widgets/style.h"
+#include "ui/widgets/view.h"
 
 namespace app {
 
 /// What the window shows while there is no scan: the volumes as cards, and the way to any other
 /// folder. Cards are buttons: they act when let go over themselves. Window thread only.
-class WelcomeView {
+class WelcomeView : public ui::View {
  public:
   /// The path of a card.
   std::function<void(const std::string&)> onVolume;
@@ -26,29 +27,28 @@ class WelcomeView {
   /// Both outlive the view.
   WelcomeView(const ui::Style& style, ui::Icon& icon) : style_(style), icon_(icon) {}
 
-  // These return whether what the view shows has changed.
-
-  bool setRect(const ui::Rect& rect);
   /// Shows one card a volume, as many as have room. What has the keyboard keeps it by its path, and
   /// a press on a card goes on while only figures change.
-  bool setCards(std::vector<VolumeCard> cards);
-  bool press(const ui::MouseEvent& event);
-  bool motion(const ui::MouseEvent& event);
-  bool release(const ui::MouseEvent& event);
-  bool leave();
+  void setCards(std::vector<VolumeCard> cards);
+  bool takesKeyboard() const override { return true; }
+  void paint(ui::Canvas& canvas) const override;
+  void press(const ui::MouseEvent& event) override;
+  void motion(const ui::MouseEvent& event) override;
+  void release(const ui::MouseEvent& event) override;
+  void leave() override;
   /// Tab goes round the cards and the button, arrows move among the cards and between them and the
   /// button, Enter and Space act. Returns whether the key was one of these.
-  bool key(const ui::KeyEvent& event);
-  /// Takes the keyboard from whatever has it.
-  bool unfocus();
+  bool key(const ui::KeyEvent& event) override;
 
-  void paint(ui::Canvas& canvas) const;
   const WelcomeLayout& layout() const { return layout_; }
   /// The number of the card that has the keyboard, that of the cards shown for the button.
-  std::optional<int> focused() const { return focused_; }
+  std::optional<int> focusedControl() const { return focusedControl_; }
+
+ protected:
+  void layOut() override;
 
  private:
-  void layOut();
+  void layOutCards();
   int cardCount() const { return static_cast<int>(layout_.cards.size()); }
   /// The button's number, after the cards'.
   int buttonControl() const { return cardCount(); }
@@ -66,12 +66,11 @@ class WelcomeView {
 
   const ui::Style& style_;
   ui::Icon& icon_;
-  ui::Rect rect_;
   std::vector<VolumeCard> cards_;
   WelcomeLayout layout_;
-  /// By number, as `focused`.
+  /// By number, as `focusedControl`.
   ui::PressTracker presses_;
-  std::optional<int> focused_;
+  std::optional<int> focusedControl_;
 };
 
 }  // namespace app

@@ -33,6 +33,7 @@ constexpr int kSizeMargin = 10;
 constexpr int kTriangleLines = 5;
 
 constexpr int kWheelRows = 3;
+constexpr int kPrimaryButton = 1;
 constexpr ui::Colour kOpaque = 0xFF000000;
 
 }  // namespace
@@ -117,7 +118,7 @@ std::optional<FolderList::KeptRow> FolderList::rowToKeep() const {
     if (const auto result = row ? kept(*row) : std::nullopt) return result;
   }
   const ui::RowRange seen =
-      ui::visibleRows(scroller_.offset(), rect_.h, style_.rowHeight(), rowCount());
+      ui::visibleRows(scroller_.offset(), rect().h, style_.rowHeight(), rowCount());
   for (const bool selected : {true, false}) {
     for (std::size_t row = seen.first; row < seen.last; ++row) {
       if (selected && !selection_.contains(nodeAt(row))) continue;
@@ -140,20 +141,7 @@ std::optional<NodeId> FolderList::currentToKeep() const {
   return std::nullopt;
 }
 
-void FolderList::setRect(const ui::Rect& rect) {
-  rect_ = rect;
-  scroller_.setView(rect);
-}
-
-void FolderList::setFocused(bool focused) {
-  if (focused_ == focused) return;
-  focused_ = focused;
-  changed();
-}
-
-void FolderList::changed() const {
-  if (onChanged) onChanged();
-}
+void FolderList::layOut() { scroller_.setView(rect()); }
 
 void FolderList::revealNode(NodeId node) {
   std::optional<std::size_t> row;
@@ -169,8 +157,13 @@ void FolderList::scrollToRow(std::size_t row) {
   if (row < rowCount()) pendingRow_ = static_cast<std::ptrdiff_t>(row);
 }
 
-void FolderList::update() {
-  if (pendingRow_ < 0 || rect_.empty()) return;
+bool FolderList::bringUpToDate() {
+  scrollIfDue();
+  return false;
+}
+
+void FolderList::scrollIfDue() {
+  if (pendingRow_ < 0 || rect().empty()) return;
   const int height = style_.rowHeight();
   const std::int64_t top = ui::rowTop(static_cast<std::size_t>(pendingRow_), height);
   scroller_.reveal(static_cast<int>(std::min<std::int64_t>(top, ui::kMostContentHeight)), height);
@@ -181,11 +174,11 @@ void FolderList::update() {
 
 void FolderList::paint(ui::Canvas& canvas) const {
   const ui::Palette& palette = style_.palette();
-  canvas.fillRect(rect_, palette.view);
+  canvas.fillRect(rect(), palette.view);
   if (!tree_) return;
-  canvas.pushClip(rect_);
+  canvas.pushClip(rect());
   const ui::RowRange seen =
-      ui::visibleRows(scroller_.offset(), rect_.h, style_.rowHeight(), rowCount());
+      ui::visibleRows(scroller_.offset(), rect().h, style_.rowHeight(), rowCount());
   bool currentSeen = false;
   for (std::size_t row = seen.first; row < seen.last; ++row) {
     paintRow(canvas, row);
@@ -193,21 +186,21 @@ void FolderList::paint(ui::Canvas& canvas) const {
   }
   canvas.popClip();
   ui::drawScrollBar(canvas, scroller_, palette.raised, palette.dimText);
-  if (focused_ && !currentSeen) canvas.strokeRect(rect_, palette.accent);
+  if (focused() && !currentSeen) canvas.strokeRect(rect(), palette.accent);
 }
 
 FolderList::RowPlaces FolderList::placesOf(std::size_t row) const {
   const int height = style_.rowHeight();
   const int sizeColumn = style_.scaled(kSizeColumnWidth);
-  const int right = rect_.x + rect_.w;
+  const int right = rect().x + rect().w;
   const int bar = scroller_.barWidth();
-  const int y = rect_.y + ui::rowPlace(ui::rowTop(row, height), scroller_.offset());
+  const int y = rect().y + ui::rowPlace(ui::rowTop(row, height), scroller_.offset());
   const int mid = y + height / 2;
-  const int x0 = rect_.x + rows_.rows()[row].depth * style_.scaled(kIndent) + kLeftMargin;
+  const int x0 = rect().x + rows_.rows()[row].depth * style_.scaled(kIndent) + kLeftMargin;
   const int nameX = x0 + kNamePlace;
   const int nameWidth = std::max(kLeastNameWidth, right - nameX - sizeColumn - kNameMargin - bar);
   const int sizeWidth = sizeColumn - kSizeMargin;
-  return {{rect_.x, y, rect_.w, height},
+  return {{rect().x, y, rect().w, height},
           x0,
           mid,
           {x0 + kSwatchPlace, mid - kSwatchSize / 2, kSwatchSize, kSwatchSize},
@@ -232,7 +225,7 @@ void FolderList::paintRow(ui::Canvas& canvas, std::size_t row) const {
     canvas.fillRect(places.swatch, kOpaque | colours_->colourForKind(tree_->kind(node)));
   }
   paintTexts(canvas, places, node, colours);
-  if (focused_ && current_ == node) {
+  if (focused() && current_ == node) {
     canvas.strokeRect(ui::ringPlace(rowRect(row), selected),
                       selected ? palette.accentText : palette.accent);
   }
@@ -270,8 +263,8 @@ ui::Rect FolderList::rowRect(std::size_t row) const {
 }
 
 std::optional<std::size_t> FolderList::rowAt(int x, int y) const {
-  if (!rect_.contains(x, y) || scroller_.bar().contains(x, y)) return std::nullopt;
-  return ui::rowAtOffset(std::int64_t{y} - rect_.y + scroller_.offset(), style_.rowHeight(),
+  if (!rect().contains(x, y) || scroller_.bar().contains(x, y)) return std::nullopt;
+  return ui::rowAtOffset(std::int64_t{y} - rect().y + scroller_.offset(), style_.rowHeight(),
                          rowCount());
 }
 
@@ -297,7 +290,7 @@ std::optional<std::size_t> FolderList::parentRow(std::size_t row) const {
 }
 
 bool FolderList::isInView(std::size_t row) const {
-  return ui::showsInView(row, scroller_.offset(), rect_.h, style_.rowHeight());
+  return ui::showsInView(row, scroller_.offset(), rect().h, style_.rowHeight());
 }
 
 // The pointer.
@@ -305,7 +298,7 @@ bool FolderList::isInView(std::size_t row) const {
 void FolderList::press(const ui::MouseEvent& event) {
   const std::optional<NodeId> pressedBefore = std::exchange(pressed_, std::nullopt);
   typeAhead_.forget();
-  if (event.button == 1 && scroller_.press(event.x, event.y)) {
+  if (event.button == kPrimaryButton && scroller_.press(event.x, event.y)) {
     changed();
     return;
   }
@@ -313,7 +306,7 @@ void FolderList::press(const ui::MouseEvent& event) {
   if (!row) return;
   if (event.button == 3) {
     pressSecondary(*row, event);
-  } else if (event.button == 1) {
+  } else if (event.button == kPrimaryButton) {
     const NodeId node = nodeAt(*row);
     pressRow(*row, event);
     if (event.clicks == 2 && pressed_ == node && pressedBefore == node && onActivate) {
@@ -366,7 +359,9 @@ void FolderList::motion(const ui::MouseEvent& event) {
   if (hoveredRow() != before || scroller_.offset() != offset) changed();
 }
 
-void FolderList::release() { scroller_.release(); }
+void FolderList::release(const ui::MouseEvent& event) {
+  if (event.button == kPrimaryButton) scroller_.release();
+}
 
 void FolderList::leave() {
   const bool hovered = hoveredRow().has_value();
@@ -374,8 +369,8 @@ void FolderList::leave() {
   if (hovered) changed();
 }
 
-void FolderList::wheel(int dy) {
-  update();
+void FolderList::wheel(const ui::MouseEvent& /*event*/, int dy) {
+  scrollIfDue();
   scroller_.scrollBy(dy * kWheelRows * style_.rowHeight());
   changed();
 }
@@ -424,10 +419,10 @@ void FolderList::selectSiblings(std::size_t row) {
 
 // Keys.
 
-bool FolderList::key(const ui::KeyEvent& event, std::int64_t nowMs) {
+bool FolderList::key(const ui::KeyEvent& event) {
   const auto row = currentRow();
   if (!row) return false;
-  if (!event.ctrl && typeAhead(event, nowMs, *row)) return true;
+  if (!event.ctrl && typeAhead(event, *row)) return true;
   const bool handled = event.ctrl ? keyWithCtrl(event, *row) : keyOnRow(event, *row);
   if (handled) typeAhead_.forget();
   return handled;
@@ -442,7 +437,7 @@ bool FolderList::keyWithCtrl(const ui::KeyEvent& event, std::size_t row) {
 
 /// The row that a key which moves through the rows leads to.
 std::optional<std::size_t> FolderList::rowAfterKey(unsigned long keysym, std::size_t row) const {
-  const auto page = ui::rowsInPage(rect_.h, style_.rowHeight());
+  const auto page = ui::rowsInPage(rect().h, style_.rowHeight());
   const std::size_t last = rowCount() - 1;
   switch (keysym) {
     case ui::key::kUp:
@@ -526,7 +521,7 @@ void FolderList::askForMenuAt(std::size_t row) {
   const NodeId node = nodeAt(row);
   if (!selection_.contains(node)) selectOnly(node);
   scrollToRow(row);
-  update();
+  scrollIfDue();
   changed();
   const ui::Rect name = placesOf(row).name;
   if (onContextMenu) onContextMenu(node, name.x, name.y + name.h);
@@ -534,7 +529,8 @@ void FolderList::askForMenuAt(std::size_t row) {
 
 /// Goes to the next row whose name begins with what was typed, round the end if need be. The first
 /// letter leaves the current row, those that follow may stay.
-bool FolderList::typeAhead(const ui::KeyEvent& event, std::int64_t nowMs, std::size_t row) {
+bool FolderList::typeAhead(const ui::KeyEvent& event, std::size_t row) {
+  const std::int64_t nowMs = event.timeMs;
   const std::string text = ui::typedText(event);
   if (!typeAhead_.accepts(text, nowMs)) return false;
   const std::size_t start = typeAhead_.type(text, nowMs) ? row + 1 : row;

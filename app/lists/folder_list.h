@@ -17,6 +17,7 @@
 #include "ui/widgets/row_geometry.h"
 #include "ui/widgets/style.h"
 #include "ui/widgets/type_ahead.h"
+#include "ui/widgets/view.h"
 
 namespace app {
 
@@ -29,10 +30,8 @@ namespace app {
 /// screen. Where the current row vanishes the nearest one that remains takes over.
 ///
 /// Window thread only. Places and lengths are device pixels of the window.
-class FolderList {
+class FolderList : public ui::View {
  public:
-  /// Something is to be drawn anew.
-  std::function<void()> onChanged;
   /// A row was pressed twice, or Enter was pressed on it.
   std::function<void(sizewalk::NodeId)> onActivate;
   /// The context menu was asked for at a place; the row's item is among the selected ones.
@@ -50,27 +49,20 @@ class FolderList {
   /// a selected one or the topmost, the first of them in view.
   void refresh();
 
-  void setRect(const ui::Rect& rect);
-  /// Says whether the keyboard's focus is here: the current row then has a ring.
-  void setFocused(bool focused);
-
   /// Opens the way to `node`, makes its row the current one and scrolls there with the next
-  /// `update`. Does nothing when the tree does not lead to it.
+  /// `prepare`. Does nothing when the tree does not lead to it.
   void revealNode(sizewalk::NodeId node);
-  /// Has the next `update` bring a row into view.
+  /// Has the next `prepare` bring a row into view.
   void scrollToRow(std::size_t row);
-  /// Does the scrolling that is due. Call it before painting.
-  void update();
-  void paint(ui::Canvas& canvas) const;
 
-  void press(const ui::MouseEvent& event);
-  void motion(const ui::MouseEvent& event);
-  void release();
-  void leave();
-  /// `dy` steps of the wheel, down when above 0.
-  void wheel(int dy);
-  /// True when the key means something here. `nowMs` may count from anywhere.
-  bool key(const ui::KeyEvent& event, std::int64_t nowMs);
+  bool takesKeyboard() const override { return true; }
+  void paint(ui::Canvas& canvas) const override;
+  void press(const ui::MouseEvent& event) override;
+  void motion(const ui::MouseEvent& event) override;
+  void release(const ui::MouseEvent& event) override;
+  void leave() override;
+  void wheel(const ui::MouseEvent& event, int dy) override;
+  bool key(const ui::KeyEvent& event) override;
 
   const FolderRows& rows() const { return rows_; }
   /// The item of the row under the pointer.
@@ -83,6 +75,11 @@ class FolderList {
   /// Where a row is, the scroll bar not included; above or below the list's own place when it is
   /// out of view.
   ui::Rect rowRect(std::size_t row) const;
+
+ protected:
+  void layOut() override;
+  /// Does the scrolling that is due.
+  bool bringUpToDate() override;
 
  private:
   struct RowPlaces;
@@ -114,7 +111,8 @@ class FolderList {
   void keepingPendingRow(const std::function<void()>& change);
   std::optional<KeptRow> rowToKeep() const;
   std::optional<sizewalk::NodeId> currentToKeep() const;
-  void changed() const;
+
+  void scrollIfDue();
 
   void pressRow(std::size_t row, const ui::MouseEvent& event);
   void pressSecondary(std::size_t row, const ui::MouseEvent& event);
@@ -132,7 +130,7 @@ class FolderList {
   void goRight(std::size_t row, bool extend);
   void goLeft(std::size_t row, bool extend);
   void askForMenuAt(std::size_t row);
-  bool typeAhead(const ui::KeyEvent& event, std::int64_t nowMs, std::size_t row);
+  bool typeAhead(const ui::KeyEvent& event, std::size_t row);
 
   const ui::Style& style_;
   const KindColours* colours_;
@@ -140,10 +138,8 @@ class FolderList {
   const sizewalk::FileTree* tree_ = nullptr;
   MeasureSettings measure_;
   FolderRows rows_;
-  ui::Rect rect_;
   ui::Scroller scroller_;
   ui::TypeAhead typeAhead_;
-  bool focused_ = false;
   std::ptrdiff_t pendingRow_ = -1;
   std::optional<sizewalk::NodeId> current_;
   /// Where a range begins.

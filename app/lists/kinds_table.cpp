@@ -28,6 +28,7 @@ constexpr double kSizeWidth = 90;
 constexpr double kUsualRowHeight = 22;
 
 constexpr int kWheelRows = 3;
+constexpr int kPrimaryButton = 1;
 constexpr ui::Colour kOpaque = 0xFF000000;
 
 ui::Rect withRow(const ui::Rect& column, const ui::Rect& row) {
@@ -80,16 +81,10 @@ std::optional<std::size_t> KindsTable::rowToKeep() const {
   return ui::rowAtOffset(scroller_.offset(), style_.rowHeight(), rows_.size());
 }
 
-void KindsTable::setRect(const ui::Rect& rect) {
-  rect_ = rect;
+void KindsTable::layOut() {
+  const ui::Rect& rect = this->rect();
   const int header = style_.rowHeight();
   scroller_.setView({rect.x, rect.y + header, rect.w, std::max(0, rect.h - header)});
-}
-
-void KindsTable::setFocused(bool focused) {
-  if (focused_ == focused) return;
-  focused_ = focused;
-  changed();
 }
 
 void KindsTable::sortBy(const KindSort& sort) {
@@ -110,16 +105,12 @@ void KindsTable::toggle(std::size_t row) {
   select(selected_ == kind ? std::nullopt : std::optional(kind));
 }
 
-void KindsTable::changed() const {
-  if (onChanged) onChanged();
-}
-
 // Drawing.
 
 void KindsTable::paint(ui::Canvas& canvas) const {
   const ui::Palette& palette = style_.palette();
-  canvas.fillRect(rect_, palette.view);
-  canvas.pushClip(rect_);
+  canvas.fillRect(rect(), palette.view);
+  canvas.pushClip(rect());
   paintHeader(canvas);
   canvas.pushClip(scroller_.view());
   const ui::RowRange seen =
@@ -131,14 +122,14 @@ void KindsTable::paint(ui::Canvas& canvas) const {
   }
   canvas.popClip();
   ui::drawScrollBar(canvas, scroller_, palette.raised, palette.dimText);
-  if (focused_ && !currentSeen) canvas.strokeRect(scroller_.view(), palette.accent);
+  if (focused() && !currentSeen) canvas.strokeRect(scroller_.view(), palette.accent);
   canvas.popClip();
 }
 
 void KindsTable::paintHeader(ui::Canvas& canvas) const {
   const ui::Palette& palette = style_.palette();
   const int height = style_.rowHeight();
-  const ui::Rect header = {rect_.x, rect_.y, rect_.w, height};
+  const ui::Rect header = {rect().x, rect().y, rect().w, height};
   const KindColumns places = columns();
   const auto draw = [&](KindColumn column, const ui::Rect& place, ui::Align align) {
     ui::drawText(canvas, withRow(place, header), kindHeader(column, sort_), style_.body(),
@@ -147,14 +138,14 @@ void KindsTable::paintHeader(ui::Canvas& canvas) const {
   draw(KindColumn::Kind, places.name, ui::Align::Left);
   draw(KindColumn::Size, places.size, ui::Align::Right);
   draw(KindColumn::Files, places.files, ui::Align::Right);
-  canvas.fillRect({rect_.x, rect_.y + height - 1, rect_.w, 1}, palette.border);
+  canvas.fillRect({rect().x, rect().y + height - 1, rect().w, 1}, palette.border);
 }
 
 void KindsTable::paintRow(ui::Canvas& canvas, std::size_t row) const {
   const ui::Palette& palette = style_.palette();
   const KindRow& kind = rows_[row];
   const ui::Rect place = rowRect(row);
-  const ui::Rect whole = {place.x, place.y, rect_.w, place.h};
+  const ui::Rect whole = {place.x, place.y, rect().w, place.h};
   const bool selected = selected_ == kind.kind;
   if (selected) {
     canvas.fillRect(whole, palette.accent);
@@ -173,7 +164,7 @@ void KindsTable::paintRow(ui::Canvas& canvas, std::size_t row) const {
   draw(places.name, kindRowName(kind.kind), ui::Align::Left);
   draw(places.size, formatSize(signedSize(kind.size)), ui::Align::Right);
   draw(places.files, formatCount(kind.files), ui::Align::Right);
-  if (focused_ && current_ == kind.kind) {
+  if (focused() && current_ == kind.kind) {
     canvas.strokeRect(ui::ringPlace(place, selected),
                       selected ? palette.accentText : palette.accent);
   }
@@ -182,13 +173,13 @@ void KindsTable::paintRow(ui::Canvas& canvas, std::size_t row) const {
 // Rows and places.
 
 KindColumns KindsTable::columns() const {
-  return kindColumns(rect_.x, rect_.x + rect_.w - scroller_.barWidth(), style_.rowHeight());
+  return kindColumns(rect().x, rect().x + rect().w - scroller_.barWidth(), style_.rowHeight());
 }
 
 ui::Rect KindsTable::rowRect(std::size_t row) const {
   const int height = style_.rowHeight();
   const int y = scroller_.view().y + ui::rowPlace(ui::rowTop(row, height), scroller_.offset());
-  return {rect_.x, y, rect_.w - scroller_.barWidth(), height};
+  return {rect().x, y, rect().w - scroller_.barWidth(), height};
 }
 
 std::optional<std::size_t> KindsTable::rowAt(int x, int y) const {
@@ -215,7 +206,7 @@ bool KindsTable::isInView(std::size_t row) const {
 // The pointer.
 
 void KindsTable::press(const ui::MouseEvent& event) {
-  if (event.button != 1 || !rect_.contains(event.x, event.y)) return;
+  if (event.button != kPrimaryButton || !rect().contains(event.x, event.y)) return;
   if (event.y < scroller_.view().y) {
     pressHeader(event.x);
   } else if (scroller_.press(event.x, event.y)) {
@@ -242,13 +233,17 @@ void KindsTable::motion(const ui::MouseEvent& event) {
   if (hoveredRow() != before || scroller_.offset() != offset) changed();
 }
 
+void KindsTable::release(const ui::MouseEvent& event) {
+  if (event.button == kPrimaryButton) scroller_.release();
+}
+
 void KindsTable::leave() {
   const bool hovered = hoveredRow().has_value();
   pointer_.reset();
   if (hovered) changed();
 }
 
-void KindsTable::wheel(int dy) {
+void KindsTable::wheel(const ui::MouseEvent& /*event*/, int dy) {
   scroller_.scrollBy(dy * kWheelRows * style_.rowHeight());
   changed();
 }

@@ -13,6 +13,7 @@
 #include "ui/input.h"
 #include "ui/scroller.h"
 #include "ui/widgets/style.h"
+#include "ui/widgets/view.h"
 
 namespace app {
 
@@ -36,10 +37,8 @@ KindColumns kindColumns(int left, int right, int rowHeight);
 /// looks at keeps its place on the screen.
 ///
 /// Window thread only. Places and lengths are device pixels of the window.
-class KindsTable {
+class KindsTable : public ui::View {
  public:
-  /// Something is to be drawn anew.
-  std::function<void()> onChanged;
   /// Another kind is selected now, or none.
   std::function<void(std::optional<int>)> onKindSelected;
 
@@ -55,19 +54,14 @@ class KindsTable {
   /// Selects no kind.
   void clearSelection() { select(std::nullopt); }
 
-  void setRect(const ui::Rect& rect);
-  /// Says whether the keyboard's focus is here: the current row then has a ring.
-  void setFocused(bool focused);
-  void paint(ui::Canvas& canvas) const;
-
-  void press(const ui::MouseEvent& event);
-  void motion(const ui::MouseEvent& event);
-  void release() { scroller_.release(); }
-  void leave();
-  /// `dy` steps of the wheel, down when above 0.
-  void wheel(int dy);
-  /// True when the key means something here.
-  bool key(const ui::KeyEvent& event);
+  bool takesKeyboard() const override { return true; }
+  void paint(ui::Canvas& canvas) const override;
+  void press(const ui::MouseEvent& event) override;
+  void motion(const ui::MouseEvent& event) override;
+  void release(const ui::MouseEvent& event) override;
+  void leave() override;
+  void wheel(const ui::MouseEvent& event, int dy) override;
+  bool key(const ui::KeyEvent& event) override;
 
   const std::vector<KindRow>& rows() const { return rows_; }
   const KindSort& sort() const { return sort_; }
@@ -78,6 +72,9 @@ class KindsTable {
   KindColumns columns() const;
   /// Where a row is, the scroll bar not included; outside the table's body when it is out of view.
   ui::Rect rowRect(std::size_t row) const;
+
+ protected:
+  void layOut() override;
 
  private:
   struct Point {
@@ -97,7 +94,6 @@ class KindsTable {
   void select(std::optional<int> kind);
   void toggle(std::size_t row);
   void moveTo(std::size_t row);
-  void changed() const;
 
   const ui::Style& style_;
   const KindColours* colours_;
@@ -105,10 +101,8 @@ class KindsTable {
   KindSort sort_;
   std::optional<int> selected_;
   std::optional<int> current_;
-  ui::Rect rect_;
   /// Its view is the body, below the header.
   ui::Scroller scroller_;
-  bool focused_ = false;
   std::optional<Point> pointer_;
 };
 

@@ -38,10 +38,6 @@ ui::Rect pixelRect(const MapRect& rect) {
   return {x, y, edge(rect.x + rect.width) - x, edge(rect.y + rect.height) - y};
 }
 
-void TreemapView::changed() const {
-  if (onChanged) onChanged();
-}
-
 const TreemapBlock* TreemapView::blockAt(int x, int y) const {
   const ui::Rect& place = picture_.rect();
   return picture_.rendered().blockUnder(x - place.x, y - place.y);
@@ -92,8 +88,8 @@ void TreemapView::findHovered() {
   hoveredBlock_ = found;
 }
 
-void TreemapView::motion(const ui::MouseEvent& event, std::int64_t nowMs) {
-  pointer_ = Pointer{event.x, event.y, nowMs};
+void TreemapView::motion(const ui::MouseEvent& event) {
+  pointer_ = Pointer{event.x, event.y, event.timeMs};
   const bool hadCard = card_.hide();
   const auto before = hoveredBlock_;
   findHovered();
@@ -115,11 +111,10 @@ bool TreemapView::hideCard() {
   return true;
 }
 
-void TreemapView::tick(std::int64_t nowMs, const ui::Rect& bounds) {
+void TreemapView::tick(std::int64_t nowMs) {
   if (!pointer_ || !pointer_->awaitsCard || !hoveredBlock_ || card_.shown()) return;
   if (nowMs - pointer_->sinceMs < kRestMs) return;
   if (!picture_.tree()) return;
-  cardBounds_ = bounds;
   fillCard();
   changed();
 }
@@ -278,7 +273,7 @@ void TreemapView::paint(ui::Canvas& canvas) const {
       canvas.strokeRect(grown(outline, -i), kOutlineLight);
     }
   }
-  if (focused_) paintRing(canvas);
+  if (focused()) paintRing(canvas);
   canvas.popClip();
 }
 

@@ -14,16 +14,15 @@
 #include "ui/geometry.h"
 #include "ui/input.h"
 #include "ui/widgets/style.h"
+#include "ui/widgets/view.h"
 
 namespace app {
 
 /// The map in the window: the picture of the focused folder with the outlines of what is selected
 /// and of what the pointer is on, and the card of an item that the pointer rests on. Window thread
 /// only.
-class TreemapView {
+class TreemapView : public ui::View {
  public:
-  /// What is seen has changed.
-  std::function<void()> onChanged;
   /// This item was selected here: where it is in the tree is to be shown.
   std::function<void(sizewalk::NodeId)> onPicked;
   /// A secondary press on an item, which is selected now, at (x, y) of the window.
@@ -38,26 +37,27 @@ class TreemapView {
   void refresh();
   /// Forgets pointer and card: another scan is shown.
   void reset();
-  /// Whether keys come here; a ring says so.
-  void setFocused(bool focused) { focused_ = focused; }
+  /// The room that the card may take.
+  void setCardBounds(const ui::Rect& bounds) { cardBounds_ = bounds; }
 
-  void paint(ui::Canvas& canvas) const;
-  /// The card lies over everything else and is drawn last.
-  void paintCard(ui::Canvas& canvas) const { card_.paint(canvas); }
-
-  void press(const ui::MouseEvent& event);
-  void motion(const ui::MouseEvent& event, std::int64_t nowMs);
-  void leave();
-  void wheel(const ui::MouseEvent& event, int dy);
-  /// True when the key means something here.
-  bool key(const ui::KeyEvent& event);
-  /// Time passes. `bounds` is the room that the card may take.
-  void tick(std::int64_t nowMs, const ui::Rect& bounds);
+  bool takesKeyboard() const override { return true; }
+  void paint(ui::Canvas& canvas) const override;
+  /// The card.
+  void paintOver(ui::Canvas& canvas) const override { card_.paint(canvas); }
+  void press(const ui::MouseEvent& event) override;
+  void motion(const ui::MouseEvent& event) override;
+  void leave() override;
+  void wheel(const ui::MouseEvent& event, int dy) override;
+  bool key(const ui::KeyEvent& event) override;
+  void tick(std::int64_t nowMs) override;
   /// No card is shown until the pointer moves again. True when there was one to hide.
   bool hideCard();
 
   /// The item under the pointer; nothing on merged items and on what is beside the tree.
   std::optional<sizewalk::NodeId> hovered() const;
+
+ protected:
+  void layOut() override { picture_.setRect(rect()); }
 
  private:
   const TreemapBlock* blockAt(int x, int y) const;
@@ -76,7 +76,6 @@ class TreemapView {
   int lineWidth() const { return std::max(1, style_.scaled(1)); }
   void paintSelected(ui::Canvas& canvas) const;
   void paintRing(ui::Canvas& canvas) const;
-  void changed() const;
 
   struct Pointer {
     int x;
@@ -105,7 +104,6 @@ class TreemapView {
   std::optional<TreemapBlock> hoveredBlock_;
   std::vector<ui::Rect> selected_;
   std::optional<Press> lastPress_;
-  bool focused_ = false;
 };
 
 /// The pixels that a rectangle of the map is drawn on: each edge rounded half away from zero, as

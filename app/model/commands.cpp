@@ -11,28 +11,30 @@ using ui::key::Keysym;
 struct Shortcut {
   Keysym keysym;
   bool ctrl;
-  Command command;
+  Action action;
+  Measure measure = Measure::CurrentSize;
 };
 
 // Letters stand in lower case: Caps Lock makes no difference, nor does Shift, but for F10.
 constexpr Shortcut kShortcuts[] = {
-    {'o', true, Command::LeaveScan},
-    {'r', true, Command::Rescan},
-    {ui::key::kF5, false, Command::Rescan},
-    {ui::key::kBackSpace, false, Command::GoOut},
-    {ui::key::kUp, true, Command::GoOut},
-    {ui::key::kHome, true, Command::GoToScannedFolder},
-    {ui::key::kLeft, true, Command::GoToPrevious},
-    {ui::key::kRight, true, Command::GoToNext},
-    {'c', true, Command::CopyPath},
-    {'1', true, Command::ShowCurrentSize},
-    {'2', true, Command::ShowAddedLastMonth},
-    {'3', true, Command::ShowAddedLastSixMonths},
-    {'4', true, Command::ShowAddedSinceLastScan},
-    {ui::key::kF10, false, Command::OpenMenu},
-    {',', true, Command::OpenSettings},
-    {'q', true, Command::Close},
-    {'w', true, Command::Close},
+    {'o', true, Action::LeaveScan},
+    {'r', true, Action::Rescan},
+    {ui::key::kF5, false, Action::Rescan},
+    {ui::key::kBackSpace, false, Action::GoOut},
+    {ui::key::kUp, true, Action::GoOut},
+    {ui::key::kHome, true, Action::GoToScannedFolder},
+    {ui::key::kLeft, true, Action::GoToPrevious},
+    {ui::key::kRight, true, Action::GoToNext},
+    {'c', true, Action::CopyPath},
+    {'1', true, Action::ShowMeasure, Measure::CurrentSize},
+    {'2', true, Action::ShowMeasure, Measure::AddedLastMonth},
+    {'3', true, Action::ShowMeasure, Measure::AddedLastSixMonths},
+    {'4', true, Action::ShowMeasure, Measure::AddedSinceLastScan},
+    {ui::key::kF10, false, Action::OpenApplicationMenu},
+    {',', true, Action::OpenSettings},
+    {ui::key::kEscape, false, Action::StopScan},
+    {'q', true, Action::Close},
+    {'w', true, Action::Close},
 };
 
 Keysym lowered(Keysym keysym) {
@@ -46,35 +48,35 @@ std::optional<Command> commandFor(const ui::KeyEvent& event) {
   // The context menu, which is up to the view with the keyboard.
   if (keysym == ui::key::kF10 && event.shift) return std::nullopt;
   for (const Shortcut& shortcut : kShortcuts) {
-    if (shortcut.keysym == keysym && shortcut.ctrl == event.ctrl) return shortcut.command;
+    if (shortcut.keysym == keysym && shortcut.ctrl == event.ctrl)
+      return Command{
+          .action = shortcut.action, .measure = shortcut.measure, .by = Command::By::Key};
   }
   return std::nullopt;
 }
 
-Command commandThatShows(Measure measure) {
-  return static_cast<Command>(static_cast<int>(Command::ShowCurrentSize) +
-                              static_cast<int>(measure));
-}
-
-Measure measureOf(Command command) {
-  return static_cast<Measure>(static_cast<int>(command) -
-                              static_cast<int>(Command::ShowCurrentSize));
-}
-
-bool isEnabled(Command command, const CommandState& state) {
-  switch (command) {
-    case Command::OpenMenu:
-    case Command::OpenSettings:
-    case Command::Close:
+bool isEnabled(const Command& command, const CommandState& state) {
+  switch (command.action) {
+    case Action::OpenApplicationMenu:
+    case Action::OpenSettings:
+    case Action::Close:
       return true;
-    case Command::StopScan:
+    case Action::StopScan:
       return state.scanShown && state.scanning;
-    case Command::GoOut:
-    case Command::GoToScannedFolder:
+    case Action::GoOut:
+    case Action::GoToScannedFolder:
       return state.scanShown && state.canGoOut;
-    default:
+    case Action::LeaveScan:
+    case Action::Rescan:
+    case Action::GoToPrevious:
+    case Action::GoToNext:
+    case Action::GoTo:
+    case Action::CopyPath:
+    case Action::ShowMeasure:
+    case Action::OpenMeasureMenu:
       return state.scanShown;
   }
+  return false;
 }
 
 }  // namespace app

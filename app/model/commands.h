@@ -4,13 +4,13 @@
 #include <optional>
 
 #include "app/model/measure.h"
+#include "sizewalk/node.h"
 #include "ui/input.h"
 
 namespace app {
 
-/// What the user can have the window do. Toolbar, menus and keys all end here, and one place
-/// decides whether a command makes sense at the moment.
-enum class Command : std::uint8_t {
+/// What the user can have the window do.
+enum class Action : std::uint8_t {
   LeaveScan,
   StopScan,
   Rescan,
@@ -18,14 +18,31 @@ enum class Command : std::uint8_t {
   GoToScannedFolder,
   GoToPrevious,
   GoToNext,
+  /// Focuses the target.
+  GoTo,
   CopyPath,
-  ShowCurrentSize,
-  ShowAddedLastMonth,
-  ShowAddedLastSixMonths,
-  ShowAddedSinceLastScan,
-  OpenMenu,
+  ShowMeasure,
+  OpenMeasureMenu,
+  OpenApplicationMenu,
   OpenSettings,
   Close,
+};
+
+/// Something to be done, and to what. Toolbar, menus and keys all end here, and one place decides
+/// whether a command makes sense at the moment.
+struct Command {
+  /// Where a command comes from: a menu that a key opened begins at its first entry.
+  enum class By : std::uint8_t { Pointer, Key };
+
+  Action action;
+  /// The item that it acts on. Nothing where it acts on none, or on what is selected or in focus
+  /// when it runs.
+  std::optional<sizewalk::NodeId> target = {};
+  /// For `ShowMeasure`.
+  Measure measure = Measure::CurrentSize;
+  By by = By::Pointer;
+
+  friend bool operator==(const Command&, const Command&) = default;
 };
 
 /// The command that a key stands for wherever the keys go; nothing for other keys.
@@ -38,11 +55,6 @@ struct CommandState {
   bool canGoOut = false;
 };
 
-/// The command that has the views show `measure`.
-Command commandThatShows(Measure measure);
-/// What a command shows that is one of those.
-Measure measureOf(Command command);
-
-bool isEnabled(Command command, const CommandState& state);
+bool isEnabled(const Command& command, const CommandState& state);
 
 }  // namespace app

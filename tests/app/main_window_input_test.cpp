@@ -130,7 +130,7 @@ class MainWindowInputTest : public testing::Test {
   ui::Rect firstCard() {
     ui::Icon icon;
     WelcomeScreen welcome(style_, icon);
-    welcome.setSize(1100, 720);
+    welcome.setRect({0, 0, 1100, 720});
     VolumeCards volumes([](const auto&) {});
     volumes.refresh();
     welcome.setCards(volumes.cards());

@@ -79,12 +79,14 @@ TEST(ApplicationMenu, OffersOnlySettingsBeforeAnyScan) {
 
 TEST(ApplicationMenu, PerformsCommands) {
   std::vector<Command> performed;
-  const auto perform = [&](Command command) { performed.push_back(command); };
+  const auto perform = [&](const Command& command) { performed.push_back(command); };
   for (const ui::MenuEntry& entry : applicationMenu(kWithScan, perform)) {
     if (entry.canBeChosen()) entry.action();
   }
-  EXPECT_EQ(performed, (std::vector<Command>{Command::LeaveScan, Command::Rescan, Command::CopyPath,
-                                             Command::OpenSettings}));
+  EXPECT_EQ(performed, (std::vector<Command>{{.action = Action::LeaveScan},
+                                             {.action = Action::Rescan},
+                                             {.action = Action::CopyPath},
+                                             {.action = Action::OpenSettings}}));
 }
 
 TEST(MeasureMenu, TicksTheCurrentMeasure) {
@@ -101,11 +103,14 @@ TEST(MeasureMenu, TicksTheCurrentMeasure) {
 
 TEST(MeasureMenu, HasTheViewsShowTheMeasureThatIsChosen) {
   std::vector<Command> performed;
-  const auto perform = [&](Command command) { performed.push_back(command); };
+  const auto perform = [&](const Command& command) { performed.push_back(command); };
   for (const ui::MenuEntry& entry : measureMenu(Measure::CurrentSize, perform)) entry.action();
-  EXPECT_EQ(performed, (std::vector<Command>{Command::ShowCurrentSize, Command::ShowAddedLastMonth,
-                                             Command::ShowAddedLastSixMonths,
-                                             Command::ShowAddedSinceLastScan}));
+  EXPECT_EQ(performed,
+            (std::vector<Command>{
+                {.action = Action::ShowMeasure, .measure = Measure::CurrentSize},
+                {.action = Action::ShowMeasure, .measure = Measure::AddedLastMonth},
+                {.action = Action::ShowMeasure, .measure = Measure::AddedLastSixMonths},
+                {.action = Action::ShowMeasure, .measure = Measure::AddedSinceLastScan}}));
 }
 
 }  // namespace

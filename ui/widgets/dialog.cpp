@@ -30,28 +30,20 @@ int Dialog::buttonRowHeight() const {
   return style_.lineHeight() + style_.scaled(kButtonExtraHeight) + padding();
 }
 
-void Dialog::changed() const {
-  if (onChanged) onChanged();
-}
-
-void Dialog::close() {
-  // A copy: the dialog, and the callable with it, may go while it runs.
-  if (const auto closed = onClosed) closed();
-}
-
 void Dialog::setButtons(std::vector<DialogButton> buttons) {
   buttons_ = std::move(buttons);
   buttonRects_.resize(buttons_.size());
 }
 
 void Dialog::giveKeyboardTo(int control) {
-  focused_ = control;
+  focusedControl_ = control;
   keyboardMoved();
   changed();
 }
 
-void Dialog::setSize(int width, int height) {
-  window_ = {0, 0, width, height};
+void Dialog::layOut() {
+  const int width = rect().w;
+  const int height = rect().h;
   const Rect wanted = wantedPanel(width, height);
   const int margin = style_.scaled(kMargin);
   const int w = std::clamp(wanted.w, 1, std::max(1, width - 2 * margin));
@@ -60,8 +52,8 @@ void Dialog::setSize(int width, int height) {
   layOutButtons();
   const int inner = padding();
   const int below = buttons_.empty() ? 0 : buttonRowHeight();
-  layOut({panel_.x + inner, panel_.y + inner, std::max(0, panel_.w - 2 * inner),
-          std::max(0, panel_.h - 2 * inner - below)});
+  layOutContent({panel_.x + inner, panel_.y + inner, std::max(0, panel_.w - 2 * inner),
+                 std::max(0, panel_.h - 2 * inner - below)});
   changed();
 }
 
@@ -100,6 +92,12 @@ void Dialog::leave() {
   if (presses_.leave()) changed();
 }
 
+void Dialog::releasePointer() {
+  presses_.cancel();
+  presses_.leave();
+  changed();
+}
+
 void Dialog::release(const MouseEvent& event) {
   if (event.button != kPrimaryButton || !presses_.holding()) return;
   const auto control = presses_.release(anyControlAt(event.x, event.y));
@@ -122,30 +120,31 @@ void Dialog::actOnDefault() {
   actOn(buttonControl(static_cast<std::size_t>(found - buttons_.begin())));
 }
 
-void Dialog::key(const KeyEvent& event) {
+bool Dialog::key(const KeyEvent& event) {
   switch (key::plain(event.keysym)) {
     case key::kTab: {
       const int count = std::max(1, totalControls());
-      giveKeyboardTo((focused_ + (event.shift ? count - 1 : 1)) % count);
+      giveKeyboardTo((focusedControl_ + (event.shift ? count - 1 : 1)) % count);
       break;
     }
     case key::kReturn:
-      if (!actOn(focused_)) actOnDefault();
+      if (!actOn(focusedControl_)) actOnDefault();
       break;
     case kSpace:
-      actOn(focused_);
+      actOn(focusedControl_);
       break;
     case key::kEscape:
       cancel();
       break;
     default:
-      break;
+      return false;
   }
+  return true;
 }
 
 void Dialog::paint(Canvas& canvas) const {
   const Palette& palette = style_.palette();
-  canvas.fillRect(window_, kDim);
+  canvas.fillRect(rect(), kDim);
   canvas.fillRoundRect(panel_, style_.scaled(kRadius), palette.window);
   canvas.strokeRect(panel_, palette.border);
   canvas.pushClip(panel_);
@@ -158,7 +157,7 @@ void Dialog::paint(Canvas& canvas) const {
                  .kind = buttons_[i].kind,
                  .hovered = presses_.hovered(control),
                  .pressed = presses_.pressed(control),
-                 .focused = focused_ == control},
+                 .focused = focusedControl_ == control},
                 style_.body(), palette);
   }
   canvas.popClip();

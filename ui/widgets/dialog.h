@@ -9,7 +9,7 @@
 #include "ui/canvas.h"
 #include "ui/geometry.h"
 #include "ui/input.h"
-#include "ui/widgets/input_target.h"
+#include "ui/widgets/overlay.h"
 #include "ui/widgets/style.h"
 
 namespace ui {
@@ -25,41 +25,32 @@ struct DialogButton {
 /// the dimmed window, the panel in its middle, a row of buttons at the panel's lower right, and one
 /// control that has the keyboard, which Tab moves. A dialog numbers its own controls from 0 in the
 /// order of Tab; the buttons follow them. Window thread only; lengths are device pixels.
-class Dialog : public InputTarget {
+class Dialog : public Overlay {
  public:
-  /// A new frame is to be drawn.
-  std::function<void()> onChanged;
-  /// The dialog is done with. Whoever owns it may destroy it during the call.
-  std::function<void()> onClosed;
-
   /// `style` outlives the dialog.
   explicit Dialog(const Style& style) : style_(style) {}
 
-  /// The window is this large.
-  void setSize(int width, int height);
-  void paint(Canvas& canvas) const;
+  void paint(Canvas& canvas) const override;
 
   void press(const MouseEvent& event) override;
   void motion(const MouseEvent& event) override;
   void release(const MouseEvent& event) override;
   void leave() override;
-  void wheel(const MouseEvent& /*event*/, int /*dy*/) override {}
   /// Tab and Shift+Tab move the keyboard; Enter and Space act on what has it, Enter on the default
   /// button where that does nothing; Escape cancels. Other keys are the dialog's own.
-  virtual void key(const KeyEvent& event);
-  /// Called a few times a second while the dialog is on top. `nowMs` is `Window::now`.
-  virtual void tick(std::int64_t /*nowMs*/) {}
+  bool key(const KeyEvent& event) override;
+  void releasePointer() override;
 
   const Rect& panel() const { return panel_; }
   /// The control that has the keyboard.
-  int focused() const { return focused_; }
+  int focusedControl() const { return focusedControl_; }
   const Rect& buttonRect(std::size_t button) const { return buttonRects_[button]; }
 
  protected:
   /// Height and width of the panel in a window of `width` x `height`; it is kept inside.
   virtual Rect wantedPanel(int width, int height) const = 0;
   /// Puts what is in the panel, apart from the buttons, into `content`.
-  virtual void layOut(const Rect& content) = 0;
+  virtual void layOutContent(const Rect& content) = 0;
   virtual void paintContent(Canvas& canvas) const = 0;
 
   /// Controls of the dialog's own, and the one at a place.
@@ -70,7 +61,7 @@ class Dialog : public InputTarget {
   virtual bool act(int /*control*/) { return false; }
   virtual void cancel() { close(); }
   virtual void pressedOutside() {}
-  /// `focused` is another control now.
+  /// Another control has the keyboard now.
   virtual void keyboardMoved() {}
 
   /// The buttons from left to right.
@@ -78,9 +69,6 @@ class Dialog : public InputTarget {
   /// The number of a button among the controls.
   int buttonControl(std::size_t button) const { return controlCount() + static_cast<int>(button); }
   void giveKeyboardTo(int control);
-  void close();
-  void changed() const;
-
   const Style& style() const { return style_; }
   const PressTracker& presses() const { return presses_; }
   int padding() const;
@@ -88,6 +76,7 @@ class Dialog : public InputTarget {
   int buttonRowHeight() const;
 
  private:
+  void layOut() override;
   void layOutButtons();
   PressTracker::Control anyControlAt(int x, int y) const;
   int totalControls() const { return controlCount() + static_cast<int>(buttons_.size()); }
@@ -95,12 +84,11 @@ class Dialog : public InputTarget {
   void actOnDefault();
 
   const Style& style_;
-  Rect window_;
   Rect panel_;
   std::vector<DialogButton> buttons_;
   std::vector<Rect> buttonRects_;
   PressTracker presses_;
-  int focused_ = 0;
+  int focusedControl_ = 0;
 };
 
 }  // namespace ui

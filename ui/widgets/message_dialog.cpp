@@ -46,7 +46,7 @@ Rect MessageDialog::wantedPanel(int width, int /*height*/) const {
   return {0, 0, textWidth + 2 * padding(), height + buttonRowHeight() + 2 * padding()};
 }
 
-void MessageDialog::layOut(const Rect& content) {
+void MessageDialog::layOutContent(const Rect& content) {
   content_ = content;
   paragraph_ = Paragraph(connection_, text_, style().body(), content.w);
 }

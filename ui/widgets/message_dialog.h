@@ -23,7 +23,7 @@ class MessageDialog : public Dialog {
 
  protected:
   Rect wantedPanel(int width, int height) const override;
-  void layOut(const Rect& content) override;
+  void layOutContent(const Rect& content) override;
   void paintContent(Canvas& canvas) const override;
   void cancel() override;
 

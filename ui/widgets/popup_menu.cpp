@@ -36,12 +36,8 @@ int kept(int wanted, int length, int end, int margin) {
 
 }  // namespace
 
-PopupMenu::PopupMenu(const Style& style, std::vector<MenuEntry> entries)
-    : style_(style), entries_(std::move(entries)) {}
-
-void PopupMenu::changed() const {
-  if (onChanged) onChanged();
-}
+PopupMenu::PopupMenu(const Style& style, std::vector<MenuEntry> entries, int x, int y)
+    : style_(style), entries_(std::move(entries)), x_(x), y_(y) {}
 
 // Places.
 
@@ -71,20 +67,21 @@ int PopupMenu::wantedWidth() const {
   return std::max(widest + tickWidth() + around, style_.scaled(kLeastWidth));
 }
 
-void PopupMenu::place(int x, int y, int windowWidth, int windowHeight) {
+void PopupMenu::layOut() {
+  const int windowWidth = rect().w;
+  const int windowHeight = rect().h;
   const int margin = style_.scaled(kWindowMargin);
   const int inner = style_.scaled(kPadding);
   const int content = contentHeight();
   const int h = std::clamp(content + 2 * inner, 1, std::max(1, windowHeight - 2 * margin));
   const int bar = content + 2 * inner > h ? Scroller::kBarWidth : 0;
   const int w = std::clamp(wantedWidth() + bar, 1, std::max(1, windowWidth - 2 * margin));
-  const bool fitsBelow = y + h <= windowHeight - margin;
-  const bool fitsAbove = y - h >= margin;
-  const int top = !fitsBelow && fitsAbove ? y - h : y;
-  rect_ = {kept(x, w, windowWidth, margin), kept(top, h, windowHeight, margin), w, h};
-  scroller_.setView({rect_.x + inner, rect_.y + inner, w - 2 * inner, h - 2 * inner});
+  const bool fitsBelow = y_ + h <= windowHeight - margin;
+  const bool fitsAbove = y_ - h >= margin;
+  const int top = !fitsBelow && fitsAbove ? y_ - h : y_;
+  panel_ = {kept(x_, w, windowWidth, margin), kept(top, h, windowHeight, margin), w, h};
+  scroller_.setView({panel_.x + inner, panel_.y + inner, w - 2 * inner, h - 2 * inner});
   scroller_.setContentHeight(content);
-  changed();
 }
 
 Rect PopupMenu::entryRect(std::size_t entry) const {
@@ -120,11 +117,6 @@ void PopupMenu::walk(std::optional<std::size_t> from, MenuStep step) {
   setCurrent(next);
 }
 
-void PopupMenu::close() {
-  // A copy: the menu, and the callable with it, may go while it runs.
-  if (const auto closed = onClosed) closed();
-}
-
 void PopupMenu::choose(std::size_t entry) {
   const auto action = entries_[entry].action;
   close();
@@ -132,7 +124,7 @@ void PopupMenu::choose(std::size_t entry) {
 }
 
 void PopupMenu::press(const MouseEvent& event) {
-  if (!rect_.contains(event.x, event.y)) return close();
+  if (!panel_.contains(event.x, event.y)) return close();
   if (event.button != kPrimaryButton) return;
   if (scroller_.press(event.x, event.y)) return changed();
   pressed_ = true;
@@ -159,24 +151,29 @@ void PopupMenu::wheel(const MouseEvent& event, int dy) {
   changed();
 }
 
-void PopupMenu::key(const KeyEvent& event) {
+bool PopupMenu::key(const KeyEvent& event) {
   switch (key::plain(event.keysym)) {
     case key::kUp:
-      return walk(current_, MenuStep::Up);
+      walk(current_, MenuStep::Up);
+      return true;
     case key::kDown:
-      return walk(current_, MenuStep::Down);
+      walk(current_, MenuStep::Down);
+      return true;
     case key::kHome:
-      return walk(std::nullopt, MenuStep::Down);
+      walk(std::nullopt, MenuStep::Down);
+      return true;
     case key::kEnd:
-      return walk(std::nullopt, MenuStep::Up);
+      walk(std::nullopt, MenuStep::Up);
+      return true;
     case key::kEscape:
-      return close();
+      close();
+      return true;
     case key::kReturn:
     case kSpace:
       if (current_) choose(*current_);
-      break;
+      return true;
     default:
-      break;
+      return false;
   }
 }
 
@@ -184,7 +181,7 @@ void PopupMenu::key(const KeyEvent& event) {
 
 void PopupMenu::paint(Canvas& canvas) const {
   const Palette& palette = style_.palette();
-  fillOutlined(canvas, rect_, style_.scaled(kRadius), 1, palette.border, palette.view);
+  fillOutlined(canvas, panel_, style_.scaled(kRadius), 1, palette.border, palette.view);
   canvas.pushClip(scroller_.view());
   for (std::size_t i = 0; i < entries_.size(); ++i) paintEntry(canvas, i);
   canvas.popClip();

@@ -9,8 +9,8 @@
 #include "ui/geometry.h"
 #include "ui/input.h"
 #include "ui/scroller.h"
-#include "ui/widgets/input_target.h"
 #include "ui/widgets/menu_entry.h"
+#include "ui/widgets/overlay.h"
 #include "ui/widgets/style.h"
 
 namespace ui {
@@ -20,37 +20,33 @@ namespace ui {
 /// button, pressed in the menu, is let go over it; a press outside only closes the menu. In a
 /// window that is too low for all entries they scroll. Window thread only; lengths are device
 /// pixels.
-class PopupMenu : public InputTarget {
+class PopupMenu : public Overlay {
  public:
-  /// A new frame is to be drawn.
-  std::function<void()> onChanged;
-  /// The menu is done with. Whoever owns it may destroy it during the call; the action of the
-  /// entry that was chosen runs after it.
-  std::function<void()> onClosed;
+  /// `style` outlives the menu. It lies below and to the right of (x, y), as far as the window has
+  /// room for it there; above it or moved to the left otherwise. The action of the entry that was
+  /// chosen runs after `onClosed`.
+  PopupMenu(const Style& style, std::vector<MenuEntry> entries, int x, int y);
 
-  /// `style` outlives the menu.
-  PopupMenu(const Style& style, std::vector<MenuEntry> entries);
-
-  /// Puts the menu below and to the right of (x, y), as far as a window of this size has room for
-  /// it there; above it or moved to the left otherwise.
-  void place(int x, int y, int windowWidth, int windowHeight);
   /// Makes the first entry that can be chosen the current one, for a menu opened by a key.
   void goToFirst();
-  void paint(Canvas& canvas) const;
+  bool isMenu() const override { return true; }
+  void paint(Canvas& canvas) const override;
 
   void press(const MouseEvent& event) override;
   void motion(const MouseEvent& event) override;
   void release(const MouseEvent& event) override;
   void leave() override;
   void wheel(const MouseEvent& event, int dy) override;
-  void key(const KeyEvent& event);
+  bool key(const KeyEvent& event) override;
 
   const std::vector<MenuEntry>& entries() const { return entries_; }
   std::optional<std::size_t> current() const { return current_; }
-  const Rect& rect() const { return rect_; }
+  /// What the menu takes of the window.
+  const Rect& panel() const { return panel_; }
   Rect entryRect(std::size_t entry) const;
 
  private:
+  void layOut() override;
   int entryHeight(std::size_t entry) const;
   int contentHeight() const;
   int wantedWidth() const;
@@ -59,13 +55,13 @@ class PopupMenu : public InputTarget {
   void setCurrent(std::optional<std::size_t> entry);
   void walk(std::optional<std::size_t> from, MenuStep step);
   void choose(std::size_t entry);
-  void close();
-  void changed() const;
   void paintEntry(Canvas& canvas, std::size_t entry) const;
 
   const Style& style_;
   const std::vector<MenuEntry> entries_;
-  Rect rect_;
+  const int x_;
+  const int y_;
+  Rect panel_;
   Scroller scroller_;
   std::optional<std::size_t> current_;
   bool pressed_ = false;  // the primary button, in the menu

@@ -47,7 +47,7 @@ class FolderChooserTest : public testing::Test, protected test::ViewsOnWindow {
     chooser = std::make_unique<FolderChooser>(style, std::move(places), lister);
     chooser->onChosen = [this](const std::string& path) { told.push_back("scan " + path); };
     chooser->onClosed = [this] { told.emplace_back("closed"); };
-    chooser->setSize(kWidth, kHeight);
+    chooser->setRect({0, 0, kWidth, kHeight});
     EXPECT_TRUE(listed());
   }
   bool listed() {

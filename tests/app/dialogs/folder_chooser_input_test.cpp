@@ -145,7 +145,7 @@ TEST_F(FolderChooserTest, ScrollsManyPlaces) {
   chooser->wheel(at(column.view()), 1);
   EXPECT_GT(column.scroller().offset(), 0);
   chooser->press(at(column.scroller().thumb()));
-  EXPECT_EQ(chooser->focused(), FolderChooser::kList) << "the press was on the bar";
+  EXPECT_EQ(chooser->focusedControl(), FolderChooser::kList) << "the press was on the bar";
 }
 
 // Keys
@@ -243,28 +243,28 @@ TEST_F(FolderChooserTest, BeginsASearchAnewInAnotherFolder) {
 }
 
 TEST_F(FolderChooserTest, GoesRoundItsControlsByTab) {
-  EXPECT_EQ(chooser->focused(), FolderChooser::kList);
+  EXPECT_EQ(chooser->focusedControl(), FolderChooser::kList);
   key(ui::key::kTab);
-  EXPECT_EQ(chooser->focused(), 3) << "Cancel";
+  EXPECT_EQ(chooser->focusedControl(), 3) << "Cancel";
   key(ui::key::kReturn);
   EXPECT_EQ(taken(), (Told{"closed"}));
   key(ui::key::kTab);
   key(' ');
   EXPECT_EQ(taken(), (Told{"closed", "scan " + home}));
   key(ui::key::kTab);
-  EXPECT_EQ(chooser->focused(), FolderChooser::kUp);
+  EXPECT_EQ(chooser->focusedControl(), FolderChooser::kUp);
   key(' ');
   EXPECT_EQ(path(), directory.path());
   key(ui::key::kTab);
-  EXPECT_EQ(chooser->focused(), FolderChooser::kPlaces);
+  EXPECT_EQ(chooser->focusedControl(), FolderChooser::kPlaces);
   key(ui::key::kTab);
   key(ui::key::kLeftTab, false, true);
-  EXPECT_EQ(chooser->focused(), FolderChooser::kPlaces);
+  EXPECT_EQ(chooser->focusedControl(), FolderChooser::kPlaces);
 }
 
 TEST_F(FolderChooserTest, GoesToPlacesByKeys) {
   key(ui::key::kLeft);
-  EXPECT_EQ(chooser->focused(), FolderChooser::kPlaces);
+  EXPECT_EQ(chooser->focusedControl(), FolderChooser::kPlaces);
   key(ui::key::kDown);
   key(ui::key::kDown);
   EXPECT_EQ(path(), home) << "not before Enter";
@@ -274,7 +274,7 @@ TEST_F(FolderChooserTest, GoesToPlacesByKeys) {
   key(' ');
   EXPECT_EQ(path(), home);
   key(ui::key::kRight);
-  EXPECT_EQ(chooser->focused(), FolderChooser::kList);
+  EXPECT_EQ(chooser->focusedControl(), FolderChooser::kList);
   EXPECT_EQ(taken(), Told{});
 }
 

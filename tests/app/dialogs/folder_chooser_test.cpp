@@ -112,7 +112,7 @@ TEST_F(DarkFolderChooserTest, DimsFoldersThatCannotBeEntered) {
                        return FolderListing{true, {{"open", true}, {"shut", false}}};
                      });
   chooser = std::make_unique<FolderChooser>(style, std::vector{FolderPlace{"/", "/"}}, fixed);
-  chooser->setSize(kWidth, kHeight);
+  chooser->setRect({0, 0, kWidth, kHeight});
   ASSERT_TRUE(listed());
   const auto row = [&](std::size_t number) { return chooser->listColumn().rowRect(number); };
   EXPECT_TRUE(hasInk(row(0), style.palette().text));
@@ -138,7 +138,7 @@ TEST_F(FolderChooserTest, CutsALongPathAtItsStart) {
 }
 
 TEST_F(FolderChooserTest, KeepsAllInsideTheSmallestWindow) {
-  chooser->setSize(640, 420);
+  chooser->setRect({0, 0, 640, 420});
   const ui::Rect& panel = chooser->panel();
   EXPECT_EQ(panel, (ui::Rect{12, 12, 616, 396}));
   const ui::Rect rects[] = {chooser->pathBox(),
@@ -159,7 +159,7 @@ TEST_F(FolderChooserTest, KeepsAllInsideTheSmallestWindow) {
 
 TEST_F(FolderChooserTest, SurvivesAWindowWithoutRoom) {
   for (const auto& [width, height] : {std::pair(1, 1), std::pair(60, 40), std::pair(300, 90)}) {
-    chooser->setSize(width, height);
+    chooser->setRect({0, 0, width, height});
     picture();
     key(ui::key::kEnd);
     key(ui::key::kPageDown);

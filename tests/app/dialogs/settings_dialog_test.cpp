@@ -31,7 +31,7 @@ class SettingsDialogOn : protected test::ViewsOnWindow {
       : ViewsOnWindow(palette, scale), width(windowWidth), height(windowHeight) {
     dialog.onSettingsChanged = [this] { ++changes; };
     dialog.onClosed = [this] { ++closings; };
-    dialog.setSize(width, height);
+    dialog.setRect({0, 0, width, height});
   }
 
   std::string file() const { return configuration.path() + "/heapgauge/settings.ini"; }
@@ -153,21 +153,21 @@ TEST_F(SettingsDialogTest, FlipsTheRowThatHasTheKeyboardWithSpace) {
 
 TEST_F(SettingsDialogTest, WalksRowsAndButtonsWithUpAndDown) {
   key(ui::key::kUp);
-  EXPECT_EQ(dialog.focused(), 0);
+  EXPECT_EQ(dialog.focusedControl(), 0);
   for (int i = 0; i < 20; ++i) key(ui::key::kDown);
-  EXPECT_EQ(dialog.focused(), 8);
+  EXPECT_EQ(dialog.focusedControl(), 8);
   key(ui::key::kUp);
   key(ui::key::kUp);
-  EXPECT_EQ(dialog.focused(), static_cast<int>(kUpdates));
+  EXPECT_EQ(dialog.focusedControl(), static_cast<int>(kUpdates));
   key(ui::key::kHome);
-  EXPECT_EQ(dialog.focused(), 0);
+  EXPECT_EQ(dialog.focusedControl(), 0);
   key(ui::key::kEnd);
-  EXPECT_EQ(dialog.focused(), static_cast<int>(kUpdates));
+  EXPECT_EQ(dialog.focusedControl(), static_cast<int>(kUpdates));
 }
 
 TEST_F(SettingsDialogTest, GivesTheKeyboardToARowThatIsPressed) {
   click(kFreeSpace);
-  EXPECT_EQ(dialog.focused(), static_cast<int>(kFreeSpace));
+  EXPECT_EQ(dialog.focusedControl(), static_cast<int>(kFreeSpace));
 }
 
 TEST_F(SettingsDialogTest, ShowsARingAroundTheRowThatHasTheKeyboard) {

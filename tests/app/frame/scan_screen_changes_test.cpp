@@ -43,13 +43,13 @@ TEST_F(ScanScreenTest, TellsOfTheScan) {
   screen_.setScanStatus({.scanning = true});
   screen_.prepare();
   EXPECT_EQ(screen_.statusLine().left(), formatSize(150'000) + " in 3 items  ·  scanning…");
-  EXPECT_FALSE(screen_.toolbar().layout().stop.empty());
-  EXPECT_TRUE(screen_.toolbar().layout().rescan.empty());
+  EXPECT_FALSE(screen_.toolbar().layout().place(Action::StopScan).empty());
+  EXPECT_TRUE(screen_.toolbar().layout().place(Action::Rescan).empty());
   screen_.setScanStatus({.elapsedSeconds = 1.5, .stopped = true});
   screen_.prepare();
   EXPECT_EQ(screen_.statusLine().left(), formatSize(150'000) + " in 3 items  ·  1.50s  ·  stopped");
-  EXPECT_TRUE(screen_.toolbar().layout().stop.empty());
-  EXPECT_FALSE(screen_.toolbar().layout().rescan.empty());
+  EXPECT_TRUE(screen_.toolbar().layout().place(Action::StopScan).empty());
+  EXPECT_FALSE(screen_.toolbar().layout().place(Action::Rescan).empty());
 }
 
 TEST_F(ScanScreenTest, WaitsForTheFirstNode) {
@@ -219,7 +219,7 @@ TEST_F(ScanScreenTest, KeepsNothingOfATreeThatIsGone) {
   EXPECT_EQ(selected(), Nodes{});
   EXPECT_EQ(focus(), kRootNode);
   EXPECT_FALSE(kinds().selectedKind());
-  EXPECT_FALSE(screen_.dismiss());
+  EXPECT_FALSE(key(ui::key::kEscape));
   EXPECT_EQ(picture().count(rgb(test::kNothingDrawn)), 0);
   EXPECT_EQ(screen_.statusLine().left(), "");
   EXPECT_EQ(right(), "");
@@ -264,13 +264,13 @@ TEST_F(ScanScreenTest, LetsGoOfWhatIsPressedWhenAnotherTreeIsShown) {
   EXPECT_EQ(screen_.pointer(), ui::PointerShape::Arrow);
   screen_.motion(at(frame.map, 0));
   EXPECT_EQ(screen_.layout().mainDivider, frame.mainDivider);
-  const ui::Rect open = screen_.toolbar().layout().open;
+  const ui::Rect open = screen_.toolbar().layout().place(Action::LeaveScan);
   screen_.press(at(open));
   screen_.show(tree_.get());
   screen_.release(at(open));
   EXPECT_TRUE(commands_.empty());
   click(open);
-  EXPECT_EQ(commands_, std::vector<Command>{Command::LeaveScan});
+  EXPECT_EQ(commands_, std::vector<Command>{{.action = Action::LeaveScan}});
 }
 
 TEST_F(ScanScreenTest, HasNothingUnderThePointerOnceAnotherScreenWasShown) {
@@ -279,10 +279,10 @@ TEST_F(ScanScreenTest, HasNothingUnderThePointerOnceAnotherScreenWasShown) {
   point(onMap(photo_));
   screen_.tick(ui::Window::now() + 1000);
   EXPECT_FALSE(picture() == plain);
-  screen_.hide();
+  screen_.releasePointer();
   EXPECT_TRUE(picture() == plain);
   point(screen_.layout().mainDivider);
-  screen_.hide();
+  screen_.releasePointer();
   EXPECT_EQ(screen_.pointer(), ui::PointerShape::Arrow);
 }
 

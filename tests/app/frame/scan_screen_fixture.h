@@ -41,7 +41,7 @@ class ScanScreenTest : public testing::Test, protected test::ViewsOnWindow {
  protected:
   ScanScreenTest() {
     screen_.onChanged = [this] { ++changes_; };
-    screen_.onCommand = [this](Command command) { commands_.push_back(command); };
+    screen_.onCommand = [this](const Command& command) { commands_.push_back(command); };
     screen_.onContextMenu = [this](NodeId node, int, int) { menus_.push_back(node); };
     screen_.onOpenFile = [this](NodeId node) { opened_.push_back(node); };
     tree_->createRoot("/r");
@@ -56,7 +56,7 @@ class ScanScreenTest : public testing::Test, protected test::ViewsOnWindow {
     song_ = inner_ + 1;
     add(*tree_, Listing(inner_).file("deep.txt", 60'000, 0, 3000));
     deep_ = tree_->firstChild(inner_);
-    screen_.setSize(kWidth, kHeight);
+    screen_.setRect({0, 0, kWidth, kHeight});
     screen_.show(tree_.get());
     screen_.prepare();
   }
@@ -67,7 +67,7 @@ class ScanScreenTest : public testing::Test, protected test::ViewsOnWindow {
   const RenderedTreemap& map() const { return screen_.picture().rendered(); }
   const std::string& right() const { return screen_.statusLine().right(); }
   NodeId focus() { return screen_.focus().current(); }
-  bool canGoUp() const { return !screen_.toolbar().layout().up.empty(); }
+  bool canGoUp() const { return !screen_.toolbar().layout().place(Action::GoOut).empty(); }
 
   Nodes selected() {
     Nodes nodes(screen_.selection().nodes().begin(), screen_.selection().nodes().end());
@@ -91,7 +91,7 @@ class ScanScreenTest : public testing::Test, protected test::ViewsOnWindow {
   ui::Rect inList(NodeId node) const { return list().rowRect(list().rows().find(node).value()); }
   /// A row of the kinds table.
   ui::Rect inKinds(std::size_t row) const { return kinds().rowRect(row); }
-  const ui::Rect& up() const { return screen_.toolbar().layout().up; }
+  ui::Rect up() const { return screen_.toolbar().layout().place(Action::GoOut); }
   ui::Rect segment(std::size_t number) const {
     const ToolbarLayout& bar = screen_.toolbar().layout();
     const BreadcrumbSegment& found = bar.segments.at(number);

@@ -15,6 +15,14 @@ class StatusLineTest : public testing::Test, protected test::ViewsOnWindow {
   test::Picture picture() {
     return ViewsOnWindow::picture(400, 100, [&](ui::Canvas& canvas) { line.paint(canvas); });
   }
+  /// Whether `act` made the line ask for a frame.
+  bool changedBy(const std::function<void()>& act) {
+    int changes = 0;
+    line.onChanged = [&] { ++changes; };
+    act();
+    line.onChanged = nullptr;
+    return changes > 0;
+  }
   StatusLine line{style};
 };
 
@@ -45,11 +53,11 @@ TEST_F(StatusLineTest, DrawsBothTexts) {
 }
 
 TEST_F(StatusLineTest, SaysWhetherItChanged) {
-  EXPECT_TRUE(line.setRect(kBar));
-  EXPECT_FALSE(line.setRect(kBar));
-  EXPECT_TRUE(line.setTexts("left", "right"));
-  EXPECT_FALSE(line.setTexts("left", "right"));
-  EXPECT_TRUE(line.setTexts("left", "other"));
+  EXPECT_TRUE(changedBy([&] { line.setRect(kBar); }));
+  EXPECT_FALSE(changedBy([&] { line.setRect(kBar); }));
+  EXPECT_TRUE(changedBy([&] { line.setTexts("left", "right"); }));
+  EXPECT_FALSE(changedBy([&] { line.setTexts("left", "right"); }));
+  EXPECT_TRUE(changedBy([&] { line.setTexts("left", "other"); }));
 }
 
 TEST_F(StatusLineTest, MakesAPathOfBrokenBytesReadable) {

@@ -34,9 +34,10 @@ struct Bar {
 
 TEST(ToolbarLayout, HoldsOnlyTheMenuWithoutAScan) {
   const ToolbarLayout layout = Bar().layOut();
-  EXPECT_EQ(layout.menu, (Rect{1000 - 8 - 26, 6, 26, 22}));
-  for (const Rect& part :
-       {layout.open, layout.stop, layout.rescan, layout.up, layout.measure, layout.breadcrumb}) {
+  EXPECT_EQ(layout.place(Action::OpenApplicationMenu), (Rect{1000 - 8 - 26, 6, 26, 22}));
+  for (const Rect& part : {layout.place(Action::LeaveScan), layout.place(Action::StopScan),
+                           layout.place(Action::Rescan), layout.place(Action::GoOut),
+                           layout.place(Action::OpenMeasureMenu), layout.breadcrumb}) {
     EXPECT_TRUE(part.empty());
   }
 }
@@ -46,12 +47,13 @@ TEST(ToolbarLayout, PutsItsPartsFromLeftToRightSixPixelsApart) {
   bar.state.tree = &bar.tree;
   bar.state.canGoUp = true;
   const ToolbarLayout layout = bar.layOut();
-  EXPECT_EQ(layout.open, (Rect{8, 6, 70, 22}));
-  EXPECT_EQ(layout.rescan, (Rect{8 + 70 + 6, 6, 80, 22}));
-  EXPECT_EQ(layout.up, (Rect{170, 6, 26, 22}));
-  EXPECT_EQ(layout.measure, (Rect{202, 6, 170, 22})) << "\"Current size  ▾\"";
+  EXPECT_EQ(layout.place(Action::LeaveScan), (Rect{8, 6, 70, 22}));
+  EXPECT_EQ(layout.place(Action::Rescan), (Rect{8 + 70 + 6, 6, 80, 22}));
+  EXPECT_EQ(layout.place(Action::GoOut), (Rect{170, 6, 26, 22}));
+  EXPECT_EQ(layout.place(Action::OpenMeasureMenu), (Rect{202, 6, 170, 22}))
+      << "\"Current size  ▾\"";
   EXPECT_EQ(layout.breadcrumb, (Rect{378, 6, 966 - 6 - 378, 22}));
-  EXPECT_TRUE(layout.stop.empty());
+  EXPECT_TRUE(layout.place(Action::StopScan).empty());
 }
 
 TEST(ToolbarLayout, OffersToStopWhileItScansAndNoWayUpAtTheTop) {
@@ -59,10 +61,10 @@ TEST(ToolbarLayout, OffersToStopWhileItScansAndNoWayUpAtTheTop) {
   bar.state.tree = &bar.tree;
   bar.state.scanning = true;
   const ToolbarLayout layout = bar.layOut();
-  EXPECT_EQ(layout.stop, (Rect{84, 6, 60, 22}));
-  EXPECT_TRUE(layout.rescan.empty());
-  EXPECT_TRUE(layout.up.empty());
-  EXPECT_EQ(layout.measure.x, 150);
+  EXPECT_EQ(layout.place(Action::StopScan), (Rect{84, 6, 60, 22}));
+  EXPECT_TRUE(layout.place(Action::Rescan).empty());
+  EXPECT_TRUE(layout.place(Action::GoOut).empty());
+  EXPECT_EQ(layout.place(Action::OpenMeasureMenu).x, 150);
 }
 
 TEST(ToolbarLayout, GivesTheBreadcrumbWhatIsLeft) {
@@ -74,7 +76,7 @@ TEST(ToolbarLayout, GivesTheBreadcrumbWhatIsLeft) {
   const ToolbarLayout layout = bar.layOut();
   ASSERT_EQ(layout.segments.size(), 2u);
   EXPECT_EQ(layout.segments[1].text, "folder");
-  EXPECT_EQ(layout.measure.w, 10 * 31 + 20);
+  EXPECT_EQ(layout.place(Action::OpenMeasureMenu).w, 10 * 31 + 20);
 }
 
 TEST(ToolbarLayout, DropsTheBreadcrumbWhereThereIsNoRoom) {
@@ -88,8 +90,8 @@ TEST(ToolbarLayout, DropsTheBreadcrumbWhereThereIsNoRoom) {
 TEST(ToolbarLayout, ScalesItsPaddings) {
   Bar bar;
   bar.state.tree = &bar.tree;
-  EXPECT_EQ(bar.layOut(2).open.x, 16);
-  EXPECT_EQ(bar.layOut(2).open.w, 50 + 40);
+  EXPECT_EQ(bar.layOut(2).place(Action::LeaveScan).x, 16);
+  EXPECT_EQ(bar.layOut(2).place(Action::LeaveScan).w, 50 + 40);
 }
 
 TEST(MeasureName, IsTheOneInTheSelectorAndItsMenu) {

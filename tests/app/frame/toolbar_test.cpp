@@ -2,6 +2,8 @@
 
 #include "app/frame/toolbar.h"
 
+#include <functional>
+#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -25,19 +27,23 @@ class ToolbarTest : public testing::Test, protected test::ViewsOnWindow {
     tree.createRoot("/home/u");
     folder = add(tree, Listing(0).folder("Pictures")).front();
     bar.setRect(kBar);
-    bar.onOpen = [&] { told.emplace_back("open"); };
-    bar.onStop = [&] { told.emplace_back("stop"); };
-    bar.onRescan = [&] { told.emplace_back("rescan"); };
-    bar.onUp = [&] { told.emplace_back("up"); };
-    bar.onMeasureMenu = [&](const ui::Rect& rect) {
-      note("measure", rect == bar.layout().measure);
-    };
-    bar.onAppMenu = [&](const ui::Rect& rect) { note("menu", rect == bar.layout().menu); };
-    bar.onSegment = [&](sizewalk::NodeId node) { told.push_back("node " + std::to_string(node)); };
+    bar.onChanged = [&] { ++changes; };
+    bar.onCommand = [&](const Command& command) { told.push_back(wordFor(command)); };
   }
 
-  void note(const std::string& what, bool itsOwnRect) {
-    told.push_back(itsOwnRect ? what : "another rect");
+  static std::string wordFor(const Command& command) {
+    const std::map<Action, std::string> words = {
+        {Action::LeaveScan, "open"},          {Action::StopScan, "stop"},
+        {Action::Rescan, "rescan"},           {Action::GoOut, "up"},
+        {Action::OpenMeasureMenu, "measure"}, {Action::OpenApplicationMenu, "menu"}};
+    if (command.action == Action::GoTo) return "node " + std::to_string(command.target.value());
+    return words.at(command.action);
+  }
+  /// Whether `act` made the bar ask for a frame.
+  bool changedBy(const std::function<void()>& act) {
+    changes = 0;
+    act();
+    return changes > 0;
   }
   ToolbarState finished() const { return {.tree = &tree, .canGoUp = true, .focus = folder}; }
   ui::Rect segment(std::size_t number) const {
@@ -58,17 +64,18 @@ class ToolbarTest : public testing::Test, protected test::ViewsOnWindow {
   sizewalk::NodeId folder = 0;
   Toolbar bar{style};
   std::vector<std::string> told;
+  int changes = 0;
 };
 
 using Told = std::vector<std::string>;
 
 TEST_F(ToolbarTest, TellsWhichButtonWasPressed) {
   bar.update(finished());
-  click(bar.layout().open);
-  click(bar.layout().rescan);
-  click(bar.layout().up);
-  click(bar.layout().measure);
-  click(bar.layout().menu);
+  click(bar.layout().place(Action::LeaveScan));
+  click(bar.layout().place(Action::Rescan));
+  click(bar.layout().place(Action::GoOut));
+  click(bar.layout().place(Action::OpenMeasureMenu));
+  click(bar.layout().place(Action::OpenApplicationMenu));
   EXPECT_EQ(taken(), (Told{"open", "rescan", "up", "measure", "menu"}));
 }
 
@@ -76,17 +83,17 @@ TEST_F(ToolbarTest, StopsARunningScan) {
   ToolbarState running = finished();
   running.scanning = true;
   bar.update(running);
-  click(bar.layout().stop);
+  click(bar.layout().place(Action::StopScan));
   EXPECT_EQ(taken(), (Told{"stop"}));
 }
 
 TEST_F(ToolbarTest, ActsOnlyWhenTheButtonIsLetGoOverItself) {
   bar.update(finished());
-  bar.press(at(bar.layout().open));
+  bar.press(at(bar.layout().place(Action::LeaveScan)));
   EXPECT_TRUE(taken().empty());
-  bar.release(at(bar.layout().rescan));
+  bar.release(at(bar.layout().place(Action::Rescan)));
   EXPECT_TRUE(taken().empty());
-  EXPECT_FALSE(bar.release(at(bar.layout().open)));
+  EXPECT_FALSE(changedBy([&] { bar.release(at(bar.layout().place(Action::LeaveScan))); }));
   EXPECT_TRUE(taken().empty());
 }
 
@@ -94,21 +101,21 @@ TEST_F(ToolbarTest, DoesNotRescanWhenTheScanEndsDuringAPressOnStop) {
   ToolbarState running = finished();
   running.scanning = true;
   bar.update(running);
-  bar.press(at(bar.layout().stop));
+  bar.press(at(bar.layout().place(Action::StopScan)));
   bar.update(finished());
-  bar.release(at(bar.layout().rescan));
+  bar.release(at(bar.layout().place(Action::Rescan)));
   EXPECT_TRUE(taken().empty());
 }
 
 TEST_F(ToolbarTest, IgnoresOtherButtonsOfTheMouse) {
   bar.update(finished());
-  click(bar.layout().open, 2);
-  click(bar.layout().open, 3);
+  click(bar.layout().place(Action::LeaveScan), 2);
+  click(bar.layout().place(Action::LeaveScan), 3);
   EXPECT_TRUE(taken().empty());
-  bar.press(at(bar.layout().open));
-  bar.release(at(bar.layout().open, 3));
+  bar.press(at(bar.layout().place(Action::LeaveScan)));
+  bar.release(at(bar.layout().place(Action::LeaveScan), 3));
   EXPECT_TRUE(taken().empty());
-  bar.release(at(bar.layout().open));
+  bar.release(at(bar.layout().place(Action::LeaveScan)));
   EXPECT_EQ(taken(), (Told{"open"}));
 }
 
@@ -116,12 +123,14 @@ TEST_F(ToolbarTest, HoldsOnlyTheMenuWithoutAScan) {
   bar.update(finished());
   const ToolbarLayout before = bar.layout();
   const ui::Rect pictures = segment(1);
-  EXPECT_TRUE(bar.update({}));
-  for (const ui::Rect& rect : {before.open, before.rescan, before.up, before.measure, pictures}) {
+  EXPECT_TRUE(changedBy([&] { bar.update({}); }));
+  for (const ui::Rect& rect :
+       {before.place(Action::LeaveScan), before.place(Action::Rescan), before.place(Action::GoOut),
+        before.place(Action::OpenMeasureMenu), pictures}) {
     click(rect);
   }
   EXPECT_TRUE(taken().empty());
-  click(bar.layout().menu);
+  click(bar.layout().place(Action::OpenApplicationMenu));
   EXPECT_EQ(taken(), (Told{"menu"}));
 }
 
@@ -152,24 +161,24 @@ TEST_F(ToolbarTest, TakesBackAPressWhenAnotherFolderComesUnderThePointer) {
 
 TEST_F(ToolbarTest, ShowsAHandOverSegmentsOnly) {
   bar.update(finished());
-  bar.motion(at(bar.layout().open));
+  bar.motion(at(bar.layout().place(Action::LeaveScan)));
   EXPECT_EQ(bar.pointer(), ui::PointerShape::Arrow);
-  EXPECT_TRUE(bar.motion(at(segment(0))));
+  EXPECT_TRUE(changedBy([&] { bar.motion(at(segment(0))); }));
   EXPECT_EQ(bar.pointer(), ui::PointerShape::Hand);
-  EXPECT_FALSE(bar.motion(at(segment(0))));
-  EXPECT_TRUE(bar.leave());
+  EXPECT_FALSE(changedBy([&] { bar.motion(at(segment(0))); }));
+  EXPECT_TRUE(changedBy([&] { bar.leave(); }));
   EXPECT_EQ(bar.pointer(), ui::PointerShape::Arrow);
 }
 
 TEST_F(ToolbarTest, IsNotLaidOutAnewWhileTheTreeGrows) {
-  EXPECT_TRUE(bar.update(finished()));
+  EXPECT_TRUE(changedBy([&] { bar.update(finished()); }));
   const BreadcrumbSegment* before = bar.layout().segments.data();
   add(tree, Listing(folder).file("a", 1).folder("b").file("c", 1));
-  EXPECT_FALSE(bar.update(finished()));
+  EXPECT_FALSE(changedBy([&] { bar.update(finished()); }));
   EXPECT_EQ(bar.layout().segments.data(), before);
   ToolbarState withAnotherMeasure = finished();
   withAnotherMeasure.measure = Measure::AddedLastMonth;
-  EXPECT_TRUE(bar.update(withAnotherMeasure));
+  EXPECT_TRUE(changedBy([&] { bar.update(withAnotherMeasure); }));
 }
 
 TEST_F(ToolbarTest, NamesTheFolderOnceTheTreeHasIt) {
@@ -178,15 +187,15 @@ TEST_F(ToolbarTest, NamesTheFolderOnceTheTreeHasIt) {
   bar.update(state);
   EXPECT_TRUE(bar.layout().segments.empty());
   empty.createRoot("/home/u");
-  EXPECT_TRUE(bar.update(state));
+  EXPECT_TRUE(changedBy([&] { bar.update(state); }));
   EXPECT_EQ(bar.layout().segments.size(), 1u);
 }
 
 TEST_F(ToolbarTest, IsLaidOutAnewForAnotherSize) {
   bar.update(finished());
-  EXPECT_FALSE(bar.setRect(kBar));
-  EXPECT_TRUE(bar.setRect({0, 0, 700, 36}));
-  EXPECT_LT(bar.layout().menu.x, 700);
+  EXPECT_FALSE(changedBy([&] { bar.setRect(kBar); }));
+  EXPECT_TRUE(changedBy([&] { bar.setRect({0, 0, 700, 36}); }));
+  EXPECT_LT(bar.layout().place(Action::OpenApplicationMenu).x, 700);
 }
 
 TEST_F(ToolbarTest, FillsItsRectAboveALineInTheBorderColour) {
@@ -201,12 +210,12 @@ TEST_F(ToolbarTest, FillsItsRectAboveALineInTheBorderColour) {
 
 TEST_F(ToolbarTest, ShowsWhichButtonIsHeld) {
   bar.update(finished());
-  const ui::Rect open = bar.layout().open;
+  const ui::Rect open = bar.layout().place(Action::LeaveScan);
   const auto ground = [&] { return picture().at(open.x + 4, open.y + 2); };
   EXPECT_EQ(ground(), rgb(style.palette().raised));
   bar.press(at(open));
   EXPECT_EQ(ground(), rgb(style.palette().pressed));
-  bar.motion(at(bar.layout().menu));
+  bar.motion(at(bar.layout().place(Action::OpenApplicationMenu)));
   EXPECT_EQ(ground(), rgb(style.palette().raised));
 }
 

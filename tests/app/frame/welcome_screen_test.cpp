@@ -24,8 +24,8 @@ class WelcomeScreenTest : public testing::Test, protected test::ViewsOnWindow {
     screen_.onChanged = [this] { ++changes_; };
     screen_.onVolume = [this](const std::string& path) { told_.push_back(path); };
     screen_.onChooseFolder = [this] { told_.emplace_back("choose"); };
-    screen_.onAppMenu = [this](const ui::Rect& place) { menus_.push_back(place); };
-    screen_.setSize(kWidth, kHeight);
+    screen_.onCommand = [this](const Command& command) { commands_.push_back(command); };
+    screen_.setRect({0, 0, kWidth, kHeight});
     screen_.setCards({card("/a"), card("/b")});
     changes_ = 0;
   }
@@ -54,19 +54,19 @@ class WelcomeScreenTest : public testing::Test, protected test::ViewsOnWindow {
   WelcomeScreen screen_{style, icon_};
   int changes_ = 0;
   Told told_;
-  std::vector<ui::Rect> menus_;
+  std::vector<Command> commands_;
 };
 
 TEST_F(WelcomeScreenTest, CoversTheWindow) {
   EXPECT_EQ(picture().count(test::rgb(test::kNothingDrawn)), 0);
-  screen_.setSize(640, 420);
+  screen_.setRect({0, 0, 640, 420});
   EXPECT_EQ(ViewsOnWindow::picture(640, 420, [&](ui::Canvas& c) { screen_.paint(c); })
                 .count(test::rgb(test::kNothingDrawn)),
             0);
 }
 
 TEST_F(WelcomeScreenTest, KeepsItsCardsInsideANarrowWindow) {
-  screen_.setSize(300, 420);
+  screen_.setRect({0, 0, 300, 420});
   EXPECT_GT(takenChanges(), 0);
   EXPECT_LE(cardRect(0).x + cardRect(0).w, 300);
 }
@@ -80,8 +80,8 @@ TEST_F(WelcomeScreenTest, TellsThePressedVolumeAndTheButton) {
 
 TEST_F(WelcomeScreenTest, OpensItsMenuUnderTheButton) {
   click(onMenu());
-  ASSERT_EQ(menus_.size(), 1u);
-  EXPECT_TRUE(menus_[0].contains(onMenu().x, onMenu().y));
+  EXPECT_EQ(commands_, std::vector<Command>{{.action = Action::OpenApplicationMenu}});
+  EXPECT_TRUE(screen_.menuButton().contains(onMenu().x, onMenu().y));
 }
 
 TEST_F(WelcomeScreenTest, AsksForAFrameWhenThePointerComesOntoACardAndWhenItGoes) {
@@ -131,14 +131,14 @@ TEST_F(WelcomeScreenTest, HasNothingUnderThePointerOnceAnotherScreenWasShown) {
   const auto plain = picture();
   screen_.motion(at(cardRect(0)));
   EXPECT_FALSE(picture() == plain);
-  screen_.hide();
+  screen_.releasePointer();
   EXPECT_TRUE(picture() == plain);
 }
 
 TEST_F(WelcomeScreenTest, LetsGoOfWhatWasPressedWhenAnotherScreenIsShown) {
   const auto plain = picture();
   screen_.press(at(cardRect(0)));
-  screen_.hide();
+  screen_.releasePointer();
   EXPECT_TRUE(picture() == plain);
   EXPECT_EQ(taken(), Told{});
   screen_.motion(at(cardRect(1)));
@@ -150,7 +150,6 @@ TEST_F(WelcomeScreenTest, LetsGoOfWhatWasPressedWhenAnotherScreenIsShown) {
 TEST_F(WelcomeScreenTest, TakesNoWheel) {
   screen_.wheel(at(cardRect(0)), 1);
   EXPECT_EQ(takenChanges(), 0);
-  EXPECT_FALSE(screen_.dismiss());
   EXPECT_EQ(screen_.pointer(), ui::PointerShape::Arrow);
 }
 

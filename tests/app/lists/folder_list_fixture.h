@@ -58,14 +58,14 @@ struct ListOnServer : test::WindowOnServer {
     event.x = x;
     event.y = rowY(row);
     list_.press(event);
-    list_.release();
+    list_.release({.button = 1});
   }
   bool key(unsigned long keysym, bool shift = false, bool ctrl = false) {
-    return list_.key({.keysym = keysym, .text = {}, .shift = shift, .ctrl = ctrl}, now_);
+    return list_.key({.keysym = keysym, .text = {}, .shift = shift, .ctrl = ctrl, .timeMs = now_});
   }
   bool type(const std::string& text) {
     now_ += 10;
-    return list_.key({.keysym = static_cast<unsigned char>(text[0]), .text = text}, now_);
+    return list_.key({.keysym = static_cast<unsigned char>(text[0]), .text = text, .timeMs = now_});
   }
   std::string names() const {
     std::string result;
@@ -78,7 +78,7 @@ struct ListOnServer : test::WindowOnServer {
   /// The list on ground of a colour of its own.
   test::Picture painted() {
     if (window.xid() == 0) show(kWidth, kHeight);
-    list_.update();
+    list_.prepare();
     return paint([&](ui::Canvas& canvas) {
       canvas.fillRect({0, 0, kWidth, kHeight}, 0xFF010203);
       list_.paint(canvas);

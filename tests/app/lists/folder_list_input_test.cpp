@@ -107,11 +107,11 @@ TEST_F(FolderListTest, KeepsASelectionThatTheContextMenuIsAskedOn) {
 TEST_F(FolderListTest, ScrollsThreeRowsAStepOfTheWheel) {
   fillEmpty(50);
   list_.revealNode(tree_.children(empty_).first);
-  list_.update();
+  list_.prepare();
   const int before = list_.scrollOffset();
-  list_.wheel(1);
+  list_.wheel({}, 1);
   EXPECT_EQ(list_.scrollOffset(), before + 3 * h_);
-  list_.wheel(-2);
+  list_.wheel({}, -2);
   EXPECT_EQ(list_.scrollOffset(), std::max(0, before + 3 * h_ - 6 * h_));
 }
 
@@ -119,16 +119,16 @@ TEST_F(FolderListTest, DragsAndPagesByItsBar) {
   fillEmpty(100);
   list_.revealNode(tree_.children(empty_).first);
   list_.scrollToRow(0);
-  list_.update();
+  list_.prepare();
   ASSERT_EQ(list_.scrollOffset(), 0);
   list_.press({.x = 255, .y = 10 + 5 * h_ - 1, .button = 1});
-  list_.release();
+  list_.release({.button = 1});
   EXPECT_EQ(list_.scrollOffset(), 5 * h_) << "a view further";
   list_.press({.x = 255, .y = 15, .button = 1});
   list_.motion({.x = 30, .y = 60});
   EXPECT_GT(list_.scrollOffset(), 500);
   EXPECT_NE(painted().at(20, 60), 0xF5F5F5u) << "no row is under the pointer meanwhile";
-  list_.release();
+  list_.release({.button = 1});
   const int offset = list_.scrollOffset();
   list_.motion({.x = 30, .y = 80});
   EXPECT_EQ(list_.scrollOffset(), offset);
@@ -162,10 +162,10 @@ TEST_F(FolderListTest, ScrollsToTheRowThatAKeyMovesTo) {
   fillEmpty(50);
   list_.revealNode(tree_.children(empty_).first);
   key(ui::key::kEnd);
-  list_.update();
+  list_.prepare();
   EXPECT_EQ(list_.scrollOffset(), 55 * h_ - 5 * h_);
   key(ui::key::kHome);
-  list_.update();
+  list_.prepare();
   EXPECT_EQ(list_.scrollOffset(), 0);
 }
 
@@ -281,8 +281,8 @@ TEST_F(FolderListTest, LeavesOtherKeysToItsOwner) {
   EXPECT_FALSE(key(ui::key::kTab));
   EXPECT_FALSE(key(ui::key::kEscape));
   EXPECT_FALSE(key(ui::key::kDelete));
-  EXPECT_FALSE(list_.key({.keysym = 'r', .text = "r", .ctrl = true}, now_));
-  EXPECT_FALSE(list_.key({.keysym = ' ', .text = " "}, now_));
+  EXPECT_FALSE(list_.key({.keysym = 'r', .text = "r", .ctrl = true, .timeMs = now_}));
+  EXPECT_FALSE(list_.key({.keysym = ' ', .text = " ", .timeMs = now_}));
   EXPECT_EQ(selected(), Nodes{big_});
 }
 

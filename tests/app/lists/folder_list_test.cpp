@@ -167,8 +167,8 @@ TEST_F(FolderListTest, DrawsNoNameForAnEmptyOneButSwatchAndSize) {
 TEST_F(FolderListTest, StaysInItsPlace) {
   fillEmpty(30);
   list_.revealNode(tree_.children(empty_).first);
-  list_.update();
-  list_.wheel(1);
+  list_.prepare();
+  list_.wheel({}, 1);
   const test::Picture picture = painted();
   EXPECT_EQ(picture.count(0x010203), kWidth * kHeight - place_.w * place_.h);
 }
@@ -209,7 +209,7 @@ TEST_F(FolderListTest, IsRingedItselfWhileTheCurrentRowIsOutOfSight) {
   key(ui::key::kHome);
   const auto corner = [&] { return painted().at(20, 10 + place_.h - 1); };
   EXPECT_EQ(corner(), rgb(ui::kLightPalette.view));
-  list_.wheel(100);
+  list_.wheel({}, 100);
   EXPECT_EQ(corner(), rgb(ui::kLightPalette.accent));
   list_.setFocused(false);
   EXPECT_EQ(corner(), rgb(ui::kLightPalette.view));
@@ -236,12 +236,12 @@ TEST_F(FolderListTest, ScrollsToARowOnceAndForgetsIt) {
   ASSERT_TRUE(row);
   EXPECT_EQ(list_.pendingRow(), static_cast<std::ptrdiff_t>(*row));
   EXPECT_EQ(list_.scrollOffset(), 0) << "not before it is painted";
-  list_.update();
+  list_.prepare();
   EXPECT_EQ(list_.pendingRow(), -1);
   EXPECT_EQ(list_.scrollOffset(), (static_cast<int>(*row) + 1 - 5) * h_);
-  list_.wheel(-1);
+  list_.wheel({}, -1);
   const int offset = list_.scrollOffset();
-  list_.update();
+  list_.prepare();
   EXPECT_EQ(list_.scrollOffset(), offset);
 }
 
@@ -257,9 +257,9 @@ TEST_F(FolderListTest, WaitsForAViewBeforeItScrolls) {
   fillEmpty(50);
   list_.setRect({});
   list_.revealNode(tree_.children(empty_).first + 40);
-  list_.update();
+  list_.prepare();
   list_.setRect(place_);
-  list_.update();
+  list_.prepare();
   EXPECT_GT(list_.scrollOffset(), 500);
 }
 
@@ -287,9 +287,9 @@ class ScrolledFolderListTest : public FolderListTest {
   ScrolledFolderListTest() {
     fillEmpty(50);
     list_.revealNode(tree_.children(empty_).first);
-    list_.update();
-    list_.wheel(10);
-    list_.wheel(-3);
+    list_.prepare();
+    list_.wheel({}, 10);
+    list_.wheel({}, -3);
     top_ = static_cast<std::size_t>(list_.scrollOffset()) / static_cast<std::size_t>(h_);
     changes_ = 0;
   }
@@ -391,7 +391,7 @@ TEST_F(FolderListTest, GetsItsFirstRowsWithTheTreesFirstNode) {
 TEST_F(FolderListTest, BeginsAtTheTopOfAnotherTree) {
   fillEmpty(50);
   list_.revealNode(tree_.children(empty_).first + 40);
-  list_.update();
+  list_.prepare();
   list_.show(&tree_);
   EXPECT_EQ(list_.scrollOffset(), 0);
   EXPECT_EQ(list_.current(), kRootNode);

@@ -57,7 +57,7 @@ struct TableOnServer : test::WindowOnServer {
   int rowY(std::size_t row) const { return table_.rowRect(row).y + 3; }
   void press(std::size_t row) {
     table_.press({.x = 100, .y = rowY(row), .button = 1});
-    table_.release();
+    table_.release({.button = 1});
   }
   void pressHeader(int x) { table_.press({.x = x, .y = 12, .button = 1}); }
   bool key(unsigned long keysym, bool ctrl = false) {
@@ -111,7 +111,7 @@ class KindsTableTest : public ::testing::Test, protected TableOnServer {
 
 TEST_F(KindsTableTest, FillsItsPlaceAndNothingElse) {
   fillUp();
-  table_.wheel(1);
+  table_.wheel({}, 1);
   const test::Picture picture = painted();
   EXPECT_EQ(picture.count(0x010203), kWidth * kHeight - place_.w * place_.h);
   EXPECT_EQ(picture.at(20, 10), rgb(ui::kLightPalette.view));
@@ -226,9 +226,9 @@ TEST_F(KindsTableTest, ClipsItsRowsToTheBody) {
   fillUp();
   press(0);
   table_.press({.x = 355, .y = rowY(4), .button = 1});
-  table_.wheel(-1);
+  table_.wheel({}, -1);
   table_.setRect({20, 10, 340, 6 * h_ - 5});
-  table_.wheel(100);
+  table_.wheel({}, 100);
   const int part = table_.scrollOffset() % h_;
   EXPECT_NE(part, 0);
   const test::Picture picture = painted();
@@ -251,7 +251,7 @@ TEST_F(KindsTableTest, IsRingedItselfWhileTheCurrentRowIsOutOfSight) {
   table_.setFocused(true);
   const auto corner = [&] { return painted().at(20, 10 + h_); };
   EXPECT_EQ(corner(), rgb(ui::kLightPalette.accent)) << "of the first row";
-  table_.wheel(100);
+  table_.wheel({}, 100);
   EXPECT_EQ(corner(), rgb(ui::kLightPalette.accent)) << "of all rows";
   table_.setFocused(false);
   EXPECT_EQ(corner(), rgb(ui::kLightPalette.view));
@@ -368,12 +368,12 @@ TEST_F(KindsTableTest, LeavesOtherKeysToItsOwner) {
 
 TEST_F(KindsTableTest, ScrollsByWheelBarAndKeys) {
   fillUp();
-  table_.wheel(1);
+  table_.wheel({}, 1);
   EXPECT_EQ(table_.scrollOffset(), 3 * h_);
-  table_.wheel(-2);
+  table_.wheel({}, -2);
   EXPECT_EQ(table_.scrollOffset(), 0);
   table_.press({.x = 355, .y = 10 + 6 * h_ - 1, .button = 1});
-  table_.release();
+  table_.release({.button = 1});
   EXPECT_EQ(table_.scrollOffset(), 5 * h_);
   key(ui::key::kEnd);
   EXPECT_EQ(table_.scrollOffset(), 35 * h_);
@@ -385,7 +385,7 @@ TEST_F(KindsTableTest, DragsItsBar) {
   table_.press({.x = 355, .y = 10 + h_ + 5, .button = 1});
   table_.motion({.x = 100, .y = 10 + 4 * h_});
   EXPECT_GT(table_.scrollOffset(), 10 * h_);
-  table_.release();
+  table_.release({.button = 1});
   const int offset = table_.scrollOffset();
   table_.motion({.x = 100, .y = 10 + 2 * h_});
   EXPECT_EQ(table_.scrollOffset(), offset);
@@ -408,7 +408,7 @@ TEST_F(KindsTableTest, StaysAtItsTopButKeepsItsPlaceFurtherDown) {
   rows.push_back({70, 1000000, 1});
   table_.setRows(rows);
   EXPECT_EQ(table_.scrollOffset(), 0);
-  table_.wheel(1);
+  table_.wheel({}, 1);
   rows.push_back({71, 1000000, 1});
   table_.setRows(rows);
   EXPECT_EQ(table_.scrollOffset(), 4 * h_);

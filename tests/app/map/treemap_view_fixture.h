@@ -28,6 +28,12 @@ constexpr int kOutside = 20;  // left of the map
 
 enum Button { kPrimary = 1, kMiddle = 2, kSecondary = 3, kBack = 8, kForward = 9 };
 
+/// The same event at another time.
+inline ui::MouseEvent atTime(std::int64_t timeMs, ui::MouseEvent event) {
+  event.timeMs = timeMs;
+  return event;
+}
+
 /// The map at `kPlace` of a window. /map holds dir/ (with inner/ and its file deep, and the file
 /// a), the file c, and a hundred small items, the first of them a folder.
 class TreemapViewTest : public test::WindowTest {
@@ -52,7 +58,9 @@ class TreemapViewTest : public test::WindowTest {
       menuAt_ = {x, y, 0, 0};
     };
     focus_.onChanged = [this] { ++focusChanges_; };
-    picture_.setRect(kPlace);
+    view_.setRect(kPlace);
+    view_.setCardBounds(kWindow);
+    changes_ = 0;
     showTree(&tree_);
     show(kWindow.w, kWindow.h);
   }
@@ -85,7 +93,7 @@ class TreemapViewTest : public test::WindowTest {
     return onGround([&](ui::Canvas& canvas) { view_.paint(canvas); });
   }
   bool cardIsSeen() {
-    const auto picture = onGround([&](ui::Canvas& canvas) { view_.paintCard(canvas); });
+    const auto picture = onGround([&](ui::Canvas& canvas) { view_.paintOver(canvas); });
     return picture.count(kGround & 0xFFFFFF) != long{kWindow.w} * kWindow.h;
   }
 
@@ -109,8 +117,12 @@ class TreemapViewTest : public test::WindowTest {
   static ui::MouseEvent middleOf(const ui::Rect& rect) {
     return {.x = rect.x + rect.w / 2, .y = rect.y + rect.h / 2};
   }
-  void point(const ui::Rect& rect, std::int64_t nowMs = 0) { view_.motion(middleOf(rect), nowMs); }
-  void pointBesideMap(std::int64_t nowMs = 0) { view_.motion({.x = kOutside, .y = 50}, nowMs); }
+  void point(const ui::Rect& rect, std::int64_t nowMs = 0) {
+    view_.motion(atTime(nowMs, middleOf(rect)));
+  }
+  void pointBesideMap(std::int64_t nowMs = 0) {
+    view_.motion({.x = kOutside, .y = 50, .timeMs = nowMs});
+  }
 
   void press(const ui::Rect& rect, int button = kPrimary, int clicks = 1, bool ctrl = false) {
     ui::MouseEvent event = middleOf(rect);
@@ -125,7 +137,7 @@ class TreemapViewTest : public test::WindowTest {
   }
   void restOn(const ui::Rect& rect) {
     point(rect, 0);
-    view_.tick(400, kWindow);
+    view_.tick(400);
     ASSERT_TRUE(cardIsSeen());
   }
 

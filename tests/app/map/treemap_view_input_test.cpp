@@ -179,7 +179,7 @@ class TreemapViewKeysTest : public TreemapViewTest {
   }
   /// The item in a column and a row of the two.
   NodeId at(int column, int row) {
-    view_.motion({.x = kPlace.x + 50 + 100 * column, .y = kPlace.y + 25 + 50 * row}, 0);
+    view_.motion({.x = kPlace.x + 50 + 100 * column, .y = kPlace.y + 25 + 50 * row});
     return view_.hovered().value();
   }
 

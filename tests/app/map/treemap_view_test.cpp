@@ -185,7 +185,7 @@ TEST_F(TreemapViewTest, TellsWhenThePointerComesOntoAnotherItem) {
   EXPECT_EQ(changes_, 1);
   ui::MouseEvent beside = middleOf(placeOf(a_));
   ++beside.x;
-  view_.motion(beside, 10);
+  view_.motion(atTime(10, beside));
   EXPECT_EQ(changes_, 1) << "still the same";
   point(placeOf(c_));
   EXPECT_EQ(view_.hovered(), c_);
@@ -202,7 +202,7 @@ TEST_F(TreemapViewTest, IsOnNoItemOnMergedItemsAndBesideTheMap) {
   pointBesideMap();
   EXPECT_EQ(view_.hovered(), std::nullopt);
   EXPECT_EQ(changes_, 2);
-  view_.motion({.x = kPlace.x + kPlace.w, .y = kPlace.y}, 0);
+  view_.motion({.x = kPlace.x + kPlace.w, .y = kPlace.y});
   EXPECT_EQ(changes_, 2) << "the first pixel right of the map";
 }
 
@@ -230,13 +230,13 @@ TEST_F(TreemapViewTest, IsOnNoItemOfAnotherScanBeforeItsFirstPicture) {
 TEST_F(TreemapViewTest, ShowsACardAfter400MsOfRest) {
   point(placeOf(c_), 5000);
   changes_ = 0;
-  view_.tick(5399, kWindow);
+  view_.tick(5399);
   EXPECT_FALSE(cardIsSeen());
   EXPECT_EQ(changes_, 0);
-  view_.tick(5400, kWindow);
+  view_.tick(5400);
   EXPECT_TRUE(cardIsSeen());
   EXPECT_EQ(changes_, 1);
-  view_.tick(9000, kWindow);
+  view_.tick(9000);
   EXPECT_EQ(changes_, 1) << "there is nothing new to see";
 }
 
@@ -244,28 +244,29 @@ TEST_F(TreemapViewTest, CountsTheRestFromTheLastMotion) {
   point(placeOf(c_), 0);
   ui::MouseEvent beside = middleOf(placeOf(c_));
   ++beside.x;
-  view_.motion(beside, 300);
-  view_.tick(699, kWindow);
+  view_.motion(atTime(300, beside));
+  view_.tick(699);
   EXPECT_FALSE(cardIsSeen());
-  view_.tick(700, kWindow);
+  view_.tick(700);
   EXPECT_TRUE(cardIsSeen());
 }
 
 TEST_F(TreemapViewTest, ShowsACardOfMergedItems) { restOn(placeOfSmallItems()); }
 
 TEST_F(TreemapViewTest, ShowsNoCardWhereThereIsNothing) {
-  view_.tick(1000, kWindow);
+  view_.tick(1000);
   EXPECT_FALSE(cardIsSeen()) << "no pointer";
   pointBesideMap(1000);
-  view_.tick(2000, kWindow);
+  view_.tick(2000);
   EXPECT_FALSE(cardIsSeen());
 }
 
 TEST_F(TreemapViewTest, KeepsTheCardInsideItsRoom) {
   point(placeOf(c_), 0);
   const ui::Rect room{0, 0, 260, 200};
-  view_.tick(400, room);
-  const auto picture = onGround([&](ui::Canvas& canvas) { view_.paintCard(canvas); });
+  view_.setCardBounds(room);
+  view_.tick(400);
+  const auto picture = onGround([&](ui::Canvas& canvas) { view_.paintOver(canvas); });
   for (int y = 0; y < kWindow.h; ++y) {
     for (int x = 0; x < kWindow.w; ++x) {
       ASSERT_TRUE(room.contains(x, y) || picture.at(x, y) == without(kGround)) << x << "," << y;
@@ -278,13 +279,13 @@ TEST_F(TreemapViewTest, HidesTheCardWhenThePointerMovesOrLeaves) {
   changes_ = 0;
   ui::MouseEvent beside = middleOf(placeOf(c_));
   ++beside.x;
-  view_.motion(beside, 500);
+  view_.motion(atTime(500, beside));
   EXPECT_FALSE(cardIsSeen());
   EXPECT_EQ(changes_, 1);
   restOn(placeOf(c_));
   view_.leave();
   EXPECT_FALSE(cardIsSeen());
-  view_.tick(5000, kWindow);
+  view_.tick(5000);
   EXPECT_FALSE(cardIsSeen());
 }
 
@@ -298,7 +299,7 @@ TEST_F(TreemapViewTest, HidesTheCardUntilThePointerMovesAgain) {
     act();
     EXPECT_FALSE(cardIsSeen());
     EXPECT_EQ(changes_, 1);
-    view_.tick(5000, kWindow);
+    view_.tick(5000);
     EXPECT_FALSE(cardIsSeen()) << "it would come back by itself";
   }
   restOn(placeOf(c_));
@@ -307,7 +308,7 @@ TEST_F(TreemapViewTest, HidesTheCardUntilThePointerMovesAgain) {
 TEST_F(TreemapViewTest, ShowsNoCardAfterAPressThatCameBeforeIt) {
   point(placeOf(c_), 0);
   press(placeOf(c_), kSecondary);
-  view_.tick(400, kWindow);
+  view_.tick(400);
   EXPECT_FALSE(cardIsSeen()) << "it would lie over the menu";
 }
 
@@ -325,12 +326,12 @@ TEST_F(TreemapViewTest, ReplacesTheCardWhenAnotherPictureComesUnderThePointer) {
   focus_.go(dir_);
   showFocus();
   EXPECT_FALSE(cardIsSeen());
-  view_.tick(500, kWindow);
+  view_.tick(500);
   EXPECT_TRUE(cardIsSeen());
 }
 
 TEST_F(TreemapViewTest, KeepsTheFiguresOfTheCardUpToDate) {
-  const auto card = [&] { return onGround([&](ui::Canvas& canvas) { view_.paintCard(canvas); }); };
+  const auto card = [&] { return onGround([&](ui::Canvas& canvas) { view_.paintOver(canvas); }); };
   sizewalk::FileTree tree(test::mapTreeOptions());
   const auto dir = test::fillRoot(tree, {folder(), file(1000)}).front();
   view_.reset();

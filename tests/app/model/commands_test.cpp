@@ -10,30 +10,37 @@ namespace {
 std::optional<Command> commandOf(unsigned long keysym, bool ctrl = false) {
   return commandFor({.keysym = keysym, .text = {}, .shift = false, .ctrl = ctrl});
 }
+Command byKey(Action action, Measure measure = Measure::CurrentSize) {
+  return {.action = action, .measure = measure, .by = Command::By::Key};
+}
+bool enabled(Action action, const CommandState& state) {
+  return isEnabled({.action = action}, state);
+}
 
 TEST(CommandFor, KnowsTheShortcuts) {
-  EXPECT_EQ(commandOf('o', true), Command::LeaveScan);
-  EXPECT_EQ(commandOf(ui::key::kF5), Command::Rescan);
-  EXPECT_EQ(commandOf('r', true), Command::Rescan);
-  EXPECT_EQ(commandOf(ui::key::kBackSpace), Command::GoOut);
-  EXPECT_EQ(commandOf(ui::key::kUp, true), Command::GoOut);
-  EXPECT_EQ(commandOf(ui::key::kHome, true), Command::GoToScannedFolder);
-  EXPECT_EQ(commandOf(ui::key::kLeft, true), Command::GoToPrevious);
-  EXPECT_EQ(commandOf(ui::key::kRight, true), Command::GoToNext);
-  EXPECT_EQ(commandOf('c', true), Command::CopyPath);
-  EXPECT_EQ(commandOf('1', true), Command::ShowCurrentSize);
-  EXPECT_EQ(commandOf('2', true), Command::ShowAddedLastMonth);
-  EXPECT_EQ(commandOf('3', true), Command::ShowAddedLastSixMonths);
-  EXPECT_EQ(commandOf('4', true), Command::ShowAddedSinceLastScan);
-  EXPECT_EQ(commandOf(ui::key::kF10), Command::OpenMenu);
-  EXPECT_EQ(commandOf(',', true), Command::OpenSettings);
-  EXPECT_EQ(commandOf('q', true), Command::Close);
-  EXPECT_EQ(commandOf('w', true), Command::Close);
+  EXPECT_EQ(commandOf('o', true), byKey(Action::LeaveScan));
+  EXPECT_EQ(commandOf(ui::key::kF5), byKey(Action::Rescan));
+  EXPECT_EQ(commandOf('r', true), byKey(Action::Rescan));
+  EXPECT_EQ(commandOf(ui::key::kBackSpace), byKey(Action::GoOut));
+  EXPECT_EQ(commandOf(ui::key::kUp, true), byKey(Action::GoOut));
+  EXPECT_EQ(commandOf(ui::key::kHome, true), byKey(Action::GoToScannedFolder));
+  EXPECT_EQ(commandOf(ui::key::kLeft, true), byKey(Action::GoToPrevious));
+  EXPECT_EQ(commandOf(ui::key::kRight, true), byKey(Action::GoToNext));
+  EXPECT_EQ(commandOf('c', true), byKey(Action::CopyPath));
+  EXPECT_EQ(commandOf('1', true), byKey(Action::ShowMeasure, Measure::CurrentSize));
+  EXPECT_EQ(commandOf('2', true), byKey(Action::ShowMeasure, Measure::AddedLastMonth));
+  EXPECT_EQ(commandOf('3', true), byKey(Action::ShowMeasure, Measure::AddedLastSixMonths));
+  EXPECT_EQ(commandOf('4', true), byKey(Action::ShowMeasure, Measure::AddedSinceLastScan));
+  EXPECT_EQ(commandOf(ui::key::kF10), byKey(Action::OpenApplicationMenu));
+  EXPECT_EQ(commandOf(ui::key::kEscape), byKey(Action::StopScan));
+  EXPECT_EQ(commandOf(',', true), byKey(Action::OpenSettings));
+  EXPECT_EQ(commandOf('q', true), byKey(Action::Close));
+  EXPECT_EQ(commandOf('w', true), byKey(Action::Close));
 }
 
 TEST(CommandFor, TakesLettersInEitherCaseAndTheNumberPad) {
-  EXPECT_EQ(commandOf('O', true), Command::LeaveScan);
-  EXPECT_EQ(commandOf(ui::key::kKeypadHome, true), Command::GoToScannedFolder);
+  EXPECT_EQ(commandOf('O', true), byKey(Action::LeaveScan));
+  EXPECT_EQ(commandOf(ui::key::kKeypadHome, true), byKey(Action::GoToScannedFolder));
 }
 
 TEST(CommandFor, LeavesOtherKeysToTheViews) {
@@ -48,34 +55,26 @@ TEST(CommandFor, LeavesTheKeyOfTheContextMenuToTheViews) {
   EXPECT_EQ(commandFor({.keysym = ui::key::kF10, .text = {}, .shift = true}), std::nullopt);
 }
 
-TEST(CommandThatShows, IsTheOneOfTheMeasure) {
-  EXPECT_EQ(commandThatShows(Measure::CurrentSize), Command::ShowCurrentSize);
-  EXPECT_EQ(commandThatShows(Measure::AddedLastMonth), Command::ShowAddedLastMonth);
-  EXPECT_EQ(commandThatShows(Measure::AddedSinceLastScan), Command::ShowAddedSinceLastScan);
-  EXPECT_EQ(measureOf(Command::ShowCurrentSize), Measure::CurrentSize);
-  EXPECT_EQ(measureOf(Command::ShowAddedLastSixMonths), Measure::AddedLastSixMonths);
-}
-
 TEST(IsEnabled, OnlyClosingAndSettingsMakeSenseWithoutAScan) {
-  EXPECT_TRUE(isEnabled(Command::Close, {}));
-  EXPECT_TRUE(isEnabled(Command::OpenMenu, {}));
-  EXPECT_TRUE(isEnabled(Command::OpenSettings, {}));
-  EXPECT_FALSE(isEnabled(Command::LeaveScan, {}));
-  EXPECT_FALSE(isEnabled(Command::Rescan, {}));
-  EXPECT_FALSE(isEnabled(Command::StopScan, {.scanning = true}));
-  EXPECT_FALSE(isEnabled(Command::ShowCurrentSize, {}));
+  EXPECT_TRUE(enabled(Action::Close, {}));
+  EXPECT_TRUE(enabled(Action::OpenApplicationMenu, {}));
+  EXPECT_TRUE(enabled(Action::OpenSettings, {}));
+  EXPECT_FALSE(enabled(Action::LeaveScan, {}));
+  EXPECT_FALSE(enabled(Action::Rescan, {}));
+  EXPECT_FALSE(enabled(Action::StopScan, {.scanning = true}));
+  EXPECT_FALSE(enabled(Action::ShowMeasure, {}));
 }
 
 TEST(IsEnabled, StoppingNeedsARunningScan) {
-  EXPECT_FALSE(isEnabled(Command::StopScan, {.scanShown = true}));
-  EXPECT_TRUE(isEnabled(Command::StopScan, {.scanShown = true, .scanning = true}));
-  EXPECT_TRUE(isEnabled(Command::Rescan, {.scanShown = true, .scanning = true}));
+  EXPECT_FALSE(enabled(Action::StopScan, {.scanShown = true}));
+  EXPECT_TRUE(enabled(Action::StopScan, {.scanShown = true, .scanning = true}));
+  EXPECT_TRUE(enabled(Action::Rescan, {.scanShown = true, .scanning = true}));
 }
 
 TEST(IsEnabled, GoingOutNeedsAFolderAroundTheFocusedOne) {
-  EXPECT_FALSE(isEnabled(Command::GoOut, {.scanShown = true}));
-  EXPECT_FALSE(isEnabled(Command::GoToScannedFolder, {.scanShown = true}));
-  EXPECT_TRUE(isEnabled(Command::GoOut, {.scanShown = true, .canGoOut = true}));
+  EXPECT_FALSE(enabled(Action::GoOut, {.scanShown = true}));
+  EXPECT_FALSE(enabled(Action::GoToScannedFolder, {.scanShown = true}));
+  EXPECT_TRUE(enabled(Action::GoOut, {.scanShown = true, .canGoOut = true}));
 }
 
 }  // namespace

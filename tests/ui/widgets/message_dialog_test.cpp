@@ -10,14 +10,14 @@
 
 #include "tests/ui/window_test_base.h"
 #include "ui/keys.h"
-#include "ui/widgets/dialog_layer.h"
+#include "ui/widgets/input_stack.h"
 
 namespace ui {
 namespace {
 
 class MessageDialogTest : public test::WindowTest {
  protected:
-  MessageDialogTest() { layer_.setSize(600, 400); }
+  MessageDialogTest() { stack_.setSize(600, 400); }
 
   /// A question that names what it did.
   MessageDialog& ask(const std::string& text = "Some items are waiting.") {
@@ -28,23 +28,23 @@ class MessageDialogTest : public test::WindowTest {
                                   {"Cancel", ui::ButtonKind::Default, note("cancel")}},
         1);
     MessageDialog& asked = *dialog;
-    layer_.open(std::move(dialog));
+    stack_.open(std::move(dialog));
     return asked;
   }
 
   void key(unsigned long keysym, bool shift = false) {
-    layer_.top()->key({.keysym = keysym, .text = {}, .shift = shift});
+    stack_.key({.keysym = keysym, .text = {}, .shift = shift});
   }
   static ui::MouseEvent at(const ui::Rect& rect, int button = 1) {
     return {.x = rect.x + rect.w / 2, .y = rect.y + rect.h / 2, .button = button};
   }
   void click(const ui::Rect& rect) {
-    layer_.top()->press(at(rect));
-    layer_.top()->release(at(rect));
+    stack_.press(at(rect));
+    stack_.release(at(rect));
   }
 
   Style style_{*connection, ui::kLightPalette};
-  DialogLayer layer_;
+  InputStack stack_;
   std::vector<std::string> done_;
 };
 
@@ -52,7 +52,7 @@ TEST_F(MessageDialogTest, HasTheSafeButtonUnderEnter) {
   ask();
   key(ui::key::kReturn);
   EXPECT_EQ(done_, std::vector<std::string>{"cancel"});
-  EXPECT_TRUE(layer_.empty());
+  EXPECT_FALSE(stack_.covered());
 }
 
 TEST_F(MessageDialogTest, TakesTabToTheOtherButtonAndBack) {
@@ -90,7 +90,7 @@ TEST_F(MessageDialogTest, ActsWhenAButtonIsLetGoOverItself) {
 TEST_F(MessageDialogTest, StaysWhenThePressIsOutside) {
   ask();
   click({1, 1, 2, 2});
-  EXPECT_FALSE(layer_.empty());
+  EXPECT_TRUE(stack_.covered());
   EXPECT_TRUE(done_.empty());
 }
 
@@ -98,21 +98,13 @@ TEST_F(MessageDialogTest, IsGoneBeforeItsButtonActs) {
   auto dialog =
       std::make_unique<MessageDialog>(*connection, style_, "Title", "Text",
                                       std::vector<DialogButton>{{"Next", {}, [this] {
-                                                                   EXPECT_TRUE(layer_.empty());
+                                                                   EXPECT_FALSE(stack_.covered());
                                                                    ask();
                                                                  }}});
-  layer_.open(std::move(dialog));
+  stack_.open(std::move(dialog));
   key(ui::key::kReturn);
-  ASSERT_FALSE(layer_.empty()) << "its button opened another";
+  ASSERT_TRUE(stack_.covered()) << "its button opened another";
   EXPECT_TRUE(done_.empty());
-}
-
-TEST_F(MessageDialogTest, GivesTheInputToTheOneOnTop) {
-  MessageDialog& below = ask();
-  MessageDialog& above = ask();
-  EXPECT_EQ(layer_.top(), &above);
-  key(ui::key::kEscape);
-  EXPECT_EQ(layer_.top(), &below);
 }
 
 TEST_F(MessageDialogTest, WrapsItsTextInsideThePanel) {
@@ -126,11 +118,11 @@ TEST_F(MessageDialogTest, WrapsItsTextInsideThePanel) {
 
 TEST_F(MessageDialogTest, StaysInTheMiddleOfAWindowThatChangesItsSize) {
   const MessageDialog& dialog = ask();
-  layer_.setSize(900, 500);
+  stack_.setSize(900, 500);
   const ui::Rect panel = dialog.panel();
   EXPECT_EQ(panel.x, (900 - panel.w) / 2);
   EXPECT_EQ(panel.y, (500 - panel.h) / 2);
-  layer_.setSize(60, 40);
+  stack_.setSize(60, 40);
   EXPECT_LE(dialog.panel().w, 60);
   EXPECT_LE(dialog.panel().h, 40);
 }
@@ -140,7 +132,7 @@ TEST_F(MessageDialogTest, DimsTheWindowAroundItsPanel) {
   const ui::Rect panel = ask().panel();
   const test::Picture picture = paint([&](ui::Canvas& canvas) {
     canvas.fillRect({0, 0, 600, 400}, 0xFFFFFFFF);
-    layer_.paint(canvas);
+    stack_.paint(canvas);
   });
   EXPECT_EQ(picture.at(5, 5), 0x999999u);
   EXPECT_EQ(picture.at(panel.x + panel.w / 2, panel.y + 4), ui::kLightPalette.window & 0xFFFFFF);

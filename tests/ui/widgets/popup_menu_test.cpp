@@ -32,13 +32,13 @@ class PopupMenuTest : public testing::Test, protected test::ViewsOnWindow {
     entry.enabled = false;
     return entry;
   }
-  void openWith(std::vector<MenuEntry> entries) {
-    menu = std::make_unique<PopupMenu>(style, std::move(entries));
+  void openWith(std::vector<MenuEntry> entries, int x = 100, int y = 50) {
+    menu = std::make_unique<PopupMenu>(style, std::move(entries), x, y);
     menu->onClosed = [this] {
       told.emplace_back("closed");
       menu.reset();
     };
-    menu->place(100, 50, kWidth, kHeight);
+    menu->setRect({0, 0, kWidth, kHeight});
   }
 
   ui::MouseEvent over(std::size_t entry, int button = 1) const {
@@ -68,23 +68,23 @@ bool isInside(const ui::Rect& rect, int width, int height) {
 }
 
 TEST_F(PopupMenuTest, OpensAtThePointer) {
-  EXPECT_EQ(menu->rect().x, 100);
-  EXPECT_EQ(menu->rect().y, 50);
-  EXPECT_TRUE(isInside(menu->rect(), kWidth, kHeight));
+  EXPECT_EQ(menu->panel().x, 100);
+  EXPECT_EQ(menu->panel().y, 50);
+  EXPECT_TRUE(isInside(menu->panel(), kWidth, kHeight));
 }
 
 TEST_F(PopupMenuTest, OpensInsideTheWindowWhereverThePointerIs) {
   for (const int x : {0, 1, 320, 600, 639}) {
     for (const int y : {0, 1, 200, 400, 419}) {
-      menu->place(x, y, kWidth, kHeight);
-      EXPECT_TRUE(isInside(menu->rect(), kWidth, kHeight)) << x << ", " << y;
+      openWith({entry("first"), entry("second"), entry("third")}, x, y);
+      EXPECT_TRUE(isInside(menu->panel(), kWidth, kHeight)) << x << ", " << y;
     }
   }
 }
 
 TEST_F(PopupMenuTest, OpensAboveAPointerNearTheLowerEdge) {
-  menu->place(100, 400, kWidth, kHeight);
-  EXPECT_EQ(menu->rect().y + menu->rect().h, 400);
+  openWith({entry("first"), entry("second")}, 100, 400);
+  EXPECT_EQ(menu->panel().y + menu->panel().h, 400);
 }
 
 TEST_F(PopupMenuTest, RunsAnEntryThatIsPressedOnceItIsClosed) {
@@ -202,20 +202,20 @@ TEST_F(PopupMenuTest, ShowsATickAndWhatCannotBeChosenDimmed) {
 }
 
 TEST_F(PopupMenuTest, ScrollsToItsEntriesInALowWindow) {
-  menu->place(100, 50, kWidth, 80);
-  EXPECT_TRUE(isInside(menu->rect(), kWidth, 80));
+  menu->setRect({0, 0, kWidth, 80});
+  EXPECT_TRUE(isInside(menu->panel(), kWidth, 80));
   EXPECT_GT(menu->entryRect(4).y, 80);
   keys({ui::key::kEnd});
-  EXPECT_LE(menu->entryRect(4).y + menu->entryRect(4).h, menu->rect().y + menu->rect().h);
+  EXPECT_LE(menu->entryRect(4).y + menu->entryRect(4).h, menu->panel().y + menu->panel().h);
   menu->wheel({.x = 110, .y = 40}, -3);
-  EXPECT_GE(menu->entryRect(0).y, menu->rect().y);
+  EXPECT_GE(menu->entryRect(0).y, menu->panel().y);
   click(0);
   EXPECT_EQ(taken(), (Told{"closed", "first"}));
 }
 
 TEST_F(PopupMenuTest, DoesNotChooseWhatIsScrolledOutOfItsOutline) {
-  menu->place(100, 50, kWidth, 80);
-  menu->motion({.x = 110, .y = menu->rect().y + menu->rect().h - 1});
+  menu->setRect({0, 0, kWidth, 80});
+  menu->motion({.x = 110, .y = menu->panel().y + menu->panel().h - 1});
   EXPECT_EQ(menu->current(), std::nullopt);
 }
 

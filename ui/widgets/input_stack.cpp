@@ -1,0 +1,128 @@
+#include "ui/widgets/input_stack.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace ui {
+
+View* InputStack::top() const { return over_.empty() ? screen_ : over_.back().get(); }
+
+void InputStack::changed() const {
+  if (onChanged) onChanged();
+}
+
+// What lies over what.
+
+void InputStack::show(View& screen) {
+  closeMenu();
+  if (screen_ && screen_ != &screen) screen_->releasePointer();
+  screen_ = &screen;
+  told_ = 0;
+  updatePointer();
+  changed();
+}
+
+void InputStack::open(std::unique_ptr<Overlay> overlay) {
+  closeMenu();
+  if (View* const below = top()) below->releasePointer();
+  Overlay* const opened = overlay.get();
+  opened->onChanged = [this] { changed(); };
+  opened->onClosed = [this, opened] { close(opened); };
+  opened->setRect(window_);
+  over_.push_back(std::move(overlay));
+  updatePointer();
+  changed();
+}
+
+void InputStack::close(const Overlay* overlay) {
+  const auto found = std::ranges::find(over_, overlay, [](const auto& o) { return o.get(); });
+  if (found == over_.end()) return;
+  // Out of the stack first: what ends with the overlay may look at the stack.
+  const std::unique_ptr<Overlay> closed = std::move(*found);
+  over_.erase(found);
+  changed();
+}
+
+void InputStack::closeMenu() {
+  if (!over_.empty() && over_.back()->isMenu()) close(over_.back().get());
+}
+
+void InputStack::setSize(int width, int height) {
+  closeMenu();
+  window_ = {0, 0, width, height};
+  for (const auto& overlay : over_) overlay->setRect(window_);
+  told_ = 0;  // other things may be under the pointer now
+  updatePointer();
+}
+
+bool InputStack::prepare() {
+  bool costly = screen_ && screen_->prepare();
+  for (const auto& overlay : over_) costly = overlay->prepare() || costly;
+  return costly;
+}
+
+void InputStack::paint(Canvas& canvas) const {
+  if (screen_) screen_->paint(canvas);
+  for (const auto& overlay : over_) overlay->paint(canvas);
+}
+
+void InputStack::tick(std::int64_t nowMs) {
+  if (screen_) screen_->tick(nowMs);
+  if (covered()) top()->tick(nowMs);
+}
+
+// The pointer.
+
+void InputStack::press(const MouseEvent& event) {
+  View* const target = top();
+  const bool menu = !over_.empty() && over_.back()->isMenu();
+  // A quick second press belongs to what took the first one; a menu knows no double presses.
+  if (event.clicks > 1 && !menu && target->serial() != pressed_) return;
+  pressed_ = target->serial();
+  target->press(event);
+  updatePointer();
+}
+
+void InputStack::motion(const MouseEvent& event) {
+  pointer_ = event;
+  tellPointer();
+  updatePointer();
+}
+
+void InputStack::release(const MouseEvent& event) {
+  top()->release(event);
+  updatePointer();
+}
+
+void InputStack::leave() {
+  pointer_.reset();
+  if (screen_) screen_->leave();
+  for (const auto& overlay : over_) overlay->leave();
+}
+
+void InputStack::wheel(const MouseEvent& event, int dy) {
+  top()->wheel(event, dy);
+  updatePointer();
+}
+
+void InputStack::tellPointer() {
+  told_ = top()->serial();
+  top()->motion(*pointer_);
+}
+
+/// What has the input by now may be news to it, and to the pointer's shape.
+void InputStack::updatePointer() {
+  if (!screen_) return;
+  if (pointer_ && top()->serial() != told_) tellPointer();
+  if (onPointer) onPointer(top()->pointer());
+}
+
+// The keys.
+
+bool InputStack::key(const KeyEvent& event) {
+  const bool used = top()->key(event) || covered();
+  updatePointer();
+  return used;
+}
+
+}  // namespace ui

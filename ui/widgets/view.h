@@ -1,0 +1,80 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include "ui/canvas.h"
+#include "ui/geometry.h"
+#include "ui/input.h"
+
+namespace ui {
+
+/// A part of the window: it has a place, paints itself there, takes input and tells when it looks
+/// different. Screens, dialogs and menus are views too.
+///
+/// A frame has two halves: `prepare` may change state, look at data and lay out; `paint` only
+/// draws. Window thread only. Places and lengths are device pixels of the window.
+class View {
+ public:
+  /// A new frame is to be drawn.
+  std::function<void()> onChanged;
+
+  View() : serial_(nextSerial()) {}
+  virtual ~View() = default;
+  View(const View&) = delete;
+  View& operator=(const View&) = delete;
+
+  /// Tells it from every other view, also from those that are gone. Never 0.
+  std::uint64_t serial() const { return serial_; }
+
+  const Rect& rect() const { return rect_; }
+  /// Gives the view its place. What is laid out already is not laid out again.
+  void setRect(const Rect& rect);
+
+  /// Whether Tab stops here and a press gives it the keyboard.
+  virtual bool takesKeyboard() const { return false; }
+  bool focused() const { return focused_; }
+  /// Gives the view the keyboard, or takes it away: a ring says so.
+  void setFocused(bool focused);
+
+  /// Brings everything up to date before it is painted. True when that was costly, so that it
+  /// should not be asked for too often. What changes meanwhile is in that frame, needing no other.
+  bool prepare();
+  virtual void paint(Canvas& canvas) const = 0;
+  /// Draws what lies over all other views of the window, such as a card; called after them.
+  virtual void paintOver(Canvas& /*canvas*/) const {}
+
+  virtual void press(const MouseEvent& /*event*/) {}
+  virtual void motion(const MouseEvent& /*event*/) {}
+  virtual void release(const MouseEvent& /*event*/) {}
+  /// The pointer is elsewhere now.
+  virtual void leave() {}
+  /// `dy` steps of the wheel, down when above 0.
+  virtual void wheel(const MouseEvent& /*event*/, int /*dy*/) {}
+  /// True when the key means something here.
+  virtual bool key(const KeyEvent& /*event*/) { return false; }
+  /// Called a few times a second. `nowMs` counts as the time of events does.
+  virtual void tick(std::int64_t /*nowMs*/) {}
+  /// Something covers the view: nothing is pressed or under the pointer any more.
+  virtual void releasePointer() { leave(); }
+  /// The shape of the pointer where it is, as of the last event.
+  virtual PointerShape pointer() const { return PointerShape::Arrow; }
+
+ protected:
+  /// `rect()` is another one.
+  virtual void layOut() {}
+  virtual bool bringUpToDate() { return false; }
+  void changed() const {
+    if (onChanged && !preparing_) onChanged();
+  }
+
+ private:
+  static std::uint64_t nextSerial();
+
+  const std::uint64_t serial_;
+  Rect rect_;
+  bool focused_ = false;
+  bool preparing_ = false;
+};
+
+}  // namespace ui
