@@ -32,14 +32,6 @@ constexpr std::size_t kLongestPathTold = 300;
 
 bool isOn(const Setting& setting) { return SettingsStore::instance().get(setting); }
 
-ScanScreenSettings screenSettings() {
-  return {.listAboveMap = isOn(setting::kSplitHorizontally),
-          .showKinds = isOn(setting::kShowFileKinds),
-          .consistentKindColours = isOn(setting::kConsistentKindColours),
-          .extraBlocks = {.freeSpace = isOn(setting::kShowFreeSpace),
-                          .otherSpace = isOn(setting::kShowOtherSpace)}};
-}
-
 ScanStatus statusOf(const ScanSummary& summary) {
   return {.elapsedSeconds = summary.elapsedSeconds,
           .hardLinks = static_cast<std::int64_t>(summary.hardLinks),
@@ -114,7 +106,7 @@ void MainWindow::connectInput() {
 void MainWindow::applySettings() {
   measure_.physicalSize = isOn(setting::kShowPhysicalFileSize);
   scan_.setMeasure(measure_);
-  scan_.setSettings(screenSettings());
+  scan_.setSettings(ScanScreenSettings::of(SettingsStore::instance()));
 }
 
 MainWindow::~MainWindow() { controller_.stop(); }

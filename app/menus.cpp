@@ -15,18 +15,14 @@ constexpr Measure kMeasures[] = {Measure::CurrentSize, Measure::AddedLastMonth,
 
 std::vector<ui::MenuEntry> applicationMenu(const CommandState& state,
                                            const PerformCommand& perform) {
-  const auto entry = [&](std::string label, Action action) {
+  const auto entry = [&](Action action) {
     const Command command{.action = action};
-    return ui::MenuEntry{.label = std::move(label),
+    return ui::MenuEntry{.label = std::string(labelOf(action)),
                          .enabled = isEnabled(command, state),
                          .action = [perform, command] { perform(command); }};
   };
-  return {entry(std::string(kOpenText), Action::LeaveScan),
-          entry(std::string(kRescanText), Action::Rescan),
-          {},
-          entry("Copy Path", Action::CopyPath),
-          {},
-          entry("Settings…", Action::OpenSettings)};
+  return {entry(Action::LeaveScan),   entry(Action::Rescan), {}, entry(Action::CopyPath), {},
+          entry(Action::OpenSettings)};
 }
 
 std::vector<ui::MenuEntry> measureMenu(Measure current, const PerformCommand& perform) {

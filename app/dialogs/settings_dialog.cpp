@@ -123,16 +123,16 @@ bool SettingsDialog::act(int control) {
   const SettingsRow& row = rows_[static_cast<std::size_t>(control)];
   row.set(!row.get());
   giveKeyboardTo(control);
-  told();
+  settingsChanged();
   return true;
 }
 
 void SettingsDialog::reset() {
   resetAll(store_);
-  told();
+  settingsChanged();
 }
 
-void SettingsDialog::told() {
+void SettingsDialog::settingsChanged() {
   changed();
   if (onSettingsChanged) onSettingsChanged();
 }

@@ -62,7 +62,7 @@ class SettingsDialog : public ui::Dialog {
   int explanationWidth(int rowWidth) const;
   int headingHeight() const;
   void reset();
-  void told();
+  void settingsChanged();
   void hoverAnew();
   std::optional<int> controlAfterKey(unsigned long keysym) const;
   void paintRow(ui::Canvas& canvas, std::size_t row) const;

@@ -11,6 +11,14 @@ namespace app {
 using sizewalk::kRootNode;
 using sizewalk::NodeId;
 
+ScanScreenSettings ScanScreenSettings::of(const SettingsStore& store) {
+  return {.listAboveMap = store.get(setting::kSplitHorizontally),
+          .showKinds = store.get(setting::kShowFileKinds),
+          .consistentKindColours = store.get(setting::kConsistentKindColours),
+          .extraBlocks = {.freeSpace = store.get(setting::kShowFreeSpace),
+                          .otherSpace = store.get(setting::kShowOtherSpace)}};
+}
+
 ScanScreen::ScanScreen(ui::Connection& connection, const ui::Style& style, KindColours& colours,
                        BackgroundRender::Post post)
     : style_(style),

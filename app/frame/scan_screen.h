@@ -22,6 +22,7 @@
 #include "app/model/map_focus.h"
 #include "app/model/measure.h"
 #include "app/model/selection.h"
+#include "app/model/settings_store.h"
 #include "sizewalk/file_tree.h"
 #include "ui/canvas.h"
 #include "ui/connection.h"
@@ -36,6 +37,9 @@ struct ScanScreenSettings {
   bool showKinds = setting::kShowFileKinds.fallback;
   bool consistentKindColours = setting::kConsistentKindColours.fallback;
   ExtraBlockSettings extraBlocks = {};
+
+  /// As they are stored.
+  static ScanScreenSettings of(const SettingsStore& store);
 };
 
 /// The window while a scan is shown: toolbar, folder list, kinds table, map and status line, laid

@@ -69,19 +69,22 @@ ToolbarLayout layOutToolbar(const ToolbarState& state, const ui::Rect& bar, int 
   Lane lane(bar, lineHeight + kButtonExtraHeight, bar.x + padding);
   ToolbarLayout layout;
   const int menuLeft = bar.x + bar.w - padding - glyphWidth;
-  layout.buttons.push_back(
-      {Action::OpenApplicationMenu, std::string(kMenuText), lane.at(menuLeft, glyphWidth)});
+  layout.buttons.push_back({Action::OpenApplicationMenu,
+                            std::string(labelOf(Action::OpenApplicationMenu)),
+                            lane.at(menuLeft, glyphWidth)});
   const bool shown = state.tree != nullptr;
-  const auto add = [&](Action action, std::string text, bool isShown, std::optional<int> width) {
+  const auto add = [&](Action action, bool isShown, std::optional<int> width = {}) {
+    std::string text = action == Action::OpenMeasureMenu ? measureSelectorText(state.measure)
+                                                         : std::string(labelOf(action));
     const int own = measureText(text) + ui::scaled(kTextPadding, scale);
     const ui::Rect rect = shown && isShown ? lane.take(width.value_or(own)) : ui::Rect{};
     layout.buttons.push_back({action, std::move(text), rect});
   };
-  add(Action::LeaveScan, std::string(kOpenText), true, {});
-  add(Action::StopScan, std::string(kStopText), state.scanning, {});
-  add(Action::Rescan, std::string(kRescanText), !state.scanning, {});
-  add(Action::GoOut, std::string(kUpText), state.canGoUp, glyphWidth);
-  add(Action::OpenMeasureMenu, measureSelectorText(state.measure), true, {});
+  add(Action::LeaveScan, true);
+  add(Action::StopScan, state.scanning);
+  add(Action::Rescan, !state.scanning);
+  add(Action::GoOut, state.canGoUp, glyphWidth);
+  add(Action::OpenMeasureMenu, true);
   if (!shown) return layout;
 
   layout.breadcrumb = lane.at(lane.next(), std::max(menuLeft - kGap - lane.next(), 0));

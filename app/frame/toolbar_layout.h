@@ -45,12 +45,6 @@ struct ToolbarLayout {
   ui::Rect place(Action action) const;
 };
 
-inline constexpr std::string_view kOpenText = "Open…";
-inline constexpr std::string_view kStopText = "Stop";
-inline constexpr std::string_view kRescanText = "Rescan";
-inline constexpr std::string_view kUpText = "↑";
-inline constexpr std::string_view kMenuText = "☰";
-
 /// "Current size", "Added in the last month" and so on, as the selector and its menu say.
 std::string_view measureName(Measure measure);
 /// The selector's text: the measure and an arrow.

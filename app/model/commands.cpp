@@ -56,25 +56,15 @@ std::optional<Command> commandFor(const ui::KeyEvent& event) {
 }
 
 bool isEnabled(const Command& command, const CommandState& state) {
-  switch (command.action) {
-    case Action::OpenApplicationMenu:
-    case Action::OpenSettings:
-    case Action::Close:
+  switch (traitsOf(command.action).needs) {
+    case Needs::Nothing:
       return true;
-    case Action::StopScan:
-      return state.scanShown && state.scanning;
-    case Action::GoOut:
-    case Action::GoToScannedFolder:
-      return state.scanShown && state.canGoOut;
-    case Action::LeaveScan:
-    case Action::Rescan:
-    case Action::GoToPrevious:
-    case Action::GoToNext:
-    case Action::GoTo:
-    case Action::CopyPath:
-    case Action::ShowMeasure:
-    case Action::OpenMeasureMenu:
+    case Needs::AScan:
       return state.scanShown;
+    case Needs::ARunningScan:
+      return state.scanShown && state.scanning;
+    case Needs::AFolderAround:
+      return state.scanShown && state.canGoOut;
   }
   return false;
 }

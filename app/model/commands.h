@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string_view>
 
 #include "app/model/measure.h"
 #include "sizewalk/node.h"
@@ -27,6 +28,48 @@ enum class Action : std::uint8_t {
   OpenSettings,
   Close,
 };
+
+/// What has to be there for an action to make sense.
+enum class Needs : std::uint8_t {
+  Nothing,
+  AScan,
+  ARunningScan,
+  /// The focused folder lies in another one of the scan.
+  AFolderAround,
+};
+
+/// What is to be known of an action wherever it is offered: its words, empty where it has none of
+/// its own, and when it is enabled. This is all of them: menus and toolbar only choose from here.
+struct ActionTraits {
+  Action action;
+  std::string_view label;
+  Needs needs;
+};
+
+inline constexpr ActionTraits kActions[] = {
+    {Action::LeaveScan, "Open…", Needs::AScan},
+    {Action::StopScan, "Stop", Needs::ARunningScan},
+    {Action::Rescan, "Rescan", Needs::AScan},
+    {Action::GoOut, "↑", Needs::AFolderAround},
+    {Action::GoToScannedFolder, "", Needs::AFolderAround},
+    {Action::GoToPrevious, "", Needs::AScan},
+    {Action::GoToNext, "", Needs::AScan},
+    {Action::GoTo, "", Needs::AScan},
+    {Action::CopyPath, "Copy Path", Needs::AScan},
+    {Action::ShowMeasure, "", Needs::AScan},
+    {Action::OpenMeasureMenu, "", Needs::AScan},
+    {Action::OpenApplicationMenu, "☰", Needs::Nothing},
+    {Action::OpenSettings, "Settings…", Needs::Nothing},
+    {Action::Close, "", Needs::Nothing},
+};
+
+/// The entry of `action`; each has one.
+constexpr const ActionTraits& traitsOf(Action action) {
+  const ActionTraits* traits = kActions;
+  while (traits->action != action) ++traits;
+  return *traits;
+}
+constexpr std::string_view labelOf(Action action) { return traitsOf(action).label; }
 
 /// Something to be done, and to what. Toolbar, menus and keys all end here, and one place decides
 /// whether a command makes sense at the moment.

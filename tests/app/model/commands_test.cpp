@@ -55,6 +55,14 @@ TEST(CommandFor, LeavesTheKeyOfTheContextMenuToTheViews) {
   EXPECT_EQ(commandFor({.keysym = ui::key::kF10, .text = {}, .shift = true}), std::nullopt);
 }
 
+TEST(TraitsOf, KnowsEveryAction) {
+  for (int i = 0; i <= static_cast<int>(Action::Close); ++i) {
+    const auto action = static_cast<Action>(i);
+    EXPECT_EQ(std::ranges::count(kActions, action, &ActionTraits::action), 1) << i;
+  }
+  EXPECT_EQ(labelOf(Action::CopyPath), "Copy Path");
+}
+
 TEST(IsEnabled, OnlyClosingAndSettingsMakeSenseWithoutAScan) {
   EXPECT_TRUE(enabled(Action::Close, {}));
   EXPECT_TRUE(enabled(Action::OpenApplicationMenu, {}));
