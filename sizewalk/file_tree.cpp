@@ -220,16 +220,39 @@ void FileTree::rollUp(NodeId from, const NodeSums& sums) {
 
 void FileTree::publish() { published_.store(static_cast<NodeId>(end_), std::memory_order_release); }
 
-void FileTree::setFlags(NodeId node, NodeFlags flags) { flags_.store(node, flags.bits()); }
+void FileTree::setFlags(NodeId node, NodeFlags flags) {
+  flags_.store(node, flags.bits(), std::memory_order_release);
+}
 
 void FileTree::setChildren(NodeId node, NodeRange range) {
-  childRange_.store(node, std::uint64_t{range.first} << 32 | range.size());
+  childRange_.store(node, std::uint64_t{range.first} << 32 | range.size(),
+                    std::memory_order_release);
 }
 
 NodeRange FileTree::children(NodeId node) const {
   const NodeId end = nodeCount();
   const std::uint64_t range = childRange_.load(node);
   return publishedPart(firstOf(range), countOf(range), end);
+}
+
+/// A dropped node keeps its parent, so the way up proves nothing by itself: each folder on it must
+/// still hold, in its child range, the entry below.
+///
+/// Level by level this looks at different moments, and the tree may change in between. The answer
+/// is true for one moment all the same. Nothing is taken out or dropped unless it is visible, and
+/// from the inside out: a level that breaks finds all above it whole. So either no level broke
+/// between the first look and the last, or all of them were whole just before the first one that
+/// did. Acquire keeps the looks in their order.
+bool FileTree::isVisible(NodeId node) const {
+  if (node >= nodeCount()) return false;
+  for (; node != kRootNode; node = parent_[node]) {
+    const std::uint8_t bits = flags_.load(node, std::memory_order_acquire);
+    if (NodeFlags::fromBits(bits).has(NodeFlag::Excluded)) return false;
+    const std::uint64_t range = childRange_.load(parent_[node], std::memory_order_acquire);
+    const NodeId first = firstOf(range);
+    if (node < first || node - first >= countOf(range)) return false;
+  }
+  return true;
 }
 
 std::string FileTree::path(NodeId node) const {

@@ -51,7 +51,8 @@ struct RemovedSubtree {
 /// they trust indices below `nodeCount()`, which is published with release after a directory's
 /// entries and sums are in place. What changes after publication (sums, flags, child ranges,
 /// totals) is read through relaxed atomics, so a reader may see a total that is a few directories
-/// behind, never a torn one.
+/// behind, never a torn one. `isVisible` alone needs more: flags and child ranges are stored with
+/// release for it.
 class FileTree {
  public:
   explicit FileTree(const ScanOptions& options = {}, TreeLimits limits = {});
@@ -135,6 +136,13 @@ class FileTree {
   /// The same into `out`, keeping its memory.
   void path(NodeId node, std::string* out) const;
 
+  /// Whether the root leads to `node`: true while neither the node nor a folder above it is taken
+  /// out or was dropped by `dropContents`. False for an index that is not published. Costs two
+  /// loads a level, whatever the folders on the way hold. The answer holds for one moment during
+  /// the call. The thread that takes out and puts back may rely on it afterwards, but for a
+  /// `dropContents` elsewhere; once dropped, a node never comes back.
+  bool isVisible(NodeId node) const;
+
   /// Nodes in the subtree, `node` included; what is taken out is not counted. 0 for an index that
   /// is not published and for a taken-out node.
   std::uint64_t countSubtree(NodeId node) const;
@@ -179,7 +187,6 @@ class FileTree {
   void addSums(NodeId node, const NodeSums& sums) REQUIRES(writeMutex_);
   void rollUp(NodeId from, const NodeSums& sums) REQUIRES(writeMutex_);
   Visibility visibilityInside(NodeId node) const REQUIRES(writeMutex_);
-  bool isVisible(NodeId node) const REQUIRES(writeMutex_);
   bool isWithin(NodeId node, NodeId folder) const;
   NodeRange writtenChildren(NodeId node) const REQUIRES(writeMutex_);
   Tally tallySubtree(NodeId node) const REQUIRES(writeMutex_);

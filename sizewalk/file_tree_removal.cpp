@@ -21,18 +21,6 @@ FileTree::Visibility FileTree::visibilityInside(NodeId node) const {
   }
 }
 
-/// Whether the root leads to `node` without passing anything taken out or dropped.
-bool FileTree::isVisible(NodeId node) const {
-  if (node >= end_) return false;
-  for (; node != kRootNode; node = parent_[node]) {
-    const NodeId above = parent_[node];
-    const NodeId first = firstChild(above);
-    if (node < first || node - first >= childCount(above)) return false;
-    if (flags(node).has(NodeFlag::Excluded)) return false;
-  }
-  return true;
-}
-
 bool FileTree::isWithin(NodeId node, NodeId folder) const {
   while (node != folder && node != kRootNode) node = parent_[node];
   return node == folder;
@@ -90,8 +78,9 @@ RemovedSubtree FileTree::removeSubtree(NodeId node) {
   const NodeRange range = writtenChildren(node);
   totals_.subtract(tallySubtree(node));
   rollUp(parent_[node], sums.negated());
-  setFlags(node, flags(node).with(NodeFlag::Excluded));
+  // In this order, from the inside out: see isVisible.
   setChildren(node, {range.first, range.first});
+  setFlags(node, flags(node).with(NodeFlag::Excluded));
   takenOut_[node] = {range, sums.allocatedSize, ++lastSerial_};
   takenOutBytes_.fetch_add(sums.allocatedSize, std::memory_order_relaxed);
   publish();

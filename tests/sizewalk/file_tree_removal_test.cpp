@@ -122,6 +122,9 @@ class RandomChanges {
       ASSERT_EQ(tree_.allocatedSize(node), 2 * model_.sizeOf(node)) << "node " << node;
       ASSERT_EQ(tree_.flags(node).has(NodeFlag::Excluded), model_.nodes[node].excluded);
     }
+    for (NodeId node = 0; node < model_.nodes.size(); ++node) {  // dropped ones among them
+      ASSERT_EQ(tree_.isVisible(node), model_.visible(node)) << "node " << node;
+    }
     expectEveryFileCountedOnce();
     expectSumsMatchRecount(tree_, model_.brokenListings());
     std::uint64_t out = 0;
@@ -506,6 +509,100 @@ TEST(FileTreeReadAnew, RefusesWhatIsNotAVisibleDirectory) {
   const RemovedSubtree record = small.tree.removeSubtree(1);
   ASSERT_TRUE(record.valid);
   EXPECT_FALSE(small.tree.dropContents(1));
+}
+
+TEST(FileTreeVisibility, BeginsWithPublication) {
+  FileTree tree;
+  EXPECT_FALSE(tree.isVisible(kRootNode));
+  tree.createRoot("/r");
+  EXPECT_TRUE(tree.isVisible(kRootNode));
+  EXPECT_FALSE(tree.isVisible(1));
+  add(tree, Listing(0).folder("a"));
+  EXPECT_TRUE(tree.isVisible(1));
+  EXPECT_FALSE(tree.isVisible(2));
+  EXPECT_FALSE(tree.isVisible(0xFFFFFFFF));
+}
+
+TEST(FileTreeVisibility, EndsForAllThatLiesInWhatIsTakenOutAndComesBackWithIt) {
+  SmallTree small;
+  const RemovedSubtree record = small.tree.removeSubtree(1);
+  for (const NodeId node : {1, 3, 4}) EXPECT_FALSE(small.tree.isVisible(node)) << node;
+  EXPECT_TRUE(small.tree.isVisible(2));
+  EXPECT_TRUE(small.tree.isVisible(kRootNode));
+  small.tree.restoreSubtree(record);
+  for (const NodeId node : {1, 2, 3, 4}) EXPECT_TRUE(small.tree.isVisible(node)) << node;
+}
+
+TEST(FileTreeVisibility, WaitsForTheOuterOfTwoThatAreTakenOut) {
+  SmallTree small;
+  const RemovedSubtree inner = small.tree.removeSubtree(3);
+  const RemovedSubtree outer = small.tree.removeSubtree(1);
+  small.tree.restoreSubtree(inner);
+  EXPECT_FALSE(small.tree.isVisible(3)) << "its folder is still out";
+  small.tree.restoreSubtree(outer);
+  EXPECT_TRUE(small.tree.isVisible(3));
+}
+
+TEST(FileTreeVisibility, DoesNotBeginForWhatTheWalkAddsInsideATakenOutFolder) {
+  SmallTree small;
+  const RemovedSubtree record = small.tree.removeSubtree(2);
+  const NodeId late = add(small.tree, Listing(2).folder("late")).front();
+  add(small.tree, Listing(late).file("later", 1));
+  EXPECT_FALSE(small.tree.isVisible(late));
+  EXPECT_FALSE(small.tree.isVisible(late + 1));
+  small.tree.restoreSubtree(record);
+  EXPECT_TRUE(small.tree.isVisible(late));
+  EXPECT_TRUE(small.tree.isVisible(late + 1));
+}
+
+TEST(FileTreeVisibility, EndsForGoodForAllThatIsReadAnew) {
+  FileTree tree;
+  tree.createRoot("/r");
+  const NodeId folder = add(tree, Listing(0).folder("folder")).front();
+  const NodeId old = add(tree, Listing(folder).folder("old")).front();
+  add(tree, Listing(old).file("deep", 1));
+  const NodeId deep = tree.firstChild(old);
+  ASSERT_TRUE(tree.dropContents(folder));
+  EXPECT_FALSE(tree.isVisible(old));
+  EXPECT_EQ(tree.parent(old), folder) << "its way up still leads to the root";
+  EXPECT_EQ(tree.children(old).first, deep) << "and the one below it is still held";
+  EXPECT_FALSE(tree.isVisible(deep));
+  EXPECT_TRUE(tree.isVisible(folder));
+
+  const NodeId fresh = add(tree, Listing(folder).folder("old")).front();
+  EXPECT_TRUE(tree.isVisible(fresh));
+  EXPECT_FALSE(tree.isVisible(old));
+  EXPECT_FALSE(tree.isVisible(deep));
+}
+
+TEST(FileTreeThreads, AReaderAlwaysSeesWhatIsUntouchedAndNeverAgainWhatWasDropped) {
+  FileTree tree;
+  tree.createRoot("/r");
+  const auto folders = add(tree, Listing(0).folder("read anew").folder("untouched").folder("out"));
+  const NodeId inside = add(tree, Listing(folders[1]).folder("inside")).front();
+  add(tree, Listing(folders[2]).file("1", 1).file("2", 1));
+  std::atomic<bool> finished{false};
+  std::atomic<std::uint64_t> rounds{0};
+  std::thread reader([&] {
+    while (!finished) {
+      ASSERT_TRUE(tree.isVisible(kRootNode));
+      ASSERT_TRUE(tree.isVisible(inside));
+      const NodeRange range = tree.children(folders[0]);
+      if (!range.empty() && !tree.isVisible(range.first)) {
+        ASSERT_FALSE(tree.isVisible(range.first)) << "dropped between the two looks";
+      }
+      (void)tree.isVisible(tree.firstChild(folders[2]));  // either answer is right
+      (void)tree.isVisible(tree.nodeCount() - 1);
+      ++rounds;
+    }
+  });
+  for (int i = 0; i < 2000 || (rounds < 100 && !testing::Test::HasFailure()); ++i) {
+    add(tree, Listing(folders[0]).file("f", 1).folder("d"));
+    tree.restoreSubtree(tree.removeSubtree(folders[2]));
+    ASSERT_TRUE(tree.dropContents(folders[0]));
+  }
+  finished = true;
+  reader.join();
 }
 
 TEST(FileTreeThreads, AReaderNeverTakesTheStartOfOneRangeWithTheLengthOfAnother) {
