@@ -186,6 +186,8 @@ bool ScanScreen::bringUpToDate() {
 
 void ScanScreen::lookAtTree() {
   if (!tree_) return;
+  selection_.keepVisible(*tree_);
+  focus_.keepVisible();
   list_.refresh();
   std::vector<KindRow> kinds = kindRows(*tree_, measure_, {});
   colours_.setKindSlots(kindSlotsBySize(kinds));

@@ -52,6 +52,7 @@ void FolderRows::setMeasure(const MeasureSettings& measure) {
 void FolderRows::refresh() {
   rows_.clear();
   if (!tree_ || tree_->nodeCount() == 0) return;
+  std::erase_if(contents_, [this](const auto& kept) { return !tree_->isVisible(kept.first); });
   rows_.push_back(rowFor(kRootNode, 0));
   if (!rows_.front().expanded) return;
   const FolderRow root = rows_.front();
@@ -176,18 +177,16 @@ std::optional<std::size_t> FolderRows::find(NodeId node) const {
 }
 
 bool FolderRows::leadsTo(NodeId node) const {
-  if (!tree_ || node >= tree_->nodeCount()) return false;
+  if (!tree_ || !tree_->isVisible(node)) return false;
   for (; node != kRootNode; node = tree_->parent(node)) {
-    const NodeId above = tree_->parent(node);
-    const NodeRange children = tree_->children(above);
-    const bool held = node >= children.first && node < children.last;
-    if (!held || !open_.contains(above) || tree_->flags(node).has(NodeFlag::Excluded)) return false;
+    if (!open_.contains(tree_->parent(node))) return false;
   }
   return true;
 }
 
 void FolderRows::open(std::size_t row) {
   if (row >= rows_.size() || !rows_[row].expandable || rows_[row].expanded) return;
+  if (!tree_->isVisible(rows_[row].node)) return;
   open_.insert(rows_[row].node);
   rows_[row].expanded = true;
   std::vector<FolderRow> below;
@@ -207,13 +206,13 @@ void FolderRows::close(std::size_t row) {
 }
 
 std::optional<std::size_t> FolderRows::reveal(NodeId node) {
-  if (!tree_ || node >= tree_->nodeCount()) return std::nullopt;
+  if (!tree_ || !tree_->isVisible(node)) return std::nullopt;
   bool isOpen = true;
   for (NodeId above = node; above != kRootNode;) {
     above = tree_->parent(above);
     if (open_.insert(above).second) isOpen = false;
   }
-  if (isOpen && leadsTo(node)) {
+  if (isOpen) {
     if (const auto row = find(node)) return row;
   }
   refresh();

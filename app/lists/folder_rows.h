@@ -42,16 +42,17 @@ class FolderRows {
   std::span<const FolderRow> rows() const { return rows_; }
   /// Where `node` is shown; nothing when it has no row. Looks at all rows.
   std::optional<std::size_t> find(sizewalk::NodeId node) const;
-  /// True when `node` has a row once `refresh` has looked at the tree as it is now: only open
-  /// folders lead to it and nothing on the way is taken out.
+  /// True when `node` has a row once `refresh` has looked at the tree as it is now: it is visible
+  /// and only open folders lead to it.
   bool leadsTo(sizewalk::NodeId node) const;
 
-  /// Opens or closes a row; does nothing where it cannot be, or is already. A folder that was open
-  /// inside a closed one is open again when that is opened.
+  /// Opens or closes a row; does nothing where it cannot be, or is already. What went from the tree
+  /// since the last look at it cannot be opened. A folder that was open inside a closed one is open
+  /// again when that is opened.
   void open(std::size_t row);
   void close(std::size_t row);
-  /// Opens every folder on the way to `node` and returns its row; nothing when the tree does not
-  /// lead to it.
+  /// Opens every folder on the way to `node` and returns its row; opens and returns nothing when it
+  /// is not visible.
   std::optional<std::size_t> reveal(sizewalk::NodeId node);
 
  private:

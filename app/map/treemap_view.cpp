@@ -40,7 +40,10 @@ ui::Rect pixelRect(const MapRect& rect) {
 
 const TreemapBlock* TreemapView::blockAt(int x, int y) const {
   const ui::Rect& place = picture_.rect();
-  return picture_.rendered().blockUnder(x - place.x, y - place.y);
+  const TreemapBlock* block = picture_.rendered().blockUnder(x - place.x, y - place.y);
+  if (!block || block->id < 0) return block;
+  const sizewalk::FileTree* tree = picture_.tree();
+  return tree && tree->isVisible(static_cast<NodeId>(block->id)) ? block : nullptr;
 }
 
 std::optional<NodeId> TreemapView::nodeAt(int x, int y) const {

@@ -53,13 +53,16 @@ class TreemapView : public ui::View {
   /// No card is shown until the pointer moves again. True when there was one to hide.
   bool hideCard();
 
-  /// The item under the pointer; nothing on merged items and on what is beside the tree.
+  /// The item under the pointer; nothing on merged items, on what is beside the tree, and on what
+  /// went from the tree since the picture was made.
   std::optional<sizewalk::NodeId> hovered() const;
 
  protected:
   void layOut() override { picture_.setRect(rect()); }
 
  private:
+  /// Null, too, where the tree does not show the block's item any more; of merged items the first
+  /// speaks for all.
   const TreemapBlock* blockAt(int x, int y) const;
   std::optional<sizewalk::NodeId> nodeAt(int x, int y) const;
   std::optional<ui::Rect> outlineOf(sizewalk::NodeId node) const;

@@ -18,8 +18,7 @@ void MapFocus::reset(const sizewalk::FileTree* tree) {
 }
 
 bool MapFocus::canFocus(NodeId folder) const {
-  return tree_ && folder < tree_->nodeCount() && tree_->isDirectory(folder) &&
-         !tree_->flags(folder).has(sizewalk::NodeFlag::Excluded) &&
+  return tree_ && tree_->isVisible(folder) && tree_->isDirectory(folder) &&
          (folder == kRootNode || !tree_->children(folder).empty());
 }
 
@@ -43,14 +42,22 @@ void MapFocus::goTowards(NodeId node) {
 }
 
 void MapFocus::goOut() {
-  if (tree_ && canGoOut()) go(tree_->parent(current_));
+  if (!tree_ || !canGoOut()) return;
+  NodeId above = tree_->parent(current_);
+  while (!canFocus(above)) above = tree_->parent(above);  // the scanned folder always can be
+  go(above);
+}
+
+void MapFocus::keepVisible() {
+  if (tree_ && canGoOut() && !tree_->isVisible(current_)) goOut();
 }
 
 void MapFocus::goBackIn() { goTowards(innermost_); }
 
 void MapFocus::goBackOver(std::vector<NodeId>* way, std::vector<NodeId>* wayBack) {
-  // What can no longer be focused is passed over for good.
-  while (!way->empty() && !canFocus(way->back())) way->pop_back();
+  // What can no longer be focused is passed over for good, and so is the current folder, which may
+  // have been on the other side of it.
+  while (!way->empty() && (way->back() == current_ || !canFocus(way->back()))) way->pop_back();
   if (way->empty()) return;
   wayBack->push_back(current_);
   const NodeId folder = way->back();

@@ -24,11 +24,16 @@ class MapFocus {
   void go(sizewalk::NodeId folder);
   /// Focuses the entry of the focused folder on the way to `node`, if that is a folder.
   void goTowards(sizewalk::NodeId node);
-  /// One level out. Does nothing at the scanned folder.
+  /// One level out, further where that level is not to be seen any more. Does nothing at the
+  /// scanned folder.
   void goOut();
+  /// Goes out as far as the nearest folder that is visible, where the one in focus is not any more.
+  /// To be called when the tree has changed.
+  void keepVisible();
   /// One level back in, on the way to the folder that going out left behind.
   void goBackIn();
-  /// To the folder that was in focus before the current one, and back again.
+  /// To the folder that was in focus before the current one, and back again. Passes over what can
+  /// be focused no longer: what is empty, taken out or dropped, or lies inside such a folder.
   void goToPrevious();
   void goToNext();
 

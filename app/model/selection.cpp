@@ -21,6 +21,11 @@ void Selection::toggle(NodeId node) {
   if (onChanged) onChanged();
 }
 
+void Selection::keepVisible(const FileTree& tree) {
+  const auto erased = std::erase_if(nodes_, [&](NodeId node) { return !tree.isVisible(node); });
+  if (erased != 0 && onChanged) onChanged();
+}
+
 std::vector<NodeId> Selection::outermost(const FileTree& tree) const {
   const auto insideAnother = [&](NodeId node) {
     while (node != kRootNode) {

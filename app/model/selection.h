@@ -28,6 +28,9 @@ class Selection {
   /// Adds or removes one.
   void toggle(sizewalk::NodeId node);
 
+  /// Drops what `tree` does not show any more. To be called when the tree has changed.
+  void keepVisible(const sizewalk::FileTree& tree);
+
   /// What is selected, without what lies inside a selected folder, in ascending order: nothing is
   /// counted or acted on twice.
   std::vector<sizewalk::NodeId> outermost(const sizewalk::FileTree& tree) const;

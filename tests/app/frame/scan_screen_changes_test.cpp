@@ -235,6 +235,27 @@ TEST_F(ScanScreenTest, KeepsNothingOfATreeThatIsGone) {
   picture();
 }
 
+TEST_F(ScanScreenTest, LetsGoOfWhatIsTakenOut) {
+  screen_.focus().go(inner_);
+  screen_.selection().replace(Nodes{song_, deep_, photo_});
+  screen_.prepare();
+  EXPECT_EQ(right(), "3 selected · " + formatSize(150'000));
+  ASSERT_TRUE(tree_->removeSubtree(inner_).valid);
+  screen_.treeChanged();
+  screen_.prepare();
+  EXPECT_EQ(selected(), (Nodes{photo_, song_}));
+  EXPECT_EQ(right(), "2 selected · " + formatSize(90'000));
+  EXPECT_EQ(focus(), big_) << "the nearest folder that is left";
+  EXPECT_EQ(map().root, big_);
+  EXPECT_EQ(screen_.toolbar().layout().segments.size(), 2u);
+  ASSERT_TRUE(tree_->removeSubtree(big_).valid);
+  screen_.treeChanged();
+  screen_.prepare();
+  EXPECT_EQ(selected(), Nodes{photo_});
+  EXPECT_EQ(screen_.target(), photo_);
+  EXPECT_EQ(focus(), kRootNode);
+}
+
 TEST_F(ScanScreenTest, ShowsAnotherTreeFromItsScannedFolderOn) {
   screen_.focus().go(inner_);
   click(inKinds(0));

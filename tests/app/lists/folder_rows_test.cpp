@@ -201,6 +201,38 @@ TEST(FolderRows, OpenTheWayToANode) {
   EXPECT_FALSE(t.rows.reveal(deep)) << "nothing leads to it";
 }
 
+TEST(FolderRows, OpenNothingOnTheWayToWhatIsTakenOut) {
+  Tree t;
+  const NodeId deep = t.tree.children(t.inner).first;
+  const auto record = t.tree.removeSubtree(t.big);
+  EXPECT_FALSE(t.rows.reveal(deep));
+  t.tree.restoreSubtree(record);
+  t.rows.refresh();
+  EXPECT_EQ(t.lines(), (Lines{"-r", " +big", " small.txt", " empty"}));
+}
+
+TEST(FolderRows, StayOpenInWhatIsTakenOutAndPutBack) {
+  Tree t;
+  t.rows.reveal(t.tree.children(t.inner).first);
+  const auto record = t.tree.removeSubtree(t.big);
+  t.rows.refresh();
+  EXPECT_EQ(t.lines(), (Lines{"-r", " small.txt", " empty"}));
+  t.tree.restoreSubtree(record);
+  t.rows.refresh();
+  EXPECT_EQ(t.lines(),
+            (Lines{"-r", " -big", "  -inner", "   deep", "  file", " small.txt", " empty"}));
+}
+
+TEST(FolderRows, OpenNoRowOfWhatWentSinceTheyLooked) {
+  Tree t;
+  t.rows.open(1);
+  const auto inner = t.rows.find(t.inner);
+  ASSERT_TRUE(inner && t.rows.rows()[*inner].expandable);
+  ASSERT_TRUE(t.tree.dropContents(t.big));
+  t.rows.open(*inner);
+  EXPECT_EQ(t.lines(), (Lines{"-r", " -big", "  +inner", "  file", " small.txt", " empty"}));
+}
+
 TEST(FolderRows, ReachFiveThousandLevelsDown) {
   FileTree tree;
   tree.createRoot("/r");

@@ -206,6 +206,35 @@ TEST_F(TreemapViewTest, IsOnNoItemOnMergedItemsAndBesideTheMap) {
   EXPECT_EQ(changes_, 2) << "the first pixel right of the map";
 }
 
+TEST_F(TreemapViewTest, IsOnNothingThatWentSinceThePictureWasMade) {
+  const auto plain = painted();
+  point(placeOf(c_));
+  ASSERT_EQ(view_.hovered(), c_);
+  const auto record = tree_.removeSubtree(c_);
+  EXPECT_EQ(view_.hovered(), std::nullopt);
+  press(placeOf(c_));
+  press(placeOf(c_), kSecondary);
+  EXPECT_EQ(selected(), Nodes{});
+  EXPECT_EQ(menus_, Nodes{});
+  EXPECT_EQ(painted().pixels, plain.pixels) << "nothing is outlined";
+  tree_.restoreSubtree(record);
+  EXPECT_EQ(view_.hovered(), c_);
+
+  point(placeOf(deep_));
+  ASSERT_EQ(view_.hovered(), deep_);
+  ASSERT_TRUE(tree_.dropContents(dir_));
+  EXPECT_EQ(view_.hovered(), std::nullopt);
+  view_.wheel(middleOf(placeOf(deep_)), -1);
+  EXPECT_EQ(focus_.current(), kRootNode);
+}
+
+TEST_F(TreemapViewTest, HidesTheCardOfWhatWent) {
+  restOn(placeOf(c_));
+  tree_.removeSubtree(c_);
+  view_.refresh();
+  EXPECT_FALSE(cardIsSeen());
+}
+
 TEST_F(TreemapViewTest, SeesAnotherPictureUnderAPointerAtRest) {
   point(placeOf(c_));
   focus_.go(dir_);

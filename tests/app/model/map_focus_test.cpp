@@ -114,6 +114,59 @@ TEST_F(MapFocusTest, PassesOverWhatWasTakenOut) {
   EXPECT_EQ(focus.current(), a);
 }
 
+TEST_F(MapFocusTest, PassesOverWhatLiesInsideSomethingTakenOut) {
+  focus.go(c);
+  focus.go(kRootNode);
+  changes = 0;
+  const auto record = tree.removeSubtree(a);
+  focus.go(c);
+  focus.goTowards(c);
+  focus.goToPrevious();
+  EXPECT_EQ(focus.current(), kRootNode);
+  EXPECT_EQ(changes, 0) << "what is left of the way is the folder it began at";
+  tree.restoreSubtree(record);
+  focus.go(c);
+  EXPECT_EQ(focus.current(), c);
+}
+
+TEST_F(MapFocusTest, PassesOverWhatWasDropped) {
+  focus.go(a);
+  focus.go(c);
+  focus.go(b);
+  ASSERT_TRUE(tree.dropContents(a));
+  add(tree, Listing(a).folder("b"));
+  ASSERT_FALSE(tree.children(c).empty()) << "by itself it looks as before";
+  focus.goToPrevious();
+  EXPECT_EQ(focus.current(), a);
+}
+
+TEST_F(MapFocusTest, GoesOutPastWhatIsNotToBeSeenAnyMore) {
+  focus.go(c);
+  tree.removeSubtree(b);
+  focus.goOut();
+  EXPECT_EQ(focus.current(), a);
+  focus.goOut();
+  EXPECT_EQ(focus.current(), kRootNode);
+}
+
+TEST_F(MapFocusTest, LeavesAFolderThatIsNotVisibleAnyMoreWhenToldTo) {
+  focus.go(c);
+  focus.keepVisible();
+  EXPECT_EQ(focus.current(), c);
+  const auto record = tree.removeSubtree(b);
+  focus.keepVisible();
+  EXPECT_EQ(focus.current(), a);
+  changes = 0;
+  focus.keepVisible();
+  EXPECT_EQ(changes, 0);
+  tree.restoreSubtree(record);
+  focus.goToPrevious();
+  EXPECT_EQ(focus.current(), c);
+  focus.reset(nullptr);
+  focus.keepVisible();
+  EXPECT_EQ(focus.current(), kRootNode);
+}
+
 TEST_F(MapFocusTest, ForgetsItsWayWithTheScan) {
   focus.go(c);
   focus.reset(&tree);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <unordered_set>
 #include <vector>
 
 #include "tests/sizewalk/tree_model.h"
@@ -46,6 +47,26 @@ TEST_F(SelectionTest, SaysNothingWhereNothingChanged) {
   selection.select(3);
   selection.select(3);
   selection.replace(std::vector<NodeId>{3});
+  EXPECT_EQ(changes, 1);
+}
+
+TEST_F(SelectionTest, LetsGoOfWhatTheTreeDoesNotShowAnyMore) {
+  sizewalk::FileTree tree;
+  tree.createRoot("/r");
+  const auto folders = add(tree, Listing(0).folder("out").folder("anew").folder("stays"));
+  for (const NodeId folder : folders) add(tree, Listing(folder).file("file", 1));
+  const auto fileIn = [&](std::size_t which) { return tree.firstChild(folders[which]); };
+  selection.replace(std::vector<NodeId>{fileIn(0), fileIn(1), fileIn(2), folders[1]});
+  changes = 0;
+  selection.keepVisible(tree);
+  EXPECT_EQ(changes, 0);
+
+  const NodeId dropped = fileIn(1), kept = fileIn(2);
+  ASSERT_TRUE(tree.removeSubtree(folders[0]).valid);
+  ASSERT_TRUE(tree.dropContents(folders[1]));
+  selection.keepVisible(tree);
+  EXPECT_EQ(selection.nodes(), (std::unordered_set<NodeId>{kept, folders[1]}));
+  EXPECT_FALSE(selection.contains(dropped));
   EXPECT_EQ(changes, 1);
 }
 
