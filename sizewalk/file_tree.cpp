@@ -86,14 +86,14 @@ void FileTree::addChildren(const DirectoryResult& result, std::vector<NodeId>* s
   subdirectories->clear();
   const base::MutexLock lock(writeMutex_);
   const NodeId directory = result.directory;
-  const Visibility visibility = visibilityInside(directory);
+  const HardLinkLedger::TakenOutTest inTakenOut = takenOutTest();
   Tally tally;
   noteErrors(result, &tally);
   totals_.addSystemCalls(result.systemCalls);
   if (!result.entries.empty()) {
     const auto first = static_cast<NodeId>(end_);
     growTo(end_ + result.entries.size());
-    const NodeSums batch = appendEntries(result, first, visibility, &tally);
+    const NodeSums batch = appendEntries(result, first, inTakenOut, &tally);
     end_ += result.entries.size();
     setChildren(directory, {first, static_cast<NodeId>(end_)});
     rollUp(directory, batch);
@@ -101,7 +101,7 @@ void FileTree::addChildren(const DirectoryResult& result, std::vector<NodeId>* s
       subdirectories->push_back(first + position);
     }
   }
-  if (visibility == Visibility::Visible) totals_.add(tally);
+  if (!inTakenOut(directory)) totals_.add(tally);
   publish();
 }
 
@@ -118,16 +118,15 @@ void FileTree::noteErrors(const DirectoryResult& result, Tally* tally) {
 }
 
 /// Writes the nodes from `first` on and returns their sums.
-NodeSums FileTree::appendEntries(const DirectoryResult& result, NodeId first, Visibility visibility,
-                                 Tally* tally) {
+NodeSums FileTree::appendEntries(const DirectoryResult& result, NodeId first,
+                                 const HardLinkLedger::TakenOutTest& inTakenOut, Tally* tally) {
   NodeSums batch;
   NodeId node = first;
   for (const EntryRecord& entry : result.entries) {
     NodeFlags flags = entry.flags;
     NodeSums sums;
-    if (isDuplicate(entry, node, visibility)) {
+    if (enterName(entry, node, result.directory, inTakenOut) == HardLinkLedger::Role::Duplicate) {
       flags = flags.with(NodeFlag::HardLinkDuplicate);
-      duplicates_.push_back({node, entry.allocatedSize});
       tally->scan.hardLinks += 1;
       tally->scan.hardLinkBytes += entry.allocatedSize;
     } else {
@@ -144,18 +143,10 @@ NodeSums FileTree::appendEntries(const DirectoryResult& result, NodeId first, Vi
   return batch;
 }
 
-/// Whether the entry's file is counted at another node. One that was counted at a node taken out
-/// since is counted here, where it can be seen.
-bool FileTree::isDuplicate(const EntryRecord& entry, NodeId node, Visibility visibility) {
-  if (entry.hardLinkKey == 0 || !options_.dedupeHardLinks) return false;
-  const NodeId counted = hardLinks_.findOrInsert(entry.hardLinkKey, node);
-  if (counted == node) return false;
-  if (visibility == Visibility::Hidden || visibilityInside(counted) == Visibility::Visible) {
-    return true;
-  }
-  hardLinks_.assign(entry.hardLinkKey, node);
-  displaced_.push_back({entry.hardLinkKey, counted});
-  return false;
+HardLinkLedger::Role FileTree::enterName(const EntryRecord& entry, NodeId node, NodeId folder,
+                                         const HardLinkLedger::TakenOutTest& inTakenOut) {
+  if (entry.hardLinkKey == 0 || !options_.dedupeHardLinks) return HardLinkLedger::Role::Counted;
+  return hardLinks_.enter({entry.hardLinkKey, node, folder, entry.allocatedSize}, inTakenOut);
 }
 
 NodeSums FileTree::entrySums(const EntryRecord& entry) const {

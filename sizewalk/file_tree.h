@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <cstdint>
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -11,7 +10,7 @@
 
 #include "base/mutex.h"
 #include "sizewalk/directory_result.h"
-#include "sizewalk/hard_link_set.h"
+#include "sizewalk/hard_link_ledger.h"
 #include "sizewalk/node.h"
 #include "sizewalk/paged_column.h"
 #include "sizewalk/scan_options.h"
@@ -105,6 +104,8 @@ class FileTree {
   std::int16_t kind(NodeId node) const { return static_cast<std::int16_t>(kind_[node]); }
   NodeFlags flags(NodeId node) const { return NodeFlags::fromBits(flags_.load(node)); }
   bool isDirectory(NodeId node) const { return flags(node).has(NodeFlag::Directory); }
+  /// Whether `node` is what was taken out. What lies inside is not marked: see `isVisible`.
+  bool isTakenOut(NodeId node) const { return flags(node).has(NodeFlag::Excluded); }
   std::uint64_t apparentSize(NodeId node) const { return apparentSize_.load(node); }
   std::uint64_t allocatedSize(NodeId node) const { return allocatedSize_.load(node); }
   std::int32_t itemCount(NodeId node) const { return itemCount_.load(node); }
@@ -148,20 +149,10 @@ class FileTree {
   std::uint64_t countSubtree(NodeId node) const;
 
  private:
-  enum class Visibility { Visible, Hidden };
   struct TakenOut {
     NodeRange children;
     std::uint64_t bytes = 0;
     std::uint64_t serial = 0;
-  };
-  struct Duplicate {
-    NodeId node;
-    std::uint64_t bytes;
-  };
-  /// A file that was counted at `node` until that was taken out and another name turned up.
-  struct Displaced {
-    std::uint64_t key;
-    NodeId node;
   };
 
   static NodeId firstOf(std::uint64_t childRange) { return static_cast<NodeId>(childRange >> 32); }
@@ -172,9 +163,11 @@ class FileTree {
   void growTo(std::uint64_t nodes) REQUIRES(writeMutex_);
   std::uint32_t storeName(std::string_view name) REQUIRES(writeMutex_);
   void noteErrors(const DirectoryResult& result, Tally* tally) REQUIRES(writeMutex_);
-  NodeSums appendEntries(const DirectoryResult& result, NodeId first, Visibility visibility,
-                         Tally* tally) REQUIRES(writeMutex_);
-  bool isDuplicate(const EntryRecord& entry, NodeId node, Visibility visibility)
+  NodeSums appendEntries(const DirectoryResult& result, NodeId first,
+                         const HardLinkLedger::TakenOutTest& inTakenOut, Tally* tally)
+      REQUIRES(writeMutex_);
+  HardLinkLedger::Role enterName(const EntryRecord& entry, NodeId node, NodeId folder,
+                                 const HardLinkLedger::TakenOutTest& inTakenOut)
       REQUIRES(writeMutex_);
   NodeSums entrySums(const EntryRecord& entry) const;
   void writeNode(NodeId node, NodeId parent, const EntryRecord& entry, std::string_view name,
@@ -186,16 +179,13 @@ class FileTree {
   NodeSums sumsOf(NodeId node) const;
   void addSums(NodeId node, const NodeSums& sums) REQUIRES(writeMutex_);
   void rollUp(NodeId from, const NodeSums& sums) REQUIRES(writeMutex_);
-  Visibility visibilityInside(NodeId node) const REQUIRES(writeMutex_);
-  bool isWithin(NodeId node, NodeId folder) const;
+  bool isInTakenOut(NodeId node) const;
+  HardLinkLedger::TakenOutTest takenOutTest() const REQUIRES(writeMutex_);
   NodeRange writtenChildren(NodeId node) const REQUIRES(writeMutex_);
   Tally tallySubtree(NodeId node) const REQUIRES(writeMutex_);
   void tallyNode(NodeId node, Tally* tally) const REQUIRES(writeMutex_);
   std::vector<bool> nodesBelow(NodeId folder) const REQUIRES(writeMutex_);
-  void forget(const std::vector<bool>& gone) REQUIRES(writeMutex_);
-  void settleDisplaced(NodeId restored) REQUIRES(writeMutex_);
-  std::optional<Displaced> settled(const Displaced& displaced, NodeId restored)
-      REQUIRES(writeMutex_);
+  void forget(const std::vector<bool>& dropped) REQUIRES(writeMutex_);
   void makeDuplicate(NodeId node) REQUIRES(writeMutex_);
 
   const ScanOptions options_;
@@ -207,10 +197,7 @@ class FileTree {
   mutable base::Mutex writeMutex_;
   std::uint64_t end_ GUARDED_BY(writeMutex_) = 0;       // nodes that are complete
   std::uint64_t namesEnd_ GUARDED_BY(writeMutex_) = 0;  // bytes of the name store in use
-  HardLinkSet hardLinks_ GUARDED_BY(writeMutex_);
-  /// What hard-link duplicates would have taken, in ascending order of node.
-  std::vector<Duplicate> duplicates_ GUARDED_BY(writeMutex_);
-  std::vector<Displaced> displaced_ GUARDED_BY(writeMutex_);
+  HardLinkLedger hardLinks_ GUARDED_BY(writeMutex_);
   std::unordered_map<NodeId, TakenOut> takenOut_ GUARDED_BY(writeMutex_);
   std::uint64_t lastSerial_ GUARDED_BY(writeMutex_) = 0;
   /// By directory, errors that no node's flag stands for: listings that broke off.

@@ -1,7 +1,3 @@
-#include <algorithm>
-#include <optional>
-#include <utility>
-
 #include "sizewalk/file_tree.h"
 
 // Taking subtrees out while the walk goes on rests on one rule: a sum is rolled up as far as the
@@ -13,17 +9,18 @@
 
 namespace sizewalk {
 
-FileTree::Visibility FileTree::visibilityInside(NodeId node) const {
-  if (takenOut_.empty()) return Visibility::Visible;
+/// Whether `node` or a folder above it is taken out.
+bool FileTree::isInTakenOut(NodeId node) const {
   for (;; node = parent_[node]) {
-    if (flags(node).has(NodeFlag::Excluded)) return Visibility::Hidden;
-    if (node == kRootNode) return Visibility::Visible;
+    if (isTakenOut(node)) return true;
+    if (node == kRootNode) return false;
   }
 }
 
-bool FileTree::isWithin(NodeId node, NodeId folder) const {
-  while (node != folder && node != kRootNode) node = parent_[node];
-  return node == folder;
+/// `isInTakenOut` for as long as the mutex is held; at no cost while nothing is taken out.
+HardLinkLedger::TakenOutTest FileTree::takenOutTest() const {
+  if (takenOut_.empty()) return [](NodeId) { return false; };
+  return [this](NodeId node) { return isInTakenOut(node); };
 }
 
 /// The children that were written for `node`, of a taken-out node too.
@@ -48,8 +45,7 @@ void FileTree::tallyNode(NodeId node, Tally* tally) const {
   tally->addToKind(kind_[node], sums);
   if (flags.has(NodeFlag::HardLinkDuplicate)) {
     tally->scan.hardLinks += 1;
-    tally->scan.hardLinkBytes +=
-        std::ranges::lower_bound(duplicates_, node, {}, &Duplicate::node)->bytes;
+    tally->scan.hardLinkBytes += hardLinks_.duplicateBytes(node);
   }
 }
 
@@ -106,35 +102,12 @@ void FileTree::restoreSubtree(const RemovedSubtree& record) {
   setFlags(node, flags(node).without(NodeFlag::Excluded));
   setChildren(node, range);
   rollUp(parent_[node], sumsOf(node));
-  if (visibilityInside(node) == Visibility::Visible) {
+  const HardLinkLedger::TakenOutTest inTakenOut = takenOutTest();
+  if (!inTakenOut(node)) {
     totals_.add(tallySubtree(node));
-    settleDisplaced(node);
+    for (const NodeId name : hardLinks_.settle(inTakenOut)) makeDuplicate(name);
   }
   publish();
-}
-
-/// Files within `restored` that are counted at another name by now become duplicates of that one;
-/// where that one is taken out itself they are counted here again.
-void FileTree::settleDisplaced(NodeId restored) {
-  std::vector<Displaced> remaining;
-  for (const Displaced& displaced : displaced_) {
-    const std::optional<Displaced> next = settled(displaced, restored);
-    if (next) remaining.push_back(*next);
-  }
-  displaced_ = std::move(remaining);
-}
-
-/// What is left to remember of `displaced` now that `restored` is back.
-std::optional<FileTree::Displaced> FileTree::settled(const Displaced& displaced, NodeId restored) {
-  if (!isWithin(displaced.node, restored)) return displaced;
-  if (visibilityInside(displaced.node) == Visibility::Hidden) return displaced;
-  const NodeId counted = hardLinks_.find(displaced.key);
-  if (visibilityInside(counted) == Visibility::Visible) {
-    makeDuplicate(displaced.node);
-    return std::nullopt;
-  }
-  hardLinks_.assign(displaced.key, displaced.node);
-  return Displaced{displaced.key, counted};
 }
 
 /// Turns a visible file that is counted here into a duplicate.
@@ -142,8 +115,7 @@ void FileTree::makeDuplicate(NodeId node) {
   const NodeSums sums = sumsOf(node);
   Tally before;
   tallyNode(node, &before);
-  const auto place = std::ranges::lower_bound(duplicates_, node, {}, &Duplicate::node);
-  duplicates_.insert(place, {node, sums.allocatedSize});
+  hardLinks_.enterDuplicate(node, sums.allocatedSize);
   setFlags(node, flags(node).with(NodeFlag::HardLinkDuplicate));
   rollUp(node, sums.negated());
   Tally after;
@@ -184,23 +156,14 @@ std::vector<bool> FileTree::nodesBelow(NodeId folder) const {
 }
 
 /// Drops what the tree knows of nodes beside their columns.
-void FileTree::forget(const std::vector<bool>& gone) {
-  hardLinks_.eraseIf([&](NodeId node) { return gone[node]; });
-  std::erase_if(duplicates_, [&](const Duplicate& duplicate) { return gone[duplicate.node]; });
-  std::erase_if(listingFailures_, [&](const auto& failure) { return gone[failure.first]; });
+void FileTree::forget(const std::vector<bool>& dropped) {
+  hardLinks_.forget([&](NodeId node) { return dropped[node]; });
+  std::erase_if(listingFailures_, [&](const auto& failure) { return dropped[failure.first]; });
   std::erase_if(takenOut_, [&](const auto& taken) {
-    if (!gone[taken.first]) return false;
+    if (!dropped[taken.first]) return false;
     takenOutBytes_.fetch_sub(taken.second.bytes, std::memory_order_relaxed);
     return true;
   });
-  std::erase_if(displaced_, [&](const Displaced& displaced) { return gone[displaced.node]; });
-  // Whoever displaced one of the others may be gone: then it is the one that is counted again.
-  std::vector<Displaced> remaining;
-  for (const Displaced& displaced : displaced_) {
-    const NodeId counted = hardLinks_.findOrInsert(displaced.key, displaced.node);
-    if (counted != displaced.node) remaining.push_back(displaced);
-  }
-  displaced_ = std::move(remaining);
 }
 
 }  // namespace sizewalk
