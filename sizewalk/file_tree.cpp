@@ -205,7 +205,7 @@ void FileTree::addSums(NodeId node, const NodeSums& sums) {
 void FileTree::rollUp(NodeId from, const NodeSums& sums) {
   for (NodeId node = from;; node = parent_[node]) {
     addSums(node, sums);
-    if (node == kRootNode || flags(node).has(NodeFlag::Excluded)) return;
+    if (node == kRootNode || isTakenOut(node)) return;
   }
 }
 
@@ -271,7 +271,7 @@ void FileTree::path(NodeId node, std::string* out) const {
 }
 
 std::uint64_t FileTree::countSubtree(NodeId node) const {
-  if (node >= nodeCount() || flags(node).has(NodeFlag::Excluded)) return 0;
+  if (node >= nodeCount() || isTakenOut(node)) return 0;
   std::uint64_t count = 0;
   std::vector<NodeId> pending = {node};
   while (!pending.empty()) {
@@ -280,7 +280,7 @@ std::uint64_t FileTree::countSubtree(NodeId node) const {
     ++count;
     const NodeRange range = children(next);
     for (NodeId child = range.first; child < range.last; ++child) {
-      if (!flags(child).has(NodeFlag::Excluded)) pending.push_back(child);
+      if (!isTakenOut(child)) pending.push_back(child);
     }
   }
   return count;

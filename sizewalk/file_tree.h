@@ -24,7 +24,7 @@ struct TreeLimits {
   std::uint64_t nameBytes = 4294967296;
 };
 
-/// What is needed to put a taken-out subtree back.
+/// What is needed to put back a subtree that was taken out.
 struct RemovedSubtree {
   std::int32_t node = -1;
   /// The node's child range when it was taken out.
@@ -32,7 +32,7 @@ struct RemovedSubtree {
   std::uint32_t childCount = 0;
   /// The subtree's allocated bytes when it was taken out.
   std::uint64_t allocatedBytes = 0;
-  /// Tells this removal from every other one of the same node.
+  /// Tells this time that the node was taken out from every other.
   std::uint64_t serial = 0;
   bool valid = false;
 };
@@ -41,9 +41,13 @@ struct RemovedSubtree {
 ///
 /// A node is an index, not an object: each field is a column of its own, pages are never moved, and
 /// the children of a directory are one contiguous run of indices. Values of a directory are the
-/// sums over the visible part of its subtree; they are rolled up to the root each time a directory
-/// has been read, so the root shows the total of everything read so far and a live view needs no
-/// second pass.
+/// sums over its subtree without what is taken out of it; they are rolled up to the root each time
+/// a directory has been read, so the root shows the total of everything read so far and a live view
+/// needs no second pass.
+///
+/// A node ceases to be visible in two ways. One that is taken out (`removeSubtree`,
+/// `NodeFlag::Excluded`) can be put back. One that is dropped (`dropContents`), since its folder is
+/// read anew, never comes back.
 ///
 /// Threads. All changes (`addChildren`, `dropContents`, `removeSubtree`, `restoreSubtree`) are
 /// serialised by one mutex, which the integrator takes once per directory. Readers take no lock:
@@ -72,8 +76,8 @@ class FileTree {
   /// another page; the tree is then fit only to be destroyed.
   void addChildren(const DirectoryResult& result, std::vector<NodeId>* subdirectories);
 
-  /// Forgets what `folder` holds, before it is read anew: its contents leave every sum and total
-  /// and the hard-link set, and records of subtrees taken out beneath it become void. The nodes
+  /// Drops what `folder` holds, before it is read anew: its contents leave every sum and total
+  /// and the hard-link ledger, and records of subtrees taken out beneath it become void. The nodes
   /// stay allocated, so that an index which somebody holds stays readable, but nothing leads to
   /// them. No walk may be running. Returns false, changing nothing, when `folder` is not a visible
   /// directory.
@@ -86,8 +90,8 @@ class FileTree {
   RemovedSubtree removeSubtree(NodeId node);
 
   /// Puts back what `removeSubtree` took out, with what the subtree holds by now: a walk may have
-  /// gone on inside it. Does nothing for a record that is not valid, or not the one of the node's
-  /// present removal.
+  /// gone on inside it. Does nothing for a record that is not valid, and for one of a node that was
+  /// put back since or dropped.
   void restoreSubtree(const RemovedSubtree& record);
 
   // Reading, by any thread.
@@ -145,7 +149,7 @@ class FileTree {
   bool isVisible(NodeId node) const;
 
   /// Nodes in the subtree, `node` included; what is taken out is not counted. 0 for an index that
-  /// is not published and for a taken-out node.
+  /// is not published and for a node that is taken out itself.
   std::uint64_t countSubtree(NodeId node) const;
 
  private:

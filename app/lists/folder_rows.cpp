@@ -9,7 +9,6 @@
 namespace app {
 
 using sizewalk::kRootNode;
-using sizewalk::NodeFlag;
 using sizewalk::NodeId;
 using sizewalk::NodeRange;
 
@@ -29,7 +28,7 @@ std::uint64_t sortKey(std::string_view text) {
 bool holdsSomething(const sizewalk::FileTree& tree, NodeId folder) {
   const NodeRange children = tree.children(folder);
   for (NodeId child = children.first; child < children.last; ++child) {
-    if (!tree.flags(child).has(NodeFlag::Excluded)) return true;
+    if (!tree.isTakenOut(child)) return true;
   }
   return false;
 }
@@ -163,7 +162,7 @@ void FolderRows::appendRowsBelow(const FolderRow& row, std::vector<FolderRow>* r
     }
     const NodeId node = level.rest.front();
     level.rest = level.rest.subspan(1);
-    if (tree_->flags(node).has(NodeFlag::Excluded)) continue;
+    if (tree_->isTakenOut(node)) continue;
     const FolderRow next = rowFor(node, level.depth);
     rows->push_back(next);
     if (next.expanded) levels.push_back({contents(node).order, next.depth + 1});

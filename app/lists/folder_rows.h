@@ -46,8 +46,8 @@ class FolderRows {
   /// and only open folders lead to it.
   bool leadsTo(sizewalk::NodeId node) const;
 
-  /// Opens or closes a row; does nothing where it cannot be, or is already. What went from the tree
-  /// since the last look at it cannot be opened. A folder that was open inside a closed one is open
+  /// Opens or closes a row; does nothing where it cannot be, or is already. What is
+  /// not visible any more cannot be opened. A folder that was open inside a closed one is open
   /// again when that is opened.
   void open(std::size_t row);
   void close(std::size_t row);

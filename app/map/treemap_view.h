@@ -54,15 +54,15 @@ class TreemapView : public ui::View {
   bool hideCard();
 
   /// The item under the pointer; nothing on merged items, on what is beside the tree, and on what
-  /// went from the tree since the picture was made.
+  /// has ceased to be visible since the picture was made.
   std::optional<sizewalk::NodeId> hovered() const;
 
  protected:
   void layOut() override { picture_.setRect(rect()); }
 
  private:
-  /// Null, too, where the tree does not show the block's item any more; of merged items the first
-  /// speaks for all.
+  /// Null, too, where the block's item is not visible any more; of merged items the first speaks
+  /// for all.
   const TreemapBlock* blockAt(int x, int y) const;
   std::optional<sizewalk::NodeId> nodeAt(int x, int y) const;
   std::optional<ui::Rect> outlineOf(sizewalk::NodeId node) const;

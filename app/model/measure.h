@@ -30,7 +30,7 @@ struct MeasureSettings {
 /// two calls may differ.
 inline std::int64_t measureValue(const sizewalk::FileTree& tree, sizewalk::NodeId node,
                                  const MeasureSettings& settings) {
-  if (tree.flags(node).has(sizewalk::NodeFlag::Excluded)) return 0;
+  if (tree.isTakenOut(node)) return 0;
   switch (settings.measure) {
     case Measure::AddedLastMonth:
       return static_cast<std::int64_t>(tree.addedLastMonth(node));

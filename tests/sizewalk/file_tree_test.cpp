@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <thread>
 
 #include "tests/sizewalk/tree_model.h"
 
@@ -248,48 +247,6 @@ TEST(FileTreeLimits, TakesExactlyAsMuchAsTheyAllow) {
   add(tree, Listing(0).file("1234", 1).file("567", 1));
   EXPECT_EQ(tree.nodeCount(), 3u);
   EXPECT_EQ(tree.name(2), "567");
-}
-
-TEST(FileTreeThreads, AReaderNeverSeesMoreThanWasPublished) {
-  FileTree tree;
-  tree.createRoot("/r");
-  std::atomic<bool> finished{false};
-  std::uint64_t looked = 0;
-  std::thread reader([&] {
-    std::uint64_t lastBytes = 0;
-    bool last = false;
-    while (!last) {
-      last = finished.load();
-      const std::uint64_t bytes = tree.apparentSize(kRootNode);
-      ASSERT_GE(bytes, lastBytes);
-      lastBytes = bytes;
-      std::uint64_t below = 0;
-      const NodeRange range = tree.children(kRootNode);
-      for (NodeId node = range.first; node < range.last; ++node) {
-        ASSERT_EQ(tree.parent(node), kRootNode);
-        ASSERT_FALSE(tree.name(node).empty());
-        const NodeRange inner = tree.children(node);
-        for (NodeId child = inner.first; child < inner.last; ++child) {
-          ASSERT_EQ(tree.parent(child), node);
-          below += tree.apparentSize(child);
-        }
-      }
-      // Published children are in the sums of what stands above them.
-      ASSERT_LE(below, tree.apparentSize(kRootNode));
-      ++looked;
-    }
-    ASSERT_EQ(lastBytes, 200u * 500u * 3u);
-  });
-  Listing top(0);
-  for (int i = 0; i < 200; ++i) top.folder("folder" + std::to_string(i));
-  for (const NodeId folder : add(tree, top)) {
-    Listing listing(folder);
-    for (int i = 0; i < 500; ++i) listing.file("f" + std::to_string(i), 3, 512);
-    add(tree, listing);
-  }
-  finished = true;
-  reader.join();
-  EXPECT_GE(looked, 1u);
 }
 
 }  // namespace

@@ -91,7 +91,7 @@ Recount::Sums countFolder(const FileTree& tree, NodeId folder, Recount* out) {
   Recount::Sums sums;
   const sizewalk::NodeRange children = tree.children(folder);
   for (NodeId child = children.first; child < children.last; ++child) {
-    if (tree.flags(child).has(NodeFlag::Excluded)) continue;
+    if (tree.isTakenOut(child)) continue;
     countNode(tree, child, out);
     Recount::Sums of = {tree.apparentSize(child),       tree.allocatedSize(child),
                         tree.addedLastMonth(child),     tree.addedLastSixMonths(child),

@@ -1,11 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <atomic>
 #include <map>
 #include <random>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "sizewalk/file_tree.h"
@@ -27,7 +25,7 @@ class NaiveModel {
     std::uint64_t size = 0;
     bool folder = false;
     bool read = false;
-    bool excluded = false;
+    bool takenOut = false;
     bool brokenListing = false;
     std::uint64_t key = 0;  // of a file that may have other names
     std::vector<NodeId> children = {};
@@ -45,7 +43,7 @@ class NaiveModel {
   std::uint64_t sizeOf(NodeId node) const {
     std::uint64_t sum = nodes[node].size;
     for (const NodeId child : nodes[node].children) {
-      if (!nodes[child].excluded) sum += sizeOf(child);
+      if (!nodes[child].takenOut) sum += sizeOf(child);
     }
     return sum;
   }
@@ -53,7 +51,7 @@ class NaiveModel {
   std::uint64_t brokenListings(NodeId node = 0) const {
     std::uint64_t sum = nodes[node].brokenListing;
     for (const NodeId child : nodes[node].children) {
-      if (!nodes[child].excluded) sum += brokenListings(child);
+      if (!nodes[child].takenOut) sum += brokenListings(child);
     }
     return sum;
   }
@@ -69,7 +67,7 @@ class NaiveModel {
 
   bool visible(NodeId node) const {
     for (; node != 0; node = nodes[node].parent) {
-      if (nodes[node].excluded) return false;
+      if (nodes[node].takenOut) return false;
       if (std::ranges::find(nodes[nodes[node].parent].children, node) ==
           nodes[nodes[node].parent].children.end()) {
         return false;
@@ -120,7 +118,7 @@ class RandomChanges {
     for (const NodeId node : model_.reachable()) {
       ASSERT_EQ(tree_.apparentSize(node), model_.sizeOf(node)) << "node " << node;
       ASSERT_EQ(tree_.allocatedSize(node), 2 * model_.sizeOf(node)) << "node " << node;
-      ASSERT_EQ(tree_.flags(node).has(NodeFlag::Excluded), model_.nodes[node].excluded);
+      ASSERT_EQ(tree_.isTakenOut(node), model_.nodes[node].takenOut);
     }
     for (NodeId node = 0; node < model_.nodes.size(); ++node) {  // dropped ones among them
       ASSERT_EQ(tree_.isVisible(node), model_.visible(node)) << "node " << node;
@@ -213,7 +211,7 @@ class RandomChanges {
     if (!possible) return;
     takeOverCountedNames();
     ASSERT_EQ(record.allocatedBytes, 2 * model_.sizeOf(node));
-    model_.nodes[node].excluded = true;
+    model_.nodes[node].takenOut = true;
     records_.push_back(record);
   }
 
@@ -224,7 +222,7 @@ class RandomChanges {
     records_.erase(records_.begin() + static_cast<std::ptrdiff_t>(which));
     tree_.restoreSubtree(record);
     tree_.restoreSubtree(record);  // a second time does nothing
-    model_.nodes[static_cast<std::size_t>(record.node)].excluded = false;
+    model_.nodes[static_cast<std::size_t>(record.node)].takenOut = false;
   }
 
   void readAnew() {
@@ -252,7 +250,7 @@ class RandomChanges {
   std::vector<RemovedSubtree> records_;
 };
 
-TEST(FileTreeRemoval, KeepsEverySumRightThroughRandomChanges) {
+TEST(FileTreeTakenOut, KeepsEverySumRightThroughRandomChanges) {
   for (unsigned seed = 1; seed <= 40; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     RandomChanges changes(seed);
@@ -276,7 +274,7 @@ struct SmallTree {
   FileTree tree;
 };
 
-TEST(FileTreeRemoval, SubtractsFromAncestorsAndSavesTheChildRange) {
+TEST(FileTreeTakenOut, SubtractsFromAncestorsAndSavesTheChildRange) {
   SmallTree small;
   const RemovedSubtree record = small.tree.removeSubtree(1);
   EXPECT_TRUE(record.valid);
@@ -284,7 +282,7 @@ TEST(FileTreeRemoval, SubtractsFromAncestorsAndSavesTheChildRange) {
   EXPECT_EQ(record.firstChild, 3u);
   EXPECT_EQ(record.childCount, 2u);
   EXPECT_EQ(record.allocatedBytes, 1536u);
-  EXPECT_TRUE(small.tree.flags(1).has(NodeFlag::Excluded));
+  EXPECT_TRUE(small.tree.isTakenOut(1));
   EXPECT_TRUE(small.tree.children(1).empty());
   EXPECT_EQ(small.tree.apparentSize(kRootNode), 0u);
   EXPECT_EQ(small.tree.itemCount(kRootNode), 0);
@@ -298,7 +296,7 @@ TEST(FileTreeRemoval, SubtractsFromAncestorsAndSavesTheChildRange) {
   expectSumsMatchRecount(small.tree);
 }
 
-TEST(FileTreeRemoval, LeavesExactlyTheRestWhereSumsHaveWrapped) {
+TEST(FileTreeTakenOut, LeavesExactlyTheRestWhereSumsHaveWrapped) {
   FileTree tree;
   tree.createRoot("/r");
   const auto folders = add(tree, Listing(0).folder("sparse").file("small", 5));
@@ -311,7 +309,7 @@ TEST(FileTreeRemoval, LeavesExactlyTheRestWhereSumsHaveWrapped) {
   EXPECT_EQ(tree.apparentSize(kRootNode), most + 3);
 }
 
-TEST(FileTreeRemoval, PutsBackWhatTheWalkFoundInsideMeanwhile) {
+TEST(FileTreeTakenOut, PutsBackWhatTheWalkFoundInsideMeanwhile) {
   SmallTree small;
   const RemovedSubtree record = small.tree.removeSubtree(2);
   EXPECT_EQ(record.allocatedBytes, 0u);
@@ -328,7 +326,7 @@ TEST(FileTreeRemoval, PutsBackWhatTheWalkFoundInsideMeanwhile) {
   expectSumsMatchRecount(small.tree);
 }
 
-TEST(FileTreeRemoval, IgnoresRecordsThatMeanNothing) {
+TEST(FileTreeTakenOut, IgnoresRecordsThatMeanNothing) {
   SmallTree small;
   small.tree.restoreSubtree({});
   small.tree.restoreSubtree({.node = 900, .allocatedBytes = 5, .valid = true});
@@ -337,11 +335,11 @@ TEST(FileTreeRemoval, IgnoresRecordsThatMeanNothing) {
   RemovedSubtree undone = small.tree.removeSubtree(1);
   undone.valid = false;
   small.tree.restoreSubtree(undone);
-  EXPECT_TRUE(small.tree.flags(1).has(NodeFlag::Excluded));
+  EXPECT_TRUE(small.tree.isTakenOut(1));
   EXPECT_EQ(small.tree.apparentSize(kRootNode), 0u);
 }
 
-TEST(FileTreeRemoval, RefusesTheRootAndWhatIsAlreadyOut) {
+TEST(FileTreeTakenOut, RefusesTheRootAndWhatIsAlreadyOut) {
   SmallTree small;
   EXPECT_FALSE(small.tree.removeSubtree(kRootNode).valid);
   EXPECT_FALSE(small.tree.removeSubtree(900).valid);
@@ -350,7 +348,7 @@ TEST(FileTreeRemoval, RefusesTheRootAndWhatIsAlreadyOut) {
   EXPECT_FALSE(small.tree.removeSubtree(3).valid) << "inside what is out";
 }
 
-TEST(FileTreeRemoval, TakesHardLinksAndErrorsOutOfTheirTotals) {
+TEST(FileTreeTakenOut, TakesHardLinksAndErrorsOutOfTheirTotals) {
   FileTree tree;
   tree.createRoot("/r");
   const auto folders = add(tree, Listing(0).folder("a").folder("b").file("one", 9, 512, 0, 7));
@@ -367,14 +365,14 @@ TEST(FileTreeRemoval, TakesHardLinksAndErrorsOutOfTheirTotals) {
   EXPECT_EQ(tree.totals(), before);
 }
 
-TEST(FileTreeRemoval, IgnoresTheRecordOfAnEarlierRemoval) {
+TEST(FileTreeTakenOut, IgnoresTheRecordOfAnEarlierTime) {
   SmallTree small;
   const RemovedSubtree unread = small.tree.removeSubtree(2);
   small.tree.restoreSubtree(unread);
   add(small.tree, Listing(2).file("late", 5, 512));
   const RemovedSubtree present = small.tree.removeSubtree(2);
   small.tree.restoreSubtree(unread);
-  EXPECT_TRUE(small.tree.flags(2).has(NodeFlag::Excluded));
+  EXPECT_TRUE(small.tree.isTakenOut(2));
   EXPECT_EQ(small.tree.takenOutBytes(), 512u);
   small.tree.restoreSubtree(present);
   EXPECT_EQ(small.tree.children(2).size(), 1u);
@@ -391,7 +389,7 @@ struct LinkedTree {
   FileTree tree;
 };
 
-TEST(FileTreeRemoval, CountsAFileAtAnotherNameThatTurnsUpWhileItsFirstIsOut) {
+TEST(FileTreeTakenOut, CountsAFileAtAnotherNameThatTurnsUpWhileItsFirstIsOut) {
   LinkedTree linked;
   const RemovedSubtree record = linked.tree.removeSubtree(1);
   add(linked.tree, Listing(2).file("second", 9, 512, 0, 7));
@@ -408,7 +406,7 @@ TEST(FileTreeRemoval, CountsAFileAtAnotherNameThatTurnsUpWhileItsFirstIsOut) {
   expectSumsMatchRecount(linked.tree);
 }
 
-TEST(FileTreeRemoval, CountsAFileAtItsFirstNameAgainWhenTheOtherIsOutByThen) {
+TEST(FileTreeTakenOut, CountsAFileAtItsFirstNameAgainWhenTheOtherIsOutByThen) {
   LinkedTree linked;
   const RemovedSubtree first = linked.tree.removeSubtree(1);
   add(linked.tree, Listing(2).file("second", 9, 512, 0, 7));
@@ -422,7 +420,7 @@ TEST(FileTreeRemoval, CountsAFileAtItsFirstNameAgainWhenTheOtherIsOutByThen) {
   expectSumsMatchRecount(linked.tree);
 }
 
-TEST(FileTreeRemoval, RemembersADisplacedNameWhenTheOtherIsReadAnew) {
+TEST(FileTreeTakenOut, RemembersADisplacedNameWhenTheOtherIsReadAnew) {
   LinkedTree linked;
   const RemovedSubtree first = linked.tree.removeSubtree(1);
   add(linked.tree, Listing(2).file("second", 9, 512, 0, 7));
@@ -435,7 +433,7 @@ TEST(FileTreeRemoval, RemembersADisplacedNameWhenTheOtherIsReadAnew) {
   expectSumsMatchRecount(linked.tree);
 }
 
-TEST(FileTreeRemoval, CountsMountPointsNotAmongTheDirectories) {
+TEST(FileTreeTakenOut, CountsMountPointsNotAmongTheDirectories) {
   FileTree tree;
   tree.createRoot("/r");
   const NodeId folder = add(tree, Listing(0).folder("a")).front();
@@ -573,130 +571,6 @@ TEST(FileTreeVisibility, EndsForGoodForAllThatIsReadAnew) {
   EXPECT_TRUE(tree.isVisible(fresh));
   EXPECT_FALSE(tree.isVisible(old));
   EXPECT_FALSE(tree.isVisible(deep));
-}
-
-TEST(FileTreeThreads, AReaderAlwaysSeesWhatIsUntouchedAndNeverAgainWhatWasDropped) {
-  FileTree tree;
-  tree.createRoot("/r");
-  const auto folders = add(tree, Listing(0).folder("read anew").folder("untouched").folder("out"));
-  const NodeId inside = add(tree, Listing(folders[1]).folder("inside")).front();
-  add(tree, Listing(folders[2]).file("1", 1).file("2", 1));
-  std::atomic<bool> finished{false};
-  std::atomic<std::uint64_t> rounds{0};
-  std::thread reader([&] {
-    while (!finished) {
-      ASSERT_TRUE(tree.isVisible(kRootNode));
-      ASSERT_TRUE(tree.isVisible(inside));
-      const NodeRange range = tree.children(folders[0]);
-      if (!range.empty() && !tree.isVisible(range.first)) {
-        ASSERT_FALSE(tree.isVisible(range.first)) << "dropped between the two looks";
-      }
-      (void)tree.isVisible(tree.firstChild(folders[2]));  // either answer is right
-      (void)tree.isVisible(tree.nodeCount() - 1);
-      ++rounds;
-    }
-  });
-  for (int i = 0; i < 2000 || (rounds < 100 && !testing::Test::HasFailure()); ++i) {
-    add(tree, Listing(folders[0]).file("f", 1).folder("d"));
-    tree.restoreSubtree(tree.removeSubtree(folders[2]));
-    ASSERT_TRUE(tree.dropContents(folders[0]));
-  }
-  finished = true;
-  reader.join();
-}
-
-TEST(FileTreeThreads, AReaderNeverTakesTheStartOfOneRangeWithTheLengthOfAnother) {
-  FileTree tree;
-  tree.createRoot("/r");
-  const auto folders = add(tree, Listing(0).folder("a").folder("b"));
-  const NodeId folder = folders[0];
-  std::atomic<bool> finished{false};
-  std::thread reader([&] {
-    while (!finished) {
-      const NodeRange range = tree.children(folder);
-      for (NodeId node = range.first; node < range.last; ++node) {
-        ASSERT_EQ(tree.parent(node), folder);
-      }
-    }
-  });
-  for (int i = 0; i < 8000; ++i) {
-    // Short and long in turns, and behind each the nodes of another folder.
-    Listing listing(folder);
-    for (int file = 0; file < 1 + i % 2 * 3; ++file) listing.file("f", 1);
-    add(tree, listing);
-    add(tree, Listing(folders[1]).file("1", 1).file("2", 1).file("3", 1));
-    if (i % 64 == 0) tree.restoreSubtree(tree.removeSubtree(folder));
-    tree.dropContents(folder);
-    tree.dropContents(folders[1]);
-  }
-  finished = true;
-  reader.join();
-  expectSumsMatchRecount(tree);
-}
-
-TEST(FileTreeThreads, AReaderNeverSeesAFolderEmptyWhileAnotherIsReplaced) {
-  FileTree tree;
-  tree.createRoot("/r");
-  const auto folders = add(tree, Listing(0).folder("rewritten").folder("untouched"));
-  add(tree, Listing(folders[1]).file("1", 1).file("2", 1));
-  std::atomic<bool> finished{false};
-  std::atomic<bool> reading{false};
-  std::thread reader([&] {
-    while (!finished) {
-      ASSERT_EQ(tree.children(folders[1]).size(), 2u);
-      reading = true;
-    }
-  });
-  while (!reading) std::this_thread::yield();
-  for (int round = 0; round < 300; ++round) {
-    add(tree, Listing(folders[0]).file("f", 1));
-    for (int i = 0; i < 300; ++i) tree.restoreSubtree(tree.removeSubtree(folders[0]));
-    tree.dropContents(folders[0]);
-  }
-  finished = true;
-  reader.join();
-}
-
-/// One thread adds as a walk does; the other takes out and puts back wherever it pleases.
-TEST(FileTreeThreads, ChangesDuringTheWalkLeaveEverySumRight) {
-  FileTree tree;
-  tree.createRoot("/r");
-  std::atomic<bool> finished{false};
-  std::thread walk([&] {
-    std::mt19937 random(5);
-    std::vector<NodeId> unread = {kRootNode};
-    for (int folders = 0; folders < 3000 && !unread.empty(); ++folders) {
-      const std::size_t which = random() % unread.size();
-      Listing listing(unread[which]);
-      unread.erase(unread.begin() + static_cast<std::ptrdiff_t>(which));
-      for (int i = 0; i < 3; ++i) listing.folder("d" + std::to_string(i));
-      for (int i = 0; i < 4; ++i) listing.file("f.txt", random() % 1000, random() % 1000, 1);
-      const auto next = add(tree, listing);
-      unread.insert(unread.end(), next.begin(), next.end());
-    }
-    finished = true;
-  });
-  std::mt19937 random(6);
-  std::vector<RemovedSubtree> records;
-  while (!finished) {
-    const auto node = static_cast<NodeId>(random() % tree.nodeCount());
-    const RemovedSubtree record = tree.removeSubtree(node);
-    if (record.valid) records.push_back(record);
-    if (records.size() > 20) {
-      const std::size_t which = random() % records.size();
-      tree.restoreSubtree(records[which]);
-      records.erase(records.begin() + static_cast<std::ptrdiff_t>(which));
-    }
-  }
-  walk.join();
-  expectSumsMatchRecount(tree);
-  while (!records.empty()) {
-    tree.restoreSubtree(records.back());
-    records.pop_back();
-  }
-  expectSumsMatchRecount(tree);
-  EXPECT_EQ(tree.totals().files, 3000u * 4);
-  EXPECT_EQ(tree.takenOutBytes(), 0u);
 }
 
 }  // namespace

@@ -4,8 +4,8 @@
 // first taken-out node and no further, and only what no taken-out node stands above counts in the
 // totals. So a taken-out node always carries what its subtree holds at the moment, and putting it
 // back is adding that to what lies above, whether or not the walk has been inside since. Keeping a
-// copy of the sums in the removal record instead would put back what the subtree held when it was
-// taken out, and lose the rest.
+// copy of the sums in the record instead would put back what the subtree held when it was taken
+// out, and lose the rest.
 
 namespace sizewalk {
 
@@ -49,7 +49,7 @@ void FileTree::tallyNode(NodeId node, Tally* tally) const {
   }
 }
 
-/// What `node` and all that is visible beneath it account for.
+/// What `node` accounts for with all beneath it that is not taken out.
 Tally FileTree::tallySubtree(NodeId node) const {
   Tally tally;
   tallyNode(node, &tally);
@@ -59,7 +59,7 @@ Tally FileTree::tallySubtree(NodeId node) const {
     folders.pop_back();
     const NodeId first = firstChild(folder);
     for (NodeId child = first; child != first + childCount(folder); ++child) {
-      if (flags(child).has(NodeFlag::Excluded)) continue;
+      if (isTakenOut(child)) continue;
       tallyNode(child, &tally);
       if (childCount(child) != 0) folders.push_back(child);
     }
@@ -155,7 +155,7 @@ std::vector<bool> FileTree::nodesBelow(NodeId folder) const {
   return below;
 }
 
-/// Drops what the tree knows of nodes beside their columns.
+/// Forgets what the tree knows of dropped nodes beside their columns.
 void FileTree::forget(const std::vector<bool>& dropped) {
   hardLinks_.forget([&](NodeId node) { return dropped[node]; });
   std::erase_if(listingFailures_, [&](const auto& failure) { return dropped[failure.first]; });
