@@ -5,10 +5,8 @@
 
 #include "app/model/format.h"
 #include "ui/keys.h"
-#include "ui/scroll_bar.h"
 #include "ui/text.h"
 #include "ui/text_fit.h"
-#include "ui/typed_text.h"
 #include "ui/window.h"
 
 namespace app {
@@ -25,30 +23,32 @@ constexpr double kHeight = 480;
 constexpr double kGap = 8;
 constexpr double kPlacesWidth = 170;
 constexpr double kBoxRadius = 5;
-constexpr double kPlaceRadius = 6;
-constexpr double kBoxPadding = 8;        // beside the texts in boxes and rows
-constexpr double kBoxExtraHeight = 10;   // of the path, over its text
-constexpr double kPlaceExtraHeight = 6;  // over a row
+constexpr double kBoxExtraHeight = 10;  // of the path, over its text
 constexpr double kUpWidth = 32;
 
-ui::Rect inset(const ui::Rect& rect, int dx, int dy = 0) {
-  return {rect.x + dx, rect.y + dy, std::max(0, rect.w - 2 * dx), std::max(0, rect.h - 2 * dy)};
+ui::Rect inside(const ui::Rect& frame, int width) {
+  return {frame.x + width, frame.y + width, std::max(0, frame.w - 2 * width),
+          std::max(0, frame.h - 2 * width)};
 }
 
 }  // namespace
 
 FolderChooser::FolderChooser(const ui::Style& style, std::vector<FolderPlace> places,
                              FolderLister& lister)
-    : ui::Dialog(style), places_(std::move(places)), lister_(lister) {
-  lister_.onListed = [this](const std::string& path, FolderListing listing) {
+    : ui::Dialog(style),
+      lister_(lister),
+      placesColumn_(style, std::move(places)),
+      listColumn_(style) {
+  lister_.onListed = [this](const std::string& path, FolderListing answer) {
     // The user may have left that folder meanwhile, or come back to it.
-    if (path == path_ && !listing_) listed(std::move(listing));
+    if (path == path_ && !listing()) listColumn_.show(std::move(answer));
   };
   setButtons({{"Cancel", ui::ButtonKind::Plain, [this] { close(); }},
               {"Scan This Folder", ui::ButtonKind::Default, [this] { scan(); }}});
+  placesColumn_.onChanged = [this] { changed(); };
+  listColumn_.onChanged = [this] { changed(); };
   giveKeyboardTo(kList);
-  placesColumn_.setCount(places_.size());
-  goTo(places_.front().path);
+  goTo(placesColumn_.current().path);
 }
 
 FolderChooser::~FolderChooser() { lister_.onListed = nullptr; }
@@ -57,53 +57,36 @@ FolderChooser::~FolderChooser() { lister_.onListed = nullptr; }
 
 void FolderChooser::goTo(std::string path) {
   path_ = std::move(path);
-  listing_.reset();
-  selected_.reset();
+  placesColumn_.setShownPath(path_);
+  listColumn_.clear();
   slow_ = false;
-  typeAhead_.forget();
-  listColumn_.setCount(0);
   askedMs_ = ui::Window::now();
-  if (auto listing = lister_.list(path_)) listed(std::move(*listing));
-  changed();
-}
-
-void FolderChooser::listed(FolderListing listing) {
-  listing_ = std::move(listing);
-  listColumn_.setCount(listing_->subFolders.size());
-  changed();
+  if (auto answer = lister_.list(path_)) listColumn_.show(std::move(*answer));
 }
 
 void FolderChooser::goUp() {
   if (path_ != "/") goTo(pathAround(path_));
 }
 
-void FolderChooser::goInto(std::size_t row) {
-  goTo(pathInside(path_, listing_->subFolders[row].name));
-}
-
-void FolderChooser::select(std::size_t row) {
-  selected_ = row;
-  listColumn_.reveal(row);
-  changed();
-}
+void FolderChooser::goInto(const std::string& name) { goTo(pathInside(path_, name)); }
 
 void FolderChooser::scan() {
   // Copies: closing destroys the chooser.
   const auto chosen = onChosen;
-  const std::string path =
-      selected_ ? pathInside(path_, listing_->subFolders[*selected_].name) : path_;
+  const auto name = listColumn_.selectedName();
+  const std::string path = name ? pathInside(path_, *name) : path_;
   close();
   if (chosen) chosen(path);
 }
 
 std::string FolderChooser::message() const {
-  if (!listing_) return slow_ ? "Waiting for this folder…" : "";
-  if (!listing_->readable) return "This folder cannot be read.";
-  return listing_->subFolders.empty() ? "No folders here." : "";
+  if (!listing()) return slow_ ? "Waiting for this folder…" : "";
+  if (!listing()->readable) return "This folder cannot be read.";
+  return listing()->subFolders.empty() ? "No folders here." : "";
 }
 
 void FolderChooser::tick(std::int64_t nowMs) {
-  if (listing_ || slow_ || nowMs - askedMs_ < kSlowMs) return;
+  if (listing() || slow_ || nowMs - askedMs_ < kSlowMs) return;
   slow_ = true;
   changed();
 }
@@ -126,12 +109,10 @@ void FolderChooser::layOutContent(const ui::Rect& content) {
   const int top = pathTop + pathHeight + gap;
   const int height = std::max(0, content.y + content.h - top);
   const int placesWidth = std::min(style().scaled(kPlacesWidth), content.w / 2);
-  placesColumn_.setView({content.x, top, placesWidth, height},
-                        style().rowHeight() + style().scaled(kPlaceExtraHeight));
+  placesColumn_.setRect({content.x, top, placesWidth, height});
   const int listX = content.x + placesWidth + gap;
   listFrame_ = {listX, top, std::max(0, content.x + content.w - listX), height};
-  const int ring = ui::focusRingWidth(style().scale());
-  listColumn_.setView(inset(listFrame_, ring, ring), style().rowHeight());
+  listColumn_.setRect(inside(listFrame_, ui::focusRingWidth(style().scale())));
 }
 
 ui::PressTracker::Control FolderChooser::controlAt(int x, int y) const {
@@ -143,67 +124,60 @@ ui::PressTracker::Control FolderChooser::controlAt(int x, int y) const {
 
 void FolderChooser::press(const ui::MouseEvent& event) {
   if (event.button == kPrimaryButton && pressColumns(event)) {
-    typeAhead_.forget();
-    changed();
-    return;
+    listColumn_.forgetTyped();
+  } else {
+    ui::Dialog::press(event);
   }
-  ui::Dialog::press(event);
 }
 
 /// Rows act when they are pressed, not when they are let go: a second press follows.
 bool FolderChooser::pressColumns(const ui::MouseEvent& event) {
-  if (placesColumn_.pressBar(event.x, event.y) || listColumn_.pressBar(event.x, event.y)) {
-    return true;
-  }
+  if (placesColumn_.pressBar(event) || listColumn_.pressBar(event)) return true;
   if (const auto place = placesColumn_.rowAt(event.x, event.y)) {
     giveKeyboardTo(kPlaces);
-    currentPlace_ = *place;
-    goTo(places_[*place].path);
+    placesColumn_.setCurrent(*place);
+    goTo(placesColumn_.current().path);
     return true;
   }
   if (const auto row = listColumn_.rowAt(event.x, event.y)) {
     giveKeyboardTo(kList);
-    pressRow(*row, event.clicks);
+    listColumn_.select(*row);
+    if (event.clicks >= 2) goInto(*listColumn_.selectedName());
     return true;
   }
   return false;
 }
 
-void FolderChooser::pressRow(std::size_t row, int clicks) {
-  if (clicks >= 2) {
-    goInto(row);
-  } else {
-    select(row);
-  }
-}
-
 void FolderChooser::motion(const ui::MouseEvent& event) {
   ui::Dialog::motion(event);
-  const bool places = placesColumn_.motion(event.x, event.y);
-  if (listColumn_.motion(event.x, event.y) || places) changed();
+  placesColumn_.motion(event);
+  listColumn_.motion(event);
 }
 
 void FolderChooser::release(const ui::MouseEvent& event) {
-  if (event.button == kPrimaryButton) {
-    placesColumn_.release();
-    listColumn_.release();
-  }
+  placesColumn_.release(event);
+  listColumn_.release(event);
   ui::Dialog::release(event);  // after which the chooser may be gone
 }
 
 void FolderChooser::leave() {
   ui::Dialog::leave();
-  const bool places = placesColumn_.leave();
-  if (listColumn_.leave() || places) changed();
+  placesColumn_.leave();
+  listColumn_.leave();
+}
+
+void FolderChooser::releasePointer() {
+  ui::Dialog::releasePointer();
+  placesColumn_.releasePointer();
+  listColumn_.releasePointer();
 }
 
 void FolderChooser::wheel(const ui::MouseEvent& event, int dy) {
   if (placesColumn_.view().contains(event.x, event.y)) {
-    placesColumn_.wheel(dy);
+    placesColumn_.wheel(event, dy);
   } else if (listColumn_.view().contains(event.x, event.y)) {
-    listColumn_.wheel(dy);
+    listColumn_.wheel(event, dy);
   }
-  changed();
 }
 
 // Keys.
@@ -211,7 +185,7 @@ void FolderChooser::wheel(const ui::MouseEvent& event, int dy) {
 bool FolderChooser::key(const ui::KeyEvent& event) {
   if (keyAnywhere(event)) return true;
   const bool taken = focusedControl() == kList     ? keyInList(event)
-                     : focusedControl() == kPlaces ? keyInPlaces(ui::key::plain(event.keysym))
+                     : focusedControl() == kPlaces ? keyInPlaces(event)
                                                    : false;
   return taken || ui::Dialog::key(event);
 }
@@ -229,45 +203,18 @@ bool FolderChooser::keyAnywhere(const ui::KeyEvent& event) {
   return false;
 }
 
-bool FolderChooser::keyInPlaces(ui::key::Keysym key) {
-  if (key == ui::key::kRight) {
-    giveKeyboardTo(kList);
-    return true;
-  }
-  const auto row = placesColumn_.rowAfterKey(key, currentPlace_);
-  if (!row) return false;
-  currentPlace_ = *row;
-  placesColumn_.reveal(*row);
-  changed();
+bool FolderChooser::keyInPlaces(const ui::KeyEvent& event) {
+  if (placesColumn_.key(event)) return true;
+  if (ui::key::plain(event.keysym) != ui::key::kRight) return false;
+  giveKeyboardTo(kList);
   return true;
 }
 
 bool FolderChooser::keyInList(const ui::KeyEvent& event) {
-  if (!event.ctrl && typeAhead(event)) return true;
+  if (listColumn_.key(event)) return true;
   const ui::key::Keysym key = ui::key::plain(event.keysym);
-  if (key == ' ') return true;  // what it would do is done: the row is selected
-  if (key == ui::key::kLeft) {
-    giveKeyboardTo(kPlaces);
-    return true;
-  }
-  const auto row = listColumn_.rowAfterKey(key, selected_);
-  if (!row) return false;
-  typeAhead_.forget();
-  select(*row);
-  return true;
-}
-
-/// Selects the next folder whose name begins with what was typed, round the end if need be. The
-/// first letter leaves the selected one, those that follow may stay.
-bool FolderChooser::typeAhead(const ui::KeyEvent& event) {
-  const std::int64_t now = ui::Window::now();
-  const std::string text = ui::typedText(event);
-  if (!typeAhead_.accepts(text, now)) return false;
-  const bool fresh = typeAhead_.type(text, now);
-  const std::size_t start = selected_ ? *selected_ + (fresh ? 1 : 0) : 0;
-  const auto nameOf = [&](std::size_t row) { return listing_->subFolders[row].name; };
-  if (const auto found = typeAhead_.find(listColumn_.count(), start, nameOf)) select(*found);
-  return true;
+  if (key == ui::key::kLeft) giveKeyboardTo(kPlaces);
+  return key == ui::key::kLeft || key == ' ';  // what Space would do is done: the row is selected
 }
 
 bool FolderChooser::act(int control) {
@@ -276,13 +223,18 @@ bool FolderChooser::act(int control) {
       goUp();
       return true;
     case kPlaces:
-      goTo(places_[currentPlace_].path);
+      goTo(placesColumn_.current().path);
       return true;
     default:
-      if (!selected_) return false;
-      goInto(*selected_);
+      if (!selected()) return false;
+      goInto(*listColumn_.selectedName());
       return true;
   }
+}
+
+void FolderChooser::keyboardMoved() {
+  placesColumn_.setFocused(focusedControl() == kPlaces);
+  listColumn_.setFocused(focusedControl() == kList);
 }
 
 // Drawing.
@@ -291,14 +243,14 @@ void FolderChooser::paintContent(ui::Canvas& canvas) const {
   ui::drawText(canvas, heading_, "Choose a folder to scan", style().heading(),
                style().palette().text);
   paintPath(canvas);
-  paintPlaces(canvas);
+  placesColumn_.paint(canvas);
   paintList(canvas);
 }
 
 void FolderChooser::paintPath(ui::Canvas& canvas) const {
   const ui::Palette& palette = style().palette();
   ui::fillOutlined(canvas, pathBox_, style().scaled(kBoxRadius), 1, palette.border, palette.base);
-  const ui::Rect room = inset(pathBox_, style().scaled(kBoxPadding));
+  const ui::Rect room = chooserTextPlace(style(), pathBox_);
   const std::string text =
       ui::shortenedAtStart(displayName(path_), room.w,
                            [this](std::string_view part) { return style().textWidth(part); });
@@ -313,62 +265,16 @@ void FolderChooser::paintPath(ui::Canvas& canvas) const {
                   style().body(), palette);
 }
 
-void FolderChooser::paintPlaces(ui::Canvas& canvas) const {
-  const ui::Palette& palette = style().palette();
-  canvas.pushClip(placesColumn_.view());
-  const ui::RowRange seen = placesColumn_.visible();
-  for (std::size_t row = seen.first; row < seen.last; ++row) paintPlace(canvas, row);
-  canvas.popClip();
-  ui::drawScrollBar(canvas, placesColumn_.scroller(), palette.raised, palette.dimText);
-}
-
-void FolderChooser::paintPlace(ui::Canvas& canvas, std::size_t row) const {
-  const ui::Palette& palette = style().palette();
-  const FolderPlace& place = places_[row];
-  const ui::Rect rect = placesColumn_.rowRect(row);
-  const int radius = style().scaled(kPlaceRadius);
-  const bool shown = place.path == path_;
-  const bool highlighted = shown || placesColumn_.hovered() == row;
-  const ui::Colour fill = shown ? palette.pressed : highlighted ? palette.raised : palette.window;
-  if (focusedControl() == kPlaces && currentPlace_ == row) {
-    ui::fillOutlined(canvas, rect, radius, ui::focusRingWidth(style().scale()), palette.accent,
-                     fill);
-  } else if (highlighted) {
-    canvas.fillRoundRect(rect, radius, fill);
-  }
-  ui::drawText(canvas, inset(rect, style().scaled(kBoxPadding)), displayName(place.label),
-               style().body(), palette.text);
-}
-
 void FolderChooser::paintList(ui::Canvas& canvas) const {
   const ui::Palette& palette = style().palette();
-  const bool hasKeyboard = focusedControl() == kList;
+  const bool hasKeyboard = listColumn_.focused();
   ui::fillOutlined(canvas, listFrame_, 0, hasKeyboard ? ui::focusRingWidth(style().scale()) : 1,
                    hasKeyboard ? palette.accent : palette.border, palette.base);
+  listColumn_.paint(canvas);
   canvas.pushClip(listColumn_.view());
-  const ui::RowRange seen = listColumn_.visible();
-  for (std::size_t row = seen.first; row < seen.last; ++row) paintRow(canvas, row);
   ui::drawText(canvas, listColumn_.view(), message(), style().body(), palette.dimText,
                ui::Align::Centre);
-  ui::drawScrollBar(canvas, listColumn_.scroller(), palette.raised, palette.dimText);
   canvas.popClip();
-}
-
-void FolderChooser::paintRow(ui::Canvas& canvas, std::size_t row) const {
-  const ui::Palette& palette = style().palette();
-  const SubFolder& folder = listing_->subFolders[row];
-  const ui::Rect rect = listColumn_.rowRect(row);
-  const bool selected = selected_ == row;
-  if (selected) {
-    canvas.fillRect(rect, palette.accent);
-  } else if (listColumn_.hovered() == row) {
-    canvas.fillRect(rect, style().hoverVeil());
-  }
-  const ui::Colour colour = selected            ? palette.accentText
-                            : folder.accessible ? palette.text
-                                                : palette.dimText;
-  ui::drawText(canvas, inset(rect, style().scaled(kBoxPadding)), displayName(folder.name),
-               style().body(), colour);
 }
 
 }  // namespace app

@@ -6,11 +6,10 @@
 #include <string>
 #include <vector>
 
+#include "app/dialogs/chooser_columns.h"
 #include "app/dialogs/folder_lister.h"
 #include "app/dialogs/folder_places.h"
 #include "ui/widgets/dialog.h"
-#include "ui/widgets/row_column.h"
-#include "ui/widgets/type_ahead.h"
 
 namespace app {
 
@@ -42,17 +41,18 @@ class FolderChooser : public ui::Dialog {
   void wheel(const ui::MouseEvent& event, int dy) override;
   bool key(const ui::KeyEvent& event) override;
   void tick(std::int64_t nowMs) override;
+  void releasePointer() override;
 
   const std::string& path() const { return path_; }
-  const std::vector<FolderPlace>& places() const { return places_; }
+  const std::vector<FolderPlace>& places() const { return placesColumn_.places(); }
   /// Nothing while the folder has not been listed yet.
-  const std::optional<FolderListing>& listing() const { return listing_; }
-  std::optional<std::size_t> selected() const { return selected_; }
+  const std::optional<FolderListing>& listing() const { return listColumn_.listing(); }
+  std::optional<std::size_t> selected() const { return listColumn_.selected(); }
   /// What is said where the list would be; empty while there is a list.
   std::string message() const;
 
-  const ui::RowColumn& listColumn() const { return listColumn_; }
-  const ui::RowColumn& placesColumn() const { return placesColumn_; }
+  const ui::RowList& listColumn() const { return listColumn_; }
+  const ui::RowList& placesColumn() const { return placesColumn_; }
   const ui::Rect& pathBox() const { return pathBox_; }
   const ui::Rect& upButton() const { return upButton_; }
 
@@ -63,45 +63,33 @@ class FolderChooser : public ui::Dialog {
   int controlCount() const override { return kList + 1; }
   ui::PressTracker::Control controlAt(int x, int y) const override;
   bool act(int control) override;
+  void keyboardMoved() override;
 
  private:
   void goTo(std::string path);
   void goUp();
-  void goInto(std::size_t row);
-  void listed(FolderListing listing);
-  void select(std::size_t row);
+  void goInto(const std::string& name);
   void scan();
 
   bool pressColumns(const ui::MouseEvent& event);
-  void pressRow(std::size_t row, int clicks);
   bool keyAnywhere(const ui::KeyEvent& event);
-  bool keyInPlaces(ui::key::Keysym key);
+  bool keyInPlaces(const ui::KeyEvent& event);
   bool keyInList(const ui::KeyEvent& event);
-  bool typeAhead(const ui::KeyEvent& event);
 
   void paintPath(ui::Canvas& canvas) const;
-  void paintPlaces(ui::Canvas& canvas) const;
-  void paintPlace(ui::Canvas& canvas, std::size_t row) const;
   void paintList(ui::Canvas& canvas) const;
-  void paintRow(ui::Canvas& canvas, std::size_t row) const;
 
-  std::vector<FolderPlace> places_;
   FolderLister& lister_;
   std::string path_;
-  std::optional<FolderListing> listing_;
   std::int64_t askedMs_ = 0;  // when the folder was asked for what is in it
   bool slow_ = false;         // it has not answered for long enough to say so
-  std::optional<std::size_t> selected_;
-  /// The place that Enter goes to while the places have the keyboard.
-  std::size_t currentPlace_ = 0;
-  ui::TypeAhead typeAhead_;
 
   ui::Rect heading_;
   ui::Rect pathBox_;
   ui::Rect upButton_;
   ui::Rect listFrame_;
-  ui::RowColumn placesColumn_;
-  ui::RowColumn listColumn_;
+  PlacesColumn placesColumn_;
+  SubFoldersColumn listColumn_;
 };
 
 }  // namespace app

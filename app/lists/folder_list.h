@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 
+#include "app/lists/folder_row_painting.h"
 #include "app/lists/folder_rows.h"
 #include "app/model/kind_colours.h"
 #include "app/model/measure.h"
@@ -13,11 +14,9 @@
 #include "ui/canvas.h"
 #include "ui/geometry.h"
 #include "ui/input.h"
-#include "ui/scroller.h"
-#include "ui/widgets/row_geometry.h"
+#include "ui/widgets/list_cursor.h"
+#include "ui/widgets/row_list.h"
 #include "ui/widgets/style.h"
-#include "ui/widgets/type_ahead.h"
-#include "ui/widgets/view.h"
 
 namespace app {
 
@@ -30,7 +29,7 @@ namespace app {
 /// screen. Where the current row vanishes the nearest one that remains takes over.
 ///
 /// Window thread only. Places and lengths are device pixels of the window.
-class FolderList : public ui::View {
+class FolderList : public ui::RowList {
  public:
   /// A row was pressed twice, or Enter was pressed on it.
   std::function<void(sizewalk::NodeId)> onActivate;
@@ -58,9 +57,6 @@ class FolderList : public ui::View {
   bool takesKeyboard() const override { return true; }
   void paint(ui::Canvas& canvas) const override;
   void press(const ui::MouseEvent& event) override;
-  void motion(const ui::MouseEvent& event) override;
-  void release(const ui::MouseEvent& event) override;
-  void leave() override;
   void wheel(const ui::MouseEvent& event, int dy) override;
   bool key(const ui::KeyEvent& event) override;
 
@@ -68,50 +64,28 @@ class FolderList : public ui::View {
   /// The item of the row under the pointer.
   std::optional<sizewalk::NodeId> hovered() const;
   /// Nothing while there are no rows.
-  std::optional<sizewalk::NodeId> current() const { return current_; }
-  int scrollOffset() const { return scroller_.offset(); }
+  std::optional<sizewalk::NodeId> current() const { return cursor_.current(); }
   /// The row that `scrollToRow` asked for; -1 when none is due.
-  std::ptrdiff_t pendingRow() const { return pendingRow_; }
-  /// Where a row is, the scroll bar not included; above or below the list's own place when it is
-  /// out of view.
-  ui::Rect rowRect(std::size_t row) const;
+  std::ptrdiff_t pendingRow() const;
 
  protected:
-  void layOut() override;
   /// Does the scrolling that is due.
   bool bringUpToDate() override;
+  void paintRow(ui::Canvas& canvas, std::size_t row, const ui::Rect& place) const override;
+  bool isSelected(std::size_t row) const override { return selection_.contains(nodeAt(row)); }
+  bool isCurrent(std::size_t row) const override { return cursor_.current() == nodeAt(row); }
 
  private:
-  struct RowPlaces;
-  struct RowColours;
-  /// A row and how far below the top of the view it is.
-  struct KeptRow {
-    sizewalk::NodeId node;
-    std::int64_t distance;
-  };
-
-  RowPlaces placesOf(std::size_t row) const;
-  void paintRow(ui::Canvas& canvas, std::size_t row) const;
-  void paintTriangle(ui::Canvas& canvas, const RowPlaces& places, const FolderRow& row,
-                     ui::Colour colour) const;
-  void paintTexts(ui::Canvas& canvas, const RowPlaces& places, sizewalk::NodeId node,
-                  const RowColours& colours) const;
-
-  std::size_t rowCount() const { return rows_.rows().size(); }
   sizewalk::NodeId nodeAt(std::size_t row) const { return rows_.rows()[row].node; }
-  std::optional<std::size_t> rowAt(int x, int y) const;
-  std::optional<std::size_t> hoveredRow() const;
   std::optional<std::size_t> currentRow() const;
   std::optional<std::size_t> parentRow(std::size_t row) const;
-  bool isInView(std::size_t row) const;
+  FolderRowPlaces placesOf(std::size_t row) const;
 
   /// Has `change` make the rows anew and puts all that depends on them right.
   void changeRows(const std::function<void()>& change);
-  /// The same for what every change of rows moves: the row to scroll to, and the scroller.
-  void keepingPendingRow(const std::function<void()>& change);
-  std::optional<KeptRow> rowToKeep() const;
-  std::optional<sizewalk::NodeId> currentToKeep() const;
-
+  /// Which row `changeRows` leaves where it is on the screen.
+  std::optional<std::size_t> rowToKeep() const;
+  void countRows() { setCount(rows_.rows().size()); }
   void scrollIfDue();
 
   void pressRow(std::size_t row, const ui::MouseEvent& event);
@@ -123,7 +97,6 @@ class FolderList : public ui::View {
   void selectRangeTo(std::size_t row);
   void selectSiblings(std::size_t row);
 
-  std::optional<std::size_t> rowAfterKey(unsigned long keysym, std::size_t row) const;
   void moveTo(std::size_t row, bool extend);
   bool keyWithCtrl(const ui::KeyEvent& event, std::size_t row);
   bool keyOnRow(const ui::KeyEvent& event, std::size_t row);
@@ -132,26 +105,17 @@ class FolderList : public ui::View {
   void askForMenuAt(std::size_t row);
   bool typeAhead(const ui::KeyEvent& event, std::size_t row);
 
-  const ui::Style& style_;
   const KindColours* colours_;
   Selection& selection_;
   const sizewalk::FileTree* tree_ = nullptr;
   MeasureSettings measure_;
   FolderRows rows_;
-  ui::Scroller scroller_;
-  ui::TypeAhead typeAhead_;
-  std::ptrdiff_t pendingRow_ = -1;
-  std::optional<sizewalk::NodeId> current_;
-  /// Where a range begins.
-  std::optional<sizewalk::NodeId> anchor_;
+  ui::ListCursor<sizewalk::NodeId> cursor_;
+  /// Whose row is to be brought into view.
+  std::optional<sizewalk::NodeId> pending_;
   /// What the last press picked by itself: only a second press on the same is a double one, since
   /// rows may have moved under the pointer between the two.
   std::optional<sizewalk::NodeId> pressed_;
-  struct Point {
-    int x;
-    int y;
-  };
-  std::optional<Point> pointer_;
 };
 
 }  // namespace app

@@ -8,9 +8,7 @@
 
 #include "app/model/format.h"
 #include "ui/keys.h"
-#include "ui/scroll_bar.h"
 #include "ui/text.h"
-#include "ui/widgets/row_geometry.h"
 
 namespace app {
 
@@ -27,7 +25,6 @@ constexpr double kFilesWidth = 70;
 constexpr double kSizeWidth = 90;
 constexpr double kUsualRowHeight = 22;
 
-constexpr int kWheelRows = 3;
 constexpr int kPrimaryButton = 1;
 constexpr ui::Colour kOpaque = 0xFF000000;
 
@@ -53,16 +50,14 @@ KindColumns kindColumns(int left, int right, int rowHeight) {
 // What is shown.
 
 void KindsTable::setRows(std::vector<KindRow> rows) {
-  const auto kept = rowToKeep();
-  const int keptKind = kept ? rows_[*kept].kind : 0;
-  const int keptY = kept ? rowRect(*kept).y : 0;
   const std::size_t currentRow = find(current_).value_or(0);
-  rows_ = std::move(rows);
-  sortKindRows(rows_, sort_);
-  scroller_.setContentHeight(ui::contentHeight(rows_.size(), style_.rowHeight()));
-  if (const auto row = kept ? find(keptKind) : std::nullopt) {
-    scroller_.scrollBy(rowRect(*row).y - keptY);
-  }
+  const auto kindAt = [this](std::size_t row) { return rows_[row].kind; };
+  const auto rowOf = [this](int kind) { return find(kind); };
+  changeRowsAround(rowToKeep(), kindAt, rowOf, [&] {
+    rows_ = std::move(rows);
+    sortKindRows(rows_, sort_);
+    setCount(rows_.size());
+  });
   if (rows_.empty()) {
     current_.reset();
   } else if (!find(current_)) {
@@ -77,14 +72,13 @@ std::optional<std::size_t> KindsTable::rowToKeep() const {
   for (const auto& row : {hoveredRow(), find(selected_)}) {
     if (row && isInView(*row)) return row;
   }
-  if (scroller_.offset() == 0) return std::nullopt;
-  return ui::rowAtOffset(scroller_.offset(), style_.rowHeight(), rows_.size());
+  if (scrollOffset() == 0) return std::nullopt;
+  return firstInView([](std::size_t /*row*/) { return true; });
 }
 
-void KindsTable::layOut() {
-  const ui::Rect& rect = this->rect();
-  const int header = style_.rowHeight();
-  scroller_.setView({rect.x, rect.y + header, rect.w, std::max(0, rect.h - header)});
+ui::Rect KindsTable::rowsPlace() const {
+  const int header = style().rowHeight();
+  return {rect().x, rect().y + header, rect().w, std::max(0, rect().h - header)};
 }
 
 void KindsTable::sortBy(const KindSort& sort) {
@@ -108,31 +102,21 @@ void KindsTable::toggle(std::size_t row) {
 // Drawing.
 
 void KindsTable::paint(ui::Canvas& canvas) const {
-  const ui::Palette& palette = style_.palette();
+  const ui::Palette& palette = style().palette();
   canvas.fillRect(rect(), palette.view);
   canvas.pushClip(rect());
   paintHeader(canvas);
-  canvas.pushClip(scroller_.view());
-  const ui::RowRange seen =
-      ui::visibleRows(scroller_.offset(), scroller_.view().h, style_.rowHeight(), rows_.size());
-  bool currentSeen = false;
-  for (std::size_t row = seen.first; row < seen.last; ++row) {
-    paintRow(canvas, row);
-    currentSeen = currentSeen || rows_[row].kind == current_;
-  }
-  canvas.popClip();
-  ui::drawScrollBar(canvas, scroller_, palette.raised, palette.dimText);
-  if (focused() && !currentSeen) canvas.strokeRect(scroller_.view(), palette.accent);
+  ui::RowList::paint(canvas);
   canvas.popClip();
 }
 
 void KindsTable::paintHeader(ui::Canvas& canvas) const {
-  const ui::Palette& palette = style_.palette();
-  const int height = style_.rowHeight();
+  const ui::Palette& palette = style().palette();
+  const int height = style().rowHeight();
   const ui::Rect header = {rect().x, rect().y, rect().w, height};
   const KindColumns places = columns();
   const auto draw = [&](KindColumn column, const ui::Rect& place, ui::Align align) {
-    ui::drawText(canvas, withRow(place, header), kindHeader(column, sort_), style_.body(),
+    ui::drawText(canvas, withRow(place, header), kindHeader(column, sort_), style().body(),
                  palette.text, align);
   };
   draw(KindColumn::Kind, places.name, ui::Align::Left);
@@ -141,56 +125,27 @@ void KindsTable::paintHeader(ui::Canvas& canvas) const {
   canvas.fillRect({rect().x, rect().y + height - 1, rect().w, 1}, palette.border);
 }
 
-void KindsTable::paintRow(ui::Canvas& canvas, std::size_t row) const {
-  const ui::Palette& palette = style_.palette();
+void KindsTable::paintRow(ui::Canvas& canvas, std::size_t row, const ui::Rect& place) const {
   const KindRow& kind = rows_[row];
-  const ui::Rect place = rowRect(row);
-  const ui::Rect whole = {place.x, place.y, rect().w, place.h};
-  const bool selected = selected_ == kind.kind;
-  if (selected) {
-    canvas.fillRect(whole, palette.accent);
-  } else if (hoveredRow() == row) {
-    canvas.fillRect(whole, style_.hoverVeil());
-  }
   const KindColumns places = columns();
   if (colours_) {
     canvas.fillRect({places.swatchX, place.y + place.h / 2 - 4, kSwatchSize, kSwatchSize},
                     kOpaque | colours_->colourForKind(kind.kind));
   }
-  const ui::Colour colour = selected ? palette.accentText : palette.text;
+  const ui::Palette& palette = style().palette();
+  const ui::Colour colour = isSelected(row) ? palette.accentText : palette.text;
   const auto draw = [&](const ui::Rect& column, std::string_view text, ui::Align align) {
-    ui::drawText(canvas, withRow(column, place), text, style_.body(), colour, align);
+    ui::drawText(canvas, withRow(column, place), text, style().body(), colour, align);
   };
   draw(places.name, kindRowName(kind.kind), ui::Align::Left);
   draw(places.size, formatSize(signedSize(kind.size)), ui::Align::Right);
   draw(places.files, formatCount(kind.files), ui::Align::Right);
-  if (focused() && current_ == kind.kind) {
-    canvas.strokeRect(ui::ringPlace(place, selected),
-                      selected ? palette.accentText : palette.accent);
-  }
 }
 
 // Rows and places.
 
 KindColumns KindsTable::columns() const {
-  return kindColumns(rect().x, rect().x + rect().w - scroller_.barWidth(), style_.rowHeight());
-}
-
-ui::Rect KindsTable::rowRect(std::size_t row) const {
-  const int height = style_.rowHeight();
-  const int y = scroller_.view().y + ui::rowPlace(ui::rowTop(row, height), scroller_.offset());
-  return {rect().x, y, rect().w - scroller_.barWidth(), height};
-}
-
-std::optional<std::size_t> KindsTable::rowAt(int x, int y) const {
-  const ui::Rect& body = scroller_.view();
-  if (!body.contains(x, y) || scroller_.bar().contains(x, y)) return std::nullopt;
-  return ui::rowAtOffset(std::int64_t{y} - body.y + scroller_.offset(), style_.rowHeight(),
-                         rows_.size());
-}
-
-std::optional<std::size_t> KindsTable::hoveredRow() const {
-  return pointer_ ? rowAt(pointer_->x, pointer_->y) : std::nullopt;
+  return kindColumns(rect().x, rect().x + rect().w - scroller().barWidth(), style().rowHeight());
 }
 
 std::optional<std::size_t> KindsTable::find(std::optional<int> kind) const {
@@ -199,21 +154,17 @@ std::optional<std::size_t> KindsTable::find(std::optional<int> kind) const {
   return static_cast<std::size_t>(row - rows_.begin());
 }
 
-bool KindsTable::isInView(std::size_t row) const {
-  return ui::showsInView(row, scroller_.offset(), scroller_.view().h, style_.rowHeight());
-}
-
 // The pointer.
 
 void KindsTable::press(const ui::MouseEvent& event) {
   if (event.button != kPrimaryButton || !rect().contains(event.x, event.y)) return;
-  if (event.y < scroller_.view().y) {
+  if (event.y < view().y) {
     pressHeader(event.x);
-  } else if (scroller_.press(event.x, event.y)) {
-    changed();
   } else if (const auto row = rowAt(event.x, event.y)) {
     current_ = rows_[*row].kind;
     toggle(*row);
+  } else {
+    pressBar(event);
   }
 }
 
@@ -225,69 +176,25 @@ void KindsTable::pressHeader(int x) {
   sortBy(sort_.afterPress(column));
 }
 
-void KindsTable::motion(const ui::MouseEvent& event) {
-  const int offset = scroller_.offset();
-  const auto before = hoveredRow();
-  pointer_ = Point{event.x, event.y};
-  if (scroller_.drag(event.y)) pointer_.reset();
-  if (hoveredRow() != before || scroller_.offset() != offset) changed();
-}
-
-void KindsTable::release(const ui::MouseEvent& event) {
-  if (event.button == kPrimaryButton) scroller_.release();
-}
-
-void KindsTable::leave() {
-  const bool hovered = hoveredRow().has_value();
-  pointer_.reset();
-  if (hovered) changed();
-}
-
-void KindsTable::wheel(const ui::MouseEvent& /*event*/, int dy) {
-  scroller_.scrollBy(dy * kWheelRows * style_.rowHeight());
-  changed();
-}
-
 // Keys.
 
 bool KindsTable::key(const ui::KeyEvent& event) {
   const auto row = find(current_);
   if (!row || event.ctrl) return false;
-  const std::size_t page = ui::rowsInPage(scroller_.view().h, style_.rowHeight());
-  const std::size_t last = rows_.size() - 1;
-  switch (ui::key::plain(event.keysym)) {
-    case ui::key::kUp:
-      moveTo(*row - std::min<std::size_t>(*row, 1));
-      return true;
-    case ui::key::kDown:
-      moveTo(std::min(*row + 1, last));
-      return true;
-    case ui::key::kPageUp:
-      moveTo(*row - std::min(*row, page));
-      return true;
-    case ui::key::kPageDown:
-      moveTo(std::min(*row + page, last));
-      return true;
-    case ui::key::kHome:
-      moveTo(0);
-      return true;
-    case ui::key::kEnd:
-      moveTo(last);
-      return true;
-    case ui::key::kReturn:
-    case ' ':
-      toggle(*row);
-      return true;
-    default:
-      return false;
+  const ui::key::Keysym keysym = ui::key::plain(event.keysym);
+  if (const auto target = rowAfterKey(keysym, row)) {
+    moveTo(*target);
+    return true;
   }
+  if (keysym != ui::key::kReturn && keysym != ' ') return false;
+  toggle(*row);
+  return true;
 }
 
 /// The selected kind, where there is one, moves along.
 void KindsTable::moveTo(std::size_t row) {
   current_ = rows_[row].kind;
-  const int height = style_.rowHeight();
-  scroller_.reveal(static_cast<int>(ui::rowTop(row, height)), height);
+  reveal(row);
   changed();
   if (selected_) select(current_);
 }

@@ -11,9 +11,8 @@
 #include "ui/canvas.h"
 #include "ui/geometry.h"
 #include "ui/input.h"
-#include "ui/scroller.h"
+#include "ui/widgets/row_list.h"
 #include "ui/widgets/style.h"
-#include "ui/widgets/view.h"
 
 namespace app {
 
@@ -37,14 +36,14 @@ KindColumns kindColumns(int left, int right, int rowHeight);
 /// looks at keeps its place on the screen.
 ///
 /// Window thread only. Places and lengths are device pixels of the window.
-class KindsTable : public ui::View {
+class KindsTable : public ui::RowList {
  public:
   /// Another kind is selected now, or none.
   std::function<void(std::optional<int>)> onKindSelected;
 
   /// Both outlive the table. Without `colours` rows have no swatches.
   KindsTable(const ui::Style& style, const KindColours* colours)
-      : style_(style), colours_(colours) {}
+      : ui::RowList(style), colours_(colours) {}
 
   /// Shows `rows`, which come in any order. Of those that remain, the one under the pointer stays
   /// where it is on the screen; else the selected one if it is in view; else the topmost one,
@@ -57,10 +56,6 @@ class KindsTable : public ui::View {
   bool takesKeyboard() const override { return true; }
   void paint(ui::Canvas& canvas) const override;
   void press(const ui::MouseEvent& event) override;
-  void motion(const ui::MouseEvent& event) override;
-  void release(const ui::MouseEvent& event) override;
-  void leave() override;
-  void wheel(const ui::MouseEvent& event, int dy) override;
   bool key(const ui::KeyEvent& event) override;
 
   const std::vector<KindRow>& rows() const { return rows_; }
@@ -68,42 +63,31 @@ class KindsTable : public ui::View {
   std::optional<int> selectedKind() const { return selected_; }
   /// Nothing while there are no rows.
   std::optional<int> currentKind() const { return current_; }
-  int scrollOffset() const { return scroller_.offset(); }
   KindColumns columns() const;
-  /// Where a row is, the scroll bar not included; outside the table's body when it is out of view.
-  ui::Rect rowRect(std::size_t row) const;
 
  protected:
-  void layOut() override;
+  void paintRow(ui::Canvas& canvas, std::size_t row, const ui::Rect& place) const override;
+  bool isSelected(std::size_t row) const override { return rows_[row].kind == selected_; }
+  bool isCurrent(std::size_t row) const override { return rows_[row].kind == current_; }
+  /// Below the header.
+  ui::Rect rowsPlace() const override;
 
  private:
-  struct Point {
-    int x;
-    int y;
-  };
-
   void paintHeader(ui::Canvas& canvas) const;
-  void paintRow(ui::Canvas& canvas, std::size_t row) const;
-  std::optional<std::size_t> rowAt(int x, int y) const;
-  std::optional<std::size_t> hoveredRow() const;
   std::optional<std::size_t> find(std::optional<int> kind) const;
+  /// Which row `setRows` leaves where it is on the screen.
   std::optional<std::size_t> rowToKeep() const;
-  bool isInView(std::size_t row) const;
   void pressHeader(int x);
   void sortBy(const KindSort& sort);
   void select(std::optional<int> kind);
   void toggle(std::size_t row);
   void moveTo(std::size_t row);
 
-  const ui::Style& style_;
   const KindColours* colours_;
   std::vector<KindRow> rows_;
   KindSort sort_;
   std::optional<int> selected_;
   std::optional<int> current_;
-  /// Its view is the body, below the header.
-  ui::Scroller scroller_;
-  std::optional<Point> pointer_;
 };
 
 }  // namespace app

@@ -109,7 +109,7 @@ TEST_F(FolderChooserTest, MayEndWhileItIsClosed) {
 TEST_F(FolderChooserTest, ScrollsTheListUnderThePointer) {
   for (int i = 0; i < 40; ++i) makeFolder("many/" + std::to_string(100 + i));
   open({{"Many", home + "/many"}, {"Home", home}});
-  const ui::RowColumn& list = chooser->listColumn();
+  const ui::RowList& list = chooser->listColumn();
   ASSERT_TRUE(list.scroller().hasBar());
   chooser->wheel(at(list.view()), 2);
   EXPECT_EQ(list.scroller().offset(), 6 * style.rowHeight());
@@ -140,7 +140,7 @@ TEST_F(FolderChooserTest, ScrollsManyPlaces) {
   std::vector<FolderPlace> places;
   for (int i = 0; i < 40; ++i) places.push_back({std::to_string(i), home});
   open(places);
-  const ui::RowColumn& column = chooser->placesColumn();
+  const ui::RowList& column = chooser->placesColumn();
   ASSERT_TRUE(column.scroller().hasBar());
   chooser->wheel(at(column.view()), 1);
   EXPECT_GT(column.scroller().offset(), 0);
@@ -166,7 +166,7 @@ TEST_F(FolderChooserTest, MovesThroughTheListByKeys) {
 TEST_F(FolderChooserTest, KeepsTheSelectedRowInView) {
   for (int i = 0; i < 200; ++i) makeFolder("many/" + std::to_string(100 + i));
   open({{"Many", home + "/many"}});
-  const ui::RowColumn& list = chooser->listColumn();
+  const ui::RowList& list = chooser->listColumn();
   for (const auto keysym : {ui::key::kEnd, ui::key::kPageUp, ui::key::kPageUp, ui::key::kUp,
                             ui::key::kHome, ui::key::kPageDown}) {
     key(keysym);

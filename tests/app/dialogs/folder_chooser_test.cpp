@@ -228,7 +228,7 @@ TEST_F(FolderChooserTest, ShowsAHundredThousandFolders) {
   ASSERT_EQ(chooser->listColumn().count(), std::size_t{kCount});
   key(ui::key::kEnd);
   EXPECT_EQ(selectedName(), "199999");
-  const ui::RowColumn& list = chooser->listColumn();
+  const ui::RowList& list = chooser->listColumn();
   const ui::Rect row = list.rowRect(kCount - 1);
   EXPECT_EQ(ui::intersect(row, list.view()), row);
   EXPECT_EQ(ground(row), rgb(style.palette().accent));
