@@ -6,7 +6,6 @@
 
 #include <atomic>
 #include <chrono>
-#include <fstream>
 #include <functional>
 #include <limits>
 #include <mutex>
@@ -17,6 +16,7 @@
 #include "app/map/cushion_shading.h"
 #include "tests/app/map/map_tree.h"
 #include "tests/support/eventually.h"
+#include "tests/support/waiting_thread.h"
 #include "tests/ui/window_test_base.h"
 
 namespace app {
@@ -325,20 +325,12 @@ TEST_F(BackgroundPictureTest, WaitsForAPictureOfATreeThatItLeaves) {
   EXPECT_TRUE(picture_.rendered().pixels.empty());
 }
 
-/// Whether a thread of this process waits for something.
-bool waits(pid_t thread) {
-  std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
-  std::string stat;
-  std::getline(file, stat);
-  return stat.substr(stat.rfind(')') + 1).starts_with(" S");
-}
-
 TEST_F(BackgroundPictureTest, WaitsForTheThreadThatReadsTheTree) {
   const pid_t owner = gettid();
   std::atomic<bool> leaving = false;
   std::atomic<bool> ended = false;
   BackgroundRender render([&](const std::function<void()>&) {
-    ended = test::eventually([&] { return leaving && waits(owner); });
+    ended = test::eventually([&] { return leaving && test::waits(owner); });
   });
   ASSERT_TRUE(render.start({&tree_, kRootNode, 10, 10, colours_, {}, {}, {}}));
   leaving = true;
