@@ -5,13 +5,10 @@
 
 #include <algorithm>
 #include <limits>
-#include <set>
-#include <system_error>
-#include <thread>
 #include <utility>
 
 #include "base/file_descriptor.h"
-#include "base/mutex.h"
+#include "base/owed_answers.h"
 #include "sizewalk/retry.h"
 
 namespace sizewalk {
@@ -47,43 +44,11 @@ VolumeUsage usageOf(const struct statvfs& status) {
           .freeBytes = bytesOf(std::min<std::uint64_t>(status.f_bavail, unused), blockSize)};
 }
 
-struct VolumeMeter::Shared {
-  Shared(OnMeasured reportTo, Measure measureWith)
-      : measure(std::move(measureWith)), onMeasured(std::move(reportTo)) {}
-
-  /// The work of one thread.
-  void answer(const std::string& mountPoint) EXCLUDES(mutex) {
-    const VolumeUsage usage = measure(mountPoint);
-    const base::MutexLock lock(mutex);
-    outstanding.erase(mountPoint);
-    if (onMeasured) onMeasured(mountPoint, usage);
-  }
-
-  const Measure measure;
-  base::Mutex mutex;  // guards the members below, and is held while an answer is reported
-  OnMeasured onMeasured GUARDED_BY(mutex);              // empty once the meter is gone
-  std::set<std::string> outstanding GUARDED_BY(mutex);  // mount points that owe an answer
-};
-
 VolumeMeter::VolumeMeter(OnMeasured onMeasured, Measure measure)
-    : shared_(std::make_shared<Shared>(std::move(onMeasured), std::move(measure))) {}
-
-VolumeMeter::~VolumeMeter() {
-  const base::MutexLock lock(shared_->mutex);
-  shared_->onMeasured = nullptr;
-}
+    : answers_(std::move(measure), std::move(onMeasured)) {}
 
 void VolumeMeter::measure(const std::vector<std::string>& mountPoints) {
-  const base::MutexLock lock(shared_->mutex);
-  for (const std::string& mountPoint : mountPoints) {
-    if (!shared_->outstanding.insert(mountPoint).second) continue;
-    try {
-      // Detached: joining would wait for a server that is gone.
-      std::thread([shared = shared_, mountPoint] { shared->answer(mountPoint); }).detach();
-    } catch (const std::system_error&) {
-      shared_->outstanding.erase(mountPoint);
-    }
-  }
+  for (const std::string& mountPoint : mountPoints) answers_.ask(mountPoint);
 }
 
 }  // namespace sizewalk

@@ -2,9 +2,10 @@
 
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
+
+#include "base/owed_answers.h"
 
 struct statvfs;
 
@@ -27,25 +28,19 @@ VolumeUsage usageOf(const struct statvfs& status);
 /// server of one that lies on the network. Any thread but the window's.
 VolumeUsage measureVolume(const std::string& path);
 
-/// Measures volumes on threads of its own, one for each, so that one that hangs delays no other and
-/// nobody waits for it. Used by one thread. One serves the whole run of a program: it remembers
-/// which volumes still owe an answer, and a new one for every question would leave a thread behind
-/// each time.
+/// Measures volumes without waiting for them, each on a thread of its own. Used by one thread; one
+/// serves the whole run of a program (see `base::OwedAnswers`).
 class VolumeMeter {
  public:
   /// Called on the meter's threads, one at a time, with a lock held: it hands the answer on, and
-  /// neither calls the meter nor waits for a thread that does. Must not throw.
+  /// neither calls the meter nor waits for a thread that does.
   using OnMeasured = std::function<void(const std::string& mountPoint, const VolumeUsage& usage)>;
   /// Called on several threads at once, perhaps still when the meter is gone: it owns what it
-  /// needs. Must not throw.
+  /// needs. What it throws makes the usage nothing.
   using Measure = std::function<VolumeUsage(const std::string& mountPoint)>;
 
+  /// The meter goes without waiting for answers. None is reported afterwards.
   explicit VolumeMeter(OnMeasured onMeasured, Measure measure = measureVolume);
-  /// Returns without waiting for answers. None is reported afterwards; a call of `onMeasured` that
-  /// is under way has ended. What it handed on before may still be on its way to the owner.
-  ~VolumeMeter();
-  VolumeMeter(const VolumeMeter&) = delete;
-  VolumeMeter& operator=(const VolumeMeter&) = delete;
 
   /// Asks for the usage of each and returns at once; every answer is reported once. One that still
   /// owes the answer to an earlier question is not asked again: that answer serves both. Where no
@@ -53,8 +48,7 @@ class VolumeMeter {
   void measure(const std::vector<std::string>& mountPoints);
 
  private:
-  struct Shared;
-  const std::shared_ptr<Shared> shared_;  // with the threads, which may outlive the meter
+  base::OwedAnswers<std::string, VolumeUsage> answers_;
 };
 
 }  // namespace sizewalk

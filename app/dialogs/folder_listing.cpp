@@ -27,10 +27,10 @@ bool leadsToFolder(int directory, const dirent& entry) {
 
 FolderListing listSubFolders(const std::string& path) {
   const std::unique_ptr<DIR, CloseDirectory> directory(::opendir(path.c_str()));
-  if (!directory) return {.readable = false, .subFolders = {}};
+  if (!directory) return {};
   // Names are resolved from the open folder: no long path is walked again for each of them.
   const int folder = ::dirfd(directory.get());
-  FolderListing listing;
+  FolderListing listing{.readable = true, .subFolders = {}};
   while (const dirent* entry = ::readdir(directory.get())) {
     if (entry->d_name[0] == '.' || !leadsToFolder(folder, *entry)) continue;
     const bool accessible = ::faccessat(folder, entry->d_name, R_OK | X_OK, 0) == 0;

@@ -19,7 +19,7 @@ struct SubFolder {
 /// What there is to choose inside a folder.
 struct FolderListing {
   /// False when the folder could not be opened; there are no sub-folders then.
-  bool readable = true;
+  bool readable = false;
   /// By name, in the order of bytes.
   std::vector<SubFolder> subFolders;
 };

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -44,8 +45,13 @@ TEST_F(FolderListerTest, AnswersAtOnceForAnOrdinaryFolder) {
   const test::TempDirectory directory;
   test::makeDirectory(directory / "sub");
   // A machine that is busy may take longer than what counts as at once.
-  ASSERT_TRUE(eventually([&] { return lister_->list(directory.path()).has_value(); }));
-  EXPECT_EQ(lister_->list(directory / "missing").value_or(FolderListing{}).readable, false);
+  std::optional<FolderListing> listing;
+  ASSERT_TRUE(eventually([&] { return (listing = lister_->list(directory.path())); }));
+  EXPECT_TRUE(listing->readable);
+  EXPECT_EQ(listing->subFolders, (std::vector<SubFolder>{{"sub", true}}));
+  std::optional<FolderListing> missing;
+  ASSERT_TRUE(eventually([&] { return (missing = lister_->list(directory / "missing")); }));
+  EXPECT_FALSE(missing->readable);
 }
 
 TEST_F(FolderListerTest, DoesNotWaitForASlowFolder) {
