@@ -68,7 +68,7 @@ MainWindow::MainWindow(ui::Connection& connection)
       controller_({}, [this] { window_.post([this] { showScanEnd(); }); }),
       welcome_(style_, icon_),
       scan_(connection, style_, colours_, [this](ui::Task task) { window_.post(std::move(task)); }),
-      folderLister_([this](ui::Task task) { window_.post(std::move(task)); }),
+      subFolderReader_([this](ui::Task task) { window_.post(std::move(task)); }),
       meter_([this](const std::string& path, const sizewalk::VolumeUsage& usage) {
         window_.post([this, path, usage] { volumeMeasured(path, usage); });
       }),
@@ -217,7 +217,7 @@ void MainWindow::resize(int width, int height) {
 }
 
 void MainWindow::chooseFolder() {
-  auto chooser = std::make_unique<FolderChooser>(style_, folderPlaces(), folderLister_);
+  auto chooser = std::make_unique<FolderChooser>(style_, folderPlaces(), subFolderReader_);
   chooser->onChosen = [this](const std::string& path) { scanPath(path); };
   input_.open(std::move(chooser));
 }

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "app/dialogs/folder_lister.h"
+#include "app/dialogs/sub_folder_reader.h"
 #include "app/frame/scan_screen.h"
 #include "app/frame/volume_cards.h"
 #include "app/frame/welcome_screen.h"
@@ -105,7 +105,7 @@ class MainWindow {
   /// What the window shows: one of the two above.
   Screen* screen_ = &welcome_;
   /// Above what it is used in: a chooser uses it to its end.
-  FolderLister folderLister_;
+  SubFolderReader subFolderReader_;
   ui::InputStack input_;
   sizewalk::VolumeMeter meter_;
   VolumeCards volumes_;

@@ -72,17 +72,17 @@ void PlacesColumn::paintRow(ui::Canvas& canvas, std::size_t row, const ui::Rect&
 // Folders.
 
 void SubFoldersColumn::clear() {
-  listing_.reset();
+  subFolders_.reset();
   cursor_.reset();
   setCount(0);
   scrollToTop();
   changed();
 }
 
-void SubFoldersColumn::show(FolderListing listing) {
-  listing_ = std::move(listing);
+void SubFoldersColumn::show(SubFolders subFolders) {
+  subFolders_ = std::move(subFolders);
   cursor_.setCurrent(std::nullopt);  // what was typed while it came goes on
-  setCount(listing_->subFolders.size());
+  setCount(subFolders_->folders.size());
   scrollToTop();
   changed();
 }
@@ -95,11 +95,11 @@ void SubFoldersColumn::select(std::size_t row) {
 
 std::optional<std::string> SubFoldersColumn::selectedName() const {
   if (!selected()) return std::nullopt;
-  return listing_->subFolders[*selected()].name;
+  return subFolders_->folders[*selected()].name;
 }
 
 bool SubFoldersColumn::key(const ui::KeyEvent& event) {
-  const auto nameAt = [this](std::size_t row) { return listing_->subFolders[row].name; };
+  const auto nameAt = [this](std::size_t row) { return subFolders_->folders[row].name; };
   const auto search = cursor_.type(event, count(), selected(), nameAt);
   if (search.row) select(*search.row);
   if (search.taken) return true;
@@ -112,7 +112,7 @@ bool SubFoldersColumn::key(const ui::KeyEvent& event) {
 
 void SubFoldersColumn::paintRow(ui::Canvas& canvas, std::size_t row, const ui::Rect& place) const {
   const ui::Palette& palette = style().palette();
-  const SubFolder& folder = listing_->subFolders[row];
+  const SubFolder& folder = subFolders_->folders[row];
   const ui::Colour colour = isSelected(row)     ? palette.accentText
                             : folder.accessible ? palette.text
                                                 : palette.dimText;

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "app/dialogs/folder_listing.h"
 #include "app/dialogs/folder_places.h"
+#include "app/dialogs/sub_folders.h"
 #include "ui/canvas.h"
 #include "ui/geometry.h"
 #include "ui/input.h"
@@ -55,7 +55,7 @@ class SubFoldersColumn : public ui::RowList {
   /// Shows nothing: what there is to show is not known yet.
   void clear();
   /// Shows what is in a folder, from the top on and with nothing selected.
-  void show(FolderListing listing);
+  void show(SubFolders subFolders);
   void select(std::size_t row);
   /// The next letter begins another name.
   void forgetTyped() { cursor_.forgetTyped(); }
@@ -64,7 +64,7 @@ class SubFoldersColumn : public ui::RowList {
   bool key(const ui::KeyEvent& event) override;
 
   /// Nothing once it was cleared.
-  const std::optional<FolderListing>& listing() const { return listing_; }
+  const std::optional<SubFolders>& subFolders() const { return subFolders_; }
   std::optional<std::size_t> selected() const { return cursor_.current(); }
   /// Nothing when none is selected.
   std::optional<std::string> selectedName() const;
@@ -76,7 +76,7 @@ class SubFoldersColumn : public ui::RowList {
   void paintRing(ui::Canvas& /*canvas*/) const override {}
 
  private:
-  std::optional<FolderListing> listing_;
+  std::optional<SubFolders> subFolders_;
   /// The selected row. A listing does not change, so a row's number is its key.
   ui::ListCursor<std::size_t> cursor_;
 };

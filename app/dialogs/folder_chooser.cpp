@@ -34,14 +34,14 @@ ui::Rect inside(const ui::Rect& frame, int width) {
 }  // namespace
 
 FolderChooser::FolderChooser(const ui::Style& style, std::vector<FolderPlace> places,
-                             FolderLister& lister)
+                             SubFolderReader& reader)
     : ui::Dialog(style),
-      lister_(lister),
+      reader_(reader),
       placesColumn_(style, std::move(places)),
       listColumn_(style) {
-  lister_.onListed = [this](const std::string& path, FolderListing answer) {
+  reader_.onRead = [this](const std::string& path, SubFolders answer) {
     // The user may have left that folder meanwhile, or come back to it.
-    if (path == path_ && !listing()) listColumn_.show(std::move(answer));
+    if (path == path_ && !subFolders()) listColumn_.show(std::move(answer));
   };
   setButtons({{"Cancel", ui::ButtonKind::Plain, [this] { close(); }},
               {"Scan This Folder", ui::ButtonKind::Default, [this] { scan(); }}});
@@ -51,7 +51,7 @@ FolderChooser::FolderChooser(const ui::Style& style, std::vector<FolderPlace> pl
   goTo(placesColumn_.current().path);
 }
 
-FolderChooser::~FolderChooser() { lister_.onListed = nullptr; }
+FolderChooser::~FolderChooser() { reader_.onRead = nullptr; }
 
 // What is shown and chosen.
 
@@ -61,7 +61,7 @@ void FolderChooser::goTo(std::string path) {
   listColumn_.clear();
   slow_ = false;
   askedMs_ = ui::Window::now();
-  if (auto answer = lister_.list(path_)) listColumn_.show(std::move(*answer));
+  if (auto answer = reader_.read(path_)) listColumn_.show(std::move(*answer));
 }
 
 void FolderChooser::goUp() {
@@ -80,13 +80,13 @@ void FolderChooser::scan() {
 }
 
 std::string FolderChooser::message() const {
-  if (!listing()) return slow_ ? "Waiting for this folder…" : "";
-  if (!listing()->readable) return "This folder cannot be read.";
-  return listing()->subFolders.empty() ? "No folders here." : "";
+  if (!subFolders()) return slow_ ? "Waiting for this folder…" : "";
+  if (!subFolders()->readable) return "This folder cannot be read.";
+  return subFolders()->folders.empty() ? "No folders here." : "";
 }
 
 void FolderChooser::tick(std::int64_t nowMs) {
-  if (listing() || slow_ || nowMs - askedMs_ < kSlowMs) return;
+  if (subFolders() || slow_ || nowMs - askedMs_ < kSlowMs) return;
   slow_ = true;
   changed();
 }

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "app/dialogs/chooser_columns.h"
-#include "app/dialogs/folder_lister.h"
 #include "app/dialogs/folder_places.h"
+#include "app/dialogs/sub_folder_reader.h"
 #include "ui/widgets/dialog.h"
 
 namespace app {
@@ -29,9 +29,9 @@ class FolderChooser : public ui::Dialog {
   /// The path to scan. The chooser has closed by then.
   std::function<void(const std::string&)> onChosen;
 
-  /// Shows the first of `places`, of which there is at least one. `style` and `lister` outlive the
-  /// chooser, which is the only one to use the lister while it is there.
-  FolderChooser(const ui::Style& style, std::vector<FolderPlace> places, FolderLister& lister);
+  /// Shows the first of `places`, of which there is at least one. `style` and `reader` outlive the
+  /// chooser, which is the only one to use the reader while it is there.
+  FolderChooser(const ui::Style& style, std::vector<FolderPlace> places, SubFolderReader& reader);
   ~FolderChooser() override;
 
   void press(const ui::MouseEvent& event) override;
@@ -45,8 +45,8 @@ class FolderChooser : public ui::Dialog {
 
   const std::string& path() const { return path_; }
   const std::vector<FolderPlace>& places() const { return placesColumn_.places(); }
-  /// Nothing while the folder has not been listed yet.
-  const std::optional<FolderListing>& listing() const { return listColumn_.listing(); }
+  /// Nothing while the folder has not been read yet.
+  const std::optional<SubFolders>& subFolders() const { return listColumn_.subFolders(); }
   std::optional<std::size_t> selected() const { return listColumn_.selected(); }
   /// What is said where the list would be; empty while there is a list.
   std::string message() const;
@@ -79,7 +79,7 @@ class FolderChooser : public ui::Dialog {
   void paintPath(ui::Canvas& canvas) const;
   void paintList(ui::Canvas& canvas) const;
 
-  FolderLister& lister_;
+  SubFolderReader& reader_;
   std::string path_;
   std::int64_t askedMs_ = 0;  // when the folder was asked for what is in it
   bool slow_ = false;         // it has not answered for long enough to say so

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "app/dialogs/folder_listing.h"
+#include "app/dialogs/sub_folders.h"
 
 namespace app {
 

@@ -43,15 +43,15 @@ class FolderChooserTest : public testing::Test, protected test::ViewsOnWindow {
   /// Opens a chooser at the home folder and waits for its listing.
   void open() { open({{"Home", home}, {"Filesystem", "/"}, {"Other", home + "/b"}}); }
   void open(std::vector<FolderPlace> places) {
-    chooser.reset();  // two of them do not share a lister
-    chooser = std::make_unique<FolderChooser>(style, std::move(places), lister);
+    chooser.reset();  // two of them do not share a reader
+    chooser = std::make_unique<FolderChooser>(style, std::move(places), reader);
     chooser->onChosen = [this](const std::string& path) { told.push_back("scan " + path); };
     chooser->onClosed = [this] { told.emplace_back("closed"); };
     chooser->setRect({0, 0, kWidth, kHeight});
-    EXPECT_TRUE(listed());
+    EXPECT_TRUE(answered());
   }
-  bool listed() {
-    return chooser->listing() || runUntil([&] { return chooser->listing().has_value(); });
+  bool answered() {
+    return chooser->subFolders() || runUntil([&] { return chooser->subFolders().has_value(); });
   }
 
   void press(const ui::Rect& rect, int clicks = 1, int button = 1) {
@@ -60,7 +60,7 @@ class FolderChooserTest : public testing::Test, protected test::ViewsOnWindow {
     chooser->press(event);
     chooser->release(event);
     const bool answers = !chooser->path().ends_with("slow");
-    ASSERT_TRUE(!answers || listed());
+    ASSERT_TRUE(!answers || answered());
   }
   void pressRow(std::size_t row, int clicks = 1, int button = 1) {
     press(chooser->listColumn().rowRect(row), clicks, button);
@@ -68,7 +68,7 @@ class FolderChooserTest : public testing::Test, protected test::ViewsOnWindow {
   void pressPlace(std::size_t row) { press(chooser->placesColumn().rowRect(row)); }
   void key(ui::key::Keysym keysym, bool ctrl = false, bool shift = false) {
     chooser->key({.keysym = keysym, .text = {}, .shift = shift, .ctrl = ctrl});
-    ASSERT_TRUE(listed());
+    ASSERT_TRUE(answered());
   }
   void type(const std::string& text) {
     for (const char c : text) {
@@ -79,12 +79,12 @@ class FolderChooserTest : public testing::Test, protected test::ViewsOnWindow {
   std::string path() const { return chooser->path(); }
   Told names() const {
     Told names;
-    for (const SubFolder& folder : chooser->listing()->subFolders) names.push_back(folder.name);
+    for (const SubFolder& folder : chooser->subFolders()->folders) names.push_back(folder.name);
     return names;
   }
   std::optional<std::string> selectedName() const {
     if (!chooser->selected()) return std::nullopt;
-    return chooser->listing()->subFolders.at(*chooser->selected()).name;
+    return chooser->subFolders()->folders.at(*chooser->selected()).name;
   }
   Told taken() { return std::exchange(told, {}); }
 
@@ -107,7 +107,7 @@ class FolderChooserTest : public testing::Test, protected test::ViewsOnWindow {
   const std::string home = directory / "home";
   Told told;
   test::SlowFolders slow;
-  FolderLister lister{[this](ui::Task task) { window.post(std::move(task)); }, slow.list()};
+  SubFolderReader reader{[this](ui::Task task) { window.post(std::move(task)); }, slow.read()};
   std::unique_ptr<FolderChooser> chooser;
 };
 

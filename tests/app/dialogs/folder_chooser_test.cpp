@@ -107,18 +107,18 @@ TEST_F(FolderChooserTest, FillsTheSelectedRow) {
 }
 
 TEST_F(DarkFolderChooserTest, DimsFoldersThatCannotBeEntered) {
-  FolderLister fixed([this](ui::Task task) { window.post(std::move(task)); },
-                     [](const std::string&) {
-                       return FolderListing{true, {{"open", true}, {"shut", false}}};
-                     });
+  SubFolderReader fixed([this](ui::Task task) { window.post(std::move(task)); },
+                        [](const std::string&) {
+                          return SubFolders{true, {{"open", true}, {"shut", false}}};
+                        });
   chooser = std::make_unique<FolderChooser>(style, std::vector{FolderPlace{"/", "/"}}, fixed);
   chooser->setRect({0, 0, kWidth, kHeight});
-  ASSERT_TRUE(listed());
+  ASSERT_TRUE(answered());
   const auto row = [&](std::size_t number) { return chooser->listColumn().rowRect(number); };
   EXPECT_TRUE(hasInk(row(0), style.palette().text));
   EXPECT_FALSE(hasInk(row(1), style.palette().text));
   EXPECT_TRUE(hasInk(row(1), style.palette().dimText));
-  chooser.reset();  // before its lister
+  chooser.reset();  // before its reader
 }
 
 TEST_F(FolderChooserTest, CutsALongPathAtItsStart) {
@@ -174,13 +174,13 @@ TEST_F(FolderChooserTest, WaitsForASlowFolderWithoutHoldingUpTheWindow) {
   type("slow");
   chooser->key({.keysym = ui::key::kReturn, .text = {}});
   EXPECT_EQ(path(), home + "/slow");
-  EXPECT_EQ(chooser->listing(), std::nullopt);
+  EXPECT_EQ(chooser->subFolders(), std::nullopt);
   EXPECT_EQ(chooser->message(), "");
   chooser->tick(ui::Window::now() + 1000);
   EXPECT_EQ(chooser->message(), "Waiting for this folder…");
   pressRow(0, 2);
   slow.release();
-  ASSERT_TRUE(listed());
+  ASSERT_TRUE(answered());
   EXPECT_EQ(names(), (Told{"inside"}));
   EXPECT_EQ(chooser->message(), "");
 }
@@ -189,7 +189,7 @@ TEST_F(FolderChooserTest, DropsTheAnswerForAFolderThatWasLeft) {
   makeFolder("slow/inside");
   open({{"Home", home}, {"Slow", home + "/slow"}});
   pressPlace(1);
-  ASSERT_EQ(chooser->listing(), std::nullopt);
+  ASSERT_EQ(chooser->subFolders(), std::nullopt);
   pressPlace(0);
   bool posted = false;
   slow.release();

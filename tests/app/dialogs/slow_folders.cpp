@@ -23,10 +23,10 @@ SlowFolders::SlowFolders() : state_(std::make_shared<State>()) {}
 
 SlowFolders::~SlowFolders() { release(); }
 
-app::FolderLister::List SlowFolders::list() const {
+app::SubFolderReader::Read SlowFolders::read() const {
   return [state = state_](const std::string& path) {
     if (path.ends_with("slow")) state->wait();
-    return app::listSubFolders(path);
+    return app::readSubFolders(path);
   };
 }
 

@@ -3,11 +3,11 @@
 #include <memory>
 #include <string>
 
-#include "app/dialogs/folder_lister.h"
+#include "app/dialogs/sub_folder_reader.h"
 
 namespace test {
 
-/// Lists real folders, but those whose path ends with "slow" only once they are released, as a
+/// Reads real folders, but those whose path ends with "slow" only once they are released, as a
 /// server on the network might. Any thread.
 class SlowFolders {
  public:
@@ -17,8 +17,8 @@ class SlowFolders {
   SlowFolders(const SlowFolders&) = delete;
   SlowFolders& operator=(const SlowFolders&) = delete;
 
-  /// For a lister, which may be used after this is gone.
-  app::FolderLister::List list() const;
+  /// For a reader, which may be used after this is gone.
+  app::SubFolderReader::Read read() const;
   void release();
   /// How many times a slow folder was asked, and how many times it has answered.
   int questions() const;

@@ -6,7 +6,7 @@
 
 namespace app {
 
-/// A folder inside the listed one.
+/// A folder inside the one that was read.
 struct SubFolder {
   /// Bytes, as the file system has them.
   std::string name;
@@ -17,17 +17,17 @@ struct SubFolder {
 };
 
 /// What there is to choose inside a folder.
-struct FolderListing {
+struct SubFolders {
   /// False when the folder could not be opened; there are no sub-folders then.
   bool readable = false;
   /// By name, in the order of bytes.
-  std::vector<SubFolder> subFolders;
+  std::vector<SubFolder> folders;
 };
 
-/// Lists the folders inside `path`, and the links that lead to folders. Those whose name begins
+/// Finds the folders inside `path`, and the links that lead to folders. Those whose name begins
 /// with "." are left out. Any thread; waits, without end in the worst case, for the server of a
 /// folder on the network.
-FolderListing listSubFolders(const std::string& path);
+SubFolders readSubFolders(const std::string& path);
 
 /// The path of `name` inside the folder `folder`.
 std::string pathInside(const std::string& folder, std::string_view name);

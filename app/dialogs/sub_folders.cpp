@@ -1,4 +1,4 @@
-#include "app/dialogs/folder_listing.h"
+#include "app/dialogs/sub_folders.h"
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -25,20 +25,20 @@ bool leadsToFolder(int directory, const dirent& entry) {
 
 }  // namespace
 
-FolderListing listSubFolders(const std::string& path) {
+SubFolders readSubFolders(const std::string& path) {
   const std::unique_ptr<DIR, CloseDirectory> directory(::opendir(path.c_str()));
   if (!directory) return {};
   // Names are resolved from the open folder: no long path is walked again for each of them.
   const int folder = ::dirfd(directory.get());
-  FolderListing listing{.readable = true, .subFolders = {}};
+  SubFolders subFolders{.readable = true, .folders = {}};
   while (const dirent* entry = ::readdir(directory.get())) {
     if (entry->d_name[0] == '.' || !leadsToFolder(folder, *entry)) continue;
     const bool accessible = ::faccessat(folder, entry->d_name, R_OK | X_OK, 0) == 0;
-    listing.subFolders.push_back({entry->d_name, accessible});
+    subFolders.folders.push_back({entry->d_name, accessible});
   }
   // std::string compares as unsigned bytes.
-  std::ranges::sort(listing.subFolders, {}, &SubFolder::name);
-  return listing;
+  std::ranges::sort(subFolders.folders, {}, &SubFolder::name);
+  return subFolders;
 }
 
 std::string pathInside(const std::string& folder, std::string_view name) {
