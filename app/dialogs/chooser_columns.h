@@ -77,7 +77,7 @@ class SubFoldersColumn : public ui::RowList {
 
  private:
   std::optional<SubFolders> subFolders_;
-  /// The selected row. A listing does not change, so a row's number is its key.
+  /// The selected row. What was read does not change, so a row's number is its key.
   ui::ListCursor<std::size_t> cursor_;
 };
 

@@ -40,7 +40,7 @@ class FolderChooserTest : public testing::Test, protected test::ViewsOnWindow {
 
   void makeFolder(const std::string& name) const { test::makeDirectory(home + "/" + name); }
 
-  /// Opens a chooser at the home folder and waits for its listing.
+  /// Opens a chooser at the home folder and waits for what is in it.
   void open() { open({{"Home", home}, {"Filesystem", "/"}, {"Other", home + "/b"}}); }
   void open(std::vector<FolderPlace> places) {
     chooser.reset();  // two of them do not share a reader
