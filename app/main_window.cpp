@@ -127,7 +127,7 @@ void MainWindow::applySettings() {
   scan_.setSettings(screenSettings());
 }
 
-MainWindow::~MainWindow() { controller_.stop(); }
+MainWindow::~MainWindow() = default;
 
 bool MainWindow::create() {
   if (!window_.create(windowTitle({}), connection_.scaled(kWidth), connection_.scaled(kHeight))) {
@@ -154,7 +154,6 @@ void MainWindow::show(Screen& screen) {
 }
 
 void MainWindow::scanPath(const std::string& path) {
-  controller_.stop();
   scan_.show(nullptr);  // the controller drops the tree that is shown
   controller_.start(path);
   endShown_ = false;
@@ -168,7 +167,6 @@ void MainWindow::scanPath(const std::string& path) {
 }
 
 void MainWindow::showWelcome() {
-  controller_.stop();
   scan_.show(nullptr);
   controller_.drop();
   show(welcome_);
@@ -215,7 +213,6 @@ void MainWindow::followScan() {
 
 void MainWindow::showScanEnd() {
   // The end of a scan may be posted just before another scan takes its place, or is left.
-  if (!scanShown()) controller_.drop();
   if (!scanShown() || endShown_ || !controller_.finished()) return;
   endShown_ = true;
   const ScanSummary& summary = controller_.summary();
@@ -384,7 +381,7 @@ void MainWindow::perform(Command command) {
     case Command::StopScan:
       return stopScan();
     case Command::Rescan:
-      return scanPath(std::string(controller_.path()));
+      return scanPath(controller_.path());
     case Command::GoOut:
       return scan_.focus().goOut();
     case Command::GoToScannedFolder:

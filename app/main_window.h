@@ -33,7 +33,7 @@ class MainWindow {
  public:
   /// `connection` outlives the window. Nothing is seen before `create`.
   explicit MainWindow(ui::Connection& connection);
-  /// Stops a running scan and waits for its end.
+  /// Waits for no scan.
   ~MainWindow();
   MainWindow(const MainWindow&) = delete;
   MainWindow& operator=(const MainWindow&) = delete;
