@@ -154,13 +154,12 @@ void MainWindow::show(Screen& screen) {
 }
 
 void MainWindow::scanPath(const std::string& path) {
-  scan_.show(nullptr);  // the controller drops the tree that is shown
   controller_.start(path);
   endShown_ = false;
   stopping_ = false;
   shownNodes_ = 0;
   scanStarted_ = Clock::now();
-  scan_.show(&controller_.scanner()->tree());
+  scan_.show(controller_.tree());
   scan_.setScanStatus({.scanning = true});
   meter_.measure({controller_.path()});
   show(scan_);
