@@ -39,14 +39,6 @@ ScanScreenSettings screenSettings() {
           .extraBlocks = {.freeSpace = isOn(setting::kShowFreeSpace),
                           .otherSpace = isOn(setting::kShowOtherSpace)}};
 }
-
-ScanStatus statusOf(const ScanSummary& summary) {
-  return {.elapsedSeconds = summary.elapsedSeconds,
-          .hardLinks = static_cast<std::int64_t>(summary.hardLinks),
-          .hardLinkBytes = static_cast<std::int64_t>(summary.hardLinkBytes),
-          .unreadable = static_cast<std::int64_t>(summary.errors),
-          .stopped = summary.cancelled};
-}
 }  // namespace
 
 std::string windowTitle(const std::string& scanPath) {
@@ -72,8 +64,7 @@ MainWindow::MainWindow(ui::Connection& connection)
       style_(connection, ui::detectPalette()),
       colours_(isOn(setting::kConsistentKindColours)),
       window_(connection),
-      // The tick follows a running scan by itself, so its progress reports go nowhere.
-      controller_({}, [this] { window_.post([this] { showScanEnd(); }); }),
+      session_([this](ui::Task task) { window_.post(std::move(task)); }),
       welcome_(style_, icon_),
       scan_(connection, style_, colours_, [this](ui::Task task) { window_.post(std::move(task)); }),
       folderLister_([this](ui::Task task) { window_.post(std::move(task)); }),
@@ -82,6 +73,7 @@ MainWindow::MainWindow(ui::Connection& connection)
       }),
       volumes_([this](const std::vector<std::string>& paths) { meter_.measure(paths); }) {
   connectScreens();
+  connectSession();
   connectInput();
   applySettings();
 }
@@ -103,6 +95,12 @@ void MainWindow::connectScreens() {
   };
 }
 
+void MainWindow::connectSession() {
+  session_.onPathFound = [this] { scanPathFound(); };
+  session_.onGrown = [this] { scan_.treeChanged(); };
+  session_.onEnded = [this] { showScanEnd(); };
+}
+
 void MainWindow::connectInput() {
   window_.onPrepare = [this] { prepareFrame(); };
   window_.onPaint = [this](ui::Canvas& canvas) {
@@ -119,6 +117,11 @@ void MainWindow::connectInput() {
     if (dy != 0) wheel(event, dy);
   };
   window_.onKey = [this](const ui::KeyEvent& event) { key(event); };
+  // Closing takes the same door as everything else that leaves a scan, and perhaps a while there.
+  window_.onCloseQuery = [this] {
+    settlePendingBefore([this] { window_.quit(); });
+    return false;
+  };
 }
 
 void MainWindow::applySettings() {
@@ -153,30 +156,33 @@ void MainWindow::show(Screen& screen) {
   window_.invalidate();
 }
 
+void MainWindow::settlePendingBefore(const std::function<void()>& next) { next(); }
+
 void MainWindow::scanPath(const std::string& path) {
-  controller_.start(path);
-  endShown_ = false;
-  stopping_ = false;
-  shownNodes_ = 0;
-  scanStarted_ = Clock::now();
-  scan_.show(controller_.tree());
-  scan_.setScanStatus({.scanning = true});
-  meter_.measure({controller_.path()});
+  settlePendingBefore([this, path] { startScan(path); });
+}
+
+void MainWindow::startScan(const std::string& path) {
+  session_.start(path);
+  scan_.show(session_.tree());
+  scan_.setScanStatus(session_.status());
+  meter_.measure({session_.path()});
   show(scan_);
 }
 
 void MainWindow::showWelcome() {
+  settlePendingBefore([this] { leaveScan(); });
+}
+
+void MainWindow::leaveScan() {
+  session_.leave();
   scan_.show(nullptr);
-  controller_.drop();
   show(welcome_);
 }
 
 void MainWindow::stopScan() {
-  controller_.stop();
-  // A reader may wait for a disk before it sees that; the summary follows when all have ended.
-  stopping_ = true;
-  const std::chrono::duration<double> elapsed = Clock::now() - scanStarted_;
-  scan_.setScanStatus({.elapsedSeconds = elapsed.count(), .stopped = true});
+  session_.stop();
+  scan_.setScanStatus(session_.status());
 }
 
 void MainWindow::captureAfter(const std::string& file, double seconds) {
@@ -184,12 +190,12 @@ void MainWindow::captureAfter(const std::string& file, double seconds) {
 }
 
 void MainWindow::tick() {
-  followScan();
+  session_.follow();
   const std::int64_t now = ui::Window::now();
   if (!scanShown() && now >= nextVolumes_) refreshVolumes();
   screen_->tick(now);
   if (ui::Dialog* dialog = dialogs_.top()) dialog->tick(now);
-  if (const auto file = captureCountdown_.tick(scanShown() && !endShown_)) {
+  if (const auto file = captureCountdown_.tick(session_.underWay())) {
     scan_.drawAtOnce();
     window_.invalidate();
     window_.post([this, path = *file] { capture(path); });
@@ -201,32 +207,24 @@ void MainWindow::capture(const std::string& file) {
   window_.quit();
 }
 
-void MainWindow::followScan() {
-  if (!scanShown() || controller_.finished()) return;
-  const sizewalk::NodeId nodes = controller_.scanner()->tree().nodeCount();
-  if (nodes != shownNodes_ && pacer_.due(Clock::now())) {
-    shownNodes_ = nodes;
-    scan_.treeChanged();
-  }
+void MainWindow::scanPathFound() {
+  updateTitle();
+  meter_.measure({session_.path()});
 }
 
 void MainWindow::showScanEnd() {
-  // The end of a scan may be posted just before another scan takes its place, or is left.
-  if (!scanShown() || endShown_ || !controller_.finished()) return;
-  endShown_ = true;
-  const ScanSummary& summary = controller_.summary();
-  if (summary.failure != 0) {
-    const std::string reason = scanFailureText(controller_.path(), summary.failureText);
-    showWelcome();
+  if (session_.phase() == ScanPhase::Failed) {
+    const std::string reason = scanFailureText(session_.path(), session_.summary().failureText);
+    leaveScan();
     showMessage("This folder cannot be scanned", reason);
     return;
   }
-  scan_.setScanStatus(statusOf(summary));
+  scan_.setScanStatus(session_.status());
   scan_.treeChanged();
 }
 
 void MainWindow::prepareFrame() {
-  pacer_.run([this] { return screen_->prepare(); });
+  session_.pacer().run([this] { return screen_->prepare(); });
 }
 
 void MainWindow::resize(int width, int height) {
@@ -296,9 +294,7 @@ void MainWindow::showMessage(const std::string& title, const std::string& text) 
   openDialog(std::make_unique<ui::MessageDialog>(connection_, style_, title, text, ui::okButton()));
 }
 
-void MainWindow::updateTitle() {
-  window_.setTitle(windowTitle(scanShown() ? controller_.path() : std::string()));
-}
+void MainWindow::updateTitle() { window_.setTitle(windowTitle(session_.path())); }
 
 ui::InputTarget& MainWindow::inputTarget() {
   if (menu_) return *menu_;
@@ -368,7 +364,7 @@ void MainWindow::escape() {
 
 CommandState MainWindow::commandState() const {
   return {.scanShown = scanShown(),
-          .scanning = scanShown() && !endShown_ && !stopping_,
+          .scanning = session_.phase() == ScanPhase::Scanning,
           .canGoOut = scan_.focus().canGoOut()};
 }
 
@@ -380,7 +376,7 @@ void MainWindow::perform(Command command) {
     case Command::StopScan:
       return stopScan();
     case Command::Rescan:
-      return scanPath(controller_.path());
+      return scanPath(session_.path());
     case Command::GoOut:
       return scan_.focus().goOut();
     case Command::GoToScannedFolder:
@@ -406,9 +402,9 @@ void MainWindow::perform(Command command) {
 }
 
 void MainWindow::copyPath() {
-  const sizewalk::FileTree& tree = controller_.scanner()->tree();
+  const std::shared_ptr<const sizewalk::FileTree> tree = session_.tree();
   const sizewalk::NodeId target = scan_.target();
-  if (target < tree.nodeCount()) window_.setClipboardText(displayName(tree.path(target)));
+  if (target < tree->nodeCount()) window_.setClipboardText(displayName(tree->path(target)));
 }
 
 void MainWindow::setMeasure(Measure measure) {
@@ -426,7 +422,7 @@ void MainWindow::volumeMeasured(const std::string& path, const sizewalk::VolumeU
   volumes_.measured(path, usage);
   if (!scanShown()) {
     welcome_.setCards(volumes_.cards());
-  } else if (path == controller_.path() && usage.totalBytes > 0) {
+  } else if (path == session_.path() && usage.totalBytes > 0) {
     scan_.setVolumeSpace(VolumeSpace{usage.usedBytes, usage.freeBytes});
   }
 }
