@@ -1,15 +1,31 @@
+#include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <span>
 
 #include "app/command_line.h"
 #include "app/main_window.h"
 #include "app/product.h"
+#include "base/detached_threads.h"
 #include "ui/connection.h"
 #include "ui/single_instance.h"
 
 namespace {
 
+/// What threads that still read or draw are given to end by themselves. One that waits for a disk
+/// that does not answer never does, and the user waits for the program meanwhile.
+constexpr std::chrono::milliseconds kLongestEnd{100};
+
+/// Ends the program as returning from `main` does, but for the destruction of what threads that
+/// hang may still use.
+[[noreturn]] void leaveThreadsBehind(int status) {
+  std::fflush(stdout);
+  std::fflush(stderr);
+  std::_Exit(status);
+}
+
+/// Returns when the window is closed and gone.
 int runWindow(const app::CommandLine& command) {
   // A capture is a run of its own, beside whatever else is open.
   const bool single = command.capturePath.empty();
@@ -48,5 +64,8 @@ int main(int argc, char** argv) {
     case app::CommandLine::Action::Run:
       break;
   }
-  return runWindow(command);
+  const int status = runWindow(command);
+  const auto deadline = std::chrono::steady_clock::now() + kLongestEnd;
+  if (!base::awaitDetachedThreads(deadline)) leaveThreadsBehind(status);
+  return status;
 }

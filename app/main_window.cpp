@@ -31,14 +31,6 @@ constexpr double kMinHeight = 420;
 constexpr std::size_t kLongestPathTold = 300;
 
 bool isOn(const Setting& setting) { return SettingsStore::instance().get(setting); }
-
-ScanStatus statusOf(const ScanSummary& summary) {
-  return {.elapsedSeconds = summary.elapsedSeconds,
-          .hardLinks = static_cast<std::int64_t>(summary.hardLinks),
-          .hardLinkBytes = static_cast<std::int64_t>(summary.hardLinkBytes),
-          .unreadable = static_cast<std::int64_t>(summary.errors),
-          .stopped = summary.cancelled};
-}
 }  // namespace
 
 std::string windowTitle(const std::string& scanPath) {
@@ -64,8 +56,7 @@ MainWindow::MainWindow(ui::Connection& connection)
       style_(connection, ui::detectPalette()),
       colours_(isOn(setting::kConsistentKindColours)),
       window_(connection),
-      // The tick follows a running scan by itself, so its progress reports go nowhere.
-      controller_({}, [this] { window_.post([this] { showScanEnd(); }); }),
+      session_([this](ui::Task task) { window_.post(std::move(task)); }),
       welcome_(style_, icon_),
       scan_(connection, style_, colours_, [this](ui::Task task) { window_.post(std::move(task)); }),
       subFolderReader_([this](ui::Task task) { window_.post(std::move(task)); }),
@@ -74,6 +65,7 @@ MainWindow::MainWindow(ui::Connection& connection)
       }),
       volumes_([this](const std::vector<std::string>& paths) { meter_.measure(paths); }) {
   connectScreens();
+  connectSession();
   connectInput();
   applySettings();
 }
@@ -86,6 +78,12 @@ void MainWindow::connectScreens() {
   input_.onChanged = [this] { window_.invalidate(); };
   welcome_.onCommand = [this](const Command& command) { perform(command); };
   scan_.onCommand = [this](const Command& command) { perform(command); };
+}
+
+void MainWindow::connectSession() {
+  session_.onPathFound = [this] { scanPathFound(); };
+  session_.onGrown = [this] { scan_.treeChanged(); };
+  session_.onEnded = [this] { showScanEnd(); };
 }
 
 void MainWindow::connectInput() {
@@ -101,6 +99,11 @@ void MainWindow::connectInput() {
     if (dy != 0) input_.wheel(event, dy);
   };
   window_.onKey = [this](const ui::KeyEvent& event) { key(event); };
+  // Closing takes the same door as everything else that leaves a scan, and perhaps a while there.
+  window_.onCloseQuery = [this] {
+    settlePendingBefore([this] { window_.quit(); });
+    return false;
+  };
 }
 
 void MainWindow::applySettings() {
@@ -109,7 +112,7 @@ void MainWindow::applySettings() {
   scan_.setSettings(ScanScreenSettings::of(SettingsStore::instance()));
 }
 
-MainWindow::~MainWindow() { controller_.stop(); }
+MainWindow::~MainWindow() = default;
 
 bool MainWindow::create() {
   if (!window_.create(windowTitle({}), connection_.scaled(kWidth), connection_.scaled(kHeight))) {
@@ -131,33 +134,33 @@ void MainWindow::show(Screen& screen) {
   updateTitle();
 }
 
+void MainWindow::settlePendingBefore(const std::function<void()>& next) { next(); }
+
 void MainWindow::scanPath(const std::string& path) {
-  controller_.stop();
-  scan_.show(nullptr);  // the controller drops the tree that is shown
-  controller_.start(path);
-  endShown_ = false;
-  stopping_ = false;
-  shownNodes_ = 0;
-  scanStarted_ = Clock::now();
-  scan_.show(&controller_.scanner()->tree());
-  scan_.setScanStatus({.scanning = true});
-  meter_.measure({controller_.path()});
+  settlePendingBefore([this, path] { startScan(path); });
+}
+
+void MainWindow::startScan(const std::string& path) {
+  session_.start(path);
+  scan_.show(session_.tree());
+  scan_.setScanStatus(session_.status());
+  meter_.measure({session_.path()});
   show(scan_);
 }
 
 void MainWindow::showWelcome() {
-  controller_.stop();
+  settlePendingBefore([this] { leaveScan(); });
+}
+
+void MainWindow::leaveScan() {
+  session_.leave();
   scan_.show(nullptr);
-  controller_.drop();
   show(welcome_);
 }
 
 void MainWindow::stopScan() {
-  controller_.stop();
-  // A reader may wait for a disk before it sees that; the summary follows when all have ended.
-  stopping_ = true;
-  const std::chrono::duration<double> elapsed = Clock::now() - scanStarted_;
-  scan_.setScanStatus({.elapsedSeconds = elapsed.count(), .stopped = true});
+  session_.stop();
+  scan_.setScanStatus(session_.status());
 }
 
 void MainWindow::captureAfter(const std::string& file, double seconds) {
@@ -165,11 +168,11 @@ void MainWindow::captureAfter(const std::string& file, double seconds) {
 }
 
 void MainWindow::tick() {
-  followScan();
+  session_.follow();
   const std::int64_t now = ui::Window::now();
   if (!scanShown() && now >= nextVolumes_) refreshVolumes();
   input_.tick(now);
-  if (const auto file = captureCountdown_.tick(scanShown() && !endShown_)) {
+  if (const auto file = captureCountdown_.tick(session_.underWay())) {
     scan_.showAllInNextFrame();
     window_.invalidate();
     window_.post([this, path = *file] { capture(path); });
@@ -181,33 +184,24 @@ void MainWindow::capture(const std::string& file) {
   window_.quit();
 }
 
-void MainWindow::followScan() {
-  if (!scanShown() || controller_.finished()) return;
-  const sizewalk::NodeId nodes = controller_.scanner()->tree().nodeCount();
-  if (nodes != shownNodes_ && pacer_.due(Clock::now())) {
-    shownNodes_ = nodes;
-    scan_.treeChanged();
-  }
+void MainWindow::scanPathFound() {
+  updateTitle();
+  meter_.measure({session_.path()});
 }
 
 void MainWindow::showScanEnd() {
-  // The end of a scan may be posted just before another scan takes its place, or is left.
-  if (!scanShown()) controller_.drop();
-  if (!scanShown() || endShown_ || !controller_.finished()) return;
-  endShown_ = true;
-  const ScanSummary& summary = controller_.summary();
-  if (summary.failure != 0) {
-    const std::string reason = scanFailureText(controller_.path(), summary.failureText);
-    showWelcome();
+  if (session_.phase() == ScanPhase::Failed) {
+    const std::string reason = scanFailureText(session_.path(), session_.summary().failureText);
+    leaveScan();
     showMessage("This folder cannot be scanned", reason);
     return;
   }
-  scan_.setScanStatus(statusOf(summary));
+  scan_.setScanStatus(session_.status());
   scan_.treeChanged();
 }
 
 void MainWindow::prepareFrame() {
-  pacer_.run([this] { return input_.prepare(); });
+  session_.pacer().run([this] { return input_.prepare(); });
 }
 
 void MainWindow::resize(int width, int height) {
@@ -249,9 +243,7 @@ void MainWindow::showMessage(const std::string& title, const std::string& text) 
       std::make_unique<ui::MessageDialog>(connection_, style_, title, text, ui::okButton()));
 }
 
-void MainWindow::updateTitle() {
-  window_.setTitle(windowTitle(scanShown() ? controller_.path() : std::string()));
-}
+void MainWindow::updateTitle() { window_.setTitle(windowTitle(session_.path())); }
 
 /// The view with the keyboard comes first; closing works whatever is open.
 void MainWindow::key(const ui::KeyEvent& event) {
@@ -263,7 +255,7 @@ void MainWindow::key(const ui::KeyEvent& event) {
 
 CommandState MainWindow::commandState() const {
   return {.scanShown = scanShown(),
-          .scanning = scanShown() && !endShown_ && !stopping_,
+          .scanning = session_.phase() == ScanPhase::Scanning,
           .canGoOut = scan_.focus().canGoOut()};
 }
 
@@ -275,7 +267,7 @@ void MainWindow::perform(const Command& command) {
     case Action::StopScan:
       return stopScan();
     case Action::Rescan:
-      return scanPath(std::string(controller_.path()));
+      return scanPath(session_.path());
     case Action::GoOut:
       return scan_.focus().goOut();
     case Action::GoToScannedFolder:
@@ -306,8 +298,8 @@ void MainWindow::perform(const Command& command) {
 }
 
 void MainWindow::copyPath(sizewalk::NodeId target) {
-  const sizewalk::FileTree& tree = controller_.scanner()->tree();
-  if (target < tree.nodeCount()) window_.setClipboardText(displayName(tree.path(target)));
+  const std::shared_ptr<const sizewalk::FileTree> tree = session_.tree();
+  if (target < tree->nodeCount()) window_.setClipboardText(displayName(tree->path(target)));
 }
 
 void MainWindow::setMeasure(Measure measure) {
@@ -325,7 +317,7 @@ void MainWindow::volumeMeasured(const std::string& path, const sizewalk::VolumeU
   volumes_.measured(path, usage);
   if (!scanShown()) {
     welcome_.setCards(volumes_.cards());
-  } else if (path == controller_.path() && usage.totalBytes > 0) {
+  } else if (path == session_.path() && usage.totalBytes > 0) {
     scan_.setVolumeSpace(VolumeSpace{usage.usedBytes, usage.freeBytes});
   }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,8 +15,7 @@
 #include "app/model/commands.h"
 #include "app/model/kind_colours.h"
 #include "app/model/measure.h"
-#include "app/model/refresh_pacer.h"
-#include "app/model/scan_controller.h"
+#include "app/model/scan_session.h"
 #include "sizewalk/volume_meter.h"
 #include "ui/connection.h"
 #include "ui/icon.h"
@@ -33,7 +33,7 @@ class MainWindow {
  public:
   /// `connection` outlives the window. Nothing is seen before `create`.
   explicit MainWindow(ui::Connection& connection);
-  /// Stops a running scan and waits for its end.
+  /// Waits for no scan.
   ~MainWindow();
   MainWindow(const MainWindow&) = delete;
   MainWindow& operator=(const MainWindow&) = delete;
@@ -41,7 +41,7 @@ class MainWindow {
   /// Makes and shows the window, with the welcome view, and starts its tick. False when the X
   /// server refuses.
   bool create();
-  /// Scans `path` and makes it the shown scan; a scan that runs is stopped. A path that cannot be
+  /// Scans `path` and makes it the shown scan; one that runs is left. A path that cannot be
   /// scanned leads to the welcome view with a message over it.
   void scanPath(const std::string& path);
   /// Leaves the shown scan, stopping it if it runs, for the welcome view.
@@ -54,10 +54,9 @@ class MainWindow {
   unsigned long xid() const { return window_.xid(); }
 
  private:
-  using Clock = RefreshPacer::Clock;
-
   void connectInput();
   void connectScreens();
+  void connectSession();
   void applySettings();
   void show(Screen& screen);
   bool scanShown() const { return screen_ == &scan_; }
@@ -70,7 +69,6 @@ class MainWindow {
   void perform(const Command& command);
   CommandState commandState() const;
   void chooseFolder();
-  /// Shows the scan as stopped, which it soon will be.
   void stopScan();
   void openSettings();
   void showMessage(const std::string& title, const std::string& text);
@@ -81,9 +79,15 @@ class MainWindow {
   void copyPath(sizewalk::NodeId target);
   void setMeasure(Measure measure);
 
-  /// Shows more of a running scan if it is time to.
-  void followScan();
-  /// Shows the scan to its end, once.
+  /// The one door out of a shown scan: whatever replaces it, leaves it or closes the window is
+  /// `next`, which is called as soon as nothing of that scan is pending, now or later.
+  void settlePendingBefore(const std::function<void()>& next);
+  // What lies behind that door.
+  void startScan(const std::string& path);
+  void leaveScan();
+
+  void scanPathFound();
+  /// Shows the scan to its end, or why there was none.
   void showScanEnd();
   void capture(const std::string& file);
 
@@ -97,9 +101,8 @@ class MainWindow {
   MeasureSettings measure_;
   // Above what hands tasks to it, which ends first.
   ui::Window window_;
-  /// Its threads end before the window goes, to which they post; its tree outlives the screen that
-  /// shows it.
-  ScanController controller_;
+  /// Below the window, to which it posts.
+  ScanSession session_;
   WelcomeScreen welcome_;
   ScanScreen scan_;
   /// What the window shows: one of the two above.
@@ -110,13 +113,7 @@ class MainWindow {
   sizewalk::VolumeMeter meter_;
   VolumeCards volumes_;
   std::int64_t nextVolumes_ = 0;  // when they are to be listed again, as `ui::Window::now` tells
-  RefreshPacer pacer_;
   CaptureCountdown captureCountdown_;
-  bool endShown_ = false;
-  /// The user has stopped the scan, whose threads may still wait for a disk.
-  bool stopping_ = false;
-  Clock::time_point scanStarted_;
-  sizewalk::NodeId shownNodes_ = 0;
 };
 
 /// "PATH — Heap Gauge · VERSION", without the path when it is empty. The path may be any bytes.

@@ -60,6 +60,9 @@ class FileTree {
  public:
   explicit FileTree(const ScanOptions& options = {}, TreeLimits limits = {});
 
+  /// As `ScanOptions::setLastScanTime`. Before `createRoot`.
+  void setLastScanTime(std::uint32_t time) { options_.setLastScanTime(time); }
+
   /// Makes node 0, the scanned folder. Call once, before anything else and before other threads
   /// look. `rootPath` is the folder's path without a trailing slash, "/" for the root of the file
   /// system.
@@ -192,7 +195,7 @@ class FileTree {
   void forget(const std::vector<bool>& dropped) REQUIRES(writeMutex_);
   void makeDuplicate(NodeId node) REQUIRES(writeMutex_);
 
-  const ScanOptions options_;
+  ScanOptions options_;
   const TreeLimits limits_;
   std::string rootPath_;
 

@@ -12,6 +12,7 @@
 
 #include "base/files.h"
 #include "base/home_directory.h"
+#include "base/mutex.h"
 
 namespace sizewalk {
 
@@ -102,6 +103,9 @@ std::uint32_t lastScanTime(const std::string& path) {
 }
 
 void recordScan(const std::string& path, std::uint32_t time) {
+  // One scan may end just as another that was given up does.
+  static base::Mutex oneAtATime;
+  const base::MutexLock lock(oneAtATime);
   ScanHistory history = loadHistory();
   history[path] = time != 0 ? time : static_cast<std::uint32_t>(std::time(nullptr));
   saveHistory(history);

@@ -10,9 +10,9 @@ namespace sizewalk {
 /// the user's data directory. One line per folder: the time in decimal, a tab, the path's bytes, a
 /// line feed; no header and no quoting. Entries are never dropped.
 ///
-/// Any thread; saves of one program must not overlap, and of two programs that save at once the
-/// last wins. Failures are silent: an unreadable history means that no last scan is known, and a
-/// save that fails leaves the file as it was.
+/// Any thread; the calls of `recordScan` of one program take turns, and of two programs that save
+/// at once the last wins. Failures are silent: an unreadable history means that no last scan is
+/// known, and a save that fails leaves the file as it was.
 
 /// Path to seconds since the epoch, in bytewise order of the paths.
 using ScanHistory = std::map<std::string, std::uint32_t>;
@@ -28,9 +28,10 @@ std::string historyPath();
 /// for an unknown time.
 ScanHistory loadHistory();
 
-/// Replaces the file, and creates its directory (mode 0700, as every missing one above it) if need
-/// be. A path that the format cannot give back, one that holds a line feed or ends in a carriage
-/// return, is left out: its line would stand for another folder.
+/// Not beside another save of this program. Replaces the file, and creates its directory (mode
+/// 0700, as every missing one above it) if need be. A path that the format cannot give back, one
+/// that holds a line feed or ends in a carriage return, is left out: its line would stand for
+/// another folder.
 void saveHistory(const ScanHistory& history);
 
 /// When exactly `path` was last scanned; 0 when that is not known.

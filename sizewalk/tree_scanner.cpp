@@ -130,6 +130,11 @@ class TreeScanner::Reader {
 
 TreeScanner::TreeScanner(const ScanOptions& options) : options_(options), tree_(options) {}
 
+void TreeScanner::setLastScanTime(std::uint32_t time) {
+  options_.setLastScanTime(time);
+  tree_.setLastScanTime(time);
+}
+
 void TreeScanner::setRoot(std::string rootPath, std::uint32_t birthTime) {
   tree_.createRoot(std::move(rootPath), birthTime);
 }

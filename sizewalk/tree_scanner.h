@@ -64,6 +64,10 @@ class TreeScanner {
   /// Set it before `walk`; while it is empty there is no such thread.
   std::function<void(const ScanProgress&)> onProgress;
 
+  /// As `ScanOptions::setLastScanTime`, for an owner that has to ask a disk for the time. Before
+  /// `setRoot`.
+  void setLastScanTime(std::uint32_t time);
+
   /// Makes the tree's root: the absolute path of the folder, free of symbolic links in its last
   /// component. Call once, before `walk`.
   void setRoot(std::string rootPath, std::uint32_t birthTime = 0);
@@ -84,6 +88,7 @@ class TreeScanner {
   const FileTree& tree() const { return tree_; }
   FileTree& tree() { return tree_; }
   const std::string& rootPath() const { return tree_.rootPath(); }
+  /// Their last scan time may still change until `setRoot`.
   const ScanOptions& options() const { return options_; }
   /// Of the last walk; call it when none runs.
   WalkStatistics statistics() const;
@@ -102,7 +107,7 @@ class TreeScanner {
   std::unique_ptr<DirectoryResult> takeFreeResult(NodeId directory);
   void giveBack(std::unique_ptr<DirectoryResult> result);
 
-  const ScanOptions options_;
+  ScanOptions options_;
   FileTree tree_;
   WalkControl control_;
   std::unique_ptr<ResultQueue> results_;  // of the current walk

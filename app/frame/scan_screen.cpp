@@ -83,18 +83,18 @@ void ScanScreen::connectDividers() {
   };
 }
 
-void ScanScreen::show(const sizewalk::FileTree* tree) {
-  // The parts that outline nodes go first: none of them may look at a tree that is gone.
+void ScanScreen::show(std::shared_ptr<const sizewalk::FileTree> tree) {
+  const std::shared_ptr<const sizewalk::FileTree> last = tree_;  // until no part looks at it
   selection_.clear();
-  focus_.reset(tree);
+  focus_.reset(tree.get());
   releasePointer();
   kinds_.clearSelection();
-  tree_ = tree;
+  tree_ = std::move(tree);
   volume_.reset();
-  list_.show(tree);
+  list_.show(tree_.get());
   kinds_.setRows({});
   picture_.setExtraBlocks({});
-  picture_.show(tree, kRootNode);
+  picture_.show(tree_, kRootNode);
   map_.reset();
   updateToolbar();
   giveKeyboardTo(&list_);
@@ -212,7 +212,7 @@ void ScanScreen::focusChanged() {
 }
 
 void ScanScreen::updateToolbar() {
-  toolbar_.update({.tree = tree_,
+  toolbar_.update({.tree = tree_.get(),
                    .scanning = status_.scanning,
                    .canGoUp = focus_.canGoOut(),
                    .measure = measure_.measure,

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -57,8 +58,8 @@ class ScanScreen : public Screen {
   ScanScreen(ui::Connection& connection, const ui::Style& style, KindColours& colours,
              BackgroundRender::Post post = {});
 
-  /// Shows `tree`, which outlives being shown, from the scanned folder on; nothing when it is null.
-  void show(const sizewalk::FileTree* tree);
+  /// Shows `tree` from the scanned folder on; nothing when it is null.
+  void show(std::shared_ptr<const sizewalk::FileTree> tree);
   void setMeasure(const MeasureSettings& measure);
   void setSettings(const ScanScreenSettings& settings);
   /// What the status line tells of the scan. Its sums are taken from the tree in every frame.
@@ -120,7 +121,8 @@ class ScanScreen : public Screen {
 
   const ui::Style& style_;
   KindColours& colours_;
-  const sizewalk::FileTree* tree_ = nullptr;
+  /// Above the views, which look at it for as long as they show it.
+  std::shared_ptr<const sizewalk::FileTree> tree_;
   MeasureSettings measure_;
   ScanScreenSettings settings_;
   ScanStatus status_;

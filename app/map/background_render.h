@@ -3,8 +3,8 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -15,9 +15,9 @@
 
 namespace app {
 
-/// The arguments of `renderTreemap`; all but the tree are copies.
+/// The arguments of `renderTreemap`; all but the tree are copies, and that is held.
 struct RenderRequest {
-  const sizewalk::FileTree* tree = nullptr;
+  std::shared_ptr<const sizewalk::FileTree> tree;
   sizewalk::NodeId root = sizewalk::kRootNode;
   std::int32_t width = 0;
   std::int32_t height = 0;
@@ -27,12 +27,13 @@ struct RenderRequest {
   RenderedTreemap recycled;
 };
 
-/// Makes pictures of a growing tree on a thread of its own, one at a time, so that the owner's
-/// thread answers its user meanwhile: a picture of a million files takes a tenth of a second. The
-/// owner's thread calls all members.
+/// Makes pictures of a growing tree on a thread of its own, so that the owner's thread answers its
+/// user meanwhile: a picture of a million files takes a tenth of a second. The owner's thread calls
+/// all members, and none of them waits for a picture.
 class BackgroundRender {
  public:
-  /// Has the owner's thread run a task. Called on another thread; must not throw.
+  /// Has the owner's thread run a task. Called on another thread, with a lock held, and not after
+  /// the picture was dropped; must not throw.
   using Post = std::function<void(std::function<void()>)>;
   using Duration = std::chrono::steady_clock::duration;
 
@@ -47,26 +48,20 @@ class BackgroundRender {
   BackgroundRender& operator=(const BackgroundRender&) = delete;
 
   /// From `start` until `onEnded` or `drop`.
-  bool busy() const { return busy_; }
-  /// Begins a picture; only while not busy. The tree outlives the work. False when there is no
-  /// thread to be had.
+  bool busy() const { return job_ != nullptr; }
+  /// Begins a picture; only while not busy. False when there is no thread to be had.
   bool start(RenderRequest request);
-  /// Waits for the picture that is being made, if any, and forgets it.
+  /// Forgets the picture that is being made, if any. Its thread lets go of the tree when it is
+  /// done.
   void drop();
 
  private:
-  void finish(std::uint64_t job);
-  void join();
+  struct Job;
+  void finish(const std::shared_ptr<Job>& job);
 
   const Post post_;
-  /// Of the last picture; may have ended.
-  std::thread thread_;
-  bool busy_ = false;
-  /// Tells a picture's task from that of one that was dropped.
-  std::uint64_t job_ = 0;
-  // Written by the thread before it posts, read by what it posts.
-  std::optional<RenderedTreemap> picture_;
-  Duration took_{};
+  /// The picture that is being made, shared with its thread.
+  std::shared_ptr<Job> job_;
 };
 
 }  // namespace app

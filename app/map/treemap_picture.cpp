@@ -24,10 +24,11 @@ TreemapPicture::TreemapPicture(ui::Connection& connection, const KindColours& co
   };
 }
 
-void TreemapPicture::show(const sizewalk::FileTree* tree, sizewalk::NodeId focus) {
+void TreemapPicture::show(std::shared_ptr<const sizewalk::FileTree> tree, sizewalk::NodeId focus) {
   focus_ = focus;
   dirty_ = true;
-  if (tree == std::exchange(tree_, tree)) return;
+  if (tree == tree_) return;
+  tree_ = std::move(tree);
   background_.drop();
   spare_ = std::exchange(rendered_, {});  // its blocks name nodes of the other tree
   image_.clear();

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -31,10 +32,9 @@ class TreemapPicture {
   TreemapPicture(ui::Connection& connection, const KindColours& colours,
                  BackgroundRender::Post post = {});
 
-  /// Shows `focus` of `tree`, or nothing when `tree` is null. The tree outlives being shown. Until
-  /// the next `update` the last picture of that tree stays; that of another one goes at once, for
-  /// which a picture of it that is being made is waited for.
-  void show(const sizewalk::FileTree* tree, sizewalk::NodeId focus);
+  /// Shows `focus` of `tree`, or nothing when `tree` is null. Until the next `update` the last
+  /// picture of that tree stays; that of another one goes at once.
+  void show(std::shared_ptr<const sizewalk::FileTree> tree, sizewalk::NodeId focus);
   void setMeasure(const MeasureSettings& measure);
   /// Takes part in every picture from now on, whatever is in focus.
   void setExtraBlocks(std::vector<ExtraBlock> blocks);
@@ -62,7 +62,7 @@ class TreemapPicture {
   /// Draws the last picture.
   void paint(ui::Canvas& canvas) const;
 
-  const sizewalk::FileTree* tree() const { return tree_; }
+  const sizewalk::FileTree* tree() const { return tree_.get(); }
   const MeasureSettings& measure() const { return measure_; }
   const RenderedTreemap& rendered() const { return rendered_; }
 
@@ -74,7 +74,7 @@ class TreemapPicture {
   void send();
 
   const KindColours& colours_;
-  const sizewalk::FileTree* tree_ = nullptr;
+  std::shared_ptr<const sizewalk::FileTree> tree_;
   sizewalk::NodeId focus_ = sizewalk::kRootNode;
   MeasureSettings measure_;
   std::vector<ExtraBlock> extraBlocks_;

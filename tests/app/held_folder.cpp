@@ -70,9 +70,15 @@ HeldFolder::~HeldFolder() {
   holding = false;
 }
 
-bool HeldFolder::waitUntilReached() const {
+bool HeldFolder::waitUntilHeld(int threads) const {
   std::unique_lock lock(gate().mutex);
-  return gate().changed.wait_for(lock, std::chrono::seconds(20), [] { return gate().held > 0; });
+  return gate().changed.wait_for(lock, std::chrono::seconds(20),
+                                 [&] { return gate().held >= threads; });
+}
+
+int HeldFolder::held() const {
+  const std::lock_guard lock(gate().mutex);
+  return gate().held;
 }
 
 void HeldFolder::holdInstead(const std::string& name) {

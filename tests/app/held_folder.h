@@ -17,7 +17,11 @@ class HeldFolder {
   HeldFolder& operator=(const HeldFolder&) = delete;
 
   /// Returns once a thread is held up; false when none came for twenty seconds.
-  bool waitUntilReached() const;
+  bool waitUntilReached() const { return waitUntilHeld(1); }
+  /// The same for so many threads.
+  bool waitUntilHeld(int threads) const;
+  /// How many threads are held up.
+  int held() const;
   /// Lets everybody go on and holds up who comes to a folder called `name` from now on.
   void holdInstead(const std::string& name);
   /// Lets everybody go on, also those that come later.

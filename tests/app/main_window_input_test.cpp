@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <exception>
 #include <functional>
 #include <memory>
@@ -16,6 +17,7 @@
 #include "app/frame/welcome_screen.h"
 #include "app/main_window.h"
 #include "app/map/cushion_shading.h"
+#include "base/detached_threads.h"
 #include "tests/app/held_folder.h"
 #include "tests/support/environment.h"
 #include "tests/support/eventually.h"
@@ -115,6 +117,13 @@ class MainWindowInputTest : public testing::Test {
     test::writeFile(folder_ + "/a/song.mp3", std::string(200'000, 'x'));
     test::writeFile(folder_ + "/a/note.txt", std::string(100'000, 'x'));
     test::writeFile(folder_ + "/held/late.jpg", std::string(50'000, 'x'));
+  }
+
+  // What a scan that was left reads is still there while it does.
+  ~MainWindowInputTest() override {
+    window_.reset();
+    EXPECT_TRUE(
+        base::awaitDetachedThreads(std::chrono::steady_clock::now() + std::chrono::seconds(20)));
   }
 
   FrameLayout frame(int width = 1100, int height = 720) const {

@@ -4,7 +4,9 @@
 #include "app/main_window.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <chrono>
 #include <exception>
 #include <filesystem>
 #include <functional>
@@ -13,6 +15,7 @@
 #include <thread>
 
 #include "app/map/cushion_shading.h"
+#include "base/detached_threads.h"
 #include "tests/app/held_folder.h"
 #include "tests/support/environment.h"
 #include "tests/support/eventually.h"
@@ -72,6 +75,7 @@ struct User {
   bool seesAMap() { return showsAMap(550, 360); }
   bool showsAMap(int x, int y) { return pixel(x, y) != 0 && pixel(x, y) != kMapBackground; }
   unsigned long pixel(int x, int y) { return client.screenPixel(window, x, y); }
+  std::string title() { return client.textProperty(window, "_NET_WM_NAME", "UTF8_STRING"); }
   void close() { client.sendProtocol(window, "WM_DELETE_WINDOW"); }
 };
 
@@ -81,6 +85,13 @@ class MainWindowTest : public testing::Test {
     test::writeFile(partly_ + "/seen.mp3", std::string(100'000, 'x'));
     test::writeFile(partly_ + "/held/hidden.txt", std::string(100'000, 'x'));
     test::makeBushyTree(bushy_, 1, 30, 8);
+  }
+
+  // What a scan that was left reads is still there while it does.
+  ~MainWindowTest() override {
+    window_.reset();
+    EXPECT_TRUE(
+        base::awaitDetachedThreads(std::chrono::steady_clock::now() + std::chrono::seconds(20)));
   }
 
   std::unique_ptr<MainWindow> makeWindow() {
@@ -228,10 +239,8 @@ TEST_F(MainWindowTest, FollowsAScanAfterOneWhoseEndItHasShown) {
 TEST_F(MainWindowTest, NamesTheShownScanInItsTitle) {
   window_->scanPath(bushy_);
   runWith([&](User& user) {
-    const auto title = [&] {
-      return user.client.textProperty(user.window, "_NET_WM_NAME", "UTF8_STRING");
-    };
-    EXPECT_TRUE(eventually([&] { return title() == bushy_ + " — Heap Gauge · 1.1.1"; })) << title();
+    EXPECT_TRUE(eventually([&] { return user.title() == bushy_ + " — Heap Gauge · 1.1.1"; }))
+        << user.title();
     user.close();
   });
 }
@@ -254,8 +263,45 @@ TEST_F(MainWindowTest, ClosesInTheMiddleOfAScan) {
     user.close();
   });
   EXPECT_FALSE(scanWasRecorded(partly_)) << "the scan had ended before the window closed";
-  const std::jthread letGo([&] { held.release(); });
-  window_.reset();  // waits for the scan's threads
+  window_.reset();
+  EXPECT_EQ(held.held(), 1) << "the scan's threads had ended before the window was gone";
+}
+
+TEST_F(MainWindowTest, ShowsAnotherFolderWhileTheScanBeforeHangs) {
+  HeldFolder held("held");
+  window_->scanPath(partly_);
+  ASSERT_TRUE(held.waitUntilReached());
+  window_->scanPath(bushy_);
+  window_->captureAfter(frame_, 0);
+  window_->run();
+  EXPECT_EQ(held.held(), 1);
+  EXPECT_TRUE(scanWasRecorded(bushy_));
+  held.release();
+  EXPECT_TRUE(mapOf(frame_) == wholePictureOf(bushy_));
+}
+
+TEST_F(MainWindowTest, GoesBackToTheWelcomeViewWhileTheScanHangs) {
+  HeldFolder held("held");
+  window_->scanPath(partly_);
+  ASSERT_TRUE(held.waitUntilReached());
+  window_->showWelcome();
+  runWith([&](User& user) {
+    EXPECT_TRUE(eventually([&] { return user.pixel(1099, 719) == kViewColour; }));
+    EXPECT_EQ(user.title(), "Heap Gauge · 1.1.1");
+    user.close();
+  });
+  EXPECT_EQ(held.held(), 1);
+}
+
+TEST_F(MainWindowTest, NamesTheFolderToWhichAPathLeadsThatGoesUp) {
+  ASSERT_EQ(symlink("partly/held", (dir_ / "link").c_str()), 0);
+  window_->scanPath(dir_ / "link/..");
+  runWith([&](User& user) {
+    EXPECT_TRUE(eventually([&] { return user.title() == partly_ + " — Heap Gauge · 1.1.1"; }))
+        << user.title();
+    user.close();
+  });
+  EXPECT_TRUE(eventually([&] { return scanWasRecorded(partly_); }));
 }
 
 TEST_F(MainWindowTest, ShowsAMessageOverTheWelcomeViewWhenAFolderCannotBeScanned) {
@@ -263,10 +309,7 @@ TEST_F(MainWindowTest, ShowsAMessageOverTheWelcomeViewWhenAFolderCannotBeScanned
   runWith([&](User& user) {
     constexpr unsigned long kPanel = ui::kLightPalette.window & 0xFFFFFF;
     EXPECT_TRUE(eventually([&] { return user.pixel(345, 360) == kPanel; }));
-    const auto title = [&] {
-      return user.client.textProperty(user.window, "_NET_WM_NAME", "UTF8_STRING");
-    };
-    EXPECT_EQ(title(), "Heap Gauge · 1.1.1");
+    EXPECT_EQ(user.title(), "Heap Gauge · 1.1.1");
     user.client.focus(user.window);
     user.client.pressKey(ui::key::kEscape);
     user.client.releaseKey(ui::key::kEscape);
@@ -283,9 +326,6 @@ TEST_F(MainWindowTest, ScansTheFolderThatIsChosenFromTheWelcomeView) {
       user.client.pressKey(key);
       user.client.releaseKey(key);
     };
-    const auto title = [&] {
-      return user.client.textProperty(user.window, "_NET_WM_NAME", "UTF8_STRING");
-    };
     EXPECT_TRUE(eventually([&] { return user.pixel(195, 360) == kViewColour; }));
     user.client.focus(user.window);
     user.client.pressKey(kShiftKey);
@@ -298,8 +338,8 @@ TEST_F(MainWindowTest, ScansTheFolderThatIsChosenFromTheWelcomeView) {
     press(ui::key::kReturn);
     user.client.releaseKey(kCtrlKey);
     EXPECT_TRUE(eventually([&] {
-      return title() == home_.path() + "/chosen — Heap Gauge · 1.1.1";
-    })) << title();
+      return user.title() == home_.path() + "/chosen — Heap Gauge · 1.1.1";
+    })) << user.title();
     EXPECT_TRUE(eventually([&] { return user.pixel(195, 360) != kPanel; }));
     user.close();
   });

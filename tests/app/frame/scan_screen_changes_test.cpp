@@ -53,8 +53,8 @@ TEST_F(ScanScreenTest, TellsOfTheScan) {
 }
 
 TEST_F(ScanScreenTest, WaitsForTheFirstNode) {
-  sizewalk::FileTree growing(treeOptions());
-  screen_.show(&growing);
+  const auto growing = std::make_shared<sizewalk::FileTree>(treeOptions());
+  screen_.show(growing);
   screen_.setScanStatus({.scanning = true});
   screen_.setVolumeSpace(VolumeSpace{100, 100});
   EXPECT_EQ(picture().count(rgb(test::kNothingDrawn)), 0);
@@ -65,7 +65,7 @@ TEST_F(ScanScreenTest, WaitsForTheFirstNode) {
   wheel(screen_.layout().map, -1);
   wheel(screen_.layout().map, 1);
   EXPECT_EQ(selected(), Nodes{});
-  growing.createRoot("/new");
+  growing->createRoot("/new");
   screen_.treeChanged();
   screen_.prepare();
   EXPECT_EQ(listed(), Nodes{kRootNode});
@@ -215,6 +215,7 @@ TEST_F(ScanScreenTest, KeepsNothingOfATreeThatIsGone) {
   screen_.tick(ui::Window::now() + 1000);  // a card
   screen_.press(at(onMap(deep_)));         // and a press that goes on
   screen_.show(nullptr);
+  EXPECT_EQ(tree_.use_count(), 1) << "nobody holds it any more";
   tree_.reset();
   EXPECT_EQ(selected(), Nodes{});
   EXPECT_EQ(focus(), kRootNode);
@@ -260,10 +261,10 @@ TEST_F(ScanScreenTest, ShowsAnotherTreeFromItsScannedFolderOn) {
   screen_.focus().go(inner_);
   click(inKinds(0));
   point(screen_.layout().map);
-  sizewalk::FileTree next(treeOptions());
-  next.createRoot("/next");
-  add(next, Listing(0).file("one.txt", 10));
-  screen_.show(&next);
+  const auto next = std::make_shared<sizewalk::FileTree>(treeOptions());
+  next->createRoot("/next");
+  add(*next, Listing(0).file("one.txt", 10));
+  screen_.show(next);
   tree_.reset();
   screen_.prepare();
   EXPECT_EQ(focus(), kRootNode);
@@ -281,13 +282,13 @@ TEST_F(ScanScreenTest, LetsGoOfWhatIsPressedWhenAnotherTreeIsShown) {
   const FrameLayout frame = screen_.layout();
   // A divider, the button that leaves the scan, and a thumb.
   screen_.press(at(frame.mainDivider));
-  screen_.show(tree_.get());
+  screen_.show(tree_);
   EXPECT_EQ(screen_.pointer(), ui::PointerShape::Arrow);
   screen_.motion(at(frame.map, 0));
   EXPECT_EQ(screen_.layout().mainDivider, frame.mainDivider);
   const ui::Rect open = screen_.toolbar().layout().place(Action::LeaveScan);
   screen_.press(at(open));
-  screen_.show(tree_.get());
+  screen_.show(tree_);
   screen_.release(at(open));
   EXPECT_TRUE(commands_.empty());
   click(open);
@@ -310,7 +311,7 @@ TEST_F(ScanScreenTest, HasNothingUnderThePointerOnceAnotherScreenWasShown) {
 TEST_F(ScanScreenTest, DoesNotTakeTwoPressesOnTwoTreesForADoubleOne) {
   ui::MouseEvent event = at(onMap(deep_));
   click(event);
-  screen_.show(tree_.get());
+  screen_.show(tree_);
   screen_.prepare();
   event.clicks = 2;
   click(event);

@@ -57,7 +57,7 @@ class ScanScreenTest : public testing::Test, protected test::ViewsOnWindow {
     add(*tree_, Listing(inner_).file("deep.txt", 60'000, 0, 3000));
     deep_ = tree_->firstChild(inner_);
     screen_.setRect({0, 0, kWidth, kHeight});
-    screen_.show(tree_.get());
+    screen_.show(tree_);
     screen_.prepare();
   }
   ~ScanScreenTest() override { screen_.show(nullptr); }
@@ -171,7 +171,7 @@ class ScanScreenTest : public testing::Test, protected test::ViewsOnWindow {
   }
 
   KindColours colours_{true};
-  std::unique_ptr<sizewalk::FileTree> tree_ = std::make_unique<sizewalk::FileTree>(treeOptions());
+  std::shared_ptr<sizewalk::FileTree> tree_ = std::make_shared<sizewalk::FileTree>(treeOptions());
   NodeId big_ = 0, photo_ = 0, empty_ = 0, late_ = 0, inner_ = 0, song_ = 0, deep_ = 0;
   ScanScreen screen_{*connection, style, colours_};
   int changes_ = 0;

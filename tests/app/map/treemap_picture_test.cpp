@@ -1,19 +1,18 @@
 #include "app/map/treemap_picture.h"
 
 #include <gtest/gtest.h>
-#include <sys/types.h>
-#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
 #include <functional>
 #include <limits>
+#include <memory>
 #include <mutex>
 #include <stdexcept>
-#include <string>
 #include <vector>
 
 #include "app/map/cushion_shading.h"
+#include "base/detached_threads.h"
 #include "tests/app/map/map_tree.h"
 #include "tests/support/eventually.h"
 #include "tests/support/waiting_thread.h"
@@ -42,7 +41,9 @@ class TreemapPictureTest : public test::WindowTest {
     });
   }
 
-  sizewalk::FileTree tree_{test::mapTreeOptions()};
+  const std::shared_ptr<sizewalk::FileTree> shownTree_ =
+      std::make_shared<sizewalk::FileTree>(test::mapTreeOptions());
+  sizewalk::FileTree& tree_ = *shownTree_;
   KindColours colours_{true};
   TreemapPicture picture_{*connection, colours_};
 };
@@ -57,12 +58,12 @@ void expectPlaceFilledWith(const test::Picture& picture, std::uint32_t inside) {
 TEST_F(TreemapPictureTest, PaintsTheBackgroundInItsPlaceBeforeTheFirstPicture) {
   EXPECT_FALSE(picture_.update()) << "nothing is shown";
   expectPlaceFilledWith(painted(), kMapBackground);
-  picture_.show(&tree_, kRootNode);
+  picture_.show(shownTree_, kRootNode);
   expectPlaceFilledWith(painted(), kMapBackground);
 }
 
 TEST_F(TreemapPictureTest, PaintsTheLastPictureInItsPlace) {
-  picture_.show(&tree_, kRootNode);
+  picture_.show(shownTree_, kRootNode);
   ASSERT_TRUE(picture_.update());
   const test::Picture picture = painted();
   ASSERT_EQ(picture_.rendered().pixels.size(), static_cast<std::size_t>(kPlace.w * kPlace.h));
@@ -76,7 +77,7 @@ TEST_F(TreemapPictureTest, PaintsTheLastPictureInItsPlace) {
 }
 
 TEST_F(TreemapPictureTest, MakesNoNewPictureWhenNothingChanged) {
-  picture_.show(&tree_, kRootNode);
+  picture_.show(shownTree_, kRootNode);
   EXPECT_TRUE(picture_.update());
   EXPECT_FALSE(picture_.update());
   picture_.setRect(kPlace);
@@ -85,7 +86,7 @@ TEST_F(TreemapPictureTest, MakesNoNewPictureWhenNothingChanged) {
 }
 
 TEST_F(TreemapPictureTest, MakesANewPictureOfANewSizeButNotOfANewPlace) {
-  picture_.show(&tree_, kRootNode);
+  picture_.show(shownTree_, kRootNode);
   picture_.update();
   picture_.setRect({0, 0, kPlace.w, kPlace.h});
   EXPECT_FALSE(picture_.update());
@@ -96,7 +97,7 @@ TEST_F(TreemapPictureTest, MakesANewPictureOfANewSizeButNotOfANewPlace) {
 }
 
 TEST_F(TreemapPictureTest, PaintsTheBackgroundUntilThereIsAPictureOfTheNewSize) {
-  picture_.show(&tree_, kRootNode);
+  picture_.show(shownTree_, kRootNode);
   picture_.setRect({0, 0, 50, 50});
   picture_.update();
   picture_.setRect(kPlace);
@@ -104,7 +105,7 @@ TEST_F(TreemapPictureTest, PaintsTheBackgroundUntilThereIsAPictureOfTheNewSize) 
 }
 
 TEST_F(TreemapPictureTest, MakesANewPictureWhenItIsMarkedOrMeasuresOtherwise) {
-  picture_.show(&tree_, kRootNode);
+  picture_.show(shownTree_, kRootNode);
   picture_.update();
   const auto byLength = picture_.rendered().pixels;
   picture_.markDirty();
@@ -117,7 +118,7 @@ TEST_F(TreemapPictureTest, MakesANewPictureWhenItIsMarkedOrMeasuresOtherwise) {
 
 TEST_F(TreemapPictureTest, MakesANewPictureWithOtherExtraBlocks) {
   const std::vector<ExtraBlock> free = {{kFreeSpaceBlock, "Free space", 500, 0x2B3648}};
-  picture_.show(&tree_, kRootNode);
+  picture_.show(shownTree_, kRootNode);
   picture_.update();
   picture_.setExtraBlocks(free);
   EXPECT_TRUE(picture_.update());
@@ -131,7 +132,7 @@ TEST_F(TreemapPictureTest, MakesANewPictureWithOtherExtraBlocks) {
 
 TEST_F(TreemapPictureTest, MakesNoPictureWithoutAreaAndKeepsItDue) {
   picture_.setRect({0, 0, 0, 80});
-  picture_.show(&tree_, kRootNode);
+  picture_.show(shownTree_, kRootNode);
   EXPECT_FALSE(picture_.update());
   picture_.setRect(kPlace);
   EXPECT_TRUE(picture_.update());
@@ -139,7 +140,7 @@ TEST_F(TreemapPictureTest, MakesNoPictureWithoutAreaAndKeepsItDue) {
 
 TEST_F(TreemapPictureTest, KeepsAPictureDueThatCouldNotBeMade) {
   constexpr int kMost = std::numeric_limits<int>::max();
-  picture_.show(&tree_, kRootNode);
+  picture_.show(shownTree_, kRootNode);
   picture_.update();
   for (const bool marked : {false, true}) {
     picture_.setRect({0, 0, kMost, kMost});
@@ -151,7 +152,7 @@ TEST_F(TreemapPictureTest, KeepsAPictureDueThatCouldNotBeMade) {
 }
 
 TEST_F(TreemapPictureTest, ForgetsItsPictureWhenNothingIsShownAnyMore) {
-  picture_.show(&tree_, kRootNode);
+  picture_.show(shownTree_, kRootNode);
   picture_.update();
   picture_.show(nullptr, kRootNode);
   EXPECT_FALSE(picture_.update());
@@ -159,13 +160,13 @@ TEST_F(TreemapPictureTest, ForgetsItsPictureWhenNothingIsShownAnyMore) {
 }
 
 TEST_F(TreemapPictureTest, KeepsItsPictureOfATreeButNotForAnother) {
-  picture_.show(&tree_, kRootNode);
+  picture_.show(shownTree_, kRootNode);
   picture_.update();
-  picture_.show(&tree_, tree_.firstChild(kRootNode));
+  picture_.show(shownTree_, tree_.firstChild(kRootNode));
   EXPECT_NE(picture_.rendered().blockUnder(0, 0), nullptr);
-  sizewalk::FileTree next;
-  test::fillRoot(next, {test::file(1)});
-  picture_.show(&next, kRootNode);
+  const auto next = std::make_shared<sizewalk::FileTree>();
+  test::fillRoot(*next, {test::file(1)});
+  picture_.show(next, kRootNode);
   EXPECT_EQ(picture_.rendered().blockUnder(0, 0), nullptr) << "its ids are not of this tree";
   expectPlaceFilledWith(painted(), kMapBackground);
   EXPECT_TRUE(picture_.update());
@@ -181,7 +182,7 @@ class BackgroundPictureTest : public test::WindowTest {
     test::fill(tree_, folders_[0], {test::file(1000, 6)});
     picture_.setRect(kPlace);
     picture_.onRendered = [this] { ++told_; };
-    picture_.show(&tree_, kRootNode);
+    picture_.show(shownTree_, kRootNode);
     picture_.update();
   }
 
@@ -194,6 +195,9 @@ class BackgroundPictureTest : public test::WindowTest {
     growTree();
     ASSERT_FALSE(picture_.update()) << "nothing is there to be seen yet";
     ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
+  }
+  static bool picturesHaveEnded() {
+    return base::awaitDetachedThreads(std::chrono::steady_clock::now() + std::chrono::seconds(20));
   }
   std::size_t tasks() {
     const std::lock_guard lock(mutex_);
@@ -212,7 +216,9 @@ class BackgroundPictureTest : public test::WindowTest {
     return renderTreemap(tree_, focus, place.w, place.h, colours_, {}, {}).pixels;
   }
 
-  sizewalk::FileTree tree_{test::mapTreeOptions()};
+  const std::shared_ptr<sizewalk::FileTree> shownTree_ =
+      std::make_shared<sizewalk::FileTree>(test::mapTreeOptions());
+  sizewalk::FileTree& tree_ = *shownTree_;
   std::vector<sizewalk::NodeId> folders_;
   KindColours colours_{true};
   std::mutex mutex_;  // guards the tasks
@@ -289,7 +295,7 @@ TEST_F(BackgroundPictureTest, PausesAfterAPictureUntilTheTreeGrowsNoMore) {
 
 TEST_F(BackgroundPictureTest, ShowsSomethingElseAtOnceAndStaysThere) {
   makeInBackground();
-  picture_.show(&tree_, folders_[0]);
+  picture_.show(shownTree_, folders_[0]);
   EXPECT_TRUE(picture_.update());
   const std::vector<std::uint32_t> inside = drawnAtOnce(kPlace, folders_[0]);
   EXPECT_EQ(picture_.rendered().pixels, inside);
@@ -300,7 +306,7 @@ TEST_F(BackgroundPictureTest, ShowsSomethingElseAtOnceAndStaysThere) {
 
 TEST_F(BackgroundPictureTest, ForgetsAPictureThatIsFinishedBeforeSomethingElseIsDrawn) {
   makeInBackground();
-  picture_.show(&tree_, folders_[0]);
+  picture_.show(shownTree_, folders_[0]);
   runTasks();
   EXPECT_TRUE(picture_.update());
   EXPECT_EQ(picture_.rendered().pixels, drawnAtOnce(kPlace, folders_[0]));
@@ -316,7 +322,7 @@ TEST_F(BackgroundPictureTest, TakesItsNewSizeAtOnce) {
   EXPECT_EQ(picture_.rendered().pixels, drawnAtOnce(larger, kRootNode));
 }
 
-TEST_F(BackgroundPictureTest, WaitsForAPictureOfATreeThatItLeaves) {
+TEST_F(BackgroundPictureTest, ForgetsAPictureOfATreeThatItLeaves) {
   makeInBackground();
   picture_.show(nullptr, kRootNode);
   EXPECT_FALSE(picture_.drawing());
@@ -325,25 +331,41 @@ TEST_F(BackgroundPictureTest, WaitsForAPictureOfATreeThatItLeaves) {
   EXPECT_TRUE(picture_.rendered().pixels.empty());
 }
 
-TEST_F(BackgroundPictureTest, WaitsForTheThreadThatReadsTheTree) {
-  const pid_t owner = gettid();
-  std::atomic<bool> leaving = false;
-  std::atomic<bool> ended = false;
-  BackgroundRender render([&](const std::function<void()>&) {
-    ended = test::eventually([&] { return leaving && test::waits(owner); });
-  });
-  ASSERT_TRUE(render.start({&tree_, kRootNode, 10, 10, colours_, {}, {}, {}}));
-  leaving = true;
+TEST_F(BackgroundPictureTest, NeitherWaitsForWhatReadsATreeNorTakesTheTreeFromIt) {
+  constexpr std::int32_t kSide = 4000;  // takes many milliseconds
+  auto tree = std::make_shared<sizewalk::FileTree>(test::mapTreeOptions());
+  test::fillRoot(*tree, {test::file(1000, 5)});
+  std::atomic<int> posts = 0;
+  BackgroundRender render([&](const std::function<void()>&) { ++posts; });
+  const std::weak_ptr<const sizewalk::FileTree> watched = tree;
+  ASSERT_TRUE(render.start({std::move(tree), kRootNode, kSide, kSide, colours_, {}, {}, {}}));
   render.drop();
-  EXPECT_TRUE(ended);
   EXPECT_FALSE(render.busy());
+  EXPECT_FALSE(watched.expired()) << "it is still being read";
+  ASSERT_TRUE(picturesHaveEnded());
+  EXPECT_TRUE(watched.expired());
+  EXPECT_EQ(posts, 0);
+}
+
+TEST_F(BackgroundPictureTest, PostsNothingOnceItIsDestroyed) {
+  for (int i = 0; i < 100; ++i) {
+    std::atomic<bool> alive = true;
+    std::atomic<int> late = 0;
+    {
+      BackgroundRender render([&](const std::function<void()>&) { late += alive ? 0 : 1; });
+      ASSERT_TRUE(render.start({shownTree_, kRootNode, i, i, colours_, {}, {}, {}}));
+    }
+    alive = false;
+    ASSERT_TRUE(picturesHaveEnded());
+    EXPECT_EQ(late, 0);
+  }
 }
 
 TEST_F(BackgroundPictureTest, IsNotMisledByThePostOfAPictureThatWasForgotten) {
   makeInBackground();
-  sizewalk::FileTree next(test::mapTreeOptions());
-  test::fillRoot(next, {test::file(1000, 5)});
-  picture_.show(&next, kRootNode);
+  const auto next = std::make_shared<sizewalk::FileTree>(test::mapTreeOptions());
+  test::fillRoot(*next, {test::file(1000, 5)});
+  picture_.show(next, kRootNode);
   picture_.update();
   picture_.markOutdated();
   picture_.update();
@@ -355,7 +377,7 @@ TEST_F(BackgroundPictureTest, IsNotMisledByThePostOfAPictureThatWasForgotten) {
   EXPECT_EQ(told_, 1);
   EXPECT_FALSE(picture_.drawing());
   EXPECT_EQ(picture_.rendered().pixels,
-            renderTreemap(next, kRootNode, kPlace.w, kPlace.h, colours_, {}, {}).pixels);
+            renderTreemap(*next, kRootNode, kPlace.w, kPlace.h, colours_, {}, {}).pixels);
   picture_.show(nullptr, kRootNode);
 }
 
@@ -370,7 +392,7 @@ TEST_F(BackgroundPictureTest, EndsWithoutAPictureWhereThereIsNoMemoryForOne) {
     EXPECT_FALSE(picture);
     ++ends;
   };
-  ASSERT_TRUE(render.start({&tree_, kRootNode, kMost, kMost, colours_, {}, {}, {}}));
+  ASSERT_TRUE(render.start({shownTree_, kRootNode, kMost, kMost, colours_, {}, {}, {}}));
   ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
   EXPECT_TRUE(render.busy());
   runTasks();

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <stdexcept>
 #include <vector>
 
@@ -65,9 +66,14 @@ class TreemapViewTest : public test::WindowTest {
     show(kWindow.w, kWindow.h);
   }
 
+  /// A tree that outlives the picture: nothing is drawn beside this thread.
+  static std::shared_ptr<const sizewalk::FileTree> ofTheTest(const sizewalk::FileTree* tree) {
+    return {std::shared_ptr<const void>(), tree};
+  }
+
   void showTree(const sizewalk::FileTree* tree) {
     focus_.reset(tree);
-    picture_.show(tree, focus_.current());
+    picture_.show(ofTheTest(tree), focus_.current());
     prepareFrame();
   }
 
@@ -78,7 +84,7 @@ class TreemapViewTest : public test::WindowTest {
   }
 
   void showFocus() {
-    picture_.show(&tree_, focus_.current());
+    picture_.show(ofTheTest(&tree_), focus_.current());
     prepareFrame();
   }
 

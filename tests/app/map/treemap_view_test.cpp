@@ -246,7 +246,7 @@ TEST_F(TreemapViewTest, IsOnNoItemOfAnotherScanBeforeItsFirstPicture) {
   sizewalk::FileTree next;
   test::fillRoot(next, {file(5)});
   point(placeOf(deep_));
-  picture_.show(&next, kRootNode);
+  picture_.show(ofTheTest(&next), kRootNode);
   EXPECT_EQ(view_.hovered(), std::nullopt) << "the picture that is left is not of this scan";
   press({kPlace.x + 5, kPlace.y + 5, 0, 0});
   EXPECT_EQ(selected(), Nodes{});

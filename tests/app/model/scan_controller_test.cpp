@@ -8,12 +8,15 @@
 #include <atomic>
 #include <chrono>
 #include <ctime>
-#include <filesystem>
+#include <memory>
 #include <string>
 #include <thread>
 
+#include "base/detached_threads.h"
 #include "sizewalk/scan_history.h"
+#include "tests/app/held_folder.h"
 #include "tests/support/environment.h"
+#include "tests/support/eventually.h"
 #include "tests/support/file_access.h"
 #include "tests/support/real_tree.h"
 #include "tests/support/temp_directory.h"
@@ -21,11 +24,17 @@
 namespace app {
 namespace {
 
+using test::HeldFolder;
 using test::TempDirectory;
 using test::writeFile;
 
 class Controller : public testing::Test {
  protected:
+  // What a scan that was left reads is still there while it does.
+  ~Controller() override {
+    controller_.drop();
+    EXPECT_TRUE(allScansHaveEnded());
+  }
   /// Waits until the current scan has ended.
   void waitForEnd() {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
@@ -33,6 +42,9 @@ class Controller : public testing::Test {
       ASSERT_LT(std::chrono::steady_clock::now(), deadline);
       std::this_thread::yield();
     }
+  }
+  static bool allScansHaveEnded() {
+    return base::awaitDetachedThreads(std::chrono::steady_clock::now() + std::chrono::seconds(60));
   }
   void scan(const std::string& path) {
     controller_.start(path);
@@ -65,7 +77,7 @@ TEST_F(Controller, RunsAScanToItsEndAndSumsItUp) {
   ASSERT_EQ(link((dir_ / "a/one").c_str(), (dir_ / "three").c_str()), 0);
   scan(dir_.path());
   EXPECT_FALSE(controller_.neverStarted());
-  EXPECT_TRUE(controller_.running()) << "until the thread is joined";
+  EXPECT_TRUE(controller_.running()) << "until it is dropped";
   EXPECT_FALSE(controller_.scanning());
   const ScanSummary& summary = controller_.summary();
   EXPECT_EQ(summary.files, 2u);
@@ -99,14 +111,14 @@ TEST(ControllersThreads, GiveWayToTheThreadOfTheWindow) {
         [&](const sizewalk::ScanProgress&) { ofReports = getpriority(PRIO_PROCESS, 0); },
         [&] { ofEnd = getpriority(PRIO_PROCESS, 0); });
     controller.start(dir.path());
-    while (!controller.finished()) std::this_thread::yield();
+    ASSERT_TRUE(test::eventually([&] { return ofEnd != own; }));
   }
   EXPECT_GT(ofEnd, own) << "the thread that runs the scan";
   EXPECT_EQ(ofReports, ofEnd) << "a thread of the walk";
   EXPECT_EQ(getpriority(PRIO_PROCESS, 0), own);
 }
 
-TEST_F(Controller, DropsAScanOnceItHasEnded) {
+TEST_F(Controller, DropsAScanThatHasEnded) {
   controller_.drop();
   EXPECT_EQ(controller_.scanner(), nullptr);
   writeFile(dir_ / "file", "x");
@@ -225,35 +237,133 @@ TEST_F(Controller, DoesNotRecordAScanThatWasStopped) {
   EXPECT_EQ(sizewalk::lastScanTime(dir_ / "big"), 0u);
 }
 
-TEST_F(Controller, StopsAndJoinsARunningScanWhenItIsDestroyed) {
+TEST_F(Controller, StopsARunningScanWhenItIsDestroyed) {
   test::makeBushyTree(dir_ / "big", 3, 300, 8);
-  std::atomic<int> ends{0};
   for (int i = 0; i < 5; ++i) {
-    ScanController controller({}, [&] { ++ends; });
+    ScanController controller({}, {});
     controller.start(dir_ / "big");
   }
-  EXPECT_EQ(ends, 5) << "every background thread came to its end before its controller went";
-  EXPECT_EQ(sizewalk::lastScanTime(dir_ / "big"), 0u) << "and none of them by reading everything";
+  ASSERT_TRUE(allScansHaveEnded());
+  EXPECT_EQ(sizewalk::lastScanTime(dir_ / "big"), 0u) << "none of them read everything";
 }
 
-TEST(AbsolutePath, LeavesOutWhatMeansNothing) {
-  EXPECT_EQ(absolutePath("/a/./b//c/"), "/a/b/c");
-  EXPECT_EQ(absolutePath("/"), "/");
-  EXPECT_EQ(absolutePath("///"), "/");
-  EXPECT_EQ(absolutePath(""), "");
+TEST_F(Controller, ReportsNothingOnceItIsDestroyed) {
+  test::makeBushyTree(dir_ / "big", 2, 100, 5);
+  for (int i = 0; i < 50; ++i) {
+    std::atomic<bool> alive = true;
+    std::atomic<int> late = 0;
+    const auto report = [&] { late += alive ? 0 : 1; };
+    {
+      ScanController controller([&](const auto&) { report(); }, report);
+      controller.start(dir_ / "big");
+      while (i % 2 == 0 && !controller.finished()) std::this_thread::yield();
+    }
+    alive = false;
+    ASSERT_TRUE(allScansHaveEnded());
+    EXPECT_EQ(late, 0);
+  }
 }
 
-TEST(AbsolutePath, StartsAtTheWorkingDirectory) {
-  const std::string here = std::filesystem::current_path().string();
-  EXPECT_EQ(absolutePath("x"), here + "/x");
-  EXPECT_EQ(absolutePath("."), here);
+TEST_F(Controller, KnowsWhereAPathLeadsThatGoesUp) {
+  writeFile(dir_ / "a/deep/file", "x");
+  ASSERT_EQ(symlink("a/deep", (dir_ / "link").c_str()), 0);
+  scan(dir_ / "link/..");
+  EXPECT_EQ(controller_.path(), dir_ / "a");
+  EXPECT_EQ(controller_.scanner()->rootPath(), dir_ / "a");
+  EXPECT_GT(sizewalk::lastScanTime(dir_ / "a"), 0u);
 }
 
-TEST(AbsolutePath, GoesUpFromWhereALinkLeads) {
-  const TempDirectory dir;
-  test::makeDirectory(dir / "a/deep");
-  ASSERT_EQ(symlink("a/deep", (dir / "link").c_str()), 0);
-  EXPECT_EQ(absolutePath(dir / "link/.."), dir / "a");
+TEST_F(Controller, LetsItsTreeLiveForAsLongAsSomebodyLooksAtIt) {
+  writeFile(dir_ / "file", "12345");
+  scan(dir_.path());
+  const std::shared_ptr<const sizewalk::FileTree> tree = controller_.tree();
+  controller_.drop();
+  EXPECT_EQ(controller_.tree(), nullptr);
+  ASSERT_TRUE(allScansHaveEnded());
+  EXPECT_EQ(tree->apparentSize(sizewalk::kRootNode), 5u);
+}
+
+/// Scans of a folder inside which nothing answers.
+class HungController : public Controller {
+ protected:
+  HungController() { writeFile(folder_ + "/held/file", "x"); }
+  void startAndHang() {
+    controller_.start(folder_);
+    ASSERT_TRUE(held_.waitUntilReached());
+  }
+
+  const std::string folder_ = dir_ / "hung";
+  HeldFolder held_{"held"};
+};
+
+TEST_F(HungController, StartsTheNextScanAtOnce) {
+  writeFile(dir_ / "other/file", "123");
+  startAndHang();
+  scan(dir_ / "other");
+  EXPECT_EQ(controller_.path(), dir_ / "other");
+  EXPECT_EQ(controller_.scanner()->tree().apparentSize(sizewalk::kRootNode), 3u);
+  EXPECT_FALSE(controller_.summary().cancelled);
+}
+
+TEST_F(HungController, IsNotMisledByTheLateEndOfAScanThatWasReplaced) {
+  writeFile(dir_ / "other/file", "123");
+  startAndHang();
+  scan(dir_ / "other");
+  ASSERT_TRUE(test::eventually([&] { return ends_ == 1; }));
+  const int reports = progressReports_;
+  held_.release();
+  ASSERT_TRUE(allScansHaveEnded());
+  EXPECT_EQ(ends_, 1);
+  EXPECT_EQ(progressReports_, reports);
+  EXPECT_EQ(controller_.summary().files, 1u);
+  EXPECT_EQ(sizewalk::lastScanTime(folder_), 0u);
+}
+
+TEST_F(HungController, StaysWithAScanThatIsStopped) {
+  startAndHang();
+  controller_.stop();
+  EXPECT_TRUE(controller_.scanning());
+  EXPECT_EQ(controller_.scanner()->rootPath(), folder_);
+  held_.release();
+  waitForEnd();
+  EXPECT_TRUE(controller_.summary().cancelled);
+  EXPECT_EQ(sizewalk::lastScanTime(folder_), 0u);
+}
+
+TEST_F(HungController, DropsAScanAtOnce) {
+  startAndHang();
+  controller_.drop();
+  EXPECT_EQ(controller_.scanner(), nullptr);
+  EXPECT_FALSE(controller_.running());
+  EXPECT_EQ(controller_.path(), "");
+}
+
+TEST_F(HungController, IsDestroyedAtOnce) {
+  std::atomic<int> ends = 0;
+  {
+    ScanController controller({}, [&] { ++ends; });
+    controller.start(folder_);
+    ASSERT_TRUE(held_.waitUntilReached());
+  }
+  held_.release();
+  ASSERT_TRUE(allScansHaveEnded());
+  EXPECT_EQ(ends, 0);
+}
+
+TEST_F(HungController, DoesNotFillTheMachineWithScansOfOneFolder) {
+  for (int i = 0; i < kScansOfAFolder; ++i) {
+    controller_.start(folder_);
+    ASSERT_TRUE(held_.waitUntilHeld(i + 1));
+  }
+  for (int i = 0; i < 50; ++i) controller_.start(folder_);
+  writeFile(dir_ / "other/file", "123");
+  scan(dir_ / "other");
+  EXPECT_EQ(held_.held(), kScansOfAFolder);
+  controller_.start(folder_);
+  held_.release();
+  waitForEnd();
+  EXPECT_EQ(controller_.summary().files, 1u) << "its turn comes when the others end";
+  EXPECT_FALSE(controller_.summary().cancelled);
 }
 
 }  // namespace

@@ -1,0 +1,112 @@
+#include "app/model/scan_run.h"
+
+#include <cerrno>
+#include <chrono>
+#include <utility>
+
+#include "app/model/parallel.h"
+#include "app/model/scan_path.h"
+#include "base/detached_threads.h"
+#include "sizewalk/scan_history.h"
+
+namespace app {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// A tree of fewer nodes is freed in less than a millisecond.
+constexpr sizewalk::NodeId kLargeTree = 100'000;
+
+struct FreeBeside {
+  void operator()(ScanRun* run) const {
+    std::unique_ptr<ScanRun> owned(run);
+    if (owned->scanner().tree().nodeCount() < kLargeTree) return;
+    base::startDetached([owned = std::move(owned)]() mutable {
+      giveWayToWindow();
+      owned.reset();
+    });
+  }
+};
+
+}  // namespace
+
+std::shared_ptr<ScanRun> ScanRun::start(const std::string& path, ScanReports reports,
+                                        std::shared_ptr<ScanTurns> turns) {
+  const std::shared_ptr<ScanRun> run(
+      std::make_unique<ScanRun>(path, std::move(reports), std::move(turns)).release(),
+      FreeBeside());
+  if (!base::startDetached([run] { run->run(); })) run->finish(summaryOfFailure(EAGAIN));
+  return run;
+}
+
+ScanRun::ScanRun(const std::string& path, ScanReports reports, std::shared_ptr<ScanTurns> turns)
+    : turns_(std::move(turns)),
+      askedPath_(path),
+      scanner_(sizewalk::ScanOptions()),
+      path_(path),
+      reports_(std::move(reports)) {
+  if (!reports_.onProgress) return;
+  scanner_.onProgress = [this](const sizewalk::ScanProgress& progress) {
+    const base::MutexLock lock(reportsMutex_);
+    if (reports_.onProgress) reports_.onProgress(progress);
+  };
+}
+
+void ScanRun::stop() {
+  scanner_.cancel();
+  turns_->cancelled();
+}
+
+void ScanRun::retire() {
+  stop();
+  const base::MutexLock lock(reportsMutex_);
+  reports_ = {};
+}
+
+std::string ScanRun::path() const {
+  const base::MutexLock lock(pathMutex_);
+  return path_;
+}
+
+void ScanRun::run() {
+  giveWayToWindow();
+  const Clock::time_point started = Clock::now();
+  ScanSummary summary;
+  if (turns_->take(askedPath_, scanner_)) {
+    summary = scan();
+    turns_->giveBack(askedPath_);
+  } else {
+    summary = summaryOf(scanner_);
+  }
+  summary.elapsedSeconds = std::chrono::duration<double>(Clock::now() - started).count();
+  finish(std::move(summary));
+}
+
+ScanSummary ScanRun::scan() {
+  const std::string path = findPath();
+  scanner_.setLastScanTime(sizewalk::lastScanTime(path));
+  ResolvedFolder folder = resolveFolder(path);
+  if (folder.error != 0) return summaryOfFailure(folder.error);
+  scanner_.setRoot(std::move(folder.path), folder.birthTime);
+  scanner_.walk(sizewalk::kRootNode);
+  ScanSummary summary = summaryOf(scanner_);
+  if (!summary.cancelled) sizewalk::recordScan(path, 0);
+  return summary;
+}
+
+std::string ScanRun::findPath() {
+  std::string path = withoutWaysUp(askedPath_);
+  const base::MutexLock lock(pathMutex_);
+  path_ = path;
+  return path;
+}
+
+void ScanRun::finish(ScanSummary summary) {
+  summary_ = std::move(summary);
+  finished_.store(true, std::memory_order_release);
+  const base::MutexLock lock(reportsMutex_);
+  if (reports_.onFinished) reports_.onFinished();
+}
+
+}  // namespace app

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "app/model/scan_summary.h"
+#include "app/model/scan_turns.h"
+#include "base/mutex.h"
+#include "sizewalk/tree_scanner.h"
+
+namespace app {
+
+/// What is told of a scan on its threads. Either may be empty. They hand on what they are told and
+/// neither wait nor ask the scan's owner for anything but its summary: a lock is held.
+struct ScanReports {
+  /// On a thread of the walk every 100 ms.
+  std::function<void(const sizewalk::ScanProgress&)> onProgress;
+  /// On the scan's thread, once, when the summary is in place.
+  std::function<void()> onFinished;
+};
+
+/// One scan of one folder, on a thread of its own. It is held by that thread, by whoever started it
+/// and by whoever looks at its tree: a file system that does not answer keeps the thread and what
+/// it uses, and nobody else.
+class ScanRun {
+ public:
+  /// Begins to scan `path`, which is absolute and may hold "..". Where no thread is to be had the
+  /// scan has failed. The tree is freed by the last who lets go of it; a large one, which takes a
+  /// while, on a thread of its own.
+  static std::shared_ptr<ScanRun> start(const std::string& path, ScanReports reports,
+                                        std::shared_ptr<ScanTurns> turns);
+
+  ScanRun(const std::string& path, ScanReports reports, std::shared_ptr<ScanTurns> turns);
+  ScanRun(const ScanRun&) = delete;
+  ScanRun& operator=(const ScanRun&) = delete;
+
+  /// Ends the scan soon; what was found stays. Any thread, does not wait.
+  void stop();
+  /// Stops, and reports nothing any more; a report that is under way has ended when it returns.
+  void retire();
+
+  const sizewalk::TreeScanner& scanner() const { return scanner_; }
+  sizewalk::TreeScanner& scanner() { return scanner_; }
+  /// The path that was asked for, without ".." as soon as the file system has said where that
+  /// leads. Any thread.
+  std::string path() const;
+  /// The summary is in place. Any thread.
+  bool finished() const { return finished_.load(std::memory_order_acquire); }
+  /// To be read once `finished`.
+  const ScanSummary& summary() const { return summary_; }
+
+ private:
+  void run();
+  ScanSummary scan();
+  std::string findPath();
+  void finish(ScanSummary summary);
+
+  const std::shared_ptr<ScanTurns> turns_;
+  const std::string askedPath_;
+  sizewalk::TreeScanner scanner_;
+
+  mutable base::Mutex pathMutex_;  // guards path_
+  std::string path_ GUARDED_BY(pathMutex_);
+
+  base::Mutex reportsMutex_;  // guards reports_, and is held while one is made
+  ScanReports reports_ GUARDED_BY(reportsMutex_);
+
+  /// Written by the scan's thread before it sets `finished_`.
+  ScanSummary summary_;
+  /// Publishes `summary_`.
+  std::atomic<bool> finished_{false};
+};
+
+}  // namespace app

@@ -1,0 +1,85 @@
+#include "app/model/scan_session.h"
+
+#include <chrono>
+#include <utility>
+
+#include "app/model/scan_path.h"
+
+namespace app {
+
+// The session follows the tree by itself, so the scan's progress reports go nowhere.
+ScanSession::ScanSession(Post post, Now now)
+    : now_(std::move(now)),
+      controller_({}, [this, post = std::move(post)] { post([this] { lookAtEnd(); }); }) {}
+
+void ScanSession::start(const std::string& path) {
+  controller_.start(path);
+  phase_ = ScanPhase::Scanning;
+  path_ = absolutePath(path);
+  started_ = now_();
+  seenNodes_ = 0;
+}
+
+void ScanSession::stop() {
+  if (phase_ != ScanPhase::Scanning) return;
+  controller_.stop();
+  phase_ = ScanPhase::Stopping;
+  stopped_ = now_();
+}
+
+void ScanSession::leave() {
+  controller_.drop();
+  phase_ = ScanPhase::None;
+  path_.clear();
+}
+
+void ScanSession::follow() {
+  if (!underWay()) return;
+  lookAtPath();
+  lookAtTree();
+}
+
+void ScanSession::lookAtPath() {
+  std::string path = controller_.path();
+  if (path == path_) return;
+  path_ = std::move(path);
+  if (onPathFound) onPathFound();
+}
+
+void ScanSession::lookAtTree() {
+  // The look at the end is the last.
+  if (controller_.finished()) return;
+  const sizewalk::NodeId nodes = controller_.scanner()->tree().nodeCount();
+  if (nodes == seenNodes_ || !pacer_.due(now_())) return;
+  seenNodes_ = nodes;
+  if (onGrown) onGrown();
+}
+
+// Posted by a scan as its last report: another may have taken its place since then.
+void ScanSession::lookAtEnd() {
+  if (!underWay() || !controller_.finished()) return;
+  lookAtPath();
+  phase_ = summary().failure == 0 ? ScanPhase::Ended : ScanPhase::Failed;
+  if (onEnded) onEnded();
+}
+
+ScanStatus ScanSession::status() const {
+  switch (phase_) {
+    case ScanPhase::Scanning:
+      return {.scanning = true};
+    case ScanPhase::Stopping:
+      return {.elapsedSeconds = std::chrono::duration<double>(stopped_ - started_).count(),
+              .stopped = true};
+    case ScanPhase::None:
+    case ScanPhase::Ended:
+    case ScanPhase::Failed:
+      break;
+  }
+  return {.elapsedSeconds = summary().elapsedSeconds,
+          .hardLinks = static_cast<std::int64_t>(summary().hardLinks),
+          .hardLinkBytes = static_cast<std::int64_t>(summary().hardLinkBytes),
+          .unreadable = static_cast<std::int64_t>(summary().errors),
+          .stopped = summary().cancelled};
+}
+
+}  // namespace app

@@ -1,0 +1,243 @@
+#include "app/model/scan_session.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "base/detached_threads.h"
+#include "sizewalk/scan_history.h"
+#include "tests/app/held_folder.h"
+#include "tests/support/environment.h"
+#include "tests/support/eventually.h"
+#include "tests/support/temp_directory.h"
+
+namespace app {
+namespace {
+
+using test::eventually;
+using test::HeldFolder;
+
+/// A session whose clock stands still, and whose tasks are run when the test says so. What it scans
+/// holds a file, and a folder "held" with another.
+class Session : public testing::Test {
+ protected:
+  Session() {
+    test::writeFile(folder_ + "/seen", "12345");
+    test::writeFile(folder_ + "/held/late", "123");
+    session_.onPathFound = [this] { events_.push_back("path"); };
+    session_.onGrown = [this] { events_.push_back("grown"); };
+    session_.onEnded = [this] { events_.push_back("ended"); };
+  }
+  // What a scan that was left reads is still there while it does.
+  ~Session() override {
+    session_.leave();
+    EXPECT_TRUE(scansHaveEnded());
+  }
+
+  static bool scansHaveEnded() {
+    return base::awaitDetachedThreads(std::chrono::steady_clock::now() + std::chrono::seconds(20));
+  }
+  std::size_t tasks() {
+    const std::lock_guard lock(mutex_);
+    return tasks_.size();
+  }
+  void runTasks() {
+    std::vector<std::function<void()>> tasks;
+    {
+      const std::lock_guard lock(mutex_);
+      tasks.swap(tasks_);
+    }
+    for (const auto& task : tasks) task();
+  }
+  void awaitPost() {
+    ASSERT_TRUE(eventually([&] { return tasks() == 1; }));
+  }
+  void scanToTheEnd(const std::string& path) {
+    session_.start(path);
+    awaitPost();
+    runTasks();
+  }
+  void scanUntil(const std::string& path, const HeldFolder& held) {
+    session_.start(path);
+    ASSERT_TRUE(held.waitUntilReached());
+  }
+  sizewalk::NodeId nodes() const { return session_.tree()->nodeCount(); }
+
+  using Events = std::vector<std::string>;
+
+  test::PrivateHome home_;
+  test::TempDirectory dir_;
+  const std::string folder_ = dir_ / "folder";
+  Events events_;
+  ScanSession::Clock::time_point time_ = ScanSession::Clock::now();
+  std::mutex mutex_;  // guards the tasks
+  std::vector<std::function<void()>> tasks_;
+  ScanSession session_{[this](std::function<void()> task) {
+                         const std::lock_guard lock(mutex_);
+                         tasks_.push_back(std::move(task));
+                       },
+                       [this] { return time_; }};
+};
+
+TEST_F(Session, HasNothingBeforeItsFirstScan) {
+  EXPECT_EQ(session_.phase(), ScanPhase::None);
+  EXPECT_FALSE(session_.underWay());
+  EXPECT_EQ(session_.path(), "");
+  EXPECT_EQ(session_.tree(), nullptr);
+  session_.follow();
+  session_.stop();
+  session_.leave();
+  EXPECT_EQ(session_.phase(), ScanPhase::None);
+  EXPECT_EQ(events_, Events{});
+}
+
+TEST_F(Session, TellsOfTheEndOnce) {
+  session_.start(folder_);
+  EXPECT_EQ(session_.phase(), ScanPhase::Scanning);
+  EXPECT_TRUE(session_.status().scanning);
+  awaitPost();
+  EXPECT_EQ(session_.phase(), ScanPhase::Scanning) << "until the window thread is told";
+  runTasks();
+  EXPECT_EQ(session_.phase(), ScanPhase::Ended);
+  EXPECT_FALSE(session_.underWay());
+  session_.follow();
+  EXPECT_EQ(events_, Events{"ended"});
+  EXPECT_FALSE(session_.status().scanning);
+  EXPECT_FALSE(session_.status().stopped);
+  EXPECT_EQ(session_.status().elapsedSeconds, session_.summary().elapsedSeconds);
+  EXPECT_EQ(session_.summary().files, 2u);
+  EXPECT_EQ(session_.path(), folder_);
+}
+
+TEST_F(Session, FollowsTheGrowingTree) {
+  HeldFolder held("folder");
+  session_.start(folder_);
+  session_.follow();
+  EXPECT_EQ(events_, Events{});
+  held.holdInstead("held");
+  ASSERT_TRUE(eventually([&] { return nodes() == 3; }));
+  session_.follow();
+  EXPECT_EQ(events_, Events{"grown"});
+  session_.follow();
+  EXPECT_EQ(events_, Events{"grown"}) << "nothing more was found";
+  held.release();
+  awaitPost();
+  session_.follow();
+  EXPECT_EQ(events_, Events{"grown"}) << "the rest is seen with the end";
+  runTasks();
+  EXPECT_EQ(events_, (Events{"grown", "ended"}));
+}
+
+TEST_F(Session, LooksAtTheTreeNoMoreOftenThanThatIsCheap) {
+  HeldFolder held("held");
+  scanUntil(folder_, held);
+  ASSERT_TRUE(eventually([&] { return nodes() == 3; }));
+  session_.pacer().pauseAfter(std::chrono::hours(1));
+  session_.follow();
+  EXPECT_EQ(events_, Events{});
+  time_ += std::chrono::hours(3);
+  session_.follow();
+  EXPECT_EQ(events_, Events{"grown"});
+}
+
+TEST_F(Session, ShowsAScanAsStoppedBeforeItsThreadsHaveEnded) {
+  HeldFolder held("held");
+  scanUntil(folder_, held);
+  time_ += std::chrono::seconds(5);
+  session_.stop();
+  EXPECT_EQ(session_.phase(), ScanPhase::Stopping);
+  EXPECT_TRUE(session_.underWay());
+  time_ += std::chrono::seconds(5);
+  session_.stop();
+  EXPECT_FALSE(session_.status().scanning);
+  EXPECT_TRUE(session_.status().stopped);
+  EXPECT_EQ(session_.status().elapsedSeconds, 5) << "what passes afterwards does not count";
+  held.release();
+  awaitPost();
+  runTasks();
+  EXPECT_EQ(session_.phase(), ScanPhase::Ended);
+  EXPECT_TRUE(session_.status().stopped);
+  EXPECT_EQ(sizewalk::lastScanTime(folder_), 0u);
+}
+
+TEST_F(Session, DoesNotTakeTheEndOfTheScanBeforeForItsOwn) {
+  session_.start(folder_);
+  awaitPost();  // but is not run yet
+  HeldFolder held("held");
+  scanUntil(folder_, held);
+  runTasks();
+  EXPECT_EQ(session_.phase(), ScanPhase::Scanning);
+  EXPECT_EQ(events_, Events{});
+}
+
+TEST_F(Session, StartsAtOnceWhileTheScanBeforeHangs) {
+  HeldFolder held("held");
+  scanUntil(folder_, held);
+  const std::string other = dir_ / "other";
+  test::writeFile(other + "/file", "x");
+  scanToTheEnd(other);
+  EXPECT_EQ(session_.phase(), ScanPhase::Ended);
+  EXPECT_EQ(session_.summary().files, 1u);
+  held.release();
+  ASSERT_TRUE(scansHaveEnded());
+  EXPECT_EQ(tasks(), 0u) << "nobody is told of the late end";
+}
+
+TEST_F(Session, LeavesAtOnceAScanThatHangs) {
+  HeldFolder held("held");
+  scanUntil(folder_, held);
+  session_.leave();
+  EXPECT_EQ(session_.phase(), ScanPhase::None);
+  EXPECT_EQ(session_.tree(), nullptr);
+  EXPECT_EQ(session_.path(), "");
+}
+
+TEST_F(Session, IsNotMisledByTheEndOfAScanThatItHasLeft) {
+  session_.start(folder_);
+  awaitPost();
+  session_.leave();
+  runTasks();
+  EXPECT_EQ(session_.phase(), ScanPhase::None);
+  EXPECT_EQ(events_, Events{});
+}
+
+TEST_F(Session, SaysThatAFolderCannotBeScanned) {
+  scanToTheEnd(dir_ / "missing");
+  EXPECT_EQ(session_.phase(), ScanPhase::Failed);
+  EXPECT_EQ(events_, Events{"ended"});
+  EXPECT_EQ(session_.summary().failureText, "No such file or directory");
+}
+
+TEST_F(Session, CanBeLeftWhenItTellsOfAFailure) {
+  session_.onEnded = [this] { session_.leave(); };
+  scanToTheEnd(dir_ / "missing");
+  EXPECT_EQ(session_.phase(), ScanPhase::None);
+}
+
+TEST_F(Session, TellsWhereAPathLeadsThatGoesUp) {
+  ASSERT_EQ(symlink("folder/held", (dir_ / "link").c_str()), 0);
+  HeldFolder held("held");
+  session_.start(dir_ / "link/..");
+  ASSERT_TRUE(held.waitUntilReached());
+  session_.follow();
+  EXPECT_EQ(session_.path(), folder_);
+  ASSERT_FALSE(events_.empty());
+  EXPECT_EQ(events_[0], "path");
+  session_.follow();
+  EXPECT_EQ(std::count(events_.begin(), events_.end(), "path"), 1);
+}
+
+TEST_F(Session, TellsOfThePathBeforeTheEnd) {
+  scanToTheEnd(folder_ + "/held/..");
+  EXPECT_EQ(session_.path(), folder_);
+  EXPECT_EQ(events_.back(), "ended");
+}
+
+}  // namespace
+}  // namespace app

@@ -1,0 +1,58 @@
+#include "base/detached_threads.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <future>
+#include <memory>
+#include <utility>
+
+namespace base {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+Clock::time_point longTime() { return Clock::now() + std::chrono::seconds(20); }
+
+TEST(DetachedThreads, AreNotWaitedForLongerThanUntilTheDeadline) {
+  std::promise<void> letGo;
+  ASSERT_TRUE(startDetached([wait = letGo.get_future()] { wait.wait(); }));
+  EXPECT_FALSE(awaitDetachedThreads(Clock::now() + std::chrono::milliseconds(1)));
+  EXPECT_FALSE(awaitDetachedThreads(Clock::now() - std::chrono::seconds(1)));
+  letGo.set_value();
+  EXPECT_TRUE(awaitDetachedThreads(longTime()));
+}
+
+TEST(DetachedThreads, HaveEndedOnlyWhenAllThatTheyOwnedIsGone) {
+  std::atomic<bool> gone = false;
+  const auto leave = [&gone](const int* number) {
+    gone = true;
+    std::default_delete<const int>()(number);
+  };
+  std::unique_ptr<const int, decltype(leave)> owned(std::make_unique<const int>(1).release(),
+                                                    leave);
+  ASSERT_TRUE(startDetached([owned = std::move(owned)] {}));
+  EXPECT_TRUE(awaitDetachedThreads(longTime()));
+  EXPECT_TRUE(gone);
+}
+
+TEST(DetachedThreads, AreAwaitedAllOfThem) {
+  std::promise<void> letGo;
+  const std::shared_future<void> wait = letGo.get_future().share();
+  std::atomic<int> ended = 0;
+  for (int i = 0; i < 5; ++i) {
+    ASSERT_TRUE(startDetached([&ended, wait] {
+      wait.wait();
+      ++ended;
+    }));
+  }
+  letGo.set_value();
+  EXPECT_TRUE(awaitDetachedThreads(longTime()));
+  EXPECT_EQ(ended, 5);
+}
+
+TEST(DetachedThreads, AreNoneBeforeTheFirst) { EXPECT_TRUE(awaitDetachedThreads(Clock::now())); }
+
+}  // namespace
+}  // namespace base
