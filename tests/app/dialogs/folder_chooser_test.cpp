@@ -100,6 +100,16 @@ TEST_F(FolderChooserTest, HighlightsThePlaceUnderThePointer) {
   EXPECT_EQ(ground(place), rgb(style.palette().window));
 }
 
+TEST_F(FolderChooserTest, HasNothingUnderThePointerOnceItIsCovered) {
+  const auto plain = picture();
+  for (const ui::RowList* column : {&chooser->placesColumn(), &chooser->listColumn()}) {
+    chooser->motion(at(column->rowRect(1)));
+    EXPECT_FALSE(picture() == plain);
+    chooser->releasePointer();
+    EXPECT_TRUE(picture() == plain);
+  }
+}
+
 TEST_F(FolderChooserTest, FillsTheSelectedRow) {
   pressRow(1);
   EXPECT_EQ(ground(chooser->listColumn().rowRect(1)), rgb(style.palette().accent));
