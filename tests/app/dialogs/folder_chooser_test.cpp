@@ -195,6 +195,21 @@ TEST_F(FolderChooserTest, WaitsForASlowFolderWithoutHoldingUpTheWindow) {
   EXPECT_EQ(chooser->message(), "");
 }
 
+TEST_F(FolderChooserTest, GoesOnWithWhatWasTypedWhileTheFolderWasAwaited) {
+  makeFolder("slow/inside");
+  makeFolder("slow/noise");
+  open();
+  type("slow");
+  chooser->key({.keysym = ui::key::kReturn, .text = {}});
+  ASSERT_EQ(chooser->listing(), std::nullopt);
+  type("i");
+  slow.release();
+  ASSERT_TRUE(listed());
+  EXPECT_EQ(selectedName(), std::nullopt);
+  type("n");
+  EXPECT_EQ(selectedName(), "inside");
+}
+
 TEST_F(FolderChooserTest, DropsTheAnswerForAFolderThatWasLeft) {
   makeFolder("slow/inside");
   open({{"Home", home}, {"Slow", home + "/slow"}});

@@ -346,6 +346,14 @@ TEST_F(ScrolledFolderListTest, KeepsTheNextRowInPlaceWhereThatUnderThePointerVan
   EXPECT_EQ(placeOf(node), place);
 }
 
+TEST_F(ScrolledFolderListTest, KeepsTheTopmostRowInPlaceWhereTheCurrentOneVanishes) {
+  press(top_ + 2);
+  const NodeId node = nodeOf(top_);
+  const int place = placeOf(node);
+  takeOut(nodeOf(top_ + 2));
+  EXPECT_EQ(placeOf(node), place) << "not the row that is the current one instead";
+}
+
 TEST_F(ScrolledFolderListTest, HandsTheCurrentRowOnToTheNearestThatRemains) {
   press(top_ + 2);
   const NodeId below = nodeOf(top_ + 3);

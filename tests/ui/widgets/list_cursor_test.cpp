@@ -122,7 +122,7 @@ class ListCursorSearchTest : public testing::Test {
     return names_[*search.row];
   }
 
-  std::vector<std::string> names_ = {"alpha", "beta", "bravo", "charlie"};
+  std::vector<std::string> names_ = {"alpha", "beta", "bethel", "charlie"};
   std::optional<std::size_t> current_;
   std::int64_t now_ = 5000;
   ListCursor<int> cursor_;
@@ -131,7 +131,7 @@ class ListCursorSearchTest : public testing::Test {
 TEST_F(ListCursorSearchTest, GoesOnFromTheCurrentRowAndRoundTheEnd) {
   EXPECT_EQ(type("b"), "beta");
   now_ += 1000;
-  EXPECT_EQ(type("B"), "bravo");
+  EXPECT_EQ(type("B"), "bethel");
   now_ += 1000;
   EXPECT_EQ(type("b"), "beta");
 }
