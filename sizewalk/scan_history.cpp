@@ -1,7 +1,5 @@
 #include "sizewalk/scan_history.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <charconv>
 #include <cstddef>
@@ -10,6 +8,7 @@
 #include <ctime>
 #include <string_view>
 
+#include "base/directories.h"
 #include "base/files.h"
 #include "base/home_directory.h"
 #include "base/mutex.h"
@@ -28,14 +27,6 @@ std::string dataDirectory() {
   const std::string home = base::homeDirectory();
   if (home.empty()) return {};
   return (home + "/.local/share").append(kProgramDirectory);
-}
-
-/// Creates `path` and what is missing above it. Failures show when a file is created in it.
-void createDirectories(const std::string& path) {
-  for (std::size_t end = 0; end != std::string::npos;) {
-    end = path.find('/', end + 1);
-    ::mkdir(path.substr(0, end).c_str(), 0700);
-  }
 }
 
 bool fitsIntoALine(std::string_view path) {
@@ -86,7 +77,7 @@ ScanHistory loadHistory() {
 void saveHistory(const ScanHistory& history) {
   const std::string directory = dataDirectory();
   if (directory.empty()) return;
-  createDirectories(directory);
+  base::makeDirectories(directory);  // a failure shows when the file is created in it
   const std::string path = historyPath();
   const std::string temporary = path + ".tmp";
   const base::WriteOutcome outcome = base::writeWholeFile(temporary, fileText(history));
