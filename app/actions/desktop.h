@@ -1,0 +1,27 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace app {
+
+/// The program that opens what the desktop has for a file or folder.
+inline constexpr const char* kOpener = "xdg-open";
+
+/// Starts a program and lets go of it, as `spawnDetached` does.
+using Starter = std::function<bool(const std::vector<std::string>& argv)>;
+
+/// Opens the file or folder at `path` with what the desktop has for it. False when `path` is empty
+/// or nothing could be started; true does not say that `kOpener` is there (see `isOnPath`). Waits
+/// for nothing; window thread.
+bool openWithDefaultApp(const std::string& path);
+
+/// Asks the desktop's file manager, on the session bus, to show the folder of `path` with it
+/// selected. The path is handed on as held: nothing in it is encoded. When that cannot be started
+/// the folder is opened instead. False when `path` is empty or neither could be started; a session
+/// without a file manager is not noticed. Waits for nothing; window thread.
+bool showInFileManager(const std::string& path);
+bool showInFileManager(const std::string& path, const Starter& start);
+
+}  // namespace app
