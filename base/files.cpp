@@ -14,6 +14,24 @@
 namespace base {
 
 namespace {
+bool isRegularFile(int fd) {
+  struct stat status {};
+  return ::fstat(fd, &status) == 0 && S_ISREG(status.st_mode);
+}
+}  // namespace
+
+std::optional<std::string> readRest(int fd) {
+  std::string content;
+  std::array<char, 8192> buffer;
+  while (true) {
+    const ssize_t got = ::read(fd, buffer.data(), buffer.size());
+    if (got == 0) return content;
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) return std::nullopt;
+    content.append(buffer.data(), static_cast<std::size_t>(got));
+  }
+}
+
 bool writeAll(int fd, std::string_view bytes) {
   while (!bytes.empty()) {
     const ssize_t written = ::write(fd, bytes.data(), bytes.size());
@@ -24,26 +42,12 @@ bool writeAll(int fd, std::string_view bytes) {
   return true;
 }
 
-bool isRegularFile(int fd) {
-  struct stat status {};
-  return ::fstat(fd, &status) == 0 && S_ISREG(status.st_mode);
-}
-}  // namespace
-
 std::optional<std::string> readWholeFile(const std::string& path) {
   // Opening a FIFO for reading waits for a writer unless O_NONBLOCK is set; on regular files the
   // flag does nothing.
   const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   if (!file.valid() || !isRegularFile(file.get())) return std::nullopt;
-  std::string content;
-  std::array<char, 8192> buffer;
-  while (true) {
-    const ssize_t got = ::read(file.get(), buffer.data(), buffer.size());
-    if (got == 0) return content;
-    if (got < 0 && errno == EINTR) continue;
-    if (got < 0) return std::nullopt;
-    content.append(buffer.data(), static_cast<std::size_t>(got));
-  }
+  return readRest(file.get());
 }
 
 WriteOutcome writeWholeFile(const std::string& path, std::string_view content) {

@@ -11,6 +11,12 @@ namespace base {
 /// counts as unreadable.
 std::optional<std::string> readWholeFile(const std::string& path);
 
+/// What is left to read of the open file `fd`, to its end. Nothing when reading fails.
+std::optional<std::string> readRest(int fd);
+
+/// Writes all of `bytes` to the open file `fd`. False when not all of them could be written.
+bool writeAll(int fd, std::string_view bytes);
+
 enum class WriteOutcome {
   Written,
   /// The file could not be opened; nothing was changed.

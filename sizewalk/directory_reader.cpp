@@ -6,13 +6,14 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <climits>
 #include <cstring>
 #include <limits>
+#include <optional>
 #include <string_view>
 
 #include "sizewalk/file_kinds.h"
 #include "sizewalk/hard_link_set.h"
+#include "sizewalk/long_path.h"
 #include "sizewalk/retry.h"
 
 namespace sizewalk {
@@ -20,29 +21,9 @@ namespace sizewalk {
 namespace {
 
 constexpr int kOpenFlags = O_RDONLY | O_NONBLOCK | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-constexpr int kStepFlags = O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
 base::FileDescriptor openAt(int directory, const char* path, int flags) {
   return base::FileDescriptor(retryInterrupted([&] { return openat(directory, path, flags); }));
-}
-
-/// Goes down in the longest steps that the kernel takes, each relative to the one before.
-base::FileDescriptor openLongPath(const std::string& path) {
-  constexpr std::size_t kLongest = PATH_MAX - 1;
-  base::FileDescriptor ancestor;
-  std::size_t start = 0;
-  while (path.size() - start > kLongest) {
-    const std::size_t slash = path.rfind('/', start + kLongest);
-    if (slash == std::string::npos || slash <= start) {
-      errno = ENAMETOOLONG;
-      return {};
-    }
-    const std::string step = path.substr(start, slash - start);
-    ancestor = openAt(start == 0 ? AT_FDCWD : ancestor.get(), step.c_str(), kStepFlags);
-    if (!ancestor.valid()) return {};
-    start = slash + 1;
-  }
-  return openAt(ancestor.get(), path.c_str() + start, kOpenFlags);
 }
 
 /// What getdents64 writes: the kernel's linux_dirent64, which no header declares.
@@ -188,8 +169,9 @@ class Listing {
 }  // namespace
 
 base::FileDescriptor openDirectory(const std::string& path) {
-  if (path.size() >= PATH_MAX) return openLongPath(path);
-  return openAt(AT_FDCWD, path.c_str(), kOpenFlags);
+  const std::optional<ReachedPath> reached = reachPath(path);
+  if (!reached) return {};
+  return openAt(reached->directory(), reached->rest.c_str(), kOpenFlags);
 }
 
 std::uint32_t birthOrChangeTime(const struct statx& status) {
