@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdlib>
 
-#include "app/product.h"
+#include "app/model/product.h"
 
 namespace app {
 

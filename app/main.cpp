@@ -6,7 +6,7 @@
 
 #include "app/command_line.h"
 #include "app/main_window.h"
-#include "app/product.h"
+#include "app/model/product.h"
 #include "base/detached_threads.h"
 #include "ui/connection.h"
 #include "ui/single_instance.h"

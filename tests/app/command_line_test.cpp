@@ -5,7 +5,7 @@
 #include <cmath>
 #include <vector>
 
-#include "app/product.h"
+#include "app/model/product.h"
 
 namespace app {
 namespace {
