@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+
+namespace app {
+
+/// The label of the link to a newer version.
+inline constexpr char kDownloadLabel[] = "Download it";
+
+/// What the user is told of a newer version, and where it is to be had. The server has a say in
+/// both: the message is any bytes of any length, the address one of the web.
+struct UpdateNotice {
+  std::string message;
+  std::string downloadAddress;
+};
+
+}  // namespace app
