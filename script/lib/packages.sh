@@ -10,8 +10,8 @@ packages() {
         libpng-dev fonts-dejavu-core xvfb x11-utils netpbm
       ;;
     debian-test)
-      echo libgtest-dev libxtst-dev libfuse3-dev fuse3 clang shellcheck ccache xclip openbox trash-cli \
-        fonts-noto-color-emoji
+      echo libgtest-dev libxtst-dev libfuse3-dev fuse3 clang shellcheck ccache xclip openbox \
+        trash-cli curl wget python3 fonts-noto-color-emoji
       ;;
     debian-screenshots) echo xdotool fonts-noto-color-emoji ;;
     debian-bench) echo libxtst-dev ;;
@@ -20,8 +20,8 @@ packages() {
         fontconfig-devel libpng-devel dejavu-sans-fonts xorg-x11-server-Xvfb xdpyinfo netpbm-progs
       ;;
     fedora-test)
-      echo gtest-devel libXtst-devel fuse3-devel fuse3 clang ShellCheck ccache xclip openbox trash-cli \
-        dejavu-sans-mono-fonts google-noto-color-emoji-fonts
+      echo gtest-devel libXtst-devel fuse3-devel fuse3 clang ShellCheck ccache xclip openbox \
+        trash-cli curl wget python3 dejavu-sans-mono-fonts google-noto-color-emoji-fonts
       ;;
     fedora-screenshots) echo xdotool google-noto-color-emoji-fonts ;;
     fedora-bench) echo libXtst-devel ;;
@@ -29,7 +29,10 @@ packages() {
       echo gcc cmake ninja pkgconf libx11 libxrender libxft fontconfig libpng ttf-dejavu \
         xorg-server-xvfb xorg-xdpyinfo netpbm
       ;;
-    arch-test) echo gtest libxtst fuse3 clang shellcheck ccache xclip openbox trash-cli noto-fonts-emoji ;;
+    arch-test)
+      echo gtest libxtst fuse3 clang shellcheck ccache xclip openbox trash-cli curl wget python \
+        noto-fonts-emoji
+      ;;
     arch-screenshots) echo xdotool noto-fonts-emoji ;;
     arch-bench) echo libxtst ;;
     suse-run)
@@ -37,8 +40,8 @@ packages() {
         fontconfig-devel libpng16-devel dejavu-fonts xorg-x11-server-Xvfb xdpyinfo netpbm
       ;;
     suse-test)
-      echo gtest libXtst-devel fuse3-devel fuse3 clang ShellCheck ccache xclip openbox trash-cli \
-        google-noto-coloremoji-fonts
+      echo gtest libXtst-devel fuse3-devel fuse3 clang ShellCheck ccache xclip openbox \
+        trash-cli curl wget python3 google-noto-coloremoji-fonts
       ;;
     suse-bench) echo libXtst-devel ;;
     suse-screenshots) echo xdotool google-noto-coloremoji-fonts ;;

@@ -11,6 +11,8 @@ make_private_environment() {
   fi
   local name
   for name in $(compgen -e XDG_) $(compgen -e HEAPGAUGE_); do unset "$name"; done
+  # Nothing leaves the machine: what would ask for updates finds nobody.
+  export HEAPGAUGE_UPDATE_URL=http://127.0.0.1:9/
   unset DISPLAY WAYLAND_DISPLAY XAUTHORITY DBUS_SESSION_BUS_ADDRESS GTK_THEME
   unset CTEST_PARALLEL_LEVEL CTEST_OUTPUT_ON_FAILURE
 
