@@ -6,9 +6,9 @@
 #include <memory>
 #include <optional>
 #include <set>
-#include <thread>
 #include <utility>
 
+#include "base/detached_threads.h"
 #include "base/mutex.h"
 
 namespace base {
@@ -105,13 +105,11 @@ bool OwedAnswers<Question, Answer>::Shared::start(const std::shared_ptr<Shared>&
                                                   const Question& question) {
   try {
     if (!owing.insert(question).second) return true;
-    // Detached: joining would wait for what hangs.
-    std::thread([self, question] { self->answer(question); }).detach();
-    return true;
-  } catch (...) {  // no thread, or no memory for what belongs to one
-    owing.erase(question);
-    return false;
+    if (startDetached([self, question] { self->answer(question); })) return true;
+  } catch (...) {  // no memory for what belongs to a thread
   }
+  owing.erase(question);
+  return false;
 }
 
 template <std::totally_ordered Question, std::default_initializable Answer>
