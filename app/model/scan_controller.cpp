@@ -18,6 +18,10 @@ void ScanController::start(const std::string& path) {
   neverStarted_ = false;
 }
 
+void ScanController::readAgain(sizewalk::NodeId folder) {
+  if (finished()) ScanRun::readAgain(run_, folder);
+}
+
 void ScanController::stop() {
   if (run_) run_->stop();
 }

@@ -28,6 +28,9 @@ class ScanController {
   /// Scans `path`, relative to the working directory or absolute; a symbolic link to a folder is
   /// scanned as that folder. The scan before is dropped first.
   void start(const std::string& path);
+  /// Reads a folder of the current scan's tree again, once that has finished: until then the scan
+  /// is unfinished again. Nothing while it is not finished.
+  void readAgain(sizewalk::NodeId folder);
   /// Ends a running scan soon; what was found stays.
   void stop();
   /// Retires the current scan, stopping it if it runs, and forgets its summary.

@@ -36,8 +36,24 @@ std::shared_ptr<ScanRun> ScanRun::start(const std::string& path, ScanReports rep
   const std::shared_ptr<ScanRun> run(
       std::make_unique<ScanRun>(path, std::move(reports), std::move(turns)).release(),
       FreeBeside());
-  if (!base::startDetached([run] { run->run(); })) run->finish(summaryOfFailure(EAGAIN));
+  const auto scan = [run] { run->run([&] { return run->scan(); }); };
+  if (!base::startDetached(scan)) run->finish(summaryOfFailure(EAGAIN));
   return run;
+}
+
+void ScanRun::readAgain(const std::shared_ptr<ScanRun>& run, sizewalk::NodeId folder) {
+  run->finished_ = false;
+  // What a scan that was stopped has left out is still missing.
+  const bool incomplete = run->summary_.cancelled;
+  const auto read = [run, folder, incomplete] {
+    run->run([&] {
+      run->scanner_.walk(folder);
+      ScanSummary summary = summaryOf(run->scanner_);
+      summary.cancelled = summary.cancelled || incomplete;
+      return summary;
+    });
+  };
+  if (!base::startDetached(read)) run->finish(run->summary_);
 }
 
 ScanRun::ScanRun(const std::string& path, ScanReports reports, std::shared_ptr<ScanTurns> turns)
@@ -69,12 +85,12 @@ std::string ScanRun::path() const {
   return path_;
 }
 
-void ScanRun::run() {
+void ScanRun::run(const std::function<ScanSummary()>& work) {
   giveWayToWindow();
   const Clock::time_point started = Clock::now();
   ScanSummary summary;
   if (turns_->take(askedPath_, scanner_)) {
-    summary = scan();
+    summary = work();
     turns_->giveBack(askedPath_);
   } else {
     summary = summaryOf(scanner_);

@@ -17,7 +17,7 @@ namespace app {
 struct ScanReports {
   /// On a thread of the walk every 100 ms.
   std::function<void(const sizewalk::ScanProgress&)> onProgress;
-  /// On the scan's thread, once, when the summary is in place.
+  /// On the scan's thread when the summary is in place, each time it has finished.
   std::function<void()> onFinished;
 };
 
@@ -31,6 +31,11 @@ class ScanRun {
   /// while, on a thread of its own.
   static std::shared_ptr<ScanRun> start(const std::string& path, ScanReports reports,
                                         std::shared_ptr<ScanTurns> turns);
+
+  /// Has `run`, which has finished, read one of its folders again, on another thread: until that
+  /// has ended the run is not finished, and then it has a new summary. Where no thread is to be had
+  /// nothing changes.
+  static void readAgain(const std::shared_ptr<ScanRun>& run, sizewalk::NodeId folder);
 
   ScanRun(const std::string& path, ScanReports reports, std::shared_ptr<ScanTurns> turns);
   ScanRun(const ScanRun&) = delete;
@@ -52,7 +57,8 @@ class ScanRun {
   const ScanSummary& summary() const { return summary_; }
 
  private:
-  void run();
+  /// The work of the scan's thread: takes its turn, does `work` and finishes.
+  void run(const std::function<ScanSummary()>& work);
   ScanSummary scan();
   std::string findPath();
   void finish(ScanSummary summary);

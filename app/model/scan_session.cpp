@@ -20,6 +20,13 @@ void ScanSession::start(const std::string& path) {
   seenNodes_ = 0;
 }
 
+void ScanSession::readAgain(sizewalk::NodeId folder) {
+  if (phase_ != ScanPhase::Ended) return;
+  controller_.readAgain(folder);
+  phase_ = ScanPhase::Scanning;
+  started_ = now_();
+}
+
 void ScanSession::stop() {
   if (phase_ != ScanPhase::Scanning) return;
   controller_.stop();
@@ -53,6 +60,10 @@ void ScanSession::lookAtTree() {
   if (nodes == seenNodes_ || !pacer_.due(now_())) return;
   seenNodes_ = nodes;
   if (onGrown) onGrown();
+}
+
+sizewalk::FileTree* ScanSession::treeToChange() {
+  return controller_.scanner() ? &controller_.scanner()->tree() : nullptr;
 }
 
 // Posted by a scan as its last report: another may have taken its place since then.

@@ -44,6 +44,8 @@ class ScanSession {
 
   /// Scans `path` instead of whatever was scanned before.
   void start(const std::string& path);
+  /// Reads a folder of the tree again, after a scan that has ended. Nothing before.
+  void readAgain(sizewalk::NodeId folder);
   /// Ends the scan soon; what was found stays.
   void stop();
   /// Lets go of the scan, stopping it if it runs.
@@ -58,6 +60,8 @@ class ScanSession {
   const std::string& path() const { return path_; }
   /// As `ScanController::tree`.
   std::shared_ptr<const sizewalk::FileTree> tree() const { return controller_.tree(); }
+  /// The same, to take items out of and to put them back. Null without a scan.
+  sizewalk::FileTree* treeToChange();
   /// Of a scan that has ended or failed, otherwise empty.
   const ScanSummary& summary() const { return controller_.summary(); }
   /// For the status line, but for what is taken from the tree.

@@ -166,6 +166,49 @@ TEST_F(Session, ShowsAScanAsStoppedBeforeItsThreadsHaveEnded) {
   EXPECT_EQ(sizewalk::lastScanTime(folder_), 0u);
 }
 
+TEST_F(Session, ReadsAFolderAgainAfterItsEnd) {
+  scanToTheEnd(folder_);
+  const sizewalk::FileTree& tree = *session_.tree();
+  sizewalk::NodeId held = tree.firstChild(sizewalk::kRootNode);
+  while (!tree.isDirectory(held)) ++held;
+  test::writeFile(folder_ + "/held/new", "1234567");
+  session_.readAgain(held);
+  EXPECT_EQ(session_.phase(), ScanPhase::Scanning);
+  awaitPost();
+  runTasks();
+  EXPECT_EQ(session_.phase(), ScanPhase::Ended);
+  EXPECT_EQ(events_, (Events{"ended", "ended"}));
+  EXPECT_EQ(session_.summary().files, 3u);
+  EXPECT_EQ(tree.apparentSize(held), 3u + 7u);
+}
+
+TEST_F(Session, ReadsNoFolderAgainWhileItScans) {
+  HeldFolder held("held");
+  scanUntil(folder_, held);
+  session_.readAgain(sizewalk::kRootNode);
+  held.release();
+  awaitPost();
+  runTasks();
+  EXPECT_EQ(events_, Events{"ended"});
+  EXPECT_EQ(session_.summary().files, 2u);
+}
+
+TEST_F(Session, StopsAFolderThatIsReadAgain) {
+  scanToTheEnd(folder_);
+  HeldFolder held("held");
+  const sizewalk::FileTree& tree = *session_.tree();
+  sizewalk::NodeId node = tree.firstChild(sizewalk::kRootNode);
+  while (!tree.isDirectory(node)) ++node;
+  session_.readAgain(node);
+  ASSERT_TRUE(held.waitUntilReached());
+  session_.stop();
+  EXPECT_EQ(session_.phase(), ScanPhase::Stopping);
+  held.release();
+  awaitPost();
+  runTasks();
+  EXPECT_TRUE(session_.status().stopped);
+}
+
 TEST_F(Session, DoesNotTakeTheEndOfTheScanBeforeForItsOwn) {
   session_.start(folder_);
   awaitPost();  // but is not run yet
