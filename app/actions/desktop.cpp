@@ -17,7 +17,7 @@ std::string folderOf(const std::string& path) {
 /// The method ShowItems of the interface that file managers share, with one URI and no startup id
 /// (https://www.freedesktop.org/wiki/Specifications/file-manager-interface/).
 std::vector<std::string> showItemsCommand(const std::string& path) {
-  return {"dbus-send",
+  return {kBusSender,
           "--session",
           "--print-reply",
           "--dest=org.freedesktop.FileManager1",

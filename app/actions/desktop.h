@@ -8,6 +8,8 @@ namespace app {
 
 /// The program that opens what the desktop has for a file or folder.
 inline constexpr const char* kOpener = "xdg-open";
+/// The program that asks the file manager to show an item.
+inline constexpr const char* kBusSender = "dbus-send";
 
 /// Starts a program and lets go of it, as `spawnDetached` does.
 using Starter = std::function<bool(const std::vector<std::string>& argv)>;
