@@ -11,8 +11,6 @@
 #include "app/model/product.h"
 #include "app/model/settings.h"
 #include "app/model/settings_store.h"
-#include "base/utf8.h"
-#include "ui/text.h"
 #include "ui/widgets/message_dialog.h"
 #include "ui/widgets/popup_menu.h"
 
@@ -27,8 +25,6 @@ constexpr double kWidth = 1100;
 constexpr double kHeight = 720;
 constexpr double kMinWidth = 640;
 constexpr double kMinHeight = 420;
-/// Bytes of a path, of which the end is kept: the reason after it is to be seen as well.
-constexpr std::size_t kLongestPathTold = 300;
 
 bool isOn(const Setting& setting) { return SettingsStore::instance().get(setting); }
 }  // namespace
@@ -39,12 +35,7 @@ std::string windowTitle(const std::string& scanPath) {
 }
 
 std::string scanFailureText(const std::string& path, const std::string& reason) {
-  std::string shown = displayName(path);
-  if (shown.size() > kLongestPathTold) {
-    const std::size_t cut = shown.size() - kLongestPathTold;
-    shown = std::string(ui::kEllipsis) + shown.substr(base::characterStart(shown, cut));
-  }
-  return shown + " - " + reason;
+  return readablePath(path) + " - " + reason;
 }
 
 std::string captureFailedMessage(const std::string& file) {

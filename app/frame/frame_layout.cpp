@@ -64,7 +64,10 @@ class FrameBuilder {
     const int status =
         std::min(request_.lineHeight + scaled(kStatusPadding), request_.height - toolbar);
     frame_.status = {0, request_.height - status, request_.width, status};
-    const ui::Rect room = {0, toolbar, request_.width, request_.height - toolbar - status};
+    const int between = request_.height - toolbar - status;
+    const int pending = std::clamp(request_.pendingHeight, 0, between / 2);
+    frame_.pending = {0, frame_.status.y - pending, request_.width, pending};
+    const ui::Rect room = {0, toolbar, request_.width, between - pending};
     if (request_.listAboveMap) {
       putListAbove(room);
     } else {

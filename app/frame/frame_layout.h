@@ -26,6 +26,9 @@ struct FrameRequest {
   int lineHeight = 0;
   bool listAboveMap = false;
   bool showKinds = true;
+  /// What the pending panel asks for; 0 while nothing waits. It gets no more than half of the room
+  /// between toolbar and status line.
+  int pendingHeight = 0;
   DividerPlaces dividers;
 };
 
@@ -36,6 +39,8 @@ struct FrameLayout {
   ui::Rect list;
   ui::Rect kinds;
   ui::Rect map;
+  /// Across the window, between those above and the status line.
+  ui::Rect pending;
   ui::Rect status;
   /// Between the list (and the kinds beside it) and the map.
   ui::Rect mainDivider;

@@ -30,9 +30,11 @@ ScanScreen::ScanScreen(ui::Connection& connection, const ui::Style& style, KindC
       map_(style, picture_, focus_, selection_),
       mainDivider_(style),
       kindsDivider_(style),
+      pending_(style),
       statusLine_(style) {
-  for (ui::View* view : std::initializer_list<ui::View*>{
-           &toolbar_, &list_, &kinds_, &map_, &mainDivider_, &kindsDivider_, &statusLine_}) {
+  for (ui::View* view :
+       std::initializer_list<ui::View*>{&toolbar_, &list_, &kinds_, &map_, &mainDivider_,
+                                        &kindsDivider_, &pending_, &statusLine_}) {
     add(*view);
   }
   toolbar_.onCommand = [this](const Command& command) {
@@ -42,6 +44,7 @@ ScanScreen::ScanScreen(ui::Connection& connection, const ui::Style& style, KindC
   connectKinds();
   connectMap();
   connectDividers();
+  connectPending();
   selection_.onChanged = [this] {
     selectionDirty_ = true;
     changed();
@@ -80,6 +83,18 @@ void ScanScreen::connectDividers() {
   kindsDivider_.onMoved = [this](std::optional<double> share) {
     (settings_.listAboveMap ? dividerPlaces_.mapBesideKinds : dividerPlaces_.listOverKinds) = share;
     layOutAgain();
+  };
+}
+
+void ScanScreen::connectPending() {
+  pending_.onUndelete = [this](std::uint64_t id) {
+    if (onUndelete) onUndelete(id);
+  };
+  pending_.onUndeleteAll = [this] {
+    if (onUndeleteAll) onUndeleteAll();
+  };
+  pending_.onDeleteNow = [this] {
+    if (onDeleteNow) onDeleteNow();
   };
 }
 
@@ -131,6 +146,13 @@ void ScanScreen::setVolumeSpace(const std::optional<VolumeSpace>& space) {
   treeChanged();
 }
 
+void ScanScreen::setPending(std::vector<PendingRow> rows) {
+  const int before = pending_.wantedHeight();
+  pending_.setRows(std::move(rows));
+  if (pending_.rows().empty() && keyboardOwner() == &pending_) giveKeyboardTo(&list_);
+  if (pending_.wantedHeight() != before) layOutAgain();
+}
+
 void ScanScreen::treeChanged() {
   treeDirty_ = true;
   changed();
@@ -153,12 +175,14 @@ void ScanScreen::layOut() {
                          .lineHeight = style_.lineHeight(),
                          .listAboveMap = settings_.listAboveMap,
                          .showKinds = settings_.showKinds,
+                         .pendingHeight = pending_.wantedHeight(),
                          .dividers = dividerPlaces_});
   toolbar_.setRect(layout_.toolbar);
   list_.setRect(layout_.list);
   kinds_.setRect(layout_.kinds);
   map_.setRect(layout_.map);
   map_.setCardBounds(rect());
+  pending_.setRect(layout_.pending);
   statusLine_.setRect(layout_.status);
   mainDivider_.setRect(layout_.mainDivider);
   kindsDivider_.setRect(layout_.kindsDivider);
@@ -265,6 +289,18 @@ bool ScanScreen::dismiss() {
   const bool highlighted = kinds_.selectedKind().has_value();
   kinds_.clearSelection();
   return highlighted;
+}
+
+/// The panel sees where the pointer comes from: a button that appears under it is not one that it
+/// moved on to.
+void ScanScreen::motion(const ui::MouseEvent& event) {
+  Screen::motion(event);
+  pending_.pointerSeen(event.x, event.y);
+}
+
+void ScanScreen::releasePointer() {
+  Screen::releasePointer();
+  pending_.forgetPointer();
 }
 
 void ScanScreen::tick(std::int64_t nowMs) {

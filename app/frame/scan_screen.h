@@ -5,9 +5,12 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "app/frame/divider.h"
 #include "app/frame/frame_layout.h"
+#include "app/frame/pending_panel.h"
+#include "app/frame/pending_rows.h"
 #include "app/frame/screen.h"
 #include "app/frame/status_line.h"
 #include "app/frame/status_text.h"
@@ -44,8 +47,9 @@ struct ScanScreenSettings {
 };
 
 /// The window while a scan is shown: toolbar, folder list, kinds table, map and status line, laid
-/// out around two dividers, with one selection and one folder in focus. Hands input to the part
-/// that it is for, and what changes in one part to the others. Window thread only.
+/// out around two dividers, below them what waits to be deleted, with one selection and one folder
+/// in focus. Hands input to the part that it is for, and what changes in one part to the others.
+/// Window thread only.
 class ScanScreen : public Screen {
  public:
   std::function<void(const Command&)> onCommand;
@@ -53,6 +57,10 @@ class ScanScreen : public Screen {
   std::function<void(sizewalk::NodeId, int x, int y)> onContextMenu;
   /// A file is to be opened.
   std::function<void(sizewalk::NodeId)> onOpenFile;
+  /// The buttons of the pending panel.
+  std::function<void(std::uint64_t id)> onUndelete;
+  std::function<void()> onUndeleteAll;
+  std::function<void()> onDeleteNow;
 
   /// All outlive the view. Without `post` the map is never drawn in the background.
   ScanScreen(ui::Connection& connection, const ui::Style& style, KindColours& colours,
@@ -66,6 +74,9 @@ class ScanScreen : public Screen {
   void setScanStatus(const ScanStatus& status);
   /// Of the volume that holds the scanned folder; nothing while that is not known.
   void setVolumeSpace(const std::optional<VolumeSpace>& space);
+  /// What waits to be deleted. The panel is there while there is any; the map is laid out anew only
+  /// when the panel's height changes.
+  void setPending(std::vector<PendingRow> rows);
   /// The tree has changed: all parts look at it anew with the next frame, the map perhaps a little
   /// later.
   void treeChanged();
@@ -75,6 +86,8 @@ class ScanScreen : public Screen {
   /// What the view with the keyboard has no use for goes to the list; Escape takes back a card,
   /// then the highlight of a kind.
   bool key(const ui::KeyEvent& event) override;
+  void motion(const ui::MouseEvent& event) override;
+  void releasePointer() override;
   void tick(std::int64_t nowMs) override;
   ui::Rect menuButton() const override {
     return toolbar_.layout().place(Action::OpenApplicationMenu);
@@ -91,6 +104,7 @@ class ScanScreen : public Screen {
   const FolderList& list() const { return list_; }
   const KindsTable& kinds() const { return kinds_; }
   const TreemapPicture& picture() const { return picture_; }
+  const PendingPanel& pending() const { return pending_; }
   const StatusLine& statusLine() const { return statusLine_; }
   /// The item that a command without a place of its own is about: the one that is selected, of
   /// several the current row if it is one of them, else the folder in focus.
@@ -107,6 +121,7 @@ class ScanScreen : public Screen {
   void connectKinds();
   void connectMap();
   void connectDividers();
+  void connectPending();
   void layOutAgain();
   bool dismiss();
   void lookAtTree();
@@ -139,6 +154,7 @@ class ScanScreen : public Screen {
   TreemapView map_;
   Divider mainDivider_;
   Divider kindsDivider_;
+  PendingPanel pending_;
   StatusLine statusLine_;
   // What the next `prepare` has to do.
   bool treeDirty_ = false;

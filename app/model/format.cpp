@@ -8,10 +8,13 @@
 #include <optional>
 
 #include "base/utf8.h"
+#include "ui/text.h"
 
 namespace app {
 
 namespace {
+
+constexpr std::size_t kLongestPathTold = 300;
 
 constexpr std::array<std::string_view, 6> kUnits = {"B", "kB", "MB", "GB", "TB", "PB"};
 
@@ -82,6 +85,13 @@ std::string displayName(std::string_view name) {
     name.remove_prefix(length);
   }
   return text;
+}
+
+std::string readablePath(std::string_view path) {
+  std::string shown = displayName(path);
+  if (shown.size() <= kLongestPathTold) return shown;
+  const std::size_t cut = shown.size() - kLongestPathTold;
+  return std::string(ui::kEllipsis) + shown.substr(base::characterStart(shown, cut));
 }
 
 }  // namespace app

@@ -27,4 +27,8 @@ std::string formatCount(std::int64_t count);
 /// is.
 std::string displayName(std::string_view name);
 
+/// A path in the same way, to be told with a reason that is to be seen as well: of more than 300
+/// bytes, "…" and the end.
+std::string readablePath(std::string_view path);
+
 }  // namespace app

@@ -18,8 +18,8 @@ FrameRequest requestOf(int width, int height) {
 }
 
 std::vector<Rect> partsOf(const FrameLayout& frame) {
-  return {frame.toolbar, frame.list,        frame.kinds,       frame.map,
-          frame.status,  frame.mainDivider, frame.kindsDivider};
+  return {frame.toolbar, frame.list,   frame.kinds,       frame.map,
+          frame.pending, frame.status, frame.mainDivider, frame.kindsDivider};
 }
 
 void expectTiling(const FrameRequest& request) {
@@ -110,8 +110,37 @@ TEST(FrameLayout, FollowsDraggedDividersAndLetsNoneCrowdAPartOut) {
   }
 }
 
+TEST(FrameLayout, PutsWhatWaitsBetweenThePanesAndTheStatusLine) {
+  FrameRequest request = requestOf(1000, 700);
+  request.pendingHeight = 120;
+  for (const bool above : {false, true}) {
+    request.listAboveMap = above;
+    const FrameLayout frame = layOutFrame(request);
+    EXPECT_EQ(frame.pending, (Rect{0, 556, 1000, 120}));
+    EXPECT_EQ(frame.status, (Rect{0, 676, 1000, 24}));
+    EXPECT_EQ(frame.map.y + frame.map.h, 556);
+    expectTiling(request);
+  }
+  request.pendingHeight = 0;
+  EXPECT_TRUE(layOutFrame(request).pending.empty());
+}
+
+TEST(FrameLayout, LeavesThePanesHalfOfTheRoom) {
+  FrameRequest request = requestOf(1000, 700);
+  for (const int wanted : {5'000, -5'000}) {
+    request.pendingHeight = wanted;
+    EXPECT_EQ(layOutFrame(request).pending.h, wanted > 0 ? 321 : 0);
+    expectTiling(request);
+  }
+}
+
 TEST(FrameLayout, SurvivesAWindowWithoutRoom) {
-  for (const int side : {0, 1, 7, 40}) expectTiling(requestOf(side, side));
+  for (const int side : {0, 1, 7, 40}) {
+    FrameRequest request = requestOf(side, side);
+    expectTiling(request);
+    request.pendingHeight = 100;
+    expectTiling(request);
+  }
 }
 
 }  // namespace

@@ -1,0 +1,112 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "app/frame/pending_layout.h"
+#include "app/frame/pending_rows.h"
+#include "ui/button.h"
+#include "ui/scroller.h"
+#include "ui/widgets/arrival_guard.h"
+#include "ui/widgets/row_geometry.h"
+#include "ui/widgets/style.h"
+#include "ui/widgets/view.h"
+
+namespace app {
+
+/// Lists what waits to be deleted: a heading with two buttons, and for each item the ring of its
+/// countdown, its name and a button that puts it back. A press belongs to the item that was under
+/// the pointer, whatever leaves the list meanwhile. Window thread only.
+class PendingPanel : public ui::View {
+ public:
+  /// The item of that id is to be put back.
+  std::function<void(std::uint64_t id)> onUndelete;
+  std::function<void()> onUndeleteAll;
+  std::function<void()> onDeleteNow;
+
+  /// `style` outlives the panel.
+  explicit PendingPanel(const ui::Style& style) : style_(style) {}
+
+  /// Rows that stay keep their place on the screen while the panel is scrolled.
+  void setRows(std::vector<PendingRow> rows);
+  const std::vector<PendingRow>& rows() const { return rows_; }
+  /// The height that the rows ask for; 0 without any.
+  int wantedHeight() const { return pendingPanelHeight(rows_.size(), scale()); }
+
+  bool takesKeyboard() const override { return true; }
+  void paint(ui::Canvas& canvas) const override;
+  void press(const ui::MouseEvent& event) override;
+  void motion(const ui::MouseEvent& event) override;
+  void release(const ui::MouseEvent& event) override;
+  void leave() override;
+  void wheel(const ui::MouseEvent& event, int dy) override;
+  /// Up, Down, Page Up, Page Down, Home and End walk the buttons of the rows, Up from the first row
+  /// leads to those of the heading, Left and Right between these. Enter and Space press.
+  bool key(const ui::KeyEvent& event) override;
+  void tick(std::int64_t nowMs) override;
+
+  /// The pointer is at (x, y), beside the panel perhaps: from there it may move on to a button.
+  void pointerSeen(int x, int y);
+  /// Something covers the window; where the pointer goes meanwhile is not seen.
+  void forgetPointer() { guard_.forgetPointer(); }
+
+  const PendingLayout& layout() const { return layout_; }
+  /// Where a row is, the scroll bar not included; outside of `layout().rows` when scrolled away.
+  ui::Rect rowRect(std::size_t row) const;
+  /// Its button.
+  ui::Rect undeleteRect(std::size_t row) const;
+
+ protected:
+  void layOut() override;
+  bool bringUpToDate() override;
+
+ private:
+  /// A button: that of the item with this id, or one of the heading, below 0.
+  using Control = std::int64_t;
+  using MaybeControl = ui::PressTracker::Control;
+
+  struct Ring {
+    double remaining = -1;
+    std::vector<std::uint32_t> pixels;
+  };
+
+  PendingScale scale() const { return {style_.scale(), style_.lineHeight()}; }
+  int rowHeight() const { return pendingRowHeight(scale()); }
+  ui::MeasureText measure() const;
+  PendingRowLayout rowLayout(std::size_t row) const;
+  ui::RowRange visible() const;
+  void drawRing(double remaining, Ring* ring) const;
+  std::optional<std::size_t> find(Control control) const;
+  std::optional<std::size_t> rowToKeep() const;
+  MaybeControl controlAt(int x, int y) const;
+  void placeControls();
+  void hoverAgain();
+  void keepCurrent(std::size_t formerRow);
+  void goTo(Control control);
+  std::optional<Control> controlAfterKey(unsigned long keysym) const;
+  void act(Control control);
+  void paintHeading(ui::Canvas& canvas) const;
+  void paintRow(ui::Canvas& canvas, std::size_t row) const;
+  void paintControl(ui::Canvas& canvas, Control control, const ui::Rect& rect,
+                    const char* text) const;
+
+  const ui::Style& style_;
+  std::vector<PendingRow> rows_;
+  PendingLayout layout_;
+  ui::Scroller scroller_;
+  ui::PressTracker presses_;
+  ui::ArrivalGuard guard_;
+  /// What has the ring while the panel has the keyboard.
+  Control current_ = 0;
+  /// What the pointer did last, unless it left.
+  std::optional<ui::MouseEvent> pointer_;
+  /// The rings of the rows from `firstRing_` on, as of the last `prepare`. Each is drawn once for
+  /// every step of its countdown.
+  std::vector<Ring> rings_;
+  std::size_t firstRing_ = 0;
+};
+
+}  // namespace app
