@@ -3,9 +3,11 @@
 #include <cstdio>
 #include <utility>
 
+#include "app/actions/trash.h"
 #include "app/dialogs/folder_chooser.h"
 #include "app/dialogs/folder_places.h"
 #include "app/dialogs/settings_dialog.h"
+#include "app/frame/pending_rows.h"
 #include "app/menus.h"
 #include "app/model/format.h"
 #include "app/model/product.h"
@@ -38,6 +40,10 @@ std::string scanFailureText(const std::string& path, const std::string& reason) 
   return readablePath(path) + " - " + reason;
 }
 
+std::string programMissingText(const std::string& program) {
+  return "The program “" + program + "”, which opens things for the desktop, was not found.";
+}
+
 std::string captureFailedMessage(const std::string& file) {
   return "could not write " + file + "\n";
 }
@@ -51,12 +57,17 @@ MainWindow::MainWindow(ui::Connection& connection)
       welcome_(style_, icon_),
       scan_(connection, style_, colours_, [this](ui::Task task) { window_.post(std::move(task)); }),
       subFolderReader_([this](ui::Task task) { window_.post(std::move(task)); }),
+      opener_([this](ui::Task task) { window_.post(std::move(task)); }),
+      pending_(identify),
+      questions_(connection_, style_, pending_,
+                 [this](std::unique_ptr<ui::Overlay> dialog) { input_.open(std::move(dialog)); }),
       meter_([this](const std::string& path, const sizewalk::VolumeUsage& usage) {
         window_.post([this, path, usage] { volumeMeasured(path, usage); });
       }),
       volumes_([this](const std::vector<std::string>& paths) { meter_.measure(paths); }) {
   connectScreens();
   connectSession();
+  connectActions();
   connectInput();
   applySettings();
 }
@@ -77,6 +88,28 @@ void MainWindow::connectSession() {
   session_.onEnded = [this] { showScanEnd(); };
 }
 
+void MainWindow::connectActions() {
+  opener_.onMissing = [this](const std::string& program) {
+    showMessage("Nothing was opened", programMissingText(program));
+  };
+  opener_.onFailed = [this] {
+    showMessage("Nothing was opened", "No other program could be started just now.");
+  };
+  pending_.trash = [](const PendingDelete& item, const ItemIdentity& identity, std::string* error) {
+    return app::moveToTrash(item.path, identity, error);
+  };
+  pending_.changed = [this] { pendingChanged(); };
+  pending_.failed = [this](const std::string& path, const std::string& error) {
+    questions_.failed(path, error);
+  };
+  scan_.onContextMenu = [this](sizewalk::NodeId node, int x, int y, Command::By by) {
+    showContextMenu(node, x, y, by);
+  };
+  scan_.onUndelete = [this](std::uint64_t id) { pending_.undeleteItem(id); };
+  scan_.onUndeleteAll = [this] { pending_.undeleteAll(); };
+  scan_.onDeleteNow = [this] { questions_.confirmDeleteNow(); };
+}
+
 void MainWindow::connectInput() {
   input_.onPointer = [this](ui::PointerShape shape) { window_.setPointer(shape); };
   window_.onPrepare = [this] { prepareFrame(); };
@@ -92,7 +125,7 @@ void MainWindow::connectInput() {
   window_.onKey = [this](const ui::KeyEvent& event) { key(event); };
   // Closing takes the same door as everything else that leaves a scan, and perhaps a while there.
   window_.onCloseQuery = [this] {
-    settlePendingBefore([this] { window_.quit(); });
+    closeWindow();
     return false;
   };
 }
@@ -125,7 +158,14 @@ void MainWindow::show(Screen& screen) {
   updateTitle();
 }
 
-void MainWindow::settlePendingBefore(const std::function<void()>& next) { next(); }
+void MainWindow::settlePendingBefore(const std::function<void()>& next) {
+  questions_.settleBefore(next);
+}
+
+/// What could not be trashed is still told of.
+void MainWindow::closeWindow() {
+  settlePendingBefore([this] { questions_.afterFailures([this] { window_.quit(); }); });
+}
 
 void MainWindow::scanPath(const std::string& path) {
   settlePendingBefore([this, path] { startScan(path); });
@@ -133,6 +173,7 @@ void MainWindow::scanPath(const std::string& path) {
 
 void MainWindow::startScan(const std::string& path) {
   session_.start(path);
+  pending_.setTree(session_.treeToChange());
   scan_.show(session_.tree());
   scan_.setScanStatus(session_.status());
   meter_.measure({session_.path()});
@@ -145,6 +186,7 @@ void MainWindow::showWelcome() {
 
 void MainWindow::leaveScan() {
   session_.leave();
+  pending_.setTree(nullptr);
   scan_.show(nullptr);
   show(welcome_);
 }
@@ -160,6 +202,8 @@ void MainWindow::captureAfter(const std::string& file, double seconds) {
 
 void MainWindow::tick() {
   session_.follow();
+  advancePending();
+  questions_.tick();
   const std::int64_t now = ui::Window::now();
   if (!scanShown() && now >= nextVolumes_) refreshVolumes();
   input_.tick(now);
@@ -223,6 +267,15 @@ void MainWindow::showApplicationMenu(int x, int y, Command::By by) {
   openMenu(applicationMenu(commandState(), run), x, y, by);
 }
 
+void MainWindow::showContextMenu(sizewalk::NodeId node, int x, int y, Command::By by) {
+  const auto run = [this](const Command& command) { perform(command); };
+  const Selection& selection = scan_.selection();
+  const bool several = selection.size() > 1 && selection.contains(node);
+  const auto selected = static_cast<std::int64_t>(selection.size());
+  openMenu(several ? selectionMenu(node, selected, run) : contextMenu(node, commandState(), run), x,
+           y, by);
+}
+
 void MainWindow::openMenu(std::vector<ui::MenuEntry> entries, int x, int y, Command::By by) {
   auto menu = std::make_unique<ui::PopupMenu>(style_, std::move(entries), x, y);
   if (by == Command::By::Key) menu->goToFirst();
@@ -270,7 +323,17 @@ void MainWindow::perform(const Command& command) {
     case Action::GoTo:
       return scan_.focus().go(command.target.value_or(sizewalk::kRootNode));
     case Action::CopyPath:
-      return copyPath(command.target.value_or(scan_.target()));
+      return window_.setClipboardText(displayName(pathFor(command)));
+    case Action::Open:
+      return opener_.open(pathFor(command));
+    case Action::ShowInFiles:
+      return opener_.showInFiles(pathFor(command));
+    case Action::RescanFolder:
+      return readAgain(command.target.value_or(sizewalk::kRootNode));
+    case Action::MoveToTrash:
+      return moveToTrash(command);
+    case Action::PutBackLast:
+      return putBackLast();
     case Action::ShowMeasure:
       return setMeasure(command.measure);
     case Action::OpenMeasureMenu: {
@@ -288,9 +351,45 @@ void MainWindow::perform(const Command& command) {
   }
 }
 
-void MainWindow::copyPath(sizewalk::NodeId target) {
+std::string MainWindow::pathFor(const Command& command) const {
   const std::shared_ptr<const sizewalk::FileTree> tree = session_.tree();
-  if (target < tree->nodeCount()) window_.setClipboardText(displayName(tree->path(target)));
+  const sizewalk::NodeId node = command.target.value_or(scan_.target());
+  return tree && node < tree->nodeCount() ? tree->path(node) : std::string();
+}
+
+void MainWindow::readAgain(sizewalk::NodeId folder) {
+  const std::shared_ptr<const sizewalk::FileTree> tree = session_.tree();
+  if (!tree->isVisible(folder) || !tree->isDirectory(folder)) return;
+  // What waits inside could not be put back into contents that are forgotten.
+  questions_.settleWithin(tree->path(folder), [this, tree, folder] {
+    if (session_.tree() != tree) return;
+    session_.readAgain(folder);
+    scan_.setScanStatus(session_.status());
+    scan_.treeChanged();
+  });
+}
+
+void MainWindow::moveToTrash(const Command& command) {
+  pending_.add(scan_.selection().nodesFor(command.target));
+}
+
+void MainWindow::putBackLast() {
+  if (!pending_.empty()) pending_.undelete(pending_.size() - 1);
+}
+
+void MainWindow::pendingChanged() {
+  scan_.setPending(pendingRows(pending_));
+  if (session_.tree()) scan_.treeChanged();
+}
+
+void MainWindow::advancePending() {
+  const auto now = std::chrono::steady_clock::now();
+  const auto elapsed =
+      std::chrono::duration_cast<std::chrono::milliseconds>(now - pendingAdvanced_);
+  pendingAdvanced_ = now;
+  if (pending_.empty()) return;
+  pending_.tick(elapsed.count());
+  scan_.setPending(pendingRows(pending_));
 }
 
 void MainWindow::setMeasure(Measure measure) {

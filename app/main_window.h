@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -7,7 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "app/actions/item_opener.h"
+#include "app/actions/pending_deletes.h"
 #include "app/dialogs/sub_folder_reader.h"
+#include "app/frame/pending_questions.h"
 #include "app/frame/scan_screen.h"
 #include "app/frame/volume_cards.h"
 #include "app/frame/welcome_screen.h"
@@ -57,6 +61,7 @@ class MainWindow {
   void connectInput();
   void connectScreens();
   void connectSession();
+  void connectActions();
   void applySettings();
   void show(Screen& screen);
   bool scanShown() const { return screen_ == &scan_; }
@@ -76,12 +81,22 @@ class MainWindow {
   void showMetricMenu(int x, int y, Command::By by);
   void showApplicationMenu(int x, int y, Command::By by);
   void openMenu(std::vector<ui::MenuEntry> entries, int x, int y, Command::By by);
-  void copyPath(sizewalk::NodeId target);
+  void showContextMenu(sizewalk::NodeId node, int x, int y, Command::By by);
   void setMeasure(Measure measure);
+
+  /// The path of the item that the command is about; empty without one.
+  std::string pathFor(const Command& command) const;
+  void readAgain(sizewalk::NodeId folder);
+  void moveToTrash(const Command& command);
+  void putBackLast();
+  /// Something was taken out of the tree or put back.
+  void pendingChanged();
+  void advancePending();
 
   /// The one door out of a shown scan: whatever replaces it, leaves it or closes the window is
   /// `next`, which is called as soon as nothing of that scan is pending, now or later.
   void settlePendingBefore(const std::function<void()>& next);
+  void closeWindow();
   // What lies behind that door.
   void startScan(const std::string& path);
   void leaveScan();
@@ -109,7 +124,13 @@ class MainWindow {
   Screen* screen_ = &welcome_;
   /// Above what it is used in: a chooser uses it to its end.
   SubFolderReader subFolderReader_;
+  ItemOpener opener_;
+  PendingDeletes pending_;
+  /// Above the dialogs that it opens.
+  PendingQuestions questions_;
   ui::InputStack input_;
+  /// When the countdown of what waits was last advanced.
+  std::chrono::steady_clock::time_point pendingAdvanced_;
   sizewalk::VolumeMeter meter_;
   VolumeCards volumes_;
   std::int64_t nextVolumes_ = 0;  // when they are to be listed again, as `ui::Window::now` tells
@@ -121,6 +142,9 @@ std::string windowTitle(const std::string& scanPath);
 
 /// What to tell the user about a folder that could not be scanned.
 std::string scanFailureText(const std::string& path, const std::string& reason);
+
+/// What to tell the user when the desktop's program is not there.
+std::string programMissingText(const std::string& program);
 
 /// What standard error says of a frame that could not be written.
 std::string captureFailedMessage(const std::string& file);

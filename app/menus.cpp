@@ -3,6 +3,7 @@
 #include <string>
 
 #include "app/frame/toolbar_layout.h"
+#include "app/model/format.h"
 
 namespace app {
 
@@ -13,16 +14,48 @@ constexpr Measure kMeasures[] = {Measure::CurrentSize, Measure::AddedLastMonth,
 
 }  // namespace
 
+namespace {
+
+ui::MenuEntry entryFor(const Command& command, const CommandState& state,
+                       const PerformCommand& perform) {
+  return {.label = std::string(labelOf(command.action)),
+          .enabled = isEnabled(command, state),
+          .action = [perform, command] { perform(command); }};
+}
+
+}  // namespace
+
 std::vector<ui::MenuEntry> applicationMenu(const CommandState& state,
                                            const PerformCommand& perform) {
-  const auto entry = [&](Action action) {
-    const Command command{.action = action};
-    return ui::MenuEntry{.label = std::string(labelOf(action)),
-                         .enabled = isEnabled(command, state),
-                         .action = [perform, command] { perform(command); }};
-  };
-  return {entry(Action::LeaveScan),   entry(Action::Rescan), {}, entry(Action::CopyPath), {},
+  const auto entry = [&](Action action) { return entryFor({.action = action}, state, perform); };
+  return {entry(Action::LeaveScan),
+          entry(Action::Rescan),
+          {},
+          entry(Action::CopyPath),
+          entry(Action::Open),
+          entry(Action::ShowInFiles),
+          {},
+          entry(Action::MoveToTrash),
+          {},
           entry(Action::OpenSettings)};
+}
+
+std::vector<ui::MenuEntry> contextMenu(sizewalk::NodeId node, const CommandState& state,
+                                       const PerformCommand& perform) {
+  const auto entry = [&](Action action) {
+    return entryFor({.action = action, .target = node}, state, perform);
+  };
+  return {entry(Action::CopyPath),     entry(Action::Open),
+          entry(Action::ShowInFiles),  {},
+          entry(Action::RescanFolder), {},
+          entry(Action::MoveToTrash)};
+}
+
+std::vector<ui::MenuEntry> selectionMenu(sizewalk::NodeId node, std::int64_t selected,
+                                         const PerformCommand& perform) {
+  const Command command{.action = Action::MoveToTrash, .target = node};
+  return {{.label = "Move " + formatCount(selected) + " Items to Trash",
+           .action = [perform, command] { perform(command); }}};
 }
 
 std::vector<ui::MenuEntry> measureMenu(Measure current, const PerformCommand& perform) {

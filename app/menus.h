@@ -1,10 +1,12 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <vector>
 
 #include "app/model/commands.h"
 #include "app/model/measure.h"
+#include "sizewalk/node.h"
 #include "ui/widgets/menu_entry.h"
 
 namespace app {
@@ -14,6 +16,13 @@ using PerformCommand = std::function<void(const Command&)>;
 /// What hangs from the menu button. `state` is that of the moment the menu opens.
 std::vector<ui::MenuEntry> applicationMenu(const CommandState& state,
                                            const PerformCommand& perform);
+
+/// The menu of one item. `state` is that of the moment the menu opens.
+std::vector<ui::MenuEntry> contextMenu(sizewalk::NodeId node, const CommandState& state,
+                                       const PerformCommand& perform);
+/// The menu of `node` where it is one of several that are selected, `selected` in all.
+std::vector<ui::MenuEntry> selectionMenu(sizewalk::NodeId node, std::int64_t selected,
+                                         const PerformCommand& perform);
 
 /// The measures to choose from, with a tick at the `current` one.
 std::vector<ui::MenuEntry> measureMenu(Measure current, const PerformCommand& perform);

@@ -55,8 +55,8 @@ ScanScreen::ScanScreen(ui::Connection& connection, const ui::Style& style, KindC
 
 void ScanScreen::connectList() {
   list_.onActivate = [this](NodeId node) { activate(node); };
-  list_.onContextMenu = [this](NodeId node, int x, int y) {
-    if (onContextMenu) onContextMenu(node, x, y);
+  list_.onContextMenu = [this](NodeId node, int x, int y, Command::By by) {
+    if (onContextMenu) onContextMenu(node, x, y, by);
   };
 }
 
@@ -71,7 +71,7 @@ void ScanScreen::connectMap() {
   picture_.onRendered = [this] { changed(); };
   map_.onPicked = [this](NodeId node) { list_.revealNode(node); };
   map_.onContextMenu = [this](NodeId node, int x, int y) {
-    if (onContextMenu) onContextMenu(node, x, y);
+    if (onContextMenu) onContextMenu(node, x, y, Command::By::Pointer);
   };
 }
 
@@ -311,8 +311,8 @@ void ScanScreen::tick(std::int64_t nowMs) {
 void ScanScreen::activate(NodeId node) {
   if (tree_->isDirectory(node)) {
     focus_.go(node);
-  } else if (onOpenFile) {
-    onOpenFile(node);
+  } else if (onCommand) {
+    onCommand({.action = Action::Open, .target = node});
   }
 }
 

@@ -54,9 +54,7 @@ class ScanScreen : public Screen {
  public:
   std::function<void(const Command&)> onCommand;
   /// The context menu of an item, which is selected, at (x, y).
-  std::function<void(sizewalk::NodeId, int x, int y)> onContextMenu;
-  /// A file is to be opened.
-  std::function<void(sizewalk::NodeId)> onOpenFile;
+  std::function<void(sizewalk::NodeId, int x, int y, Command::By by)> onContextMenu;
   /// The buttons of the pending panel.
   std::function<void(std::uint64_t id)> onUndelete;
   std::function<void()> onUndeleteAll;

@@ -189,7 +189,7 @@ void FolderList::pressSecondary(std::size_t row, const ui::MouseEvent& event) {
   if (!selection_.contains(node)) selectOnly(node);
   cursor_.setCurrent(node);
   changed();
-  if (onContextMenu) onContextMenu(node, event.x, event.y);
+  if (onContextMenu) onContextMenu(node, event.x, event.y, Command::By::Pointer);
 }
 
 void FolderList::wheel(const ui::MouseEvent& event, int dy) {
@@ -320,7 +320,7 @@ void FolderList::askForMenuAt(std::size_t row) {
   scrollIfDue();
   changed();
   const ui::Rect name = placesOf(row).name;
-  if (onContextMenu) onContextMenu(node, name.x, name.y + name.h);
+  if (onContextMenu) onContextMenu(node, name.x, name.y + name.h, Command::By::Key);
 }
 
 bool FolderList::typeAhead(const ui::KeyEvent& event, std::size_t row) {

@@ -7,6 +7,7 @@
 
 #include "app/lists/folder_row_painting.h"
 #include "app/lists/folder_rows.h"
+#include "app/model/commands.h"
 #include "app/model/kind_colours.h"
 #include "app/model/measure.h"
 #include "app/model/selection.h"
@@ -34,7 +35,7 @@ class FolderList : public ui::RowList {
   /// A row was pressed twice, or Enter was pressed on it.
   std::function<void(sizewalk::NodeId)> onActivate;
   /// The context menu was asked for at a place; the row's item is among the selected ones.
-  std::function<void(sizewalk::NodeId, int x, int y)> onContextMenu;
+  std::function<void(sizewalk::NodeId, int x, int y, Command::By by)> onContextMenu;
 
   /// All outlive the list. Without `colours` rows have no swatches.
   FolderList(const ui::Style& style, const KindColours* colours, Selection& selection);

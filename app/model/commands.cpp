@@ -26,6 +26,8 @@ constexpr Shortcut kShortcuts[] = {
     {ui::key::kLeft, true, Action::GoToPrevious},
     {ui::key::kRight, true, Action::GoToNext},
     {'c', true, Action::CopyPath},
+    {ui::key::kDelete, false, Action::MoveToTrash},
+    {'z', true, Action::PutBackLast},
     {'1', true, Action::ShowMeasure, Measure::CurrentSize},
     {'2', true, Action::ShowMeasure, Measure::AddedLastMonth},
     {'3', true, Action::ShowMeasure, Measure::AddedLastSixMonths},
@@ -56,13 +58,19 @@ std::optional<Command> commandFor(const ui::KeyEvent& event) {
 }
 
 bool isEnabled(const Command& command, const CommandState& state) {
-  switch (traitsOf(command.action).needs) {
+  const ActionTraits& traits = traitsOf(command.action);
+  if (traits.target == ActionTraits::Target::Item && command.target == sizewalk::kRootNode) {
+    return false;
+  }
+  switch (traits.needs) {
     case Needs::Nothing:
       return true;
     case Needs::AScan:
       return state.scanShown;
     case Needs::ARunningScan:
       return state.scanShown && state.scanning;
+    case Needs::AnEndedScan:
+      return state.scanShown && !state.scanning;
     case Needs::AFolderAround:
       return state.scanShown && state.canGoOut;
   }

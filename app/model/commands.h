@@ -22,6 +22,14 @@ enum class Action : std::uint8_t {
   /// Focuses the target.
   GoTo,
   CopyPath,
+  Open,
+  ShowInFiles,
+  /// Reads the target again.
+  RescanFolder,
+  /// The target, or all that is selected when the target is among it or there is none.
+  MoveToTrash,
+  /// Puts back what waits to be deleted since last.
+  PutBackLast,
   ShowMeasure,
   OpenMeasureMenu,
   OpenApplicationMenu,
@@ -34,6 +42,7 @@ enum class Needs : std::uint8_t {
   Nothing,
   AScan,
   ARunningScan,
+  AnEndedScan,
   /// The focused folder lies in another one of the scan.
   AFolderAround,
 };
@@ -41,9 +50,14 @@ enum class Needs : std::uint8_t {
 /// What is to be known of an action wherever it is offered: its words, empty where it has none of
 /// its own, and when it is enabled. This is all of them: menus and toolbar only choose from here.
 struct ActionTraits {
+  /// What a target is to the action: an item in a folder of the scan, which the scanned folder is
+  /// not, or any folder.
+  enum class Target : std::uint8_t { Item, Any };
+
   Action action;
   std::string_view label;
   Needs needs;
+  Target target = Target::Any;
 };
 
 inline constexpr ActionTraits kActions[] = {
@@ -55,7 +69,12 @@ inline constexpr ActionTraits kActions[] = {
     {Action::GoToPrevious, "", Needs::AScan},
     {Action::GoToNext, "", Needs::AScan},
     {Action::GoTo, "", Needs::AScan},
-    {Action::CopyPath, "Copy Path", Needs::AScan},
+    {Action::CopyPath, "Copy Path", Needs::AScan, ActionTraits::Target::Item},
+    {Action::Open, "Open", Needs::AScan, ActionTraits::Target::Item},
+    {Action::ShowInFiles, "Show in Files", Needs::AScan, ActionTraits::Target::Item},
+    {Action::RescanFolder, "Rescan This Folder", Needs::AnEndedScan, ActionTraits::Target::Item},
+    {Action::MoveToTrash, "Move to Trash", Needs::AScan, ActionTraits::Target::Item},
+    {Action::PutBackLast, "", Needs::AScan},
     {Action::ShowMeasure, "", Needs::AScan},
     {Action::OpenMeasureMenu, "", Needs::AScan},
     {Action::OpenApplicationMenu, "☰", Needs::Nothing},
@@ -98,6 +117,8 @@ struct CommandState {
   bool canGoOut = false;
 };
 
+/// Whether the command makes sense now. One that names the scanned folder as its item never does:
+/// it can neither be opened, shown, read again in part nor trashed.
 bool isEnabled(const Command& command, const CommandState& state);
 
 }  // namespace app

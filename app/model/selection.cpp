@@ -26,6 +26,13 @@ void Selection::keepVisible(const FileTree& tree) {
   if (erased != 0 && onChanged) onChanged();
 }
 
+std::vector<NodeId> Selection::nodesFor(std::optional<NodeId> target) const {
+  if (target && *target != kRootNode && !contains(*target)) return {*target};
+  std::vector<NodeId> nodes(nodes_.begin(), nodes_.end());
+  std::ranges::sort(nodes);
+  return nodes;
+}
+
 std::vector<NodeId> Selection::outermost(const FileTree& tree) const {
   const auto insideAnother = [&](NodeId node) {
     while (node != kRootNode) {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <span>
 #include <unordered_set>
 #include <vector>
@@ -25,6 +26,9 @@ class Selection {
   /// Makes `nodes` the selection.
   void replace(std::span<const sizewalk::NodeId> nodes);
   void select(sizewalk::NodeId node) { replace({&node, 1}); }
+  /// What a command with that target is about: the target alone when it is not selected, otherwise
+  /// all that is. In ascending order, a folder before what it holds.
+  std::vector<sizewalk::NodeId> nodesFor(std::optional<sizewalk::NodeId> target) const;
   /// Adds or removes one.
   void toggle(sizewalk::NodeId node);
 

@@ -69,12 +69,14 @@ TEST(NextEntry, IsNoneWhereNothingCanBeChosen) {
 
 TEST(ApplicationMenu, OffersItsEntriesWhileAScanIsShown) {
   EXPECT_EQ(shown(applicationMenu(kWithScan, {})),
-            (Labels{"Open…", "Rescan", "-", "Copy Path", "-", "Settings…"}));
+            (Labels{"Open…", "Rescan", "-", "Copy Path", "Open", "Show in Files", "-",
+                    "Move to Trash", "-", "Settings…"}));
 }
 
 TEST(ApplicationMenu, OffersOnlySettingsBeforeAnyScan) {
   EXPECT_EQ(shown(applicationMenu({}, {})),
-            (Labels{"(Open…)", "(Rescan)", "-", "(Copy Path)", "-", "Settings…"}));
+            (Labels{"(Open…)", "(Rescan)", "-", "(Copy Path)", "(Open)", "(Show in Files)", "-",
+                    "(Move to Trash)", "-", "Settings…"}));
 }
 
 TEST(ApplicationMenu, PerformsCommands) {
@@ -86,7 +88,54 @@ TEST(ApplicationMenu, PerformsCommands) {
   EXPECT_EQ(performed, (std::vector<Command>{{.action = Action::LeaveScan},
                                              {.action = Action::Rescan},
                                              {.action = Action::CopyPath},
+                                             {.action = Action::Open},
+                                             {.action = Action::ShowInFiles},
+                                             {.action = Action::MoveToTrash},
                                              {.action = Action::OpenSettings}}));
+}
+
+TEST(ContextMenu, OffersWhatCanBeDoneWithAnItem) {
+  EXPECT_EQ(shown(contextMenu(5, kWithScan, {})),
+            (Labels{"Copy Path", "Open", "Show in Files", "-", "Rescan This Folder", "-",
+                    "Move to Trash"}));
+}
+
+TEST(ContextMenu, OffersNothingForTheScannedFolder) {
+  EXPECT_EQ(shown(contextMenu(sizewalk::kRootNode, kWithScan, {})),
+            (Labels{"(Copy Path)", "(Open)", "(Show in Files)", "-", "(Rescan This Folder)", "-",
+                    "(Move to Trash)"}));
+}
+
+TEST(ContextMenu, TrashesButDoesNotReadAgainWhileTheScanRuns) {
+  EXPECT_EQ(shown(contextMenu(5, {.scanShown = true, .scanning = true}, {})),
+            (Labels{"Copy Path", "Open", "Show in Files", "-", "(Rescan This Folder)", "-",
+                    "Move to Trash"}));
+}
+
+TEST(ContextMenu, NamesItsItemInEveryCommand) {
+  std::vector<Command> performed;
+  const auto perform = [&](const Command& command) { performed.push_back(command); };
+  for (const ui::MenuEntry& entry : contextMenu(7, kWithScan, perform)) {
+    if (entry.canBeChosen()) entry.action();
+  }
+  EXPECT_EQ(performed, (std::vector<Command>{{.action = Action::CopyPath, .target = 7},
+                                             {.action = Action::Open, .target = 7},
+                                             {.action = Action::ShowInFiles, .target = 7},
+                                             {.action = Action::RescanFolder, .target = 7},
+                                             {.action = Action::MoveToTrash, .target = 7}}));
+}
+
+TEST(ContextMenu, BeginsWithNothingDestructive) {
+  EXPECT_EQ(contextMenu(5, kWithScan, {}).front().label, "Copy Path");
+}
+
+TEST(SelectionMenu, OffersToTrashAllThatIsSelected) {
+  std::vector<Command> performed;
+  const auto perform = [&](const Command& command) { performed.push_back(command); };
+  const auto entries = selectionMenu(7, 1234, perform);
+  EXPECT_EQ(shown(entries), Labels{"Move 1,234 Items to Trash"});
+  entries.front().action();
+  EXPECT_EQ(performed, (std::vector<Command>{{.action = Action::MoveToTrash, .target = 7}}));
 }
 
 TEST(MeasureMenu, TicksTheCurrentMeasure) {

@@ -42,8 +42,7 @@ class ScanScreenTest : public testing::Test, protected test::ViewsOnWindow {
   ScanScreenTest() {
     screen_.onChanged = [this] { ++changes_; };
     screen_.onCommand = [this](const Command& command) { commands_.push_back(command); };
-    screen_.onContextMenu = [this](NodeId node, int, int) { menus_.push_back(node); };
-    screen_.onOpenFile = [this](NodeId node) { opened_.push_back(node); };
+    screen_.onContextMenu = [this](NodeId node, int, int, Command::By) { menus_.push_back(node); };
     tree_->createRoot("/r");
     const auto folders = add(
         *tree_,
@@ -177,7 +176,6 @@ class ScanScreenTest : public testing::Test, protected test::ViewsOnWindow {
   int changes_ = 0;
   std::vector<Command> commands_;
   Nodes menus_;
-  Nodes opened_;
 };
 
 }  // namespace app

@@ -61,12 +61,12 @@ TEST_F(ScanScreenTest, FocusesTheMapOnAFolderPressedTwiceInTheList) {
   EXPECT_TRUE(canGoUp());
   EXPECT_EQ(screen_.toolbar().layout().segments.size(), 2u);
   EXPECT_EQ(map().outlineRect(photo_), nullptr);
-  EXPECT_TRUE(opened_.empty());
+  EXPECT_TRUE(commands_.empty());
 }
 
 TEST_F(ScanScreenTest, OpensAFilePressedTwiceInTheList) {
   clickTwice(inList(photo_));
-  EXPECT_EQ(opened_, Nodes{photo_});
+  EXPECT_EQ(commands_, (std::vector<Command>{{.action = Action::Open, .target = photo_}}));
   EXPECT_EQ(focus(), kRootNode);
 }
 

@@ -43,7 +43,9 @@ struct ListOnServer : test::WindowOnServer {
     other_ = empty_ + 3;
     list_.onChanged = [this] { ++changes_; };
     list_.onActivate = [this](NodeId node) { activated_.push_back(node); };
-    list_.onContextMenu = [this](NodeId node, int x, int y) { menus_.push_back({node, x, y}); };
+    list_.onContextMenu = [this](NodeId node, int x, int y, Command::By) {
+      menus_.push_back({node, x, y});
+    };
     list_.setRect(place_);
     list_.show(&tree_);
     changes_ = 0;

@@ -87,5 +87,19 @@ TEST_F(SelectionTest, LeavesOutWhatLiesInsideASelectedFolder) {
   EXPECT_EQ(selection.outermost(tree), (std::vector<NodeId>{sizewalk::kRootNode}));
 }
 
+using Nodes = std::vector<NodeId>;
+
+TEST(Selection, IsWhatACommandIsAboutUnlessItHasAnotherTarget) {
+  Selection selection;
+  EXPECT_EQ(selection.nodesFor(std::nullopt), Nodes{});
+  EXPECT_EQ(selection.nodesFor(7), Nodes{7});
+  selection.toggle(5);
+  selection.toggle(3);
+  EXPECT_EQ(selection.nodesFor(std::nullopt), (Nodes{3, 5}));
+  EXPECT_EQ(selection.nodesFor(5), (Nodes{3, 5}));
+  EXPECT_EQ(selection.nodesFor(7), Nodes{7});
+  EXPECT_EQ(selection.nodesFor(sizewalk::kRootNode), (Nodes{3, 5})) << "it is never the target";
+}
+
 }  // namespace
 }  // namespace app

@@ -1,0 +1,131 @@
+// Moving things to the trash with the built program, from the keys to what lies on disk afterwards.
+
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "tests/program/program_run.h"
+#include "tests/support/environment.h"
+#include "tests/support/eventually.h"
+#include "tests/support/temp_directory.h"
+#include "tests/support/x_server.h"
+#include "ui/keys.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using test::eventually;
+using Names = std::vector<std::string>;
+
+/// The ground of the kinds table below its one row, as it is and dimmed by a dialog.
+constexpr int kBesideX = 250;
+constexpr int kBesideY = 505;
+constexpr unsigned long kGround = 0xFFFFFF;
+constexpr unsigned long kDimmed = 0x999999;
+
+/// A home with a folder in which three files lie, the largest first in the list.
+class ProgramTrash : public testing::Test {
+ protected:
+  ProgramTrash() {
+    for (const char* name : {"a", "b", "c"}) {
+      test::writeFile(folder_ + "/" + name,
+                      std::string(static_cast<std::size_t>('d' - *name) * 100'000, 'x'));
+    }
+    test::makeDirectory(home_.path() + "/.local/share");
+  }
+
+  static Names namesIn(const std::string& folder) {
+    Names names;
+    if (!fs::exists(folder)) return names;
+    for (const auto& entry : fs::directory_iterator(folder))
+      names.push_back(entry.path().filename());
+    std::ranges::sort(names);
+    return names;
+  }
+  Names left() const { return namesIn(folder_); }
+  Names trashed() const { return namesIn(trash_ + "/files"); }
+
+  /// Waits until the scan has ended: the rows are there and the program has written its history.
+  void awaitScan() const {
+    ASSERT_TRUE(eventually(
+        [&] { return fs::exists(home_.path() + "/.local/share/heapgauge/scan-history.txt"); }));
+  }
+  /// Selects the rows of the first `count` files and has them wait.
+  static void trashRows(test::Running& program, int count) {
+    program.key(ui::key::kDown);
+    for (int i = 1; i < count; ++i) {
+      program.client().pressKey(kShift);
+      program.key(ui::key::kDown);
+      program.client().releaseKey(kShift);
+    }
+    program.key(ui::key::kDelete);
+  }
+  static bool asks(test::Running& program) {
+    return eventually([&] { return program.pixel(kBesideX, kBesideY) == kDimmed; });
+  }
+  static bool goesOn(test::Running& program) {
+    return eventually([&] { return program.pixel(kBesideX, kBesideY) == kGround; });
+  }
+
+  static constexpr unsigned long kShift = 0xFFE1;
+  const test::XServer server_{{.height = 960}};
+  test::PrivateHome home_;
+  const std::string folder_ = home_.path() + "/folder";
+  const std::string trash_ = home_.path() + "/.local/share/Trash";
+};
+
+TEST_F(ProgramTrash, MovesWhatIsLeftAloneAndNothingThatIsPutBack) {
+  test::Running program({folder_});
+  awaitScan();
+  trashRows(program, 3);
+  program.ctrlKey('z');  // one of them
+  EXPECT_EQ(left(), (Names{"a", "b", "c"})) << "nothing is touched before its time";
+  const auto two = [&] { return trashed().size() == 2; };
+  EXPECT_TRUE(eventually(two) || eventually(two)) << "ten seconds, on a machine that may be busy";
+  ASSERT_EQ(left().size(), 1u);
+  Names everything = trashed();
+  everything.push_back(left().front());
+  std::ranges::sort(everything);
+  EXPECT_EQ(everything, (Names{"a", "b", "c"}));
+  for (const std::string& name : trashed()) {
+    const std::string record = test::readFile(trash_ + "/info/" + name + ".trashinfo");
+    EXPECT_NE(record.find("Path=" + folder_ + "/" + name + "\n"), std::string::npos) << record;
+  }
+  EXPECT_EQ(program.close(), 0);
+}
+
+TEST_F(ProgramTrash, AsksBeforeItClosesAndDeletesWhenToldTo) {
+  test::Running program({folder_});
+  awaitScan();
+  trashRows(program, 2);
+  program.ctrlKey('q');
+  ASSERT_TRUE(asks(program));
+  EXPECT_EQ(left(), (Names{"a", "b", "c"}));
+  program.key(ui::key::kReturn);  // Cancel
+  ASSERT_TRUE(goesOn(program));
+  program.ctrlKey('q');
+  ASSERT_TRUE(asks(program));
+  program.key(ui::key::kTab);  // round to the first button, Delete Them
+  program.key(ui::key::kReturn);
+  EXPECT_EQ(program.process().wait(), 0);
+  EXPECT_EQ(left(), Names{"c"});
+  EXPECT_EQ(trashed(), (Names{"a", "b"}));
+}
+
+TEST_F(ProgramTrash, LeavesEverythingWhereItIsWhenItIsKilled) {
+  test::Running program({folder_});
+  awaitScan();
+  trashRows(program, 3);
+  program.ctrlKey('q');
+  ASSERT_TRUE(asks(program)) << "they wait";
+  ASSERT_EQ(kill(program.process().pid(), SIGKILL), 0);
+  program.process().wait();
+  EXPECT_EQ(left(), (Names{"a", "b", "c"}));
+  EXPECT_EQ(trashed(), Names{});
+}
+
+}  // namespace
