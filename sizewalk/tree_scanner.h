@@ -79,6 +79,11 @@ class TreeScanner {
   /// thread.
   void walk(NodeId start);
 
+  /// Forgets that an earlier walk was cancelled. A cancel that comes from now on stops the next
+  /// one, also before it has begun; `walk` itself forgets those that came since the last walk
+  /// ended.
+  void armWalk() { control_.arm(); }
+
   /// Ends the walk soon: no new directory is read, long ones are broken off. Any thread, never
   /// waits.
   void cancel() { control_.cancel(); }

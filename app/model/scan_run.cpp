@@ -43,6 +43,7 @@ std::shared_ptr<ScanRun> ScanRun::start(const std::string& path, ScanReports rep
 
 void ScanRun::readAgain(const std::shared_ptr<ScanRun>& run, sizewalk::NodeId folder) {
   run->finished_ = false;
+  run->scanner_.armWalk();  // here and not on the thread: it may be stopped before that has begun
   // What a scan that was stopped has left out is still missing.
   const bool incomplete = run->summary_.cancelled;
   const auto read = [run, folder, incomplete] {

@@ -209,6 +209,36 @@ TEST_F(Session, StopsAFolderThatIsReadAgain) {
   EXPECT_TRUE(session_.status().stopped);
 }
 
+TEST_F(Session, ReadsAFolderAgainOfAScanThatWasStopped) {
+  {
+    HeldFolder held("held");
+    scanUntil(folder_, held);
+    session_.stop();
+  }
+  awaitPost();
+  runTasks();
+  ASSERT_TRUE(session_.summary().cancelled);
+  test::writeFile(folder_ + "/new", "1234567");
+  session_.readAgain(sizewalk::kRootNode);
+  awaitPost();
+  runTasks();
+  EXPECT_EQ(session_.summary().files, 3u);
+}
+
+TEST_F(Session, StopsAFolderThatIsAboutToBeReadAgain) {
+  for (int i = 0; i < 20; ++i) {
+    scanToTheEnd(folder_);
+    {
+      const HeldFolder held("folder");  // so that it has not been read before it is stopped
+      session_.readAgain(sizewalk::kRootNode);
+      session_.stop();
+    }
+    awaitPost();
+    runTasks();
+    ASSERT_TRUE(session_.summary().cancelled);
+  }
+}
+
 TEST_F(Session, DoesNotTakeTheEndOfTheScanBeforeForItsOwn) {
   session_.start(folder_);
   awaitPost();  // but is not run yet
