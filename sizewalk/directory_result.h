@@ -4,6 +4,7 @@
 #include <string_view>
 #include <vector>
 
+#include "sizewalk/file_kinds.h"
 #include "sizewalk/node.h"
 
 namespace sizewalk {
@@ -13,7 +14,7 @@ struct EntryRecord {
   /// Where the name starts in the result's `names`, and its length in bytes.
   std::uint32_t nameOffset = 0;
   std::uint16_t nameLength = 0;
-  std::uint16_t kind = 0;
+  KindIndex kind = 0;
   NodeFlags flags;
   /// 1 for everything but a directory, which is 0.
   std::uint32_t itemCount = 0;

@@ -194,11 +194,11 @@ std::uint16_t classifyName(std::string_view name) {
   return extensionKinds.find(key);
 }
 
-std::string_view kindName(int kind) {
-  if (kind < 0 || kind >= kKindCount) return {};
-  return kindNames[static_cast<std::size_t>(kind)];
+std::string_view kindName(KindIndex kind) {
+  if (kind >= kKindCount) return {};
+  return kindNames[kind];
 }
 
-int kindCount() { return kKindCount; }
+KindIndex kindCount() { return kKindCount; }
 
 }  // namespace sizewalk

@@ -8,27 +8,31 @@ namespace sizewalk {
 
 /// File kinds: what the map colours and groups by. A kind is an index into one list of names that
 /// never changes; the scanner gives every entry its kind once, from its type and the extension of
-/// its name.
+/// its name. As wide as the tree's column.
+using KindIndex = std::uint16_t;
 
-inline constexpr int kKindCount = 76;
+/// Kinds are the indices below this.
+inline constexpr KindIndex kKindCount = 76;
 
-inline constexpr std::uint16_t kKindUnknown = 0;  // neither file, directory nor symbolic link
-inline constexpr std::uint16_t kKindFolder = 1;
-inline constexpr std::uint16_t kKindSymbolicLink = 2;
-inline constexpr std::uint16_t kKindNoExtension = 3;
+inline constexpr KindIndex kKindUnknown = 0;  // neither file, directory nor symbolic link
+inline constexpr KindIndex kKindFolder = 1;
+inline constexpr KindIndex kKindSymbolicLink = 2;
+inline constexpr KindIndex kKindNoExtension = 3;
 /// The fallback: an extension that is not listed, too long, or not plain ASCII.
-inline constexpr std::uint16_t otherKind = kKindCount - 1;
+inline constexpr KindIndex otherKind = kKindCount - 1;
+/// Where something may have no kind; outside the list.
+inline constexpr KindIndex kNoKind = 0xFFFF;
 
 /// The kind of a regular file called `name` (the last path component, raw bytes), by what follows
 /// its last dot, without regard to ASCII case. A dot that begins or ends the name, or stands more
 /// than twelve bytes before the end, starts no extension. Any thread: the tables behind it are
 /// constants.
-std::uint16_t classifyName(std::string_view name);
+KindIndex classifyName(std::string_view name);
 
 /// The name shown for a kind; the empty string for an index outside the list.
-std::string_view kindName(int kind);
+std::string_view kindName(KindIndex kind);
 
 /// Number of kinds, 76.
-int kindCount();
+KindIndex kindCount();
 
 }  // namespace sizewalk

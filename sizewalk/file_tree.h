@@ -108,7 +108,7 @@ class FileTree {
   std::string_view name(NodeId node) const {
     return {&names_[nameOffset_[node]], nameLength_[node]};
   }
-  std::int16_t kind(NodeId node) const { return static_cast<std::int16_t>(kind_[node]); }
+  KindIndex kind(NodeId node) const { return kind_[node]; }
   NodeFlags flags(NodeId node) const { return NodeFlags::fromBits(flags_.load(node)); }
   bool isDirectory(NodeId node) const { return flags(node).has(NodeFlag::Directory); }
   /// Whether `node` is what was taken out. What lies inside is not marked: see `isVisible`.
@@ -132,7 +132,7 @@ class FileTree {
 
   ScanTotals totals() const { return totals_.scan(); }
   /// All zero for a kind outside the list.
-  KindTotals kindTotals(int kind) const { return totals_.kind(kind); }
+  KindTotals kindTotals(KindIndex kind) const { return totals_.kind(kind); }
   /// Allocated bytes of all subtrees that are taken out, each as large as when it was taken.
   std::uint64_t takenOutBytes() const { return takenOutBytes_.load(std::memory_order_relaxed); }
 
@@ -218,7 +218,7 @@ class FileTree {
   PagedColumn<NodeId> parent_;
   PagedColumn<std::uint32_t> nameOffset_;
   PagedColumn<std::uint16_t> nameLength_;
-  PagedColumn<std::uint16_t> kind_;
+  PagedColumn<KindIndex> kind_;
   PagedColumn<std::uint8_t> flags_;
   PagedColumn<std::uint64_t> apparentSize_;
   PagedColumn<std::uint64_t> allocatedSize_;

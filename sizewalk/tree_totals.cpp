@@ -40,8 +40,8 @@ NodeSums NodeSums::negated() const {
           0 - addedLastMonth, 0 - addedLastSixMonths, 0 - addedSinceLastScan};
 }
 
-void Tally::addToKind(int kind, const NodeSums& sums) {
-  KindTotals& totals = kinds[static_cast<std::size_t>(kind)];
+void Tally::addToKind(KindIndex kind, const NodeSums& sums) {
+  KindTotals& totals = kinds[kind];
   totals.allocatedSize += sums.allocatedSize;
   totals.apparentSize += sums.apparentSize;
   totals.count += 1;
@@ -62,9 +62,9 @@ void SharedTotals::apply(const Tally& tally, Sign sign) {
 
 ScanTotals SharedTotals::scan() const { return loadAll(scan_, kScanFields); }
 
-KindTotals SharedTotals::kind(int kind) const {
-  if (kind < 0 || kind >= kKindCount) return {};
-  return loadAll(kinds_[static_cast<std::size_t>(kind)], kKindFields);
+KindTotals SharedTotals::kind(KindIndex kind) const {
+  if (kind >= kKindCount) return {};
+  return loadAll(kinds_[kind], kKindFields);
 }
 
 }  // namespace sizewalk

@@ -58,7 +58,7 @@ struct Tally {
   std::array<KindTotals, kKindCount> kinds{};
 
   /// Adds an entry of a kind that is counted, not a directory.
-  void addToKind(int kind, const NodeSums& sums);
+  void addToKind(KindIndex kind, const NodeSums& sums);
 };
 
 /// The totals of a tree: one thread at a time changes them, any thread reads them, value by value
@@ -71,7 +71,7 @@ class SharedTotals {
 
   ScanTotals scan() const;
   /// All zero for a kind outside the list.
-  KindTotals kind(int kind) const;
+  KindTotals kind(KindIndex kind) const;
 
  private:
   enum class Sign { Plus, Minus };

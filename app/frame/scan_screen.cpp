@@ -61,7 +61,7 @@ void ScanScreen::connectList() {
 }
 
 void ScanScreen::connectKinds() {
-  kinds_.onKindSelected = [this](std::optional<int> kind) {
+  kinds_.onKindSelected = [this](std::optional<sizewalk::KindIndex> kind) {
     picture_.setHighlight(kind);
     changed();
   };

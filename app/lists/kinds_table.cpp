@@ -52,7 +52,7 @@ KindColumns kindColumns(int left, int right, int rowHeight) {
 void KindsTable::setRows(std::vector<KindRow> rows) {
   const std::size_t currentRow = find(current_).value_or(0);
   const auto kindAt = [this](std::size_t row) { return rows_[row].kind; };
-  const auto rowOf = [this](int kind) { return find(kind); };
+  const auto rowOf = [this](sizewalk::KindIndex kind) { return find(kind); };
   changeRowsAround(rowToKeep(), kindAt, rowOf, [&] {
     rows_ = std::move(rows);
     sortKindRows(rows_, sort_);
@@ -87,7 +87,7 @@ void KindsTable::sortBy(const KindSort& sort) {
   changed();
 }
 
-void KindsTable::select(std::optional<int> kind) {
+void KindsTable::select(std::optional<sizewalk::KindIndex> kind) {
   if (selected_ == kind) return;
   selected_ = kind;
   changed();
@@ -95,7 +95,7 @@ void KindsTable::select(std::optional<int> kind) {
 }
 
 void KindsTable::toggle(std::size_t row) {
-  const int kind = rows_[row].kind;
+  const sizewalk::KindIndex kind = rows_[row].kind;
   select(selected_ == kind ? std::nullopt : std::optional(kind));
 }
 
@@ -148,7 +148,7 @@ KindColumns KindsTable::columns() const {
   return kindColumns(rect().x, rect().x + rect().w - scroller().barWidth(), style().rowHeight());
 }
 
-std::optional<std::size_t> KindsTable::find(std::optional<int> kind) const {
+std::optional<std::size_t> KindsTable::find(std::optional<sizewalk::KindIndex> kind) const {
   const auto row = std::ranges::find_if(rows_, [&](const KindRow& r) { return r.kind == kind; });
   if (row == rows_.end()) return std::nullopt;
   return static_cast<std::size_t>(row - rows_.begin());

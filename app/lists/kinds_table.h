@@ -39,7 +39,7 @@ KindColumns kindColumns(int left, int right, int rowHeight);
 class KindsTable : public ui::RowList {
  public:
   /// Another kind is selected now, or none.
-  std::function<void(std::optional<int>)> onKindSelected;
+  std::function<void(std::optional<sizewalk::KindIndex>)> onKindSelected;
 
   /// Both outlive the table. Without `colours` rows have no swatches.
   KindsTable(const ui::Style& style, const KindColours* colours)
@@ -60,9 +60,9 @@ class KindsTable : public ui::RowList {
 
   const std::vector<KindRow>& rows() const { return rows_; }
   const KindSort& sort() const { return sort_; }
-  std::optional<int> selectedKind() const { return selected_; }
+  std::optional<sizewalk::KindIndex> selectedKind() const { return selected_; }
   /// Nothing while there are no rows.
-  std::optional<int> currentKind() const { return current_; }
+  std::optional<sizewalk::KindIndex> currentKind() const { return current_; }
   KindColumns columns() const;
 
  protected:
@@ -74,20 +74,20 @@ class KindsTable : public ui::RowList {
 
  private:
   void paintHeader(ui::Canvas& canvas) const;
-  std::optional<std::size_t> find(std::optional<int> kind) const;
+  std::optional<std::size_t> find(std::optional<sizewalk::KindIndex> kind) const;
   /// Which row `setRows` leaves where it is on the screen.
   std::optional<std::size_t> rowToKeep() const;
   void pressHeader(int x);
   void sortBy(const KindSort& sort);
-  void select(std::optional<int> kind);
+  void select(std::optional<sizewalk::KindIndex> kind);
   void toggle(std::size_t row);
   void moveTo(std::size_t row);
 
   const KindColours* colours_;
   std::vector<KindRow> rows_;
   KindSort sort_;
-  std::optional<int> selected_;
-  std::optional<int> current_;
+  std::optional<sizewalk::KindIndex> selected_;
+  std::optional<sizewalk::KindIndex> current_;
 };
 
 }  // namespace app

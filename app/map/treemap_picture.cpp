@@ -46,7 +46,7 @@ void TreemapPicture::setExtraBlocks(std::vector<ExtraBlock> blocks) {
   outdated_ = true;
 }
 
-void TreemapPicture::setHighlight(std::optional<int> kind) {
+void TreemapPicture::setHighlight(std::optional<sizewalk::KindIndex> kind) {
   if (highlight_ == kind) return;
   highlight_ = kind;
   unsent_ = true;
@@ -120,7 +120,7 @@ void TreemapPicture::send() {
     image_.set(rendered_.pixels, rendered_.width, rendered_.height);
     return;
   }
-  highlightKind(rendered_, *tree_, *highlight_, measure_, &dimmed_);
+  highlightKind(rendered_, *highlight_, &dimmed_);
   image_.set(dimmed_, rendered_.width, rendered_.height);
 }
 

@@ -39,7 +39,7 @@ class TreemapPicture {
   /// Takes part in every picture from now on, whatever is in focus.
   void setExtraBlocks(std::vector<ExtraBlock> blocks);
   /// Dims every block but those of `kind`; none when there is none.
-  void setHighlight(std::optional<int> kind);
+  void setHighlight(std::optional<sizewalk::KindIndex> kind);
   /// Something else is to be seen: the next `update` makes a new picture.
   void markDirty() { dirty_ = true; }
   /// The tree has changed, or what is beside it: an `update` begins a new picture. Until it is
@@ -78,7 +78,7 @@ class TreemapPicture {
   sizewalk::NodeId focus_ = sizewalk::kRootNode;
   MeasureSettings measure_;
   std::vector<ExtraBlock> extraBlocks_;
-  std::optional<int> highlight_;
+  std::optional<sizewalk::KindIndex> highlight_;
   ui::Rect rect_;
   /// What is to be seen is something else than the last picture: the next one is made at once.
   bool dirty_ = false;

@@ -12,6 +12,7 @@
 namespace app {
 
 using sizewalk::FileTree;
+using sizewalk::KindIndex;
 using sizewalk::NodeId;
 using sizewalk::NodeRange;
 
@@ -43,28 +44,29 @@ std::optional<NodeId> largestChild(const FileTree& tree, NodeId folder,
 
 using ExtraColours = std::unordered_map<std::int32_t, ExtraBlock>;
 
-/// Chooses the blocks' colours during one render, on several threads at once.
+/// Chooses the blocks' kinds and colours during one render, on several threads at once.
 class BlockPainter {
  public:
   BlockPainter(const FileTree& tree, const MeasureSettings& measure, const KindColours& colours,
                const ExtraColours& extraColours)
       : tree_(tree), measure_(measure), colours_(colours), extraColours_(extraColours) {
-    for (int kind = 0; kind < sizewalk::kKindCount; ++kind) {
-      table_[static_cast<std::size_t>(kind)] = colours.colourForKind(kind);
+    for (KindIndex kind = 0; kind < sizewalk::kKindCount; ++kind) {
+      table_[kind] = colours.colourForKind(kind);
     }
   }
 
   /// Once for each block, on one thread or another, so that a block that two threads shade has one
-  /// colour even where the tree changes meanwhile.
-  void chooseColours(std::span<const TreemapBlock> blocks, std::vector<std::uint32_t>* chosen,
-                     std::vector<RunRows>* rows) const {
-    chosen->resize(blocks.size());
+  /// colour even where the tree changes meanwhile. Fills `colours` and `kinds` of the map.
+  void chooseColours(RenderedTreemap* map, std::vector<RunRows>* rows) const {
+    const std::span<const TreemapBlock> blocks = map->blocks;
+    map->colours.resize(blocks.size());
+    map->kinds.resize(blocks.size());
     rows->resize(runCount(blocks.size()));
     const std::size_t pieces = (blocks.size() + kBlocksPerPiece - 1) / kBlocksPerPiece;
     forEachOnThreads(pieces, hardwareThreads(), [&](std::size_t piece) {
       const std::size_t end = std::min(blocks.size(), (piece + 1) * kBlocksPerPiece);
       for (std::size_t i = piece * kBlocksPerPiece; i < end; ++i) {
-        (*chosen)[i] = blocks[i].painted ? colourOf(blocks[i]) : 0;
+        choose(blocks[i], &map->colours[i], &map->kinds[i]);
       }
       const std::size_t first = piece * kBlocksPerPiece;
       findRunRows(blocks.subspan(first, end - first),
@@ -73,14 +75,21 @@ class BlockPainter {
   }
 
  private:
-  std::uint32_t colourOf(const TreemapBlock& block) const {
-    if (block.id < 0) return extraColours_.at(block.id).colour;
-    return colourOfKind(drawnKind(tree_, static_cast<NodeId>(block.id), measure_));
+  void choose(const TreemapBlock& block, std::uint32_t* colour, KindIndex* kind) const {
+    *colour = 0;
+    *kind = sizewalk::kNoKind;
+    if (!block.painted) return;
+    if (block.id < 0) {
+      *colour = extraColours_.at(block.id).colour;
+      return;
+    }
+    const KindIndex drawn = drawnKind(tree_, static_cast<NodeId>(block.id), measure_);
+    *colour = colourOfKind(drawn);
+    if (block.restCount == 0) *kind = drawn;
   }
 
-  std::uint32_t colourOfKind(int kind) const {
-    if (kind < 0 || kind >= sizewalk::kKindCount) return colours_.colourForKind(kind);
-    return table_[static_cast<std::size_t>(kind)];
+  std::uint32_t colourOfKind(KindIndex kind) const {
+    return kind < sizewalk::kKindCount ? table_[kind] : colours_.colourForKind(kind);
   }
 
   const FileTree& tree_;
@@ -94,7 +103,7 @@ class BlockPainter {
 
 }  // namespace
 
-int dominantKind(const FileTree& tree, NodeId folder, const MeasureSettings& measure) {
+KindIndex dominantKind(const FileTree& tree, NodeId folder, const MeasureSettings& measure) {
   // The descent goes by length even where sizes on disk are shown.
   const MeasureSettings lengths = {measure.measure, false};
   NodeId current = folder;
@@ -109,11 +118,11 @@ int dominantKind(const FileTree& tree, NodeId folder, const MeasureSettings& mea
   return tree.kind(current);
 }
 
-int drawnKind(const FileTree& tree, NodeId node, const MeasureSettings& measure) {
-  const int own = tree.kind(node);
+KindIndex drawnKind(const FileTree& tree, NodeId node, const MeasureSettings& measure) {
+  const KindIndex own = tree.kind(node);
   if (own != sizewalk::kKindFolder) return own;
-  const int filling = dominantKind(tree, node, measure);
-  return filling == sizewalk::kKindFolder ? int{sizewalk::otherKind} : filling;
+  const KindIndex filling = dominantKind(tree, node, measure);
+  return filling == sizewalk::kKindFolder ? sizewalk::otherKind : filling;
 }
 
 RenderedTreemap renderTreemap(const FileTree& tree, NodeId root, std::int32_t width,
@@ -126,6 +135,7 @@ RenderedTreemap renderTreemap(const FileTree& tree, NodeId root, std::int32_t wi
   map.root = root;
   map.blocks.clear();
   map.colours.clear();
+  map.kinds.clear();
   map.extraColours.clear();
   const bool nothingToShow = width < 1 || height < 1 || root >= tree.nodeCount();
   const std::size_t pixels =
@@ -137,8 +147,7 @@ RenderedTreemap renderTreemap(const FileTree& tree, NodeId root, std::int32_t wi
                   measure, extraBlocks, {}, kRidgeHeight, &map.blocks);
     for (const ExtraBlock& extra : extraBlocks) map.extraColours.insert_or_assign(extra.id, extra);
     std::vector<RunRows> rows;
-    BlockPainter(tree, measure, colours, map.extraColours)
-        .chooseColours(map.blocks, &map.colours, &rows);
+    BlockPainter(tree, measure, colours, map.extraColours).chooseColours(&map, &rows);
     shadeBlocks(map.blocks, map.colours, rows,
                 {map.pixels.data(), map.blockAt.data(), width, height}, hardwareThreads());
   }

@@ -9,6 +9,7 @@
 #include "app/map/treemap_layout.h"
 #include "app/model/kind_colours.h"
 #include "app/model/measure.h"
+#include "sizewalk/file_kinds.h"
 #include "sizewalk/file_tree.h"
 
 namespace app {
@@ -26,6 +27,10 @@ struct RenderedTreemap {
   /// The colour of each block, 0xRRGGBB before shading (the top byte means nothing); 0 where it is
   /// not painted.
   std::vector<std::uint32_t> colours;
+  /// The kind of each block when its colour was chosen; for a folder drawn as one block the kind
+  /// that it is coloured by. `kNoKind` for merged entries, for what is beside the tree, and where
+  /// nothing is painted.
+  std::vector<sizewalk::KindIndex> kinds;
   /// 0xRRGGBB, row by row from the top.
   std::vector<std::uint32_t> pixels;
   /// For every pixel the index of its block in `blocks`, or `kNoBlock`.
@@ -55,12 +60,12 @@ RenderedTreemap renderTreemap(const sizewalk::FileTree& tree, sizewalk::NodeId r
 
 /// The kind of what fills a folder: that of the largest entry of its largest subfolder and so on
 /// inwards, as far as a bounded look finds it. Any thread.
-int dominantKind(const sizewalk::FileTree& tree, sizewalk::NodeId folder,
-                 const MeasureSettings& measure);
+sizewalk::KindIndex dominantKind(const sizewalk::FileTree& tree, sizewalk::NodeId folder,
+                                 const MeasureSettings& measure);
 
 /// The kind that a node's block is coloured by: that of a file, what fills a folder, and of a
 /// folder that nothing fills the kind of what has no other. Any thread.
-int drawnKind(const sizewalk::FileTree& tree, sizewalk::NodeId node,
-              const MeasureSettings& measure);
+sizewalk::KindIndex drawnKind(const sizewalk::FileTree& tree, sizewalk::NodeId node,
+                              const MeasureSettings& measure);
 
 }  // namespace app

@@ -2,10 +2,11 @@
 
 #include <cmath>
 #include <cstddef>
-#include <limits>
 #include <optional>
 
 namespace app {
+
+using sizewalk::KindIndex;
 
 namespace {
 
@@ -53,7 +54,7 @@ std::uint32_t hsvColour(double h, double s, double v) {
 
 /// Hues a golden ratio of the wheel apart never come round to each other; where they come close,
 /// saturation and value differ.
-std::uint32_t generatedColour(int kind) {
+std::uint32_t generatedColour(KindIndex kind) {
   const double turns = kind * 0.6180339887;
   const double hue = turns - std::floor(turns);
   const double saturation = 0.55 + (kind % 3) * 0.2 * 0.5;
@@ -63,18 +64,16 @@ std::uint32_t generatedColour(int kind) {
 
 KindColours::Table makeColours() {
   KindColours::Table colours;
-  for (int kind = 0; kind < sizewalk::kKindCount; ++kind) {
-    colours[static_cast<std::size_t>(kind)] = generatedColour(kind);
+  for (KindIndex kind = 0; kind < sizewalk::kKindCount; ++kind) {
+    colours[kind] = generatedColour(kind);
   }
   colours[sizewalk::kKindFolder] = kFolderColour;
   colours[sizewalk::kKindSymbolicLink] = kSymbolicLinkColour;
   return colours;
 }
 
-std::optional<std::int32_t> rankOf(int kind, const KindColours::Slots& slots) {
-  using Limits = std::numeric_limits<std::int16_t>;
-  if (kind < Limits::min() || kind > Limits::max()) return std::nullopt;
-  const auto slot = slots.find(static_cast<std::int16_t>(kind));
+std::optional<std::int32_t> rankOf(KindIndex kind, const KindColours::Slots& slots) {
+  const auto slot = slots.find(kind);
   return slot == slots.end() ? std::nullopt : std::optional(slot->second);
 }
 
@@ -82,7 +81,7 @@ std::optional<std::int32_t> rankOf(int kind, const KindColours::Slots& slots) {
 
 KindColours::KindColours(bool consistent) : consistent_(consistent), colours_(makeColours()) {}
 
-std::uint32_t KindColours::colourForKind(int kind) const {
+std::uint32_t KindColours::colourForKind(KindIndex kind) const {
   if (!consistent_) {
     if (const auto rank = rankOf(kind, kindSlots_)) {
       constexpr int kCycle = sizewalk::kKindCount - kFixedKinds;
@@ -90,8 +89,8 @@ std::uint32_t KindColours::colourForKind(int kind) const {
       return colours_[static_cast<std::size_t>(kFixedKinds) + static_cast<std::size_t>(place)];
     }
   }
-  if (kind < 0 || kind >= sizewalk::kKindCount) return kNoKindColour;
-  return colours_[static_cast<std::size_t>(kind)];
+  if (kind >= sizewalk::kKindCount) return kNoKindColour;
+  return colours_[kind];
 }
 
 }  // namespace app

@@ -17,7 +17,7 @@ class KindColours {
  public:
   using Table = std::array<std::uint32_t, sizewalk::kKindCount>;
   /// Kind to rank, 0 first.
-  using Slots = std::unordered_map<std::int16_t, std::int32_t>;
+  using Slots = std::unordered_map<sizewalk::KindIndex, std::int32_t>;
 
   /// `consistent` is the user's setting "ConsistentKindColours"; the owner reads it and follows its
   /// changes with `setConsistent`.
@@ -34,7 +34,7 @@ class KindColours {
 
   /// The colour to draw `kind` with. Ranked kinds cycle through the colours that are not fixed; a
   /// kind outside the list is grey, 0xFF808080.
-  std::uint32_t colourForKind(int kind) const;
+  std::uint32_t colourForKind(sizewalk::KindIndex kind) const;
 
  private:
   bool consistent_;

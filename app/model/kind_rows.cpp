@@ -64,8 +64,8 @@ std::string kindHeader(KindColumn column, const KindSort& sort) {
   return header;
 }
 
-std::string kindRowName(int kind) {
-  const bool listed = kind >= 0 && kind < sizewalk::kindCount();
+std::string kindRowName(sizewalk::KindIndex kind) {
+  const bool listed = kind < sizewalk::kindCount();
   return std::string(sizewalk::kindName(listed ? kind : sizewalk::otherKind));
 }
 
@@ -80,11 +80,10 @@ void sortKindRows(std::span<KindRow> rows, const KindSort& sort) {
 std::vector<KindRow> kindRows(const sizewalk::FileTree& tree, const MeasureSettings& measure,
                               const KindSort& sort) {
   std::vector<KindRow> rows;
-  for (int kind = 0; kind < sizewalk::kindCount(); ++kind) {
+  for (sizewalk::KindIndex kind = 0; kind < sizewalk::kindCount(); ++kind) {
     const sizewalk::KindTotals totals = tree.kindTotals(kind);
     if (totals.count == 0) continue;
-    rows.push_back({static_cast<std::int16_t>(kind), sizeUnder(totals, measure),
-                    static_cast<std::int64_t>(totals.count)});
+    rows.push_back({kind, sizeUnder(totals, measure), static_cast<std::int64_t>(totals.count)});
   }
   sortKindRows(rows, sort);
   return rows;

@@ -13,7 +13,7 @@ namespace app {
 
 /// One line of the kinds table.
 struct KindRow {
-  std::int16_t kind = 0;
+  sizewalk::KindIndex kind = 0;
   /// Bytes under the current measure.
   std::uint64_t size = 0;
   std::int64_t files = 0;
@@ -38,7 +38,7 @@ struct KindSort {
 std::string kindHeader(KindColumn column, const KindSort& sort);
 
 /// What the table calls a kind: "Other" for an index outside the list.
-std::string kindRowName(int kind);
+std::string kindRowName(sizewalk::KindIndex kind);
 
 /// Puts rows into the order asked for; equal ones by name.
 void sortKindRows(std::span<KindRow> rows, const KindSort& sort);

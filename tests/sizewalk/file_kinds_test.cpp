@@ -106,13 +106,13 @@ TEST(KindNames, BeginWithTheKindsThatNeedNoExtensionAndEndWithOther) {
 
 TEST(KindNames, AreAllDifferent) {
   std::set<std::string_view> names;
-  for (int kind = 0; kind < kindCount(); ++kind) names.insert(kindName(kind));
+  for (KindIndex kind = 0; kind < kindCount(); ++kind) names.insert(kindName(kind));
   EXPECT_EQ(names.size(), 76u);
   EXPECT_EQ(names.count(""), 0u);
 }
 
 TEST(KindNames, AreEmptyOutsideTheList) {
-  EXPECT_EQ(kindName(-1), "");
+  EXPECT_EQ(kindName(kNoKind), "");
   EXPECT_EQ(kindName(76), "");
 }
 
@@ -120,7 +120,7 @@ TEST(ClassifyName, KnowsEveryExtensionOfEveryListedKind) {
   ASSERT_EQ(std::size(kListedKinds), 71u);
   std::set<std::string> extensions;
   for (std::size_t row = 0; row < std::size(kListedKinds); ++row) {
-    const auto kind = static_cast<int>(4 + row);
+    const auto kind = static_cast<KindIndex>(4 + row);
     EXPECT_EQ(kindName(kind), kListedKinds[row].name);
     std::istringstream words{std::string(kListedKinds[row].extensions)};
     for (std::string extension; words >> extension;) {

@@ -124,7 +124,7 @@ void expectSumsMatchRecount(const FileTree& tree, std::uint64_t brokenListings) 
                                 tree.addedSinceLastScan(node), tree.itemCount(node)};
     EXPECT_EQ(kept, sums) << "folder " << node << " " << tree.path(node);
   }
-  for (int kind = 0; kind < sizewalk::kKindCount; ++kind) {
+  for (sizewalk::KindIndex kind = 0; kind < sizewalk::kKindCount; ++kind) {
     EXPECT_EQ(tree.kindTotals(kind), fresh.kinds[static_cast<std::size_t>(kind)])
         << "kind " << kind;
   }

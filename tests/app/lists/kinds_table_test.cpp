@@ -43,7 +43,9 @@ struct TableOnServer : test::WindowOnServer {
   explicit TableOnServer(const ui::Palette& palette = ui::kLightPalette)
       : style_(*connection, palette) {
     table_.onChanged = [this] { ++changes_; };
-    table_.onKindSelected = [this](std::optional<int> kind) { selections_.push_back(kind); };
+    table_.onKindSelected = [this](std::optional<sizewalk::KindIndex> kind) {
+      selections_.push_back(kind);
+    };
     table_.setRect(place_);
     table_.setRows({{10, 1000, 300}, {20, 2000, 200}, {30, 3000, 100}});
     changes_ = 0;
@@ -67,7 +69,8 @@ struct TableOnServer : test::WindowOnServer {
   void fillUp(int kinds = 40) {
     std::vector<KindRow> rows;
     for (int i = 0; i < kinds; ++i) {
-      rows.push_back({static_cast<std::int16_t>(i), 100000u - static_cast<unsigned>(i) * 100, 1});
+      rows.push_back(
+          {static_cast<sizewalk::KindIndex>(i), 100000u - static_cast<unsigned>(i) * 100, 1});
     }
     table_.setRows(rows);
   }
@@ -87,7 +90,7 @@ struct TableOnServer : test::WindowOnServer {
   KindColours colours_{true};
   KindsTable table_{style_, &colours_};
   int changes_ = 0;
-  std::vector<std::optional<int>> selections_;
+  std::vector<std::optional<sizewalk::KindIndex>> selections_;
 };
 
 class KindsTableTest : public ::testing::Test, protected TableOnServer {
@@ -302,7 +305,7 @@ TEST_F(KindsTableTest, SelectsAKindByAPressAndEndsItByAnother) {
   press(2);
   press(2);
   EXPECT_EQ(table_.selectedKind(), std::nullopt);
-  EXPECT_EQ(selections_, (std::vector<std::optional<int>>{20, 10, std::nullopt}));
+  EXPECT_EQ(selections_, (std::vector<std::optional<sizewalk::KindIndex>>{20, 10, std::nullopt}));
 }
 
 TEST_F(KindsTableTest, TakesOtherPressesForNothing) {
@@ -317,7 +320,7 @@ TEST_F(KindsTableTest, ForgetsItsSelectionWhenItIsTold) {
   EXPECT_TRUE(selections_.empty());
   press(1);
   table_.clearSelection();
-  EXPECT_EQ(selections_, (std::vector<std::optional<int>>{20, std::nullopt}));
+  EXPECT_EQ(selections_, (std::vector<std::optional<sizewalk::KindIndex>>{20, std::nullopt}));
 }
 
 TEST_F(KindsTableTest, SelectsNoKindOfWhichThereIsNoFile) {
@@ -352,7 +355,7 @@ TEST_F(KindsTableTest, TogglesTheCurrentRowAndTakesTheSelectionAlong) {
   key(ui::key::kDown);
   EXPECT_EQ(table_.selectedKind(), 20);
   EXPECT_TRUE(key(ui::key::kKeypadEnter));
-  EXPECT_EQ(selections_, (std::vector<std::optional<int>>{30, 20, std::nullopt}));
+  EXPECT_EQ(selections_, (std::vector<std::optional<sizewalk::KindIndex>>{30, 20, std::nullopt}));
 }
 
 TEST_F(KindsTableTest, LeavesOtherKeysToItsOwner) {

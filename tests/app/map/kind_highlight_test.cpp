@@ -20,8 +20,8 @@ using test::fill;
 using test::fillRoot;
 using test::folder;
 
-constexpr std::uint16_t kPdf = 5;
-constexpr std::uint16_t kJpeg = 8;
+constexpr sizewalk::KindIndex kPdf = 5;
+constexpr sizewalk::KindIndex kJpeg = 8;
 constexpr MeasureSettings kLengths;
 constexpr MeasureSettings kOnDisk = {Measure::CurrentSize, true};
 
@@ -33,10 +33,10 @@ RenderedTreemap draw(const FileTree& tree, int width, int height,
 
 /// Highlights `kind` and checks every pixel: those of the blocks in `kept` stay, all others are
 /// dimmed.
-void expectKept(const RenderedTreemap& map, const FileTree& tree, int kind,
-                const std::set<std::size_t>& kept, const MeasureSettings& measure = kLengths) {
+void expectKept(const RenderedTreemap& map, sizewalk::KindIndex kind,
+                const std::set<std::size_t>& kept) {
   std::vector<std::uint32_t> pixels = {1, 2, 3};  // of an earlier, smaller map
-  highlightKind(map, tree, kind, measure, &pixels);
+  highlightKind(map, kind, &pixels);
   ASSERT_EQ(pixels.size(), map.pixels.size());
   for (std::size_t i = 0; i < pixels.size(); ++i) {
     const bool keeps = map.blockAt[i] != kNoBlock && kept.contains(map.blockAt[i]);
@@ -70,14 +70,14 @@ TEST(KindHighlight, KeepsTheBlocksOfTheKindAndDimsTheOthers) {
   const NodeId inner = tree.firstChild(folders.front());
   const auto map = draw(tree, 120, 80);
   const auto at = [&](NodeId node) { return blockOf(map, static_cast<std::int32_t>(node)); };
-  expectKept(map, tree, kPdf, {at(outer), at(outer + 3), at(inner)});
-  expectKept(map, tree, kJpeg, {at(outer + 1), at(inner + 1)});
+  expectKept(map, kPdf, {at(outer), at(outer + 3), at(inner)});
+  expectKept(map, kJpeg, {at(outer + 1), at(inner + 1)});
 }
 
 TEST(KindHighlight, DimsEverythingWhenThereIsNothingOfTheKind) {
   FileTree tree;
   fillRoot(tree, {file(1000, kPdf), file(700, kJpeg)});
-  expectKept(draw(tree, 60, 40), tree, sizewalk::otherKind, {});
+  expectKept(draw(tree, 60, 40), sizewalk::otherKind, {});
 }
 
 /// A folder of 2 x 4 pixels, which is drawn as one block.
@@ -88,8 +88,8 @@ TEST(KindHighlight, CountsAFolderDrawnAsOneBlockAsWhatFillsIt) {
   const auto map = draw(tree, 8, 4);
   const std::size_t block = blockOf(map, static_cast<std::int32_t>(folders.front()));
   ASSERT_EQ(map.blocks[block].reason, BlockReason::tooSmall);
-  expectKept(map, tree, kPdf, {block});
-  expectKept(map, tree, sizewalk::kKindFolder, {});
+  expectKept(map, kPdf, {block});
+  expectKept(map, sizewalk::kKindFolder, {});
 }
 
 /// The same with entries that have no length, by size on disk.
@@ -101,8 +101,21 @@ TEST(KindHighlight, CountsAFolderThatNothingFillsAsTheKindOfItsColour) {
   const std::size_t block = blockOf(map, static_cast<std::int32_t>(folders.front()));
   ASSERT_EQ(map.colours[block] & 0xFFFFFF,
             KindColours(true).colourForKind(sizewalk::otherKind) & 0xFFFFFF);
-  expectKept(map, tree, sizewalk::otherKind, {block}, kOnDisk);
-  expectKept(map, tree, sizewalk::kKindFolder, {}, kOnDisk);
+  expectKept(map, sizewalk::otherKind, {block});
+  expectKept(map, sizewalk::kKindFolder, {});
+}
+
+/// What shines is what is seen in the colour of the kind, whatever the tree holds by now.
+TEST(KindHighlight, GoesByTheTreeAsItWasWhenTheMapWasMade) {
+  FileTree tree;
+  const auto folders = fillRoot(tree, {file(24, kJpeg), folder()});
+  const auto inner = fill(tree, folders.front(), {file(2, kJpeg), file(6, kPdf), folder()});
+  const auto map = draw(tree, 8, 4);
+  const std::size_t block = blockOf(map, static_cast<std::int32_t>(folders.front()));
+  fill(tree, inner.front(), {file(100, kJpeg)});
+  ASSERT_EQ(drawnKind(tree, folders.front(), kLengths), kJpeg)
+      << "it is filled by another kind now";
+  expectKept(map, kPdf, {block});
 }
 
 TEST(KindHighlight, DimsMergedItemsOfTheKind) {
@@ -112,7 +125,7 @@ TEST(KindHighlight, DimsMergedItemsOfTheKind) {
   fillRoot(tree, entries);
   const auto map = draw(tree, 100, 100);
   ASSERT_TRUE(std::ranges::any_of(map.blocks, [](const auto& b) { return b.restCount == 20; }));
-  expectKept(map, tree, kPdf, {});
+  expectKept(map, kPdf, {});
 }
 
 TEST(KindHighlight, DimsWhatIsBesideTheTree) {
@@ -124,7 +137,7 @@ TEST(KindHighlight, DimsWhatIsBesideTheTree) {
   blockOf(map, kFreeSpaceBlock);
   blockOf(map, kOtherSpaceBlock);
   const auto file = static_cast<std::int32_t>(tree.firstChild(kRootNode));
-  expectKept(map, tree, kPdf, {blockOf(map, file)});
+  expectKept(map, kPdf, {blockOf(map, file)});
 }
 
 TEST(KindHighlight, DimsTheBackground) {
@@ -136,13 +149,13 @@ TEST(KindHighlight, DimsTheBackground) {
     map.blockAt[i] = kNoBlock;
   }
   const auto file = static_cast<std::int32_t>(tree.firstChild(kRootNode));
-  expectKept(map, tree, kPdf, {blockOf(map, file)});
+  expectKept(map, kPdf, {blockOf(map, file)});
 }
 
 TEST(KindHighlight, HasNoPixelsOfAnEmptyMap) {
   FileTree tree;
   fillRoot(tree, {file(1000, kPdf)});
-  expectKept(draw(tree, 0, 40), tree, kPdf, {});
+  expectKept(draw(tree, 0, 40), kPdf, {});
 }
 
 }  // namespace

@@ -47,7 +47,7 @@ MapEntry randomEntry(std::mt19937_64& random, int* giants) {
 
 }  // namespace
 
-MapEntry file(std::uint64_t size, std::uint16_t kind) { return {kind, size, size, 0, false}; }
+MapEntry file(std::uint64_t size, sizewalk::KindIndex kind) { return {kind, size, size, 0, false}; }
 
 MapEntry folder() { return {sizewalk::kKindFolder, 0, 0, 0, true}; }
 

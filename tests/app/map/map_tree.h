@@ -11,7 +11,7 @@ namespace test {
 
 /// An entry to put into a tree: what the map looks at and nothing else.
 struct MapEntry {
-  std::uint16_t kind = sizewalk::kKindNoExtension;
+  sizewalk::KindIndex kind = sizewalk::kKindNoExtension;
   std::uint64_t apparent = 0;
   std::uint64_t allocated = 0;
   std::uint32_t birthTime = 0;
@@ -19,7 +19,7 @@ struct MapEntry {
 };
 
 /// A file as long as it is large on disk.
-MapEntry file(std::uint64_t size, std::uint16_t kind = sizewalk::kKindNoExtension);
+MapEntry file(std::uint64_t size, sizewalk::KindIndex kind = sizewalk::kKindNoExtension);
 MapEntry folder();
 
 /// Births at or after these count for the measures of `mapTreeOptions`.

@@ -211,7 +211,7 @@ std::uint32_t colourOf(const Scene& scene, const TreemapBlock& block,
   for (const ExtraBlock& extra : scene.extraBlocks) {
     if (extra.id == block.id) return extra.colour;
   }
-  int kind = scene.tree.kind(static_cast<NodeId>(block.id));
+  sizewalk::KindIndex kind = scene.tree.kind(static_cast<NodeId>(block.id));
   if (kind == 1) kind = dominantKind(scene.tree, static_cast<NodeId>(block.id), scene.measure);
   if (kind == 1) kind = 75;
   return colours.colourForKind(kind);

@@ -24,7 +24,7 @@ constexpr std::uint16_t kJpeg = 8;
 constexpr MeasureSettings kLengths;
 const KindColours kColours(true);
 
-std::uint32_t colour(int kind) { return kColours.colourForKind(kind) & 0xFFFFFF; }
+std::uint32_t colour(sizewalk::KindIndex kind) { return kColours.colourForKind(kind) & 0xFFFFFF; }
 
 RenderedTreemap draw(const FileTree& tree, std::int32_t width, std::int32_t height,
                      const std::vector<ExtraBlock>& extraBlocks = {}) {

@@ -44,7 +44,7 @@ TEST(KindRows, HoldSizeAndFilesOfEachKindThatHasAny) {
   const Tree t;
   const std::vector<KindRow> rows = kindRows(t.tree, {}, {});
   ASSERT_EQ(rows.size(), 3u) << "no folders, no kinds without files";
-  EXPECT_EQ(rows[0], (KindRow{static_cast<std::int16_t>(classifyName("a.mp3")), 600, 2}));
+  EXPECT_EQ(rows[0], (KindRow{classifyName("a.mp3"), 600, 2}));
 }
 
 TEST(KindRows, ComeLargestFirstAndEqualOnesByName) {
@@ -95,7 +95,7 @@ TEST(KindHeader, CarriesAnArrowOnTheSortedColumn) {
 
 TEST(KindRowName, IsOtherBeyondTheList) {
   EXPECT_EQ(kindRowName(76), "Other");
-  EXPECT_EQ(kindRowName(-1), "Other");
+  EXPECT_EQ(kindRowName(sizewalk::kNoKind), "Other");
   EXPECT_EQ(kindRowName(3), "No extension");
 }
 
