@@ -15,7 +15,7 @@
 #include <utility>
 #include <vector>
 
-#include "app/map/cushion_kernels.h"
+#include "app/map/cushion_kernel.h"
 #include "app/map/cushion_shading.h"
 #include "app/map/treemap_layout.h"
 #include "app/map/treemap_render.h"

@@ -2,12 +2,11 @@
 // Wetering, 1999): a block's surface is a sum of parabolas, its gradient therefore linear in the
 // pixel's place, and one fixed light turns the gradient into a shade.
 //
-// All kernels give the same picture bit for bit: `shadePixel` says what a pixel is, the vector
-// kernels (see cushion_kernels.h) prove that they would come to the same or else ask it. Threads
-// share the image by bands of rows, never by blocks: neighbouring blocks may round onto the same
-// pixel, and then the later one has to win. Each band goes through the blocks in their order;
-// blocks that lie together in the list lie together on the map, so a band passes over whole runs
-// that do not reach it.
+// `shadePixel` says what a pixel is; the kernel (cushion_kernel.cpp) comes to the same bit for bit,
+// on every machine. Threads share the image by bands of rows, never by blocks: neighbouring blocks
+// may round onto the same pixel, and then the later one has to win. Each band goes through the
+// blocks in their order; blocks that lie together in the list lie together on the map, so a band
+// passes over whole runs that do not reach it.
 //
 // A list of jobs for each band, filled in a first pass, would round no block twice, at the price of
 // tens of megabytes of fresh memory for each picture. Bands of a few rows, meant to keep both
@@ -18,11 +17,9 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
-#include <cmath>
 #include <limits>
 
-#include "app/map/cushion_kernels.h"
+#include "app/map/cushion_kernel.h"
 #include "app/model/parallel.h"
 
 namespace app {
@@ -35,24 +32,28 @@ constexpr unsigned kMostThreads = 16;
 /// A thread that is held up leaves its share to the others; more bands cut more runs in two.
 constexpr unsigned kBandsPerThread = 2;
 
-/// The two steps of shading in one instruction set.
-struct KernelSteps {
-  GatherJobs gather;
-  PaintJobs paint;
+/// Blocks that follow each other in the list, and what belongs to each of them.
+struct BlockRun {
+  std::span<const TreemapBlock> blocks;
+  std::span<const std::uint32_t> colours;
+  /// Of the first block in the whole list.
+  std::uint32_t firstIndex = 0;
 };
 
-KernelSteps stepsOf(ShadingKernel kernel) {
-#if defined(__x86_64__)
-  if (kernel == ShadingKernel::Avx2) return {gatherJobsAvx2, paintJobsAvx2};
-  if (kernel == ShadingKernel::Avx512) return {gatherJobsAvx2, paintJobsAvx512};
-#endif
-  (void)kernel;
-  return {gatherJobsPlain, paintJobsPlain};
-}
-
-std::uint32_t scaled(std::uint32_t channel, double factor) {
-  const double value = channel * factor;
-  return value < 255 ? static_cast<std::uint32_t>(value) : 255;
+/// Writes a job for each painted block of the run that has pixels in the band, in their order, and
+/// returns their number. `jobs` has room for the whole run.
+// What has no pixel is dropped without a branch: where blocks are a pixel wide it comes without any
+// pattern, and a misprediction costs more than rounding a block's edges.
+std::size_t gatherJobs(const BlockRun& run, std::int32_t width, const Band& band, PaintJob* jobs) {
+  std::size_t count = 0;
+  for (std::size_t i = 0; i < run.blocks.size(); ++i) {
+    const TreemapBlock& block = run.blocks[i];
+    const PixelBounds bounds = pixelBounds(block.rect, width, band);
+    jobs[count] = {bounds, &block.cushion, run.colours[i],
+                   run.firstIndex + static_cast<std::uint32_t>(i)};
+    count += static_cast<std::size_t>(block.painted & !bounds.empty());
+  }
+  return count;
 }
 
 /// Shades all blocks, band by band of the image: within a band the blocks are painted in their
@@ -81,13 +82,12 @@ class MapShader {
     const std::size_t length = static_cast<std::size_t>(band.bottom - band.top) * rowLength;
     std::fill_n(image_.pixels + from, length, kMapBackground);
     std::fill_n(image_.blockAt + from, length, kNoBlock);
-    const KernelSteps steps = stepsOf(availableShadingKernels().back());
     std::array<PaintJob, kRunLength> jobs;
     for (std::size_t run = 0; run < rows_.size(); ++run) {
       if (pixelEdge(rows_[run].bottom, image_.height) <= band.top) continue;
       if (pixelEdge(rows_[run].top, image_.height) >= band.bottom) continue;
-      const std::size_t count = steps.gather(blocksOf(run), image_.width, band, jobs.data());
-      steps.paint(std::span(jobs).first(count), image_);
+      const std::size_t count = gatherJobs(blocksOf(run), image_.width, band, jobs.data());
+      paintJobs(std::span(jobs).first(count), image_);
     }
   }
 
@@ -113,85 +113,13 @@ class MapShader {
 
 }  // namespace
 
-std::span<const ShadingKernel> availableShadingKernels() {
-  static constexpr std::array kAll = {ShadingKernel::Plain, ShadingKernel::Avx2,
-                                      ShadingKernel::Avx512};
-#if defined(__x86_64__)
-  static const std::size_t available = []() -> std::size_t {
-    if (__builtin_cpu_supports("avx2") == 0) return 1;
-    const bool wide = __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512vl");
-    return wide ? 3 : 2;
-  }();
-#else
-  constexpr std::size_t available = 1;
-#endif
-  return std::span(kAll).first(available);
-}
-
-std::uint32_t shadePixel(const CushionCoefficients& cushion, std::uint32_t colour,
-                         std::int32_t column, std::int32_t row) {
-  const double gx = 2 * cushion.quadraticX * (column + 0.5) + cushion.linearX;
-  const double gy = 2 * cushion.quadraticY * (row + 0.5) + cushion.linearY;
-  const double cosine =
-      (gx * kLightAcross + gy * kLightAcross + kLightUp) / std::sqrt(gx * gx + gy * gy + 1);
-  const double factor = cosine < 0 ? kShadow : (kDiffuse * cosine + kAmbient) * kGain;
-  if (cosine >= 0 && factor >= 1) return colour & 0xFFFFFF;
-  return scaled(colour >> 16 & 255, factor) << 16 | scaled(colour >> 8 & 255, factor) << 8 |
-         scaled(colour & 255, factor);
-}
-
-void shadeExactly(const PaintJob& job, std::int32_t column, std::int32_t row, unsigned unsure,
-                  std::uint32_t* pixels) {
-  for (; unsure != 0; unsure &= unsure - 1) {
-    const int offset = std::countr_zero(unsure);
-    pixels[offset] = shadePixel(*job.cushion, job.colour, column + offset, row);
-  }
-}
-
-// What has no pixel is dropped without a branch: where blocks are a pixel wide it comes without any
-// pattern, and a misprediction costs more than rounding a block's edges.
-std::size_t gatherJobsPlain(const BlockRun& run, std::int32_t width, const Band& band,
-                            PaintJob* jobs) {
-  std::size_t count = 0;
-  for (std::size_t i = 0; i < run.blocks.size(); ++i) {
-    const TreemapBlock& block = run.blocks[i];
-    const PixelBounds bounds = pixelBounds(block.rect, width, band);
-    jobs[count] = {bounds, &block.cushion, run.colours[i],
-                   run.firstIndex + static_cast<std::uint32_t>(i)};
-    count += static_cast<std::size_t>(block.painted & !bounds.empty());
-  }
-  return count;
-}
-
-void paintJobsPlain(std::span<const PaintJob> jobs, const MapImage& image) {
-  for (const PaintJob& job : jobs) {
-    for (std::int32_t row = job.bounds.top; row < job.bounds.bottom; ++row) {
-      const std::size_t start =
-          static_cast<std::size_t>(row) * static_cast<std::size_t>(image.width);
-      for (std::int32_t column = job.bounds.left; column < job.bounds.right; ++column) {
-        const std::size_t at = start + static_cast<std::size_t>(column);
-        image.pixels[at] = shadePixel(*job.cushion, job.colour, column, row);
-        image.blockAt[at] = job.blockIndex;
-      }
-    }
-  }
-}
-
 void shadeBlock(const TreemapBlock& block, std::uint32_t colour, std::uint32_t blockIndex,
                 std::uint32_t* pixels, std::uint32_t* blockAt, std::int32_t width,
                 std::int32_t height) {
-  shadeBlockWith(availableShadingKernels().back(), block, colour, blockIndex,
-                 {pixels, blockAt, width, height});
-}
-
-void shadeBlockWith(ShadingKernel kernel, const TreemapBlock& block, std::uint32_t colour,
-                    std::uint32_t blockIndex, const MapImage& image) {
-  const KernelSteps steps = stepsOf(kernel);
-  TreemapBlock painted = block;
-  painted.painted = true;
-  PaintJob job;
-  const BlockRun run = {{&painted, 1}, {&colour, 1}, blockIndex};
-  if (steps.gather(run, image.width, {0, image.height}, &job) != 0) steps.paint({&job, 1}, image);
+  const PixelBounds bounds = pixelBounds(block.rect, width, {0, height});
+  if (bounds.empty()) return;
+  const PaintJob job = {bounds, &block.cushion, colour, blockIndex};
+  paintJobs({&job, 1}, {pixels, blockAt, width, height});
 }
 
 void findRunRows(std::span<const TreemapBlock> blocks, std::span<RunRows> rows) {

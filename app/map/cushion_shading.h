@@ -22,28 +22,12 @@ struct MapImage {
   std::int32_t height = 0;
 };
 
-/// Ways to compute the same pixels, bit for bit.
-enum class ShadingKernel {
-  /// One pixel after the other, as the light is defined.
-  Plain,
-  Avx2,
-  /// The foundation and the instructions on shorter vectors.
-  Avx512,
-};
-
-/// Those that this machine can run; `Plain` is always among them, the fastest comes last.
-std::span<const ShadingKernel> availableShadingKernels();
-
 /// Paints one block: every pixel whose place in the image the block's rectangle covers when its
 /// edges are rounded to the nearest pixel, half away from 0. A block outside the image or rounded
 /// away paints nothing. `colour` is 0xRRGGBB; its top byte is ignored.
 void shadeBlock(const TreemapBlock& block, std::uint32_t colour, std::uint32_t blockIndex,
                 std::uint32_t* pixels, std::uint32_t* blockAt, std::int32_t width,
                 std::int32_t height);
-
-/// The same by a certain kernel, which must be available.
-void shadeBlockWith(ShadingKernel kernel, const TreemapBlock& block, std::uint32_t colour,
-                    std::uint32_t blockIndex, const MapImage& image);
 
 /// Blocks that a band of the map takes or passes over together: neighbours in the list are
 /// neighbours on the map.

@@ -6,8 +6,6 @@
 #include <cmath>
 #include <limits>
 #include <random>
-#include <span>
-#include <string>
 
 #include "tests/app/map/naive_map.h"
 
@@ -55,7 +53,6 @@ struct Canvas {
   std::size_t size() const {
     return static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
   }
-  MapImage image() { return {pixels.data(), blockAt.data(), width, height}; }
   bool isEmpty() const {
     return pixels.holdsJust(std::vector<std::uint32_t>(size(), kMapBackground)) &&
            blockAt.holdsJust(std::vector<std::uint32_t>(size(), kNoBlock));
@@ -66,6 +63,12 @@ struct Canvas {
   GuardedImage pixels;
   GuardedImage blockAt;
 };
+
+void shadeOn(Canvas* canvas, const TreemapBlock& block, std::uint32_t colour,
+             std::uint32_t blockIndex) {
+  shadeBlock(block, colour, blockIndex, canvas->pixels.data(), canvas->blockAt.data(),
+             canvas->width, canvas->height);
+}
 
 std::vector<RunRows> rowsOf(const std::vector<TreemapBlock>& blocks) {
   std::vector<RunRows> rows(runCount(blocks.size()));
@@ -131,35 +134,16 @@ CushionCoefficients randomCushion(std::mt19937_64& random, const MapRect& rect) 
   return cushion;
 }
 
-std::string nameOf(ShadingKernel kernel) {
-  switch (kernel) {
-    case ShadingKernel::Avx2:
-      return "Avx2";
-    case ShadingKernel::Avx512:
-      return "Avx512";
-    case ShadingKernel::Plain:
-      break;
-  }
-  return "Plain";
-}
-
-/// One block painted by a kernel.
-class ShadeBlockWith : public testing::TestWithParam<ShadingKernel> {
+/// One block painted into an image of its own.
+class ShadeBlock : public testing::Test {
  protected:
-  void SetUp() override {
-    const std::span<const ShadingKernel> available = availableShadingKernels();
-    if (std::ranges::find(available, GetParam()) != available.end()) return;
-    GTEST_SKIP() << "this processor cannot run the " << nameOf(GetParam())
-                 << " kernel; not every machine that runs the tests can";
-  }
-
   void expectShadedAsDefined(const TreemapBlock& block, std::uint32_t colour, int width = kWidth,
                              int height = kHeight) {
     Canvas canvas(width, height);
     std::vector<std::uint32_t> pixels(canvas.size(), kMapBackground);
     std::vector<std::uint32_t> blockAt(canvas.size(), kNoBlock);
     test::shadeNaively(block, colour, 77, &pixels, &blockAt, width, height);
-    shadeBlockWith(GetParam(), block, colour, 77, canvas.image());
+    shadeOn(&canvas, block, colour, 77);
     ASSERT_TRUE(canvas.pixels.holdsJust(pixels));
     ASSERT_TRUE(canvas.blockAt.holdsJust(blockAt));
   }
@@ -184,12 +168,7 @@ class ShadeBlockWith : public testing::TestWithParam<ShadingKernel> {
   std::mt19937_64 random_{16};
 };
 
-INSTANTIATE_TEST_SUITE_P(EveryKernel, ShadeBlockWith,
-                         testing::Values(ShadingKernel::Plain, ShadingKernel::Avx2,
-                                         ShadingKernel::Avx512),
-                         [](const auto& kernel) { return nameOf(kernel.param); });
-
-TEST_P(ShadeBlockWith, IsAsDefinedOnRandomBlocks) {
+TEST_F(ShadeBlock, IsAsDefinedOnRandomBlocks) {
   std::mt19937_64 random(11);
   for (int i = 0; i < 40000; ++i) {
     const MapRect rect = randomRect(random);
@@ -199,7 +178,7 @@ TEST_P(ShadeBlockWith, IsAsDefinedOnRandomBlocks) {
   }
 }
 
-TEST_P(ShadeBlockWith, IsAsDefinedAtEveryWidthAndPlace) {
+TEST_F(ShadeBlock, IsAsDefinedAtEveryWidthAndPlace) {
   std::mt19937_64 random(12);
   for (int width = 0; width <= 36; ++width) {
     for (int height = 0; height <= 9; ++height) {
@@ -215,7 +194,7 @@ TEST_P(ShadeBlockWith, IsAsDefinedAtEveryWidthAndPlace) {
 }
 
 /// The rows of such an image end within a vector, and before and behind it lies the guard.
-TEST_P(ShadeBlockWith, IsAsDefinedInSmallImages) {
+TEST_F(ShadeBlock, IsAsDefinedInSmallImages) {
   for (int width = 1; width <= 17; ++width) {
     for (int height = 1; height <= 5; ++height) {
       expectEverySizeShadedAsDefined(width, height);
@@ -224,7 +203,7 @@ TEST_P(ShadeBlockWith, IsAsDefinedInSmallImages) {
   }
 }
 
-TEST_P(ShadeBlockWith, IsAsDefinedForExtremeCoefficients) {
+TEST_F(ShadeBlock, IsAsDefinedForExtremeCoefficients) {
   const double huge = std::numeric_limits<double>::max();
   const double infinite = std::numeric_limits<double>::infinity();
   const double notANumber = std::numeric_limits<double>::quiet_NaN();
@@ -244,7 +223,7 @@ TEST_P(ShadeBlockWith, IsAsDefinedForExtremeCoefficients) {
   }
 }
 
-TEST_P(ShadeBlockWith, IsAsDefinedForEveryChannelValue) {
+TEST_F(ShadeBlock, IsAsDefinedForEveryChannelValue) {
   std::mt19937_64 random(13);
   for (std::uint32_t value = 0; value < 256; ++value) {
     for (int i = 0; i < 4; ++i) {
@@ -256,12 +235,11 @@ TEST_P(ShadeBlockWith, IsAsDefinedForEveryChannelValue) {
   }
 }
 
-TEST(ShadeBlock, RoundsEdgesHalfAwayFromZero) {
+TEST_F(ShadeBlock, RoundsEdgesHalfAwayFromZero) {
   for (const auto& [edge, first] :
        {std::pair{2.5, 3}, {0.49999999999999994, 0}, {0.5, 1}, {-0.5, 0}}) {
     Canvas canvas;
-    shadeBlock(blockOf({edge, 0, 10.5 - edge, 1}), 0xFFFFFF, 5, canvas.pixels.data(),
-               canvas.blockAt.data(), kWidth, kHeight);
+    shadeOn(&canvas, blockOf({edge, 0, 10.5 - edge, 1}), 0xFFFFFF, 5);
     for (int x = 0; x < kWidth; ++x) {
       EXPECT_EQ(canvas.blockAt[static_cast<std::size_t>(x)], x >= first && x < 11 ? 5 : kNoBlock)
           << edge << " at " << x;
@@ -269,40 +247,37 @@ TEST(ShadeBlock, RoundsEdgesHalfAwayFromZero) {
   }
 }
 
-TEST_P(ShadeBlockWith, DrawsNothingWhenItRoundsAwayOrLiesOutside) {
+TEST_F(ShadeBlock, DrawsNothingWhenItRoundsAwayOrLiesOutside) {
   for (const MapRect& rect :
        {MapRect{3.5, 3, 0.9, 9}, MapRect{3, 4.6, 9, 0.8}, MapRect{-9, 0, 9.4, 9},
         MapRect{kWidth - 0.5, 0, 9, 9}, MapRect{0, kHeight, 9, 9}, MapRect{1e300, 0, 9, 9},
         MapRect{-1e300, 0, 9, 9}, MapRect{9, 9, -4, 4}}) {
     Canvas canvas;
-    shadeBlockWith(GetParam(), blockOf(rect), 0xFFFFFF, 0, canvas.image());
+    shadeOn(&canvas, blockOf(rect), 0xFFFFFF, 0);
     EXPECT_TRUE(canvas.isEmpty()) << rect.x;
   }
 }
 
-TEST_P(ShadeBlockWith, LeavesExactlyThePartInShadowOfEachChannel) {
+TEST_F(ShadeBlock, LeavesExactlyThePartInShadowOfEachChannel) {
   for (const std::uint32_t channel : {0U, 1U, 5U, 124U, 125U, 126U, 250U, 255U}) {
     Canvas canvas;
-    shadeBlockWith(GetParam(), blockOf({0, 0, 20, 4}, {0, 0, -9, -9}), channel * 0x010101, 0,
-                   canvas.image());
+    shadeOn(&canvas, blockOf({0, 0, 20, 4}, {0, 0, -9, -9}), channel * 0x010101, 0);
     const auto left = static_cast<std::uint32_t>(channel * 0.208);
     EXPECT_EQ(canvas.pixels[0], left * 0x010101) << channel;
   }
 }
 
-TEST_P(ShadeBlockWith, ShowsTheColourItselfWhereItIsBrightest) {
+TEST_F(ShadeBlock, ShowsTheColourItselfWhereItIsBrightest) {
   Canvas canvas;
   // Square to the light: the cosine is 1 and the factor past it.
-  shadeBlockWith(GetParam(), blockOf({0, 0, 20, 4}, {0, 0, 0.25, 0.25}), 0xFFFE7F01, 0,
-                 canvas.image());
+  shadeOn(&canvas, blockOf({0, 0, 20, 4}, {0, 0, 0.25, 0.25}), 0xFFFE7F01, 0);
   EXPECT_EQ(canvas.pixels[0], 0xFE7F01U);
   EXPECT_EQ(canvas.pixels[19], 0xFE7F01U);
 }
 
-TEST(ShadeBlock, LiesFlatAtNineteenTwentiethsOfTheColour) {
+TEST_F(ShadeBlock, LiesFlatAtNineteenTwentiethsOfTheColour) {
   Canvas canvas;
-  shadeBlock(blockOf({0, 0, 3, 3}), 0xFF8040, 0, canvas.pixels.data(), canvas.blockAt.data(),
-             kWidth, kHeight);
+  shadeOn(&canvas, blockOf({0, 0, 3, 3}), 0xFF8040, 0);
   EXPECT_EQ(canvas.pixels[0], 0xFD7F3FU);  // (0.8 * 4/sqrt(18) + 0.2) * 1.04 = 0.99241...
 }
 
@@ -357,8 +332,7 @@ TEST(ShadeBlocks, KeepsWhatLiesAtTheTopOverABlockThatReachesTheBottom) {
   EXPECT_EQ(blockAt.back(), 200U);
 }
 
-/// Enough of them for every kernel's rare pixels, those that the error bound leaves open, to turn
-/// up.
+/// Enough of them for the kernel's rare pixels, those that the error bound leaves open, to turn up.
 TEST(ShadeBlocks, PaintsTinyBlocksSideBySideAsDefined) {
   std::mt19937_64 random(15);
   const int width = 640;
