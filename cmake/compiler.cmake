@@ -5,6 +5,8 @@ if(CCACHE_PROGRAM)
   set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
 endif()
 
+include(${CMAKE_CURRENT_LIST_DIR}/exact_arithmetic.cmake)
+
 add_library(heapgauge_compiler INTERFACE)
 target_include_directories(heapgauge_compiler INTERFACE ${PROJECT_SOURCE_DIR})
 target_compile_options(heapgauge_compiler INTERFACE
