@@ -33,7 +33,7 @@ struct FreeBeside {
 
 std::shared_ptr<ScanRun> ScanRun::start(const std::string& path, ScanReports reports,
                                         std::shared_ptr<ScanTurns> turns) {
-  const std::shared_ptr<ScanRun> run(
+  std::shared_ptr<ScanRun> run(
       std::make_unique<ScanRun>(path, std::move(reports), std::move(turns)).release(),
       FreeBeside());
   const auto scan = [run] { run->run([&] { return run->scan(); }); };

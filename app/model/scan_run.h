@@ -12,8 +12,8 @@
 
 namespace app {
 
-/// What is told of a scan on its threads. Either may be empty. They hand on what they are told and
-/// neither wait nor ask the scan's owner for anything but its summary: a lock is held.
+/// What is told of a scan on its threads. Either may be empty. They only hand on what they are
+/// told: a lock is held, and the scan's owner belongs to another thread.
 struct ScanReports {
   /// On a thread of the walk every 100 ms.
   std::function<void(const sizewalk::ScanProgress&)> onProgress;

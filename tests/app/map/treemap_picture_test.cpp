@@ -332,7 +332,7 @@ TEST_F(BackgroundPictureTest, ForgetsAPictureOfATreeThatItLeaves) {
 }
 
 TEST_F(BackgroundPictureTest, NeitherWaitsForWhatReadsATreeNorTakesTheTreeFromIt) {
-  constexpr std::int32_t kSide = 4000;  // takes many milliseconds
+  constexpr std::int32_t kSide = 1000;  // takes milliseconds
   auto tree = std::make_shared<sizewalk::FileTree>(test::mapTreeOptions());
   test::fillRoot(*tree, {test::file(1000, 5)});
   std::atomic<int> posts = 0;

@@ -55,13 +55,8 @@ class Controller : public testing::Test {
   TempDirectory dir_;
   std::atomic<int> progressReports_{0};
   std::atomic<int> ends_{0};
-  std::atomic<std::uint64_t> filesAtEnd_{0};
   ScanController controller_{[this](const sizewalk::ScanProgress&) { ++progressReports_; },
-                             [this] {
-                               if (controller_.finished())
-                                 filesAtEnd_ = controller_.summary().files;
-                               ++ends_;
-                             }};
+                             [this] { ++ends_; }};
 };
 
 TEST_F(Controller, HasNothingToShowBeforeItsFirstScan) {
@@ -134,9 +129,10 @@ TEST_F(Controller, DropsAScanThatHasEnded) {
 
 TEST_F(Controller, TellsItsOwnerOfTheEndAfterTheSummaryIsInPlace) {
   writeFile(dir_ / "file", "x");
-  scan(dir_.path());
-  while (ends_ == 0) std::this_thread::yield();
-  EXPECT_EQ(filesAtEnd_, 1u);
+  controller_.start(dir_.path());
+  ASSERT_TRUE(test::eventually([&] { return ends_ == 1; }));
+  EXPECT_TRUE(controller_.finished());
+  EXPECT_EQ(controller_.summary().files, 1u);
 }
 
 TEST_F(Controller, RecordsAFinishedScanAndComparesTheNextWithIt) {
