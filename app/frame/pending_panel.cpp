@@ -6,7 +6,6 @@
 
 #include "app/frame/countdown_ring.h"
 #include "ui/keys.h"
-#include "ui/scroll_bar.h"
 #include "ui/text.h"
 
 namespace app {
@@ -17,7 +16,6 @@ constexpr std::int64_t kUndeleteAll = -1;
 constexpr std::int64_t kDeleteNow = -2;
 
 constexpr int kPrimaryButton = 1;
-constexpr int kWheelRows = 3;
 constexpr unsigned long kSpace = ' ';
 
 std::int64_t controlOf(const PendingRow& row) { return static_cast<std::int64_t>(row.id); }
@@ -28,27 +26,19 @@ std::int64_t controlOf(const PendingRow& row) { return static_cast<std::int64_t>
 
 void PendingPanel::setRows(std::vector<PendingRow> rows) {
   if (rows_ == rows) return;
-  const auto kept = rowToKeep();
-  const Control keptControl = kept ? controlOf(rows_[*kept]) : 0;
-  const int keptY = kept ? rowRect(*kept).y : 0;
   const std::size_t currentRow = find(current_).value_or(0);
-  rows_ = std::move(rows);
-  scroller_.setContentHeight(ui::contentHeight(rows_.size(), rowHeight()));
-  if (const auto row = kept ? find(keptControl) : std::nullopt) {
-    scroller_.scrollBy(rowRect(*row).y - keptY);
-  }
+  const auto firstShown = [this] { return firstInView([](std::size_t) { return true; }); };
+  const auto hovered = hoveredRow();
+  changeRowsAround(
+      hovered ? hovered : firstShown(), [this](std::size_t row) { return controlOf(rows_[row]); },
+      [this](Control control) { return find(control); },
+      [&] {
+        rows_ = std::move(rows);
+        setCount(rows_.size());
+      });
   keepCurrent(currentRow);
   hoverAgain();
   changed();
-}
-
-/// That under the pointer, else the first that shows.
-std::optional<std::size_t> PendingPanel::rowToKeep() const {
-  const int y = pointer_ && scroller_.view().contains(pointer_->x, pointer_->y)
-                    ? pointer_->y
-                    : scroller_.view().y;
-  return ui::rowAtOffset(std::int64_t{y} - scroller_.view().y + scroller_.offset(), rowHeight(),
-                         rows_.size());
 }
 
 /// The row that comes after the one that went has the ring then.
@@ -59,29 +49,20 @@ void PendingPanel::keepCurrent(std::size_t formerRow) {
 
 void PendingPanel::layOut() {
   layout_ = layOutPending(rect(), scale(), measure());
-  scroller_.setView(layout_.rows);
-  scroller_.setContentHeight(ui::contentHeight(rows_.size(), rowHeight()));
+  RowList::layOut();
   hoverAgain();
 }
 
 ui::MeasureText PendingPanel::measure() const {
-  return [this](std::string_view text) { return style_.textWidth(text); };
+  return [this](std::string_view text) { return style().textWidth(text); };
 }
 
-ui::Rect PendingPanel::rowRect(std::size_t row) const {
-  const int height = rowHeight();
-  const int y = layout_.rows.y + ui::rowPlace(ui::rowTop(row, height), scroller_.offset());
-  return {layout_.rows.x, y, layout_.rows.w - scroller_.barWidth(), height};
+ui::Rect PendingPanel::undeleteRect(std::size_t row) const {
+  return layOutPendingRow(rowRect(row), scale(), measure()).undelete;
 }
 
-PendingRowLayout PendingPanel::rowLayout(std::size_t row) const {
-  return layOutPendingRow(rowRect(row), scale(), measure());
-}
-
-ui::Rect PendingPanel::undeleteRect(std::size_t row) const { return rowLayout(row).undelete; }
-
-ui::RowRange PendingPanel::visible() const {
-  return ui::visibleRows(scroller_.offset(), scroller_.view().h, rowHeight(), rows_.size());
+ui::RowRange PendingPanel::shownRows() const {
+  return ui::visibleRows(scrollOffset(), view().h, pendingRowHeight(scale()), count());
 }
 
 std::optional<std::size_t> PendingPanel::find(Control control) const {
@@ -92,7 +73,7 @@ std::optional<std::size_t> PendingPanel::find(Control control) const {
 
 bool PendingPanel::bringUpToDate() {
   placeControls();
-  const ui::RowRange seen = visible();
+  const ui::RowRange seen = shownRows();
   firstRing_ = seen.first;
   rings_.resize(seen.last - seen.first);
   for (std::size_t row = seen.first; row < seen.last; ++row) {
@@ -103,9 +84,9 @@ bool PendingPanel::bringUpToDate() {
 
 void PendingPanel::drawRing(double remaining, Ring* ring) const {
   if (ring->remaining == remaining) return;
-  const ui::Palette& palette = style_.palette();
+  const ui::Palette& palette = style().palette();
   ring->remaining = remaining;
-  ring->pixels = ringPixels(ui::scaled(kRingSize, style_.scale()), remaining,
+  ring->pixels = ringPixels(ui::scaled(kRingSize, style().scale()), remaining,
                             ringColour(remaining, palette), palette.window);
 }
 
@@ -114,9 +95,7 @@ void PendingPanel::drawRing(double remaining, Ring* ring) const {
 ui::PressTracker::Control PendingPanel::controlAt(int x, int y) const {
   if (layout_.undeleteAll.contains(x, y)) return kUndeleteAll;
   if (layout_.deleteNow.contains(x, y)) return kDeleteNow;
-  if (!layout_.rows.contains(x, y)) return std::nullopt;
-  const auto row = ui::rowAtOffset(std::int64_t{y} - layout_.rows.y + scroller_.offset(),
-                                   rowHeight(), rows_.size());
+  const auto row = rowAt(x, y);
   if (!row || !undeleteRect(*row).contains(x, y)) return std::nullopt;
   return controlOf(rows_[*row]);
 }
@@ -127,7 +106,7 @@ void PendingPanel::placeControls() {
   if (!rows_.empty()) {
     places = {{kUndeleteAll, layout_.undeleteAll}, {kDeleteNow, layout_.deleteNow}};
   }
-  const ui::RowRange seen = visible();
+  const ui::RowRange seen = shownRows();
   for (std::size_t row = seen.first; row < seen.last; ++row) {
     places[controlOf(rows_[row])] = undeleteRect(row);
   }
@@ -151,8 +130,7 @@ void PendingPanel::tick(std::int64_t nowMs) {
 void PendingPanel::press(const ui::MouseEvent& event) {
   if (event.button != kPrimaryButton) return;
   pointer_ = event;
-  const bool onBar = scroller_.press(event.x, event.y);
-  const MaybeControl control = onBar ? std::nullopt : controlAt(event.x, event.y);
+  const MaybeControl control = pressBar(event) ? std::nullopt : controlAt(event.x, event.y);
   placeControls();
   const bool taken = control && guard_.takesPress(*control, event.x, event.y, event.timeMs);
   presses_.press(taken ? control : std::nullopt);
@@ -161,31 +139,29 @@ void PendingPanel::press(const ui::MouseEvent& event) {
 }
 
 void PendingPanel::motion(const ui::MouseEvent& event) {
+  RowList::motion(event);
   pointer_ = event;
-  const bool dragged = scroller_.drag(event.y);
   pointerSeen(event.x, event.y);
-  const MaybeControl under = dragged ? std::nullopt : controlAt(event.x, event.y);
-  if (presses_.motion(under) || dragged) changed();
+  if (presses_.motion(controlAt(event.x, event.y))) changed();
 }
 
 void PendingPanel::release(const ui::MouseEvent& event) {
-  if (event.button != kPrimaryButton) return;
-  scroller_.release();
-  if (!presses_.holding()) return;
+  RowList::release(event);
+  if (event.button != kPrimaryButton || !presses_.holding()) return;
   const MaybeControl control = presses_.release(controlAt(event.x, event.y));
   changed();
   if (control) act(*control);
 }
 
 void PendingPanel::leave() {
+  RowList::leave();
   pointer_.reset();
   if (presses_.leave()) changed();
 }
 
-void PendingPanel::wheel(const ui::MouseEvent& /*event*/, int dy) {
-  scroller_.scrollBy(dy * kWheelRows * rowHeight());
+void PendingPanel::wheel(const ui::MouseEvent& event, int dy) {
+  RowList::wheel(event, dy);
   hoverAgain();
-  changed();
 }
 
 void PendingPanel::act(Control control) {
@@ -213,41 +189,17 @@ bool PendingPanel::key(const ui::KeyEvent& event) {
 }
 
 std::optional<PendingPanel::Control> PendingPanel::controlAfterKey(unsigned long keysym) const {
-  const std::size_t last = rows_.size() - 1;
-  const std::size_t page = ui::rowsInPage(layout_.rows.h, rowHeight());
   const auto row = find(current_);
-  const auto control = [&](std::size_t number) {
-    return std::optional(controlOf(rows_[std::min(number, last)]));
-  };
-  switch (keysym) {
-    case ui::key::kUp:
-      if (!row) return current_;
-      return *row == 0 ? kUndeleteAll : control(*row - 1);
-    case ui::key::kDown:
-      return control(row ? *row + 1 : 0);
-    case ui::key::kPageUp:
-      return control(row ? *row - std::min(*row, page) : 0);
-    case ui::key::kPageDown:
-      return control(row ? *row + page : 0);
-    case ui::key::kHome:
-      return control(0);
-    case ui::key::kEnd:
-      return control(last);
-    case ui::key::kLeft:
-    case ui::key::kRight:
-      if (row) return std::nullopt;
-      return keysym == ui::key::kLeft ? kUndeleteAll : kDeleteNow;
-    default:
-      return std::nullopt;
-  }
+  if (keysym == ui::key::kUp && (!row || *row == 0)) return row ? kUndeleteAll : current_;
+  if (!row && keysym == ui::key::kLeft) return kUndeleteAll;
+  if (!row && keysym == ui::key::kRight) return kDeleteNow;
+  const auto next = rowAfterKey(keysym, row);
+  return next ? std::optional(controlOf(rows_[*next])) : std::nullopt;
 }
 
 void PendingPanel::goTo(Control control) {
   current_ = control;
-  if (const auto row = find(control)) {
-    const auto top = std::min<std::int64_t>(ui::rowTop(*row, rowHeight()), ui::kMostContentHeight);
-    scroller_.reveal(static_cast<int>(top), rowHeight());
-  }
+  if (const auto row = find(control)) reveal(*row);
   hoverAgain();
   changed();
 }
@@ -255,32 +207,28 @@ void PendingPanel::goTo(Control control) {
 // Drawing.
 
 void PendingPanel::paint(ui::Canvas& canvas) const {
-  const ui::Palette& palette = style_.palette();
+  const ui::Palette& palette = style().palette();
   canvas.pushClip(rect());
   canvas.fillRect(rect(), palette.window);
   canvas.fillRect({rect().x, rect().y, rect().w, 1}, palette.border);
   paintHeading(canvas);
-  canvas.pushClip(layout_.rows);
-  const ui::RowRange seen = visible();
-  for (std::size_t row = seen.first; row < seen.last; ++row) paintRow(canvas, row);
-  canvas.popClip();
-  ui::drawScrollBar(canvas, scroller_, palette.raised, palette.dimText);
+  RowList::paint(canvas);
   canvas.popClip();
 }
 
 void PendingPanel::paintHeading(ui::Canvas& canvas) const {
-  ui::drawText(canvas, layout_.heading, kPendingHeading, style_.body(), style_.palette().text);
+  ui::drawText(canvas, layout_.heading, kPendingHeading, style().body(), style().palette().text);
   paintControl(canvas, kUndeleteAll, layout_.undeleteAll, kUndeleteAllText);
   paintControl(canvas, kDeleteNow, layout_.deleteNow, kDeleteNowText);
 }
 
-void PendingPanel::paintRow(ui::Canvas& canvas, std::size_t row) const {
-  const PendingRowLayout place = rowLayout(row);
+void PendingPanel::paintRow(ui::Canvas& canvas, std::size_t row, const ui::Rect& rect) const {
+  const PendingRowLayout place = layOutPendingRow(rect, scale(), measure());
   if (row >= firstRing_ && row - firstRing_ < rings_.size()) {
     canvas.putPixels(place.ring.x, place.ring.y, rings_[row - firstRing_].pixels, place.ring.w,
                      place.ring.h);
   }
-  ui::drawText(canvas, place.name, rows_[row].name, style_.body(), style_.palette().text);
+  ui::drawText(canvas, place.name, rows_[row].name, style().body(), style().palette().text);
   paintControl(canvas, controlOf(rows_[row]), place.undelete, kUndeleteText);
 }
 
@@ -291,7 +239,7 @@ void PendingPanel::paintControl(ui::Canvas& canvas, Control control, const ui::R
                              .hovered = presses_.hovered(control),
                              .pressed = presses_.pressed(control),
                              .focused = focused() && current_ == control};
-  ui::paintButton(canvas, button, style_.body(), style_.palette());
+  ui::paintButton(canvas, button, style().body(), style().palette());
 }
 
 }  // namespace app

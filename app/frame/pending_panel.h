@@ -9,18 +9,17 @@
 #include "app/frame/pending_layout.h"
 #include "app/frame/pending_rows.h"
 #include "ui/button.h"
-#include "ui/scroller.h"
 #include "ui/widgets/arrival_guard.h"
 #include "ui/widgets/row_geometry.h"
+#include "ui/widgets/row_list.h"
 #include "ui/widgets/style.h"
-#include "ui/widgets/view.h"
 
 namespace app {
 
 /// Lists what waits to be deleted: a heading with two buttons, and for each item the ring of its
 /// countdown, its name and a button that puts it back. A press belongs to the item that was under
 /// the pointer, whatever leaves the list meanwhile. Window thread only.
-class PendingPanel : public ui::View {
+class PendingPanel : public ui::RowList {
  public:
   /// The item of that id is to be put back.
   std::function<void(std::uint64_t id)> onUndelete;
@@ -28,9 +27,10 @@ class PendingPanel : public ui::View {
   std::function<void()> onDeleteNow;
 
   /// `style` outlives the panel.
-  explicit PendingPanel(const ui::Style& style) : style_(style) {}
+  explicit PendingPanel(const ui::Style& style)
+      : RowList(style, pendingRowHeight({style.scale(), style.lineHeight()})) {}
 
-  /// Rows that stay keep their place on the screen while the panel is scrolled.
+  /// The row under the pointer, or the first in view, keeps its place while the panel is scrolled.
   void setRows(std::vector<PendingRow> rows);
   const std::vector<PendingRow>& rows() const { return rows_; }
   /// The height that the rows ask for; 0 without any.
@@ -54,14 +54,17 @@ class PendingPanel : public ui::View {
   void forgetPointer() { guard_.forgetPointer(); }
 
   const PendingLayout& layout() const { return layout_; }
-  /// Where a row is, the scroll bar not included; outside of `layout().rows` when scrolled away.
-  ui::Rect rowRect(std::size_t row) const;
-  /// Its button.
+  /// The button of a row.
   ui::Rect undeleteRect(std::size_t row) const;
 
  protected:
   void layOut() override;
+  ui::Rect rowsPlace() const override { return layout_.rows; }
   bool bringUpToDate() override;
+  void paintRow(ui::Canvas& canvas, std::size_t row, const ui::Rect& place) const override;
+  // Of a row only its button is pressed, and that shows its own ring.
+  void paintGround(ui::Canvas&, std::size_t, const ui::Rect&) const override {}
+  void paintRing(ui::Canvas&) const override {}
 
  private:
   /// A button: that of the item with this id, or one of the heading, below 0.
@@ -73,14 +76,11 @@ class PendingPanel : public ui::View {
     std::vector<std::uint32_t> pixels;
   };
 
-  PendingScale scale() const { return {style_.scale(), style_.lineHeight()}; }
-  int rowHeight() const { return pendingRowHeight(scale()); }
+  PendingScale scale() const { return {style().scale(), style().lineHeight()}; }
   ui::MeasureText measure() const;
-  PendingRowLayout rowLayout(std::size_t row) const;
-  ui::RowRange visible() const;
+  ui::RowRange shownRows() const;
   void drawRing(double remaining, Ring* ring) const;
   std::optional<std::size_t> find(Control control) const;
-  std::optional<std::size_t> rowToKeep() const;
   MaybeControl controlAt(int x, int y) const;
   void placeControls();
   void hoverAgain();
@@ -89,14 +89,11 @@ class PendingPanel : public ui::View {
   std::optional<Control> controlAfterKey(unsigned long keysym) const;
   void act(Control control);
   void paintHeading(ui::Canvas& canvas) const;
-  void paintRow(ui::Canvas& canvas, std::size_t row) const;
   void paintControl(ui::Canvas& canvas, Control control, const ui::Rect& rect,
                     const char* text) const;
 
-  const ui::Style& style_;
   std::vector<PendingRow> rows_;
   PendingLayout layout_;
-  ui::Scroller scroller_;
   ui::PressTracker presses_;
   ui::ArrivalGuard guard_;
   /// What has the ring while the panel has the keyboard.

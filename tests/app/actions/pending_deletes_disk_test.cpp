@@ -16,9 +16,11 @@
 #include <vector>
 
 #include "app/actions/pending_deletes.h"
+#include "app/actions/trash.h"
 #include "sizewalk/file_kinds.h"
 #include "sizewalk/tree_scanner.h"
 #include "tests/sizewalk/tree_model.h"
+#include "tests/support/environment.h"
 #include "tests/support/file_access.h"
 #include "tests/support/real_tree.h"
 #include "tests/support/temp_directory.h"
@@ -77,7 +79,7 @@ void expectAsScanned(const FileTree& tree, const std::string& path) {
   EXPECT_EQ(tree.totals().directories, expected.totals().directories);
   EXPECT_EQ(tree.totals().hardLinks, expected.totals().hardLinks);
   EXPECT_EQ(tree.totals().hardLinkBytes, expected.totals().hardLinkBytes);
-  for (int kind = 0; kind < static_cast<int>(sizewalk::kKindCount); ++kind) {
+  for (sizewalk::KindIndex kind = 0; kind < sizewalk::kKindCount; ++kind) {
     EXPECT_EQ(tree.kindTotals(kind), expected.kindTotals(kind)) << kind;
   }
   test::expectSumsMatchRecount(tree);
@@ -110,7 +112,7 @@ class PendingOnDisk : public testing::Test {
     pending_.add(nodes);
   }
 
-  TempDirectory dir_{TempDirectory::Place::Memory};
+  TempDirectory dir_;
   PendingDeletes pending_{identityOf};
   std::vector<std::string> failures_;
 };
@@ -158,6 +160,24 @@ TEST_F(PendingOnDisk, TouchesNothingBeforeItsTime) {
   pending_.tick(1);
   EXPECT_FALSE(fs::exists(at("a")));
   EXPECT_TRUE(fs::exists(dir_ / "trash/a/file"));
+}
+
+TEST_F(PendingOnDisk, MovesWhatIsLeftAloneToTheTrashOfTheUser) {
+  const test::PrivateHome home;
+  writeFile(at("a/file"), "12345");
+  Scan scan(folder());
+  PendingDeletes pending(identify);
+  pending.trash = [](const PendingDelete& item, const ItemIdentity& identity, std::string* error) {
+    return moveToTrash(item.path, identity, error);
+  };
+  pending.failed = pending_.failed;
+  pending.setTree(&scan.tree());
+  pending.add(std::vector{nodeAt(scan.tree(), at("a"))});
+  EXPECT_EQ(scan.tree().itemCount(kRootNode), 0);
+  EXPECT_TRUE(pending.tick(10'000));
+  EXPECT_EQ(failures_, std::vector<std::string>{});
+  EXPECT_FALSE(fs::exists(at("a")));
+  expectAsScanned(scan.tree(), folder());
 }
 
 TEST_F(PendingOnDisk, DoesNotTrashWhatTookTheItemsPlace) {

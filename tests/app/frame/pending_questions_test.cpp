@@ -161,6 +161,20 @@ TEST_F(PendingQuestionsTest, AsksAgainAfterACancel) {
   EXPECT_TRUE(pending_.paused());
 }
 
+TEST_F(PendingQuestionsTest, AsksAgainWhenSomethingWaitsAfterTheAnswer) {
+  putAll();
+  questions_.settleBefore([this] {
+    putAll();
+    settle();
+  });
+  putThemBack();
+  EXPECT_EQ(opened_.size(), 2u);
+  EXPECT_EQ(continued_, 0);
+  EXPECT_TRUE(pending_.paused());
+  putThemBack();
+  EXPECT_EQ(continued_, 1);
+}
+
 TEST_F(PendingQuestionsTest, SettlesOnlyWhatIsInsideAFolderThatIsReadAgain) {
   putAll();
   EXPECT_TRUE(questions_.settleWithin("/r/other", [this] { ++continued_; }));

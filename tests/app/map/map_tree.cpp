@@ -37,8 +37,8 @@ MapEntry randomEntry(std::mt19937_64& random, int* giants) {
   entry.folder = pick(random, 0, 4) == 0;
   if (entry.folder) return folder();
   // A few dominate, as on a real disk.
-  entry.kind = static_cast<std::uint16_t>(pick(random, 0, 3) == 0 ? pick(random, 2, 75)
-                                                                  : pick(random, 4, 9));
+  entry.kind = static_cast<sizewalk::KindIndex>(pick(random, 0, 3) == 0 ? pick(random, 2, 75)
+                                                                        : pick(random, 4, 9));
   entry.apparent = randomSize(random, giants);
   entry.allocated = pick(random, 0, 3) == 0 ? randomSize(random, giants) : entry.apparent;
   entry.birthTime = static_cast<std::uint32_t>(pick(random, 0, 4000));

@@ -179,7 +179,8 @@ double worstRatio(const std::vector<WeightedItem>& items, std::size_t first, std
   return worst;
 }
 
-std::int16_t dominantKind(const FileTree& tree, NodeId folder, app::MeasureSettings measure) {
+sizewalk::KindIndex dominantKind(const FileTree& tree, NodeId folder,
+                                 app::MeasureSettings measure) {
   measure.physicalSize = false;
   NodeId c = folder;
   int levels = 0;

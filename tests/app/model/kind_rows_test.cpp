@@ -63,7 +63,7 @@ TEST(KindRows, FollowTheMeasure) {
   const Tree t;
   const auto sizeOfPdf = [&](const MeasureSettings& measure) {
     for (const KindRow& row : kindRows(t.tree, measure, {})) {
-      if (row.kind == static_cast<std::int16_t>(classifyName("c.pdf"))) return row.size;
+      if (row.kind == classifyName("c.pdf")) return row.size;
     }
     return std::uint64_t{0};
   };
@@ -102,7 +102,7 @@ TEST(KindRowName, IsOtherBeyondTheList) {
 TEST(KindSlots, RankKindsBySizeWhateverTheTableIsSortedBy) {
   const Tree t;
   const auto slots = kindSlotsBySize(kindRows(t.tree, {}, {KindColumn::Kind, false}));
-  EXPECT_EQ(slots.at(static_cast<std::int16_t>(classifyName("a.mp3"))), 0);
+  EXPECT_EQ(slots.at(classifyName("a.mp3")), 0);
   EXPECT_EQ(slots.size(), 3u);
 }
 
