@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace app {
 
@@ -12,6 +13,12 @@ inline constexpr char kDownloadLabel[] = "Download it";
 struct UpdateNotice {
   std::string message;
   std::string downloadAddress;
+
+  bool operator==(const UpdateNotice&) const = default;
 };
+
+/// The message as one line of valid UTF-8 without control characters, cut to a length that views
+/// can measure in every frame.
+std::string shownMessage(std::string_view message);
 
 }  // namespace app

@@ -69,6 +69,8 @@ class Dialog : public Overlay {
   /// The number of a button among the controls.
   int buttonControl(std::size_t button) const { return controlCount() + static_cast<int>(button); }
   void giveKeyboardTo(int control);
+  /// Anew when what is in the panel has become another.
+  void layOut() override;
   const Style& style() const { return style_; }
   const PressTracker& presses() const { return presses_; }
   int padding() const;
@@ -76,7 +78,6 @@ class Dialog : public Overlay {
   int buttonRowHeight() const;
 
  private:
-  void layOut() override;
   void layOutButtons();
   PressTracker::Control anyControlAt(int x, int y) const;
   int totalControls() const { return controlCount() + static_cast<int>(buttons_.size()); }
