@@ -64,10 +64,12 @@ class FrameBuilder {
     const int status =
         std::min(request_.lineHeight + scaled(kStatusPadding), request_.height - toolbar);
     frame_.status = {0, request_.height - status, request_.width, status};
-    const int between = request_.height - toolbar - status;
+    const int update = std::clamp(request_.updateHeight, 0, request_.height - toolbar - status);
+    frame_.update = {0, toolbar, request_.width, update};
+    const int between = request_.height - toolbar - update - status;
     const int pending = std::clamp(request_.pendingHeight, 0, between / 2);
     frame_.pending = {0, frame_.status.y - pending, request_.width, pending};
-    const ui::Rect room = {0, toolbar, request_.width, between - pending};
+    const ui::Rect room = {0, toolbar + update, request_.width, between - pending};
     if (request_.listAboveMap) {
       putListAbove(room);
     } else {

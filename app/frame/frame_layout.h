@@ -26,8 +26,10 @@ struct FrameRequest {
   int lineHeight = 0;
   bool listAboveMap = false;
   bool showKinds = true;
+  /// What the line about an update asks for; 0 while none is told.
+  int updateHeight = 0;
   /// What the pending panel asks for; 0 while nothing waits. It gets no more than half of the room
-  /// between toolbar and status line.
+  /// above the status line.
   int pendingHeight = 0;
   DividerPlaces dividers;
 };
@@ -36,6 +38,8 @@ struct FrameRequest {
 /// window without overlap; a part that is not shown is empty.
 struct FrameLayout {
   ui::Rect toolbar;
+  /// Across the window, under the toolbar.
+  ui::Rect update;
   ui::Rect list;
   ui::Rect kinds;
   ui::Rect map;

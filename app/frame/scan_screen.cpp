@@ -21,7 +21,8 @@ ScanScreenSettings ScanScreenSettings::of(const SettingsStore& store) {
 
 ScanScreen::ScanScreen(ui::Connection& connection, const ui::Style& style, KindColours& colours,
                        BackgroundRender::Post post)
-    : style_(style),
+    : Screen(style),
+      style_(style),
       colours_(colours),
       toolbar_(style),
       list_(style, &colours, selection_),
@@ -175,9 +176,11 @@ void ScanScreen::layOut() {
                          .lineHeight = style_.lineHeight(),
                          .listAboveMap = settings_.listAboveMap,
                          .showKinds = settings_.showKinds,
+                         .updateHeight = updateBar().wantedHeight(),
                          .pendingHeight = pending_.wantedHeight(),
                          .dividers = dividerPlaces_});
   toolbar_.setRect(layout_.toolbar);
+  placeUpdateBar(layout_.update);
   list_.setRect(layout_.list);
   kinds_.setRect(layout_.kinds);
   map_.setRect(layout_.map);

@@ -110,6 +110,7 @@ class ScanScreen : public Screen {
 
  protected:
   void layOut() override;
+  ui::View& mainView() override { return list_; }
   /// Costly when it looked at the tree or made a picture.
   bool bringUpToDate() override;
 

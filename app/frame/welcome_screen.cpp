@@ -1,11 +1,14 @@
 #include "app/frame/welcome_screen.h"
 
+#include <algorithm>
+
 #include "app/frame/frame_layout.h"
+#include "ui/keys.h"
 
 namespace app {
 
 WelcomeScreen::WelcomeScreen(const ui::Style& style, ui::Icon& icon)
-    : style_(style), toolbar_(style), view_(style, icon) {
+    : Screen(style), style_(style), toolbar_(style), view_(style, icon) {
   add(toolbar_);
   add(view_);
   giveKeyboardTo(&view_);
@@ -23,7 +26,31 @@ WelcomeScreen::WelcomeScreen(const ui::Style& style, ui::Icon& icon)
 void WelcomeScreen::layOut() {
   const ui::Rect bar = toolbarRect(rect().w, rect().h, style_.scale(), style_.lineHeight());
   toolbar_.setRect(bar);
-  view_.setRect({0, bar.h, rect().w, rect().h - bar.h});
+  const int update = std::min(updateBar().wantedHeight(), rect().h - bar.h);
+  placeUpdateBar({0, bar.h, rect().w, update});
+  const int above = bar.h + update;
+  view_.setRect({0, above, rect().w, rect().h - above});
+  view_.setTabLeaves(update > 0);
+}
+
+/// Tab comes from the line to the first or the last control at once.
+bool WelcomeScreen::key(const ui::KeyEvent& event) {
+  const bool elsewhere = keyboardOwner() != &view_;
+  const bool used = Screen::key(event);
+  if (elsewhere && keyboardOwner() == &view_ && ui::key::plain(event.keysym) == ui::key::kTab) {
+    view_.key(event);
+  }
+  keepOneRing();
+  return used;
+}
+
+void WelcomeScreen::press(const ui::MouseEvent& event) {
+  Screen::press(event);
+  keepOneRing();
+}
+
+void WelcomeScreen::keepOneRing() {
+  if (keyboardOwner() != &view_) view_.forgetControl();
 }
 
 }  // namespace app

@@ -32,10 +32,16 @@ class WelcomeScreen : public Screen {
 
   const WelcomeView& view() const { return view_; }
 
+  void press(const ui::MouseEvent& event) override;
+  bool key(const ui::KeyEvent& event) override;
+
  protected:
   void layOut() override;
+  ui::View& mainView() override { return view_; }
 
  private:
+  void keepOneRing();
+
   const ui::Style& style_;
   Toolbar toolbar_;
   WelcomeView view_;

@@ -94,7 +94,7 @@ bool WelcomeView::key(const ui::KeyEvent& event) {
   if (event.ctrl) return false;
   switch (const ui::key::Keysym keysym = ui::key::plain(event.keysym)) {
     case ui::key::kTab:
-      cycleFocus(event.shift);
+      if (!cycleFocus(event.shift)) return false;
       changed();
       return true;
     case ui::key::kLeft:
@@ -113,10 +113,18 @@ bool WelcomeView::key(const ui::KeyEvent& event) {
   }
 }
 
-void WelcomeView::cycleFocus(bool backwards) {
+void WelcomeView::forgetControl() {
+  if (!focusedControl_) return;
+  focusedControl_.reset();
+  changed();
+}
+
+bool WelcomeView::cycleFocus(bool backwards) {
   const int controls = cardCount() + 1;
+  if (tabLeaves_ && focusedControl_ == (backwards ? 0 : buttonControl())) return false;
   const int before = focusedControl_.value_or(backwards ? 0 : -1);
   focusedControl_ = (before + (backwards ? controls - 1 : 1)) % controls;
+  return true;
 }
 
 void WelcomeView::moveFocus(unsigned long keysym) {

@@ -36,9 +36,15 @@ class WelcomeView : public ui::View {
   void motion(const ui::MouseEvent& event) override;
   void release(const ui::MouseEvent& event) override;
   void leave() override;
-  /// Tab goes round the cards and the button, arrows move among the cards and between them and the
-  /// button, Enter and Space act. Returns whether the key was one of these.
+  /// Tab goes round the cards and the button, or past the last one out of the view; arrows move
+  /// among the cards and between them and the button, Enter and Space act. Returns whether the key
+  /// was one of these.
   bool key(const ui::KeyEvent& event) override;
+
+  /// Whether Tab goes to another view from the last control, and backwards from the first.
+  void setTabLeaves(bool leaves) { tabLeaves_ = leaves; }
+  /// No card and no button has the keyboard any more.
+  void forgetControl();
 
   const WelcomeLayout& layout() const { return layout_; }
   /// The number of the card that has the keyboard, that of the cards shown for the button.
@@ -54,7 +60,8 @@ class WelcomeView : public ui::View {
   int buttonControl() const { return cardCount(); }
   ui::PressTracker::Control controlAt(int x, int y) const;
   void focusCard(const std::string& path);
-  void cycleFocus(bool backwards);
+  /// False at the end of the round, where Tab leaves.
+  bool cycleFocus(bool backwards);
   void moveFocus(unsigned long keysym);
   void moveFocusDown();
   void moveFocusUp();
@@ -71,6 +78,7 @@ class WelcomeView : public ui::View {
   /// By number, as `focusedControl`.
   ui::PressTracker presses_;
   std::optional<int> focusedControl_;
+  bool tabLeaves_ = false;
 };
 
 }  // namespace app

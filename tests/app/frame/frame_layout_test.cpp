@@ -18,7 +18,7 @@ FrameRequest requestOf(int width, int height) {
 }
 
 std::vector<Rect> partsOf(const FrameLayout& frame) {
-  return {frame.toolbar, frame.list,   frame.kinds,       frame.map,
+  return {frame.toolbar, frame.update, frame.list,        frame.kinds,       frame.map,
           frame.pending, frame.status, frame.mainDivider, frame.kindsDivider};
 }
 
@@ -107,6 +107,24 @@ TEST(FrameLayout, FollowsDraggedDividersAndLetsNoneCrowdAPartOut) {
         EXPECT_GE(part.h, 80);
       }
     }
+  }
+}
+
+TEST(FrameLayout, PutsAnUpdateUnderTheToolbar) {
+  FrameRequest request = requestOf(1000, 700);
+  request.updateHeight = 31;
+  request.pendingHeight = 120;
+  for (const bool above : {false, true}) {
+    request.listAboveMap = above;
+    const FrameLayout frame = layOutFrame(request);
+    EXPECT_EQ(frame.update, (Rect{0, 34, 1000, 31}));
+    EXPECT_EQ(frame.list.y, 65);
+    EXPECT_EQ(frame.pending, (Rect{0, 556, 1000, 120}));
+    expectTiling(request);
+  }
+  for (const int height : {20, 40, 60, 90}) {
+    request.height = height;
+    expectTiling(request);
   }
 }
 

@@ -318,5 +318,67 @@ TEST_F(ScanScreenTest, DoesNotTakeTwoPressesOnTwoTreesForADoubleOne) {
   EXPECT_EQ(focus(), kRootNode);
 }
 
+class ScanScreenUpdateTest : public ScanScreenTest {
+ protected:
+  ScanScreenUpdateTest() {
+    screen_.onDownload = [this] { told_.emplace_back("download"); };
+    screen_.onDismissUpdate = [this] {
+      told_.emplace_back("dismiss");
+      screen_.setUpdate(std::nullopt);
+    };
+  }
+  const UpdateBar& bar() { return screen_.updateBar(); }
+  void tell() {
+    screen_.setUpdate("Version 1.2.0 is there.");
+    screen_.prepare();
+  }
+
+  std::vector<std::string> told_;
+};
+
+TEST_F(ScanScreenUpdateTest, HasALineUnderTheToolbarOnlyWhileThereIsAnUpdate) {
+  const FrameLayout without = screen_.layout();
+  tell();
+  const FrameLayout with = screen_.layout();
+  EXPECT_EQ(bar().rect(), with.update);
+  EXPECT_EQ(with.update.y, without.list.y);
+  EXPECT_EQ(with.update.h, bar().wantedHeight());
+  EXPECT_EQ(with.list.y, with.update.y + with.update.h);
+  EXPECT_EQ(picture().count(rgb(test::kNothingDrawn)), 0);
+  screen_.setUpdate(std::nullopt);
+  EXPECT_EQ(screen_.layout().map, without.map);
+}
+
+TEST_F(ScanScreenUpdateTest, HandsItsButtonsOnAndGoesWhileOneIsPressed) {
+  tell();
+  for (const ui::Rect rect : {bar().downloadRect(), bar().dismissRect()}) {
+    point(onMap(photo_));
+    point(rect);
+    click(rect);
+  }
+  EXPECT_EQ(told_, (std::vector<std::string>{"download", "dismiss"}));
+  EXPECT_TRUE(bar().rect().empty());
+  EXPECT_EQ(keyboard(), "list");
+}
+
+TEST_F(ScanScreenUpdateTest, TakesNoPressAtOnceWhenTheLineAppearsUnderThePointer) {
+  tell();
+  const ui::Rect place = bar().downloadRect();
+  screen_.setUpdate(std::nullopt);
+  point(place);
+  tell();
+  click(place);
+  EXPECT_EQ(told_, std::vector<std::string>{});
+}
+
+TEST_F(ScanScreenUpdateTest, TakesNoPressAtOnceWhereAMenuWasPressed) {
+  point(onMap(photo_));
+  screen_.releasePointer();  // the menu opens, and where the pointer goes is not seen
+  tell();
+  point(bar().downloadRect());
+  click(bar().downloadRect());
+  EXPECT_EQ(told_, std::vector<std::string>{});
+}
+
 }  // namespace
 }  // namespace app

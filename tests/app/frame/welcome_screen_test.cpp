@@ -153,5 +153,73 @@ TEST_F(WelcomeScreenTest, TakesNoWheel) {
   EXPECT_EQ(screen_.pointer(), ui::PointerShape::Arrow);
 }
 
+class WelcomeScreenUpdateTest : public WelcomeScreenTest {
+ protected:
+  WelcomeScreenUpdateTest() {
+    screen_.onDownload = [this] { told_.emplace_back("download"); };
+    screen_.onDismissUpdate = [this] { told_.emplace_back("dismiss"); };
+  }
+  const UpdateBar& bar() { return screen_.updateBar(); }
+  void tell() {
+    screen_.setUpdate("Version 1.2.0 is there.");
+    screen_.prepare();
+  }
+  void tab(bool shift = false) {
+    EXPECT_TRUE(screen_.key({.keysym = ui::key::kTab, .text = {}, .shift = shift}));
+  }
+};
+
+TEST_F(WelcomeScreenUpdateTest, HasALineUnderTheToolbarOnlyWhileThereIsAnUpdate) {
+  const ui::Rect before = screen_.view().rect();
+  EXPECT_TRUE(bar().rect().empty());
+  tell();
+  EXPECT_GT(takenChanges(), 0);
+  EXPECT_EQ(bar().rect(), (ui::Rect{0, before.y, kWidth, bar().wantedHeight()}));
+  EXPECT_EQ(screen_.view().rect().y, before.y + bar().rect().h);
+  EXPECT_EQ(picture().count(test::rgb(test::kNothingDrawn)), 0);
+  screen_.setUpdate(std::nullopt);
+  EXPECT_EQ(screen_.view().rect(), before);
+  EXPECT_TRUE(bar().rect().empty());
+}
+
+TEST_F(WelcomeScreenUpdateTest, HandsItsButtonsOn) {
+  tell();
+  for (const ui::Rect& rect : {bar().downloadRect(), bar().dismissRect()}) {
+    screen_.motion(at(cardRect(0), 0));
+    screen_.motion(at(rect, 0));
+    click(at(rect));
+  }
+  EXPECT_EQ(taken(), (Told{"download", "dismiss"}));
+}
+
+TEST_F(WelcomeScreenUpdateTest, TakesTabThroughTheLineAndTheCards) {
+  tell();
+  for (int i = 0; i < 3; ++i) tab();
+  EXPECT_EQ(screen_.view().focusedControl(), 2) << "the button";
+  tab();
+  EXPECT_TRUE(bar().focused());
+  EXPECT_FALSE(screen_.view().focusedControl()) << "one ring at a time";
+  key(ui::key::kReturn);
+  EXPECT_EQ(taken(), Told{"download"});
+  tab();
+  EXPECT_EQ(screen_.view().focusedControl(), 0);
+  tab(true);
+  EXPECT_TRUE(bar().focused());
+  tab(true);
+  EXPECT_EQ(screen_.view().focusedControl(), 2);
+}
+
+TEST_F(WelcomeScreenUpdateTest, GivesTheKeyboardBackWhenTheLineGoes) {
+  tell();
+  tab(true);
+  tab(true);
+  for (int i = 0; i < 4 && !bar().focused(); ++i) tab();
+  ASSERT_TRUE(bar().focused());
+  screen_.setUpdate(std::nullopt);
+  EXPECT_FALSE(bar().focused());
+  for (int i = 0; i < 4; ++i) tab();
+  EXPECT_EQ(screen_.view().focusedControl(), 0) << "round the cards and the button";
+}
+
 }  // namespace
 }  // namespace app

@@ -1,0 +1,37 @@
+#include "app/frame/screen.h"
+
+namespace app {
+
+Screen::Screen(const ui::Style& style) : updateBar_(style) {
+  add(updateBar_);
+  updateBar_.onDownload = [this] {
+    if (onDownload) onDownload();
+  };
+  updateBar_.onDismiss = [this] {
+    if (onDismissUpdate) onDismissUpdate();
+  };
+}
+
+void Screen::setUpdate(const std::optional<std::string>& message) {
+  const int before = updateBar_.wantedHeight();
+  updateBar_.setMessage(message);
+  const int height = updateBar_.wantedHeight();
+  if (height == 0 && keyboardOwner() == &updateBar_) giveKeyboardTo(&mainView());
+  if (height == before) return;
+  layOut();
+  changed();
+}
+
+/// The line sees where the pointer comes from: a button that appears under it is not one that it
+/// moved on to.
+void Screen::motion(const ui::MouseEvent& event) {
+  ViewGroup::motion(event);
+  updateBar_.pointerSeen(event.x, event.y);
+}
+
+void Screen::releasePointer() {
+  ViewGroup::releasePointer();
+  updateBar_.forgetPointer();
+}
+
+}  // namespace app
