@@ -41,7 +41,10 @@ int runWindow(const app::CommandLine& command) {
     std::fputs(app::noWindowMessage().c_str(), stderr);
     return 1;
   }
-  if (single) ui::claimInstance(app::kInstanceNames, *connection, window->xid());
+  if (single) {
+    ui::claimInstance(app::kInstanceNames, *connection, window->xid());
+    window->checkForUpdates();
+  }
   if (!command.path.empty()) window->scanPath(command.path);
   if (!command.capturePath.empty()) window->captureAfter(command.capturePath, command.captureDelay);
   window->run();

@@ -1,9 +1,15 @@
 #include "app/main_window.h"
 
 #include <cstdio>
+#include <ctime>
+#include <initializer_list>
+#include <optional>
 #include <utility>
 
 #include "app/actions/trash.h"
+#include "app/actions/update_answer.h"
+#include "app/actions/update_check.h"
+#include "app/actions/web_address.h"
 #include "app/dialogs/folder_chooser.h"
 #include "app/dialogs/folder_places.h"
 #include "app/dialogs/settings_dialog.h"
@@ -105,6 +111,17 @@ void MainWindow::connectActions() {
   scan_.onContextMenu = [this](sizewalk::NodeId node, int x, int y, Command::By by) {
     showContextMenu(node, x, y, by);
   };
+  for (Screen* screen : std::initializer_list<Screen*>{&welcome_, &scan_}) {
+    screen->onDownload = [this] {
+      if (const auto update = UpdateCheck::instance().available()) {
+        openLink(downloadAddress(*update));
+      }
+    };
+    screen->onDismissUpdate = [this] {
+      updateDismissed_ = true;
+      showUpdate();
+    };
+  }
   scan_.onUndelete = [this](std::uint64_t id) { pending_.undeleteItem(id); };
   scan_.onUndeleteAll = [this] { pending_.undeleteAll(); };
   scan_.onDeleteNow = [this] { questions_.confirmDeleteNow(); };
@@ -134,9 +151,10 @@ void MainWindow::applySettings() {
   measure_.physicalSize = isOn(setting::kShowPhysicalFileSize);
   scan_.setMeasure(measure_);
   scan_.setSettings(ScanScreenSettings::of(SettingsStore::instance()));
+  showUpdate();
 }
 
-MainWindow::~MainWindow() = default;
+MainWindow::~MainWindow() { UpdateCheck::instance().forgetCallback(); }
 
 bool MainWindow::create() {
   if (!window_.create(windowTitle({}), connection_.scaled(kWidth), connection_.scaled(kHeight))) {
@@ -257,6 +275,38 @@ void MainWindow::openSettings() {
   input_.open(std::move(dialog));
 }
 
+void MainWindow::checkForUpdates() {
+  UpdateCheck::instance().check(
+      [this](const UpdateAvailable& /*update*/) { window_.post([this] { showUpdate(); }); });
+}
+
+void MainWindow::showUpdate() {
+  const auto update = UpdateCheck::instance().available();
+  const auto notice =
+      update ? std::optional(updateNotice(*update, std::time(nullptr))) : std::nullopt;
+  const bool told = notice && !updateDismissed_;
+  const auto message = told ? std::optional(notice->message) : std::nullopt;
+  welcome_.setUpdate(message);
+  scan_.setUpdate(message);
+  if (const auto about = about_.lock()) about->setUpdate(notice);
+}
+
+void MainWindow::showAbout() {
+  auto dialog = std::make_unique<AboutDialog>(connection_, style_);
+  // Lives as long as the dialog, which holds it.
+  const std::shared_ptr<AboutDialog> open(std::make_shared<int>(), dialog.get());
+  dialog->onLink = [this, open = std::static_pointer_cast<const void>(open)](
+                       const std::string& address) { openLink(address); };
+  about_ = open;
+  input_.open(std::move(dialog));
+  checkForUpdates();
+  showUpdate();
+}
+
+void MainWindow::openLink(const std::string& address) {
+  if (!openWebAddress(address)) showMessage("Nothing was opened", "This is no address of the web.");
+}
+
 void MainWindow::showMetricMenu(int x, int y, Command::By by) {
   const auto run = [this](const Command& command) { perform(command); };
   openMenu(measureMenu(measure_.measure, run), x, y, by);
@@ -346,6 +396,8 @@ void MainWindow::perform(const Command& command) {
     }
     case Action::OpenSettings:
       return openSettings();
+    case Action::ShowAbout:
+      return showAbout();
     case Action::Close:
       return window_.close();
   }

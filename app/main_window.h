@@ -10,6 +10,7 @@
 
 #include "app/actions/item_opener.h"
 #include "app/actions/pending_deletes.h"
+#include "app/dialogs/about_dialog.h"
 #include "app/dialogs/sub_folder_reader.h"
 #include "app/frame/pending_questions.h"
 #include "app/frame/scan_screen.h"
@@ -37,7 +38,7 @@ class MainWindow {
  public:
   /// `connection` outlives the window. Nothing is seen before `create`.
   explicit MainWindow(ui::Connection& connection);
-  /// Waits for no scan.
+  /// Waits for no scan and for no answer.
   ~MainWindow();
   MainWindow(const MainWindow&) = delete;
   MainWindow& operator=(const MainWindow&) = delete;
@@ -52,6 +53,9 @@ class MainWindow {
   void showWelcome();
   /// Writes one frame to `file` once `seconds` have passed and no scan runs, then ends the loop.
   void captureAfter(const std::string& file, double seconds);
+  /// Asks once in the run of the program whether there is a newer version, if the user allows that,
+  /// and tells of it in a line of the window when there is.
+  void checkForUpdates();
   /// Handles events until the window is closed or a capture is done.
   void run() { window_.run(); }
   /// As `ui::Window::xid`.
@@ -76,6 +80,10 @@ class MainWindow {
   void chooseFolder();
   void stopScan();
   void openSettings();
+  void showAbout();
+  /// Has what tells of updates say what is known by now.
+  void showUpdate();
+  void openLink(const std::string& address);
   void showMessage(const std::string& title, const std::string& text);
   // The menus hang from a place of the window.
   void showMetricMenu(int x, int y, Command::By by);
@@ -129,6 +137,9 @@ class MainWindow {
   /// Above the dialogs that it opens.
   PendingQuestions questions_;
   ui::InputStack input_;
+  /// The About box while it is open.
+  std::weak_ptr<AboutDialog> about_;
+  bool updateDismissed_ = false;
   /// When the countdown of what waits was last advanced.
   std::chrono::steady_clock::time_point pendingAdvanced_;
   sizewalk::VolumeMeter meter_;

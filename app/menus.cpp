@@ -37,7 +37,8 @@ std::vector<ui::MenuEntry> applicationMenu(const CommandState& state,
           {},
           entry(Action::MoveToTrash),
           {},
-          entry(Action::OpenSettings)};
+          entry(Action::OpenSettings),
+          entry(Action::ShowAbout)};
 }
 
 std::vector<ui::MenuEntry> contextMenu(sizewalk::NodeId node, const CommandState& state,

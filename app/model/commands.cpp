@@ -34,6 +34,7 @@ constexpr Shortcut kShortcuts[] = {
     {'4', true, Action::ShowMeasure, Measure::AddedSinceLastScan},
     {ui::key::kF10, false, Action::OpenApplicationMenu},
     {',', true, Action::OpenSettings},
+    {ui::key::kF1, false, Action::ShowAbout},
     {ui::key::kEscape, false, Action::StopScan},
     {'q', true, Action::Close},
     {'w', true, Action::Close},

@@ -34,6 +34,7 @@ enum class Action : std::uint8_t {
   OpenMeasureMenu,
   OpenApplicationMenu,
   OpenSettings,
+  ShowAbout,
   Close,
 };
 
@@ -79,6 +80,7 @@ inline constexpr ActionTraits kActions[] = {
     {Action::OpenMeasureMenu, "", Needs::AScan},
     {Action::OpenApplicationMenu, "☰", Needs::Nothing},
     {Action::OpenSettings, "Settings…", Needs::Nothing},
+    {Action::ShowAbout, "About Heap Gauge", Needs::Nothing},
     {Action::Close, "", Needs::Nothing},
 };
 

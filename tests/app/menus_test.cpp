@@ -70,13 +70,13 @@ TEST(NextEntry, IsNoneWhereNothingCanBeChosen) {
 TEST(ApplicationMenu, OffersItsEntriesWhileAScanIsShown) {
   EXPECT_EQ(shown(applicationMenu(kWithScan, {})),
             (Labels{"Open…", "Rescan", "-", "Copy Path", "Open", "Show in Files", "-",
-                    "Move to Trash", "-", "Settings…"}));
+                    "Move to Trash", "-", "Settings…", "About Heap Gauge"}));
 }
 
-TEST(ApplicationMenu, OffersOnlySettingsBeforeAnyScan) {
+TEST(ApplicationMenu, OffersOnlySettingsAndTheAboutBoxBeforeAnyScan) {
   EXPECT_EQ(shown(applicationMenu({}, {})),
             (Labels{"(Open…)", "(Rescan)", "-", "(Copy Path)", "(Open)", "(Show in Files)", "-",
-                    "(Move to Trash)", "-", "Settings…"}));
+                    "(Move to Trash)", "-", "Settings…", "About Heap Gauge"}));
 }
 
 TEST(ApplicationMenu, PerformsCommands) {
@@ -91,7 +91,8 @@ TEST(ApplicationMenu, PerformsCommands) {
                                              {.action = Action::Open},
                                              {.action = Action::ShowInFiles},
                                              {.action = Action::MoveToTrash},
-                                             {.action = Action::OpenSettings}}));
+                                             {.action = Action::OpenSettings},
+                                             {.action = Action::ShowAbout}}));
 }
 
 TEST(ContextMenu, OffersWhatCanBeDoneWithAnItem) {

@@ -1,0 +1,84 @@
+// The built program and the server that knows the newest version, played by a stand-in for curl.
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include "tests/program/program_run.h"
+#include "tests/support/environment.h"
+#include "tests/support/eventually.h"
+#include "tests/support/temp_directory.h"
+#include "tests/support/x_server.h"
+#include "ui/keys.h"
+
+namespace {
+
+using test::eventually;
+
+/// The ground of the welcome view just below the toolbar, at its left edge and in its middle.
+constexpr unsigned long kGround = 0xFFFFFF;
+constexpr unsigned long kDimmed = 0x999999;
+
+class ProgramUpdate : public testing::Test {
+ protected:
+  ProgramUpdate() { path_.set("PATH", tools_.path() + ":" + std::getenv("PATH")); }
+
+  /// Has "curl" run the shell's `lines`.
+  void curlDoes(const std::string& lines) {
+    const std::string file = tools_ / "curl";
+    test::writeFile(file, "#!/bin/sh\n" + lines + "\n");
+    std::filesystem::permissions(file, std::filesystem::perms::owner_all);
+  }
+
+  const test::XServer server_{{.height = 960}};
+  test::PrivateHome home_;
+  test::TempDirectory tools_;
+  test::ScopedEnvironment path_;
+};
+
+TEST_F(ProgramUpdate, TellsOfANewerVersionUnderTheToolbarUntilItIsPutAway) {
+  curlDoes(R"(echo '{"updateAvailable":true,"latest":{"version":"9.9.9"}}')");
+  test::Running program;
+  const auto lineIsThere = [&] { return program.pixel(5, 45) != kGround; };
+  ASSERT_TRUE(eventually(lineIsThere));
+  program.key(ui::key::kF1);
+  EXPECT_TRUE(eventually([&] { return program.pixel(5, 700) == kDimmed; })) << "the About box";
+  program.key(ui::key::kEscape);
+  EXPECT_TRUE(eventually([&] { return program.pixel(5, 700) == kGround; }));
+  EXPECT_TRUE(lineIsThere());
+  EXPECT_EQ(program.close(), 0);
+}
+
+TEST_F(ProgramUpdate, SaysNothingWhenThereIsNone) {
+  curlDoes("echo asked >'" + (tools_ / "asked") +
+           R"('; echo '{"updateAvailable":false,"latest":{"version":"1.1.1"}}')");
+  test::Running program;
+  ASSERT_TRUE(eventually([&] { return std::filesystem::exists(tools_ / "asked"); }));
+  EXPECT_TRUE(eventually([&] { return program.pixel(5, 45) == kGround; }));
+  EXPECT_EQ(program.close(), 0);
+}
+
+TEST_F(ProgramUpdate, AsksNobodyWhenTheUserDoesNotWantIt) {
+  curlDoes("echo asked >'" + (tools_ / "asked") + "'");
+  test::writeFile(home_.path() + "/.config/heapgauge/settings.ini",
+                  "[Heapgauge]\nCheckForUpdates=false\n");
+  test::Running program;
+  EXPECT_EQ(program.close(), 0);
+  EXPECT_FALSE(std::filesystem::exists(tools_ / "asked"));
+}
+
+TEST_F(ProgramUpdate, ClosesAtOnceWhileTheServerDoesNotAnswer) {
+  const std::string asked = tools_ / "asked";
+  curlDoes("echo $$ >'" + asked + "'; exec sleep 30");
+  test::Running program;
+  ASSERT_TRUE(eventually([&] { return std::filesystem::exists(asked); }));
+  const auto before = std::chrono::steady_clock::now();
+  EXPECT_EQ(program.close(), 0);
+  EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(10))
+      << "the answer would take thirty";
+}
+
+}  // namespace
