@@ -422,6 +422,7 @@ void MainWindow::readAgain(sizewalk::NodeId folder) {
 }
 
 void MainWindow::moveToTrash(const Command& command) {
+  advancePending();  // what passed before does not count for what is added now
   pending_.add(scan_.selection().nodesFor(command.target));
 }
 

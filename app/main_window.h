@@ -141,7 +141,7 @@ class MainWindow {
   std::weak_ptr<AboutDialog> about_;
   bool updateDismissed_ = false;
   /// When the countdown of what waits was last advanced.
-  std::chrono::steady_clock::time_point pendingAdvanced_;
+  std::chrono::steady_clock::time_point pendingAdvanced_ = std::chrono::steady_clock::now();
   sizewalk::VolumeMeter meter_;
   VolumeCards volumes_;
   std::int64_t nextVolumes_ = 0;  // when they are to be listed again, as `ui::Window::now` tells

@@ -4,6 +4,7 @@
 #include <signal.h>
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -81,11 +82,14 @@ class ProgramTrash : public testing::Test {
 TEST_F(ProgramTrash, MovesWhatIsLeftAloneAndNothingThatIsPutBack) {
   test::Running program({folder_});
   awaitScan();
+  const auto before = std::chrono::steady_clock::now();
   trashRows(program, 3);
   program.ctrlKey('z');  // one of them
   EXPECT_EQ(left(), (Names{"a", "b", "c"})) << "nothing is touched before its time";
   const auto two = [&] { return trashed().size() == 2; };
   EXPECT_TRUE(eventually(two) || eventually(two)) << "ten seconds, on a machine that may be busy";
+  EXPECT_GE(std::chrono::steady_clock::now() - before, std::chrono::seconds(9))
+      << "also right after the start of the program";
   ASSERT_EQ(left().size(), 1u);
   Names everything = trashed();
   everything.push_back(left().front());
