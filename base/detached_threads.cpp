@@ -1,5 +1,7 @@
 #include "base/detached_threads.h"
 
+#include <memory>
+
 #include "base/mutex.h"
 
 namespace base {
@@ -12,9 +14,10 @@ struct Running {
   int threads GUARDED_BY(mutex) = 0;
 };
 
+/// Never destroyed: a thread that nobody waited for may end while the process does.
 Running& running() {
-  static Running theRunning;
-  return theRunning;
+  static Running* const theRunning = std::make_unique<Running>().release();
+  return *theRunning;
 }
 
 }  // namespace

@@ -191,6 +191,7 @@ BlockingFileSystem::Server::Server(const std::string& mountPoint) : undertaker_(
   char* arguments[] = {name};
   fuse_args options = FUSE_ARGS_INIT(1, arguments);
   session_ = fuse_session_new(&options, &implemented, sizeof implemented, this);
+  fuse_opt_free_args(&options);
   mounted_ = session_ && fuse_session_mount(session_, mountPoint.c_str()) == 0;
   if (mounted_) thread_ = std::thread([this] { run(); });
 }
