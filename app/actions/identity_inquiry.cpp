@@ -4,9 +4,9 @@
 #include <cstddef>
 #include <exception>
 #include <memory>
-#include <system_error>
-#include <thread>
 #include <utility>
+
+#include "base/detached_threads.h"
 
 namespace app {
 
@@ -47,10 +47,7 @@ std::vector<IdentityAnswer> askIdentities(std::vector<std::string> paths, Identi
   owed.reserve(inquiry->answers.size());
   for (auto& answer : inquiry->answers) owed.push_back(answer.get_future().share());
   if (owed.empty()) return owed;
-  try {
-    // Detached: joining would wait for a disk that hangs.
-    std::thread([inquiry] { answerAll(*inquiry); }).detach();
-  } catch (const std::system_error&) {
+  if (!base::startDetached([inquiry] { answerAll(*inquiry); })) {
     for (auto& answer : inquiry->answers) answer.set_value({std::nullopt, EAGAIN});
   }
   return owed;

@@ -36,7 +36,6 @@ class ProgramTrash : public testing::Test {
       test::writeFile(folder_ + "/" + name,
                       std::string(static_cast<std::size_t>('d' - *name) * 100'000, 'x'));
     }
-    test::makeDirectory(home_.path() + "/.local/share");
   }
 
   static Names namesIn(const std::string& folder) {
@@ -50,10 +49,13 @@ class ProgramTrash : public testing::Test {
   Names left() const { return namesIn(folder_); }
   Names trashed() const { return namesIn(trash_ + "/files"); }
 
-  /// Waits until the scan has ended: the rows are there and the program has written its history.
-  void awaitScan() const {
-    ASSERT_TRUE(eventually(
-        [&] { return fs::exists(home_.path() + "/.local/share/heapgauge/scan-history.txt"); }));
+  /// Waits until the files are seen, on the map and in the rows of the same frame.
+  static void awaitFiles(test::Running& program) {
+    constexpr unsigned long kMapBackground = 0x1C1C1E;
+    ASSERT_TRUE(eventually([&] {
+      const unsigned long seen = program.pixel(700, 300);
+      return seen != 0 && seen != kGround && seen != kMapBackground;
+    }));
   }
   /// Selects the rows of the first `count` files and has them wait.
   static void trashRows(test::Running& program, int count) {
@@ -81,7 +83,7 @@ class ProgramTrash : public testing::Test {
 
 TEST_F(ProgramTrash, MovesWhatIsLeftAloneAndNothingThatIsPutBack) {
   test::Running program({folder_});
-  awaitScan();
+  awaitFiles(program);
   const auto before = std::chrono::steady_clock::now();
   trashRows(program, 3);
   program.ctrlKey('z');  // one of them
@@ -104,7 +106,7 @@ TEST_F(ProgramTrash, MovesWhatIsLeftAloneAndNothingThatIsPutBack) {
 
 TEST_F(ProgramTrash, AsksBeforeItClosesAndDeletesWhenToldTo) {
   test::Running program({folder_});
-  awaitScan();
+  awaitFiles(program);
   trashRows(program, 2);
   program.ctrlKey('q');
   ASSERT_TRUE(asks(program));
@@ -122,7 +124,7 @@ TEST_F(ProgramTrash, AsksBeforeItClosesAndDeletesWhenToldTo) {
 
 TEST_F(ProgramTrash, LeavesEverythingWhereItIsWhenItIsKilled) {
   test::Running program({folder_});
-  awaitScan();
+  awaitFiles(program);
   trashRows(program, 3);
   program.ctrlKey('q');
   ASSERT_TRUE(asks(program)) << "they wait";
