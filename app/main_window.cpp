@@ -304,7 +304,11 @@ void MainWindow::showAbout() {
 }
 
 void MainWindow::openLink(const std::string& address) {
-  if (!openWebAddress(address)) showMessage("Nothing was opened", "This is no address of the web.");
+  if (isWebAddress(address)) {
+    opener_.open(address);
+  } else {
+    showMessage("Nothing was opened", "This is no address of the web.");
+  }
 }
 
 void MainWindow::showMetricMenu(int x, int y, Command::By by) {
@@ -322,8 +326,12 @@ void MainWindow::showContextMenu(sizewalk::NodeId node, int x, int y, Command::B
   const Selection& selection = scan_.selection();
   const bool several = selection.size() > 1 && selection.contains(node);
   const auto selected = static_cast<std::int64_t>(selection.size());
-  openMenu(several ? selectionMenu(node, selected, run) : contextMenu(node, commandState(), run), x,
-           y, by);
+  if (several) {
+    // Its one entry deletes: it takes a key of its own to get there.
+    openMenu(selectionMenu(selected, run), x, y, Command::By::Pointer);
+  } else {
+    openMenu(contextMenu(node, commandState(), run), x, y, by);
+  }
 }
 
 void MainWindow::openMenu(std::vector<ui::MenuEntry> entries, int x, int y, Command::By by) {
@@ -350,6 +358,7 @@ void MainWindow::key(const ui::KeyEvent& event) {
 CommandState MainWindow::commandState() const {
   return {.scanShown = scanShown(),
           .scanning = session_.phase() == ScanPhase::Scanning,
+          .stopping = session_.phase() == ScanPhase::Stopping,
           .canGoOut = scan_.focus().canGoOut()};
 }
 
@@ -373,7 +382,7 @@ void MainWindow::perform(const Command& command) {
     case Action::GoTo:
       return scan_.focus().go(command.target.value_or(sizewalk::kRootNode));
     case Action::CopyPath:
-      return window_.setClipboardText(displayName(pathFor(command)));
+      return copyPath(pathFor(command));
     case Action::Open:
       return opener_.open(pathFor(command));
     case Action::ShowInFiles:
@@ -409,12 +418,16 @@ std::string MainWindow::pathFor(const Command& command) const {
   return tree && node < tree->nodeCount() ? tree->path(node) : std::string();
 }
 
+void MainWindow::copyPath(const std::string& path) {
+  if (!path.empty()) window_.setClipboardText(displayName(path));
+}
+
 void MainWindow::readAgain(sizewalk::NodeId folder) {
   const std::shared_ptr<const sizewalk::FileTree> tree = session_.tree();
   if (!tree->isVisible(folder) || !tree->isDirectory(folder)) return;
   // What waits inside could not be put back into contents that are forgotten.
   questions_.settleWithin(tree->path(folder), [this, tree, folder] {
-    if (session_.tree() != tree) return;
+    if (session_.tree() != tree || session_.underWay()) return;
     session_.readAgain(folder);
     scan_.setScanStatus(session_.status());
     scan_.treeChanged();
@@ -422,7 +435,9 @@ void MainWindow::readAgain(sizewalk::NodeId folder) {
 }
 
 void MainWindow::moveToTrash(const Command& command) {
-  advancePending();  // what passed before does not count for what is added now
+  // What passed before does not count for what is added now, however long a move took just now.
+  advancePending();
+  pendingAdvanced_ = std::chrono::steady_clock::now();
   pending_.add(scan_.selection().nodesFor(command.target));
 }
 

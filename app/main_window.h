@@ -94,6 +94,7 @@ class MainWindow {
 
   /// The path of the item that the command is about; empty without one.
   std::string pathFor(const Command& command) const;
+  void copyPath(const std::string& path);
   void readAgain(sizewalk::NodeId folder);
   void moveToTrash(const Command& command);
   void putBackLast();

@@ -52,9 +52,8 @@ std::vector<ui::MenuEntry> contextMenu(sizewalk::NodeId node, const CommandState
           entry(Action::MoveToTrash)};
 }
 
-std::vector<ui::MenuEntry> selectionMenu(sizewalk::NodeId node, std::int64_t selected,
-                                         const PerformCommand& perform) {
-  const Command command{.action = Action::MoveToTrash, .target = node};
+std::vector<ui::MenuEntry> selectionMenu(std::int64_t selected, const PerformCommand& perform) {
+  const Command command{.action = Action::MoveToTrash};
   return {{.label = "Move " + formatCount(selected) + " Items to Trash",
            .action = [perform, command] { perform(command); }}};
 }

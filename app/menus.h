@@ -20,9 +20,8 @@ std::vector<ui::MenuEntry> applicationMenu(const CommandState& state,
 /// The menu of one item. `state` is that of the moment the menu opens.
 std::vector<ui::MenuEntry> contextMenu(sizewalk::NodeId node, const CommandState& state,
                                        const PerformCommand& perform);
-/// The menu of `node` where it is one of several that are selected, `selected` in all.
-std::vector<ui::MenuEntry> selectionMenu(sizewalk::NodeId node, std::int64_t selected,
-                                         const PerformCommand& perform);
+/// The menu of an item that is one of several that are selected, `selected` in all.
+std::vector<ui::MenuEntry> selectionMenu(std::int64_t selected, const PerformCommand& perform);
 
 /// The measures to choose from, with a tick at the `current` one.
 std::vector<ui::MenuEntry> measureMenu(Measure current, const PerformCommand& perform);

@@ -46,8 +46,9 @@ void PendingDeletes::setTree(sizewalk::FileTree* tree) {
 void PendingDeletes::add(std::span<const NodeId> nodes) {
   if (!tree_) return;
   std::vector<NodeId> known;
-  std::ranges::copy_if(nodes, std::back_inserter(known),
-                       [&](NodeId node) { return node < tree_->nodeCount(); });
+  std::ranges::copy_if(nodes, std::back_inserter(known), [&](NodeId node) {
+    return node != sizewalk::kRootNode && node < tree_->nodeCount();
+  });
   Selection chosen;
   chosen.replace(known);
   const std::vector<NodeId> outermost = chosen.outermost(*tree_);
@@ -143,15 +144,29 @@ std::size_t PendingDeletes::countWithin(std::string_view path) const {
 
 void PendingDeletes::commitAll(const Items& items) {
   if (items.empty()) return;
-  for (const PendingDelete& item : items) commit(item);
+  // What could not be moved is told to be where it was: no folder around it goes to the trash then.
+  std::vector<std::string> staying;
+  const auto holdsOneStaying = [&](const PendingDelete& item) {
+    return std::ranges::any_of(
+        staying, [&](const std::string& path) { return liesWithin(path, item.path); });
+  };
+  for (const PendingDelete& item : items) {
+    if (holdsOneStaying(item)) {
+      attach(item);
+    } else if (!commit(item)) {
+      staying.push_back(item.path);
+    }
+  }
+  for (const PendingDelete& item : extract(holdsOneStaying)) attach(item);
   notify();
 }
 
-void PendingDeletes::commit(const PendingDelete& item) {
+bool PendingDeletes::commit(const PendingDelete& item) {
   std::string error;
-  if (moveToTrash(item, &error)) return;
+  if (moveToTrash(item, &error)) return true;
   attach(item);
   if (failed) failed(item.path, error);
+  return false;
 }
 
 bool PendingDeletes::moveToTrash(const PendingDelete& item, std::string* error) const {

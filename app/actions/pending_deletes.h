@@ -108,7 +108,8 @@ class PendingDeletes {
   Items extract(const std::function<bool(const PendingDelete&)>& chosen);
   void putBack(const Items& items);
   void commitAll(const Items& items);
-  void commit(const PendingDelete& item);
+  /// False when it could not be trashed; it is back in the tree then, and reported.
+  bool commit(const PendingDelete& item);
   bool moveToTrash(const PendingDelete& item, std::string* error) const;
   void attach(const PendingDelete& item);
   void notify() const;

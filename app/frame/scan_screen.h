@@ -81,8 +81,8 @@ class ScanScreen : public Screen {
   /// The next frame shows the tree as it is by then, on the map as well.
   void showAllInNextFrame();
 
-  /// What the view with the keyboard has no use for goes to the list; Escape takes back a card,
-  /// then the highlight of a kind.
+  /// Letters that the view with the keyboard has no use for go to the list; Escape takes back a
+  /// card, then the highlight of a kind.
   bool key(const ui::KeyEvent& event) override;
   void motion(const ui::MouseEvent& event) override;
   void releasePointer() override;

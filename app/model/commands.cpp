@@ -71,7 +71,7 @@ bool isEnabled(const Command& command, const CommandState& state) {
     case Needs::ARunningScan:
       return state.scanShown && state.scanning;
     case Needs::AnEndedScan:
-      return state.scanShown && !state.scanning;
+      return state.scanShown && !state.scanning && !state.stopping;
     case Needs::AFolderAround:
       return state.scanShown && state.canGoOut;
   }

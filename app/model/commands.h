@@ -116,6 +116,8 @@ std::optional<Command> commandFor(const ui::KeyEvent& event);
 struct CommandState {
   bool scanShown = false;
   bool scanning = false;
+  /// It was stopped, but its threads have not ended yet.
+  bool stopping = false;
   bool canGoOut = false;
 };
 

@@ -18,8 +18,8 @@ void ScanController::start(const std::string& path) {
   neverStarted_ = false;
 }
 
-void ScanController::readAgain(sizewalk::NodeId folder) {
-  if (finished()) ScanRun::readAgain(run_, folder);
+bool ScanController::readAgain(sizewalk::NodeId folder) {
+  return finished() && ScanRun::readAgain(run_, folder);
 }
 
 void ScanController::stop() {

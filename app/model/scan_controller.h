@@ -29,8 +29,9 @@ class ScanController {
   /// scanned as that folder. The scan before is dropped first.
   void start(const std::string& path);
   /// Reads a folder of the current scan's tree again, once that has finished: until then the scan
-  /// is unfinished again. Nothing while it is not finished.
-  void readAgain(sizewalk::NodeId folder);
+  /// is unfinished again. False, and nothing happens, while it is not finished and for what is no
+  /// folder that the tree shows.
+  bool readAgain(sizewalk::NodeId folder);
   /// Ends a running scan soon; what was found stays.
   void stop();
   /// Retires the current scan, stopping it if it runs, and forgets its summary.

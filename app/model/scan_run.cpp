@@ -41,7 +41,9 @@ std::shared_ptr<ScanRun> ScanRun::start(const std::string& path, ScanReports rep
   return run;
 }
 
-void ScanRun::readAgain(const std::shared_ptr<ScanRun>& run, sizewalk::NodeId folder) {
+bool ScanRun::readAgain(const std::shared_ptr<ScanRun>& run, sizewalk::NodeId folder) {
+  // Now, so that nothing inside can be taken out that the reading would find again.
+  if (!run->scanner_.tree().dropContents(folder)) return false;
   run->finished_ = false;
   run->scanner_.armWalk();  // here and not on the thread: it may be stopped before that has begun
   // What a scan that was stopped has left out is still missing.
@@ -54,7 +56,11 @@ void ScanRun::readAgain(const std::shared_ptr<ScanRun>& run, sizewalk::NodeId fo
       return summary;
     });
   };
-  if (!base::startDetached(read)) run->finish(run->summary_);
+  if (base::startDetached(read)) return true;
+  ScanSummary summary = run->summary_;
+  summary.cancelled = true;
+  run->finish(std::move(summary));
+  return true;
 }
 
 ScanRun::ScanRun(const std::string& path, ScanReports reports, std::shared_ptr<ScanTurns> turns)

@@ -32,10 +32,11 @@ class ScanRun {
   static std::shared_ptr<ScanRun> start(const std::string& path, ScanReports reports,
                                         std::shared_ptr<ScanTurns> turns);
 
-  /// Has `run`, which has finished, read one of its folders again, on another thread: until that
-  /// has ended the run is not finished, and then it has a new summary. Where no thread is to be had
-  /// nothing changes.
-  static void readAgain(const std::shared_ptr<ScanRun>& run, sizewalk::NodeId folder);
+  /// Has `run`, which has finished, read one of its folders again, whose contents are forgotten at
+  /// once, on another thread. Until that has ended the run is not finished, and then it has a new
+  /// summary: that of a stopped scan where no thread is to be had. Returns false, changing nothing,
+  /// when the tree shows no such folder.
+  static bool readAgain(const std::shared_ptr<ScanRun>& run, sizewalk::NodeId folder);
 
   ScanRun(const std::string& path, ScanReports reports, std::shared_ptr<ScanTurns> turns);
   ScanRun(const ScanRun&) = delete;

@@ -21,8 +21,7 @@ void ScanSession::start(const std::string& path) {
 }
 
 void ScanSession::readAgain(sizewalk::NodeId folder) {
-  if (phase_ != ScanPhase::Ended) return;
-  controller_.readAgain(folder);
+  if (phase_ != ScanPhase::Ended || !controller_.readAgain(folder)) return;
   phase_ = ScanPhase::Scanning;
   started_ = now_();
 }

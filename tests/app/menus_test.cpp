@@ -113,6 +113,11 @@ TEST(ContextMenu, TrashesButDoesNotReadAgainWhileTheScanRuns) {
                     "Move to Trash"}));
 }
 
+TEST(ContextMenu, ReadsNothingAgainBeforeAStoppedScanHasEnded) {
+  const auto entries = contextMenu(5, {.scanShown = true, .stopping = true}, {});
+  EXPECT_FALSE(entries.at(4).enabled);
+}
+
 TEST(ContextMenu, NamesItsItemInEveryCommand) {
   std::vector<Command> performed;
   const auto perform = [&](const Command& command) { performed.push_back(command); };
@@ -133,10 +138,10 @@ TEST(ContextMenu, BeginsWithNothingDestructive) {
 TEST(SelectionMenu, OffersToTrashAllThatIsSelected) {
   std::vector<Command> performed;
   const auto perform = [&](const Command& command) { performed.push_back(command); };
-  const auto entries = selectionMenu(7, 1234, perform);
+  const auto entries = selectionMenu(1234, perform);
   EXPECT_EQ(shown(entries), Labels{"Move 1,234 Items to Trash"});
   entries.front().action();
-  EXPECT_EQ(performed, (std::vector<Command>{{.action = Action::MoveToTrash, .target = 7}}));
+  EXPECT_EQ(performed, (std::vector<Command>{{.action = Action::MoveToTrash}}));
 }
 
 TEST(MeasureMenu, TicksTheCurrentMeasure) {

@@ -121,6 +121,29 @@ TEST_F(PendingDeletesTest, LeavesOutWhatCannotBeTakenOut) {
   EXPECT_EQ(changes_, 2);
 }
 
+TEST_F(PendingDeletesTest, AddsWhatIsSelectedBesideTheScannedFolder) {
+  put({kRootNode, photo_, late_});
+  EXPECT_EQ(waiting().size(), 2u) << "which itself is never deleted";
+}
+
+TEST_F(PendingDeletesTest, KeepsTheFolderAroundWhatCouldNotBeTrashed) {
+  untrashable_ = {"/r/big/inner"};
+  put({inner_});
+  pending_.tick(4000);
+  put({big_});
+  pending_.tick(6000);
+  EXPECT_EQ(failures_, Texts{"/r/big/inner: It is stuck."});
+  EXPECT_TRUE(pending_.empty()) << "it is told to be where it was, and so it has to stay there";
+  EXPECT_EQ(total(), 150u);
+  pending_.tick(20'000);
+  EXPECT_EQ(trashed_, Texts{});
+  put({inner_});
+  put({big_});
+  pending_.deleteAllNow();
+  EXPECT_EQ(trashed_, Texts{});
+  EXPECT_EQ(total(), 150u);
+}
+
 TEST_F(PendingDeletesTest, AddsNothingWithoutATree) {
   pending_.setTree(nullptr);
   put({photo_});

@@ -262,5 +262,15 @@ TEST_F(ScanScreenTest, GoesOnDraggingWhenAnotherButtonIsLetGo) {
   EXPECT_EQ(screen_.layout().mainDivider.x, before + 50);
 }
 
+TEST_F(ScanScreenTest, HandsTheListOnlyLettersOfAnotherViewsKeys) {
+  click(inList(photo_));
+  click(inKinds(0));
+  key(ui::key::kLeft);
+  screen_.key({.keysym = 'a', .text = {}, .ctrl = true});
+  EXPECT_EQ(selected(), Nodes{photo_}) << "nothing is selected behind the user's back";
+  screen_.key({.keysym = 'b', .text = "b"});
+  EXPECT_EQ(selected(), Nodes{big_});
+}
+
 }  // namespace
 }  // namespace app

@@ -182,6 +182,22 @@ TEST_F(Session, ReadsAFolderAgainAfterItsEnd) {
   EXPECT_EQ(tree.apparentSize(held), 3u + 7u);
 }
 
+TEST_F(Session, ForgetsAFolderBeforeItIsReadAgain) {
+  scanToTheEnd(folder_);
+  const sizewalk::FileTree& tree = *session_.tree();
+  sizewalk::NodeId node = tree.firstChild(sizewalk::kRootNode);
+  while (!tree.isDirectory(node)) ++node;
+  const sizewalk::NodeId file = tree.firstChild(node);
+  HeldFolder held("held");
+  session_.readAgain(node);
+  EXPECT_FALSE(tree.isVisible(file)) << "nobody can take it out any more";
+  held.release();
+  awaitPost();
+  runTasks();
+  session_.readAgain(file);
+  EXPECT_EQ(session_.phase(), ScanPhase::Ended) << "it is no folder of the tree";
+}
+
 TEST_F(Session, ReadsNoFolderAgainWhileItScans) {
   HeldFolder held("held");
   scanUntil(folder_, held);
