@@ -60,8 +60,9 @@ MainWindow::MainWindow(ui::Connection& connection)
       colours_(isOn(setting::kConsistentKindColours)),
       window_(connection),
       session_([this](ui::Task task) { window_.post(std::move(task)); }),
-      welcome_(style_, icon_),
-      scan_(connection, style_, colours_, [this](ui::Task task) { window_.post(std::move(task)); }),
+      welcomeScreen_(style_, icon_),
+      scanScreen_(connection, style_, colours_,
+                  [this](ui::Task task) { window_.post(std::move(task)); }),
       subFolderReader_([this](ui::Task task) { window_.post(std::move(task)); }),
       opener_([this](ui::Task task) { window_.post(std::move(task)); }),
       pending_(identify),
@@ -79,18 +80,18 @@ MainWindow::MainWindow(ui::Connection& connection)
 }
 
 void MainWindow::connectScreens() {
-  welcome_.onChanged = [this] { window_.invalidate(); };
-  welcome_.onVolume = [this](const std::string& path) { scanPath(path); };
-  welcome_.onChooseFolder = [this] { chooseFolder(); };
-  scan_.onChanged = [this] { window_.invalidate(); };
+  welcomeScreen_.onChanged = [this] { window_.invalidate(); };
+  welcomeScreen_.onVolume = [this](const std::string& path) { scanPath(path); };
+  welcomeScreen_.onChooseFolder = [this] { chooseFolder(); };
+  scanScreen_.onChanged = [this] { window_.invalidate(); };
   input_.onChanged = [this] { window_.invalidate(); };
-  welcome_.onCommand = [this](const Command& command) { perform(command); };
-  scan_.onCommand = [this](const Command& command) { perform(command); };
+  welcomeScreen_.onCommand = [this](const Command& command) { perform(command); };
+  scanScreen_.onCommand = [this](const Command& command) { perform(command); };
 }
 
 void MainWindow::connectSession() {
   session_.onPathFound = [this] { scanPathFound(); };
-  session_.onGrown = [this] { scan_.treeChanged(); };
+  session_.onGrown = [this] { scanScreen_.treeChanged(); };
   session_.onEnded = [this] { showScanEnd(); };
 }
 
@@ -108,10 +109,10 @@ void MainWindow::connectActions() {
   pending_.failed = [this](const std::string& path, const std::string& error) {
     questions_.failed(path, error);
   };
-  scan_.onContextMenu = [this](sizewalk::NodeId node, int x, int y, Command::By by) {
+  scanScreen_.onContextMenu = [this](sizewalk::NodeId node, int x, int y, Command::By by) {
     showContextMenu(node, x, y, by);
   };
-  for (Screen* screen : std::initializer_list<Screen*>{&welcome_, &scan_}) {
+  for (Screen* screen : std::initializer_list<Screen*>{&welcomeScreen_, &scanScreen_}) {
     screen->onDownload = [this] {
       if (const auto update = UpdateCheck::instance().available()) {
         openLink(downloadAddress(*update));
@@ -122,9 +123,9 @@ void MainWindow::connectActions() {
       showUpdate();
     };
   }
-  scan_.onUndelete = [this](std::uint64_t id) { pending_.undeleteItem(id); };
-  scan_.onUndeleteAll = [this] { pending_.undeleteAll(); };
-  scan_.onDeleteNow = [this] { questions_.confirmDeleteNow(); };
+  scanScreen_.onUndelete = [this](std::uint64_t id) { pending_.undeleteItem(id); };
+  scanScreen_.onUndeleteAll = [this] { pending_.undeleteAll(); };
+  scanScreen_.onDeleteNow = [this] { questions_.confirmDeleteNow(); };
 }
 
 void MainWindow::connectInput() {
@@ -149,8 +150,8 @@ void MainWindow::connectInput() {
 
 void MainWindow::applySettings() {
   measure_.physicalSize = isOn(setting::kShowPhysicalFileSize);
-  scan_.setMeasure(measure_);
-  scan_.setSettings(ScanScreenSettings::of(SettingsStore::instance()));
+  scanScreen_.setMeasure(measure_);
+  scanScreen_.setSettings(ScanScreenSettings::of(SettingsStore::instance()));
   showUpdate();
 }
 
@@ -164,7 +165,7 @@ bool MainWindow::create() {
   window_.setMinSize(connection_.scaled(kMinWidth), connection_.scaled(kMinHeight));
   resize(window_.width(), window_.height());
   window_.setTick(kTickMs, [this] { tick(); });
-  show(welcome_);
+  show(welcomeScreen_);
   window_.show();
   return true;
 }
@@ -172,7 +173,7 @@ bool MainWindow::create() {
 void MainWindow::show(Screen& screen) {
   screen_ = &screen;
   input_.show(screen);
-  if (&screen == &welcome_) refreshVolumes();
+  if (&screen == &welcomeScreen_) refreshVolumes();
   updateTitle();
 }
 
@@ -192,10 +193,10 @@ void MainWindow::scanPath(const std::string& path) {
 void MainWindow::startScan(const std::string& path) {
   session_.start(path);
   pending_.setTree(session_.treeToChange());
-  scan_.show(session_.tree());
-  scan_.setScanStatus(session_.status());
+  scanScreen_.show(session_.tree());
+  scanScreen_.setScanStatus(session_.status());
   meter_.measure({session_.path()});
-  show(scan_);
+  show(scanScreen_);
 }
 
 void MainWindow::showWelcome() {
@@ -205,13 +206,13 @@ void MainWindow::showWelcome() {
 void MainWindow::leaveScan() {
   session_.leave();
   pending_.setTree(nullptr);
-  scan_.show(nullptr);
-  show(welcome_);
+  scanScreen_.show(nullptr);
+  show(welcomeScreen_);
 }
 
 void MainWindow::stopScan() {
   session_.stop();
-  scan_.setScanStatus(session_.status());
+  scanScreen_.setScanStatus(session_.status());
 }
 
 void MainWindow::captureAfter(const std::string& file, double seconds) {
@@ -226,7 +227,7 @@ void MainWindow::tick() {
   if (!scanShown() && now >= nextVolumes_) refreshVolumes();
   input_.tick(now);
   if (const auto file = captureCountdown_.tick(session_.underWay())) {
-    scan_.showAllInNextFrame();
+    scanScreen_.showAllInNextFrame();
     window_.invalidate();
     window_.post([this, path = *file] { capture(path); });
   }
@@ -249,8 +250,8 @@ void MainWindow::showScanEnd() {
     showMessage("This folder cannot be scanned", reason);
     return;
   }
-  scan_.setScanStatus(session_.status());
-  scan_.treeChanged();
+  scanScreen_.setScanStatus(session_.status());
+  scanScreen_.treeChanged();
 }
 
 void MainWindow::prepareFrame() {
@@ -258,8 +259,8 @@ void MainWindow::prepareFrame() {
 }
 
 void MainWindow::resize(int width, int height) {
-  welcome_.setRect({0, 0, width, height});
-  scan_.setRect({0, 0, width, height});
+  welcomeScreen_.setRect({0, 0, width, height});
+  scanScreen_.setRect({0, 0, width, height});
   input_.setSize(width, height);
 }
 
@@ -286,8 +287,8 @@ void MainWindow::showUpdate() {
       update ? std::optional(updateNotice(*update, std::time(nullptr))) : std::nullopt;
   const bool told = notice && !updateDismissed_;
   const auto message = told ? std::optional(notice->message) : std::nullopt;
-  welcome_.setUpdate(message);
-  scan_.setUpdate(message);
+  welcomeScreen_.setUpdate(message);
+  scanScreen_.setUpdate(message);
   if (const auto about = about_.lock()) about->setUpdate(notice);
 }
 
@@ -323,7 +324,7 @@ void MainWindow::showApplicationMenu(int x, int y, Command::By by) {
 
 void MainWindow::showContextMenu(sizewalk::NodeId node, int x, int y, Command::By by) {
   const auto run = [this](const Command& command) { perform(command); };
-  const Selection& selection = scan_.selection();
+  const Selection& selection = scanScreen_.selection();
   const bool several = selection.size() > 1 && selection.contains(node);
   const auto selected = static_cast<std::int64_t>(selection.size());
   if (several) {
@@ -359,7 +360,7 @@ CommandState MainWindow::commandState() const {
   return {.scanShown = scanShown(),
           .scanning = session_.phase() == ScanPhase::Scanning,
           .stopping = session_.phase() == ScanPhase::Stopping,
-          .canGoOut = scan_.focus().canGoOut()};
+          .canGoOut = scanScreen_.focus().canGoOut()};
 }
 
 void MainWindow::perform(const Command& command) {
@@ -372,15 +373,15 @@ void MainWindow::perform(const Command& command) {
     case Action::Rescan:
       return scanPath(session_.path());
     case Action::GoOut:
-      return scan_.focus().goOut();
+      return scanScreen_.focus().goOut();
     case Action::GoToScannedFolder:
-      return scan_.focus().go(sizewalk::kRootNode);
+      return scanScreen_.focus().go(sizewalk::kRootNode);
     case Action::GoToPrevious:
-      return scan_.focus().goToPrevious();
+      return scanScreen_.focus().goToPrevious();
     case Action::GoToNext:
-      return scan_.focus().goToNext();
+      return scanScreen_.focus().goToNext();
     case Action::GoTo:
-      return scan_.focus().go(command.target.value_or(sizewalk::kRootNode));
+      return scanScreen_.focus().go(command.target.value_or(sizewalk::kRootNode));
     case Action::CopyPath:
       return copyPath(pathFor(command));
     case Action::Open:
@@ -396,7 +397,7 @@ void MainWindow::perform(const Command& command) {
     case Action::ShowMeasure:
       return setMeasure(command.measure);
     case Action::OpenMeasureMenu: {
-      const ui::Rect button = scan_.measureButton();
+      const ui::Rect button = scanScreen_.measureButton();
       return showMetricMenu(button.x, button.y + button.h, command.by);
     }
     case Action::OpenApplicationMenu: {
@@ -414,7 +415,7 @@ void MainWindow::perform(const Command& command) {
 
 std::string MainWindow::pathFor(const Command& command) const {
   const std::shared_ptr<const sizewalk::FileTree> tree = session_.tree();
-  const sizewalk::NodeId node = command.target.value_or(scan_.target());
+  const sizewalk::NodeId node = command.target.value_or(scanScreen_.target());
   return tree && node < tree->nodeCount() ? tree->path(node) : std::string();
 }
 
@@ -429,8 +430,8 @@ void MainWindow::readAgain(sizewalk::NodeId folder) {
   questions_.settleWithin(tree->path(folder), [this, tree, folder] {
     if (session_.tree() != tree || session_.underWay()) return;
     session_.readAgain(folder);
-    scan_.setScanStatus(session_.status());
-    scan_.treeChanged();
+    scanScreen_.setScanStatus(session_.status());
+    scanScreen_.treeChanged();
   });
 }
 
@@ -438,7 +439,7 @@ void MainWindow::moveToTrash(const Command& command) {
   // What passed before does not count for what is added now, however long a move took just now.
   advancePending();
   pendingAdvanced_ = std::chrono::steady_clock::now();
-  pending_.add(scan_.selection().nodesFor(command.target));
+  pending_.add(scanScreen_.selection().nodesFor(command.target));
 }
 
 void MainWindow::putBackLast() {
@@ -446,8 +447,8 @@ void MainWindow::putBackLast() {
 }
 
 void MainWindow::pendingChanged() {
-  scan_.setPending(pendingRows(pending_));
-  if (session_.tree()) scan_.treeChanged();
+  scanScreen_.setPending(pendingRows(pending_));
+  if (session_.tree()) scanScreen_.treeChanged();
 }
 
 void MainWindow::advancePending() {
@@ -457,26 +458,26 @@ void MainWindow::advancePending() {
   pendingAdvanced_ = now;
   if (pending_.empty()) return;
   pending_.tick(elapsed.count());
-  scan_.setPending(pendingRows(pending_));
+  scanScreen_.setPending(pendingRows(pending_));
 }
 
 void MainWindow::setMeasure(Measure measure) {
   measure_.measure = measure;
-  scan_.setMeasure(measure_);
+  scanScreen_.setMeasure(measure_);
 }
 
 void MainWindow::refreshVolumes() {
   nextVolumes_ = ui::Window::now() + kVolumesMs;
   volumes_.refresh();
-  welcome_.setCards(volumes_.cards());
+  welcomeScreen_.setCards(volumes_.cards());
 }
 
 void MainWindow::volumeMeasured(const std::string& path, const sizewalk::VolumeUsage& usage) {
   volumes_.measured(path, usage);
   if (!scanShown()) {
-    welcome_.setCards(volumes_.cards());
+    welcomeScreen_.setCards(volumes_.cards());
   } else if (path == session_.path() && usage.totalBytes > 0) {
-    scan_.setVolumeSpace(VolumeSpace{usage.usedBytes, usage.freeBytes});
+    scanScreen_.setVolumeSpace(VolumeSpace{usage.usedBytes, usage.freeBytes});
   }
 }
 

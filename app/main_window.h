@@ -68,7 +68,7 @@ class MainWindow {
   void connectActions();
   void applySettings();
   void show(Screen& screen);
-  bool scanShown() const { return screen_ == &scan_; }
+  bool scanShown() const { return screen_ == &scanScreen_; }
 
   void tick();
   void prepareFrame();
@@ -127,10 +127,10 @@ class MainWindow {
   ui::Window window_;
   /// Below the window, to which it posts.
   ScanSession session_;
-  WelcomeScreen welcome_;
-  ScanScreen scan_;
+  WelcomeScreen welcomeScreen_;
+  ScanScreen scanScreen_;
   /// What the window shows: one of the two above.
-  Screen* screen_ = &welcome_;
+  Screen* screen_ = &welcomeScreen_;
   /// Above what it is used in: a chooser uses it to its end.
   SubFolderReader subFolderReader_;
   ItemOpener opener_;

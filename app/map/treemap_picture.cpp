@@ -56,12 +56,12 @@ bool TreemapPicture::fits() const {
   return rendered_.width == rect_.w && rendered_.height == rect_.h;
 }
 
-bool TreemapPicture::drawing() const {
+bool TreemapPicture::behind() const {
   return background_.busy() || (outdated_ && tree_ && !rect_.empty());
 }
 
 bool TreemapPicture::due() const {
-  if (!drawing() || background_.busy()) return false;
+  if (!behind() || background_.busy()) return false;
   return !growing_ || pacer_.due(RefreshPacer::Clock::now());
 }
 

@@ -50,7 +50,7 @@ class TreemapPicture {
   /// An `update` would begin a picture in the background.
   bool due() const;
   /// A picture is being made in the background, or to be made.
-  bool drawing() const;
+  bool behind() const;
 
   /// Gives the picture its place in the window.
   void setRect(const ui::Rect& rect) { rect_ = rect; }

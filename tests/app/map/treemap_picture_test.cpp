@@ -232,19 +232,19 @@ class BackgroundPictureTest : public test::WindowTest {
 
 TEST_F(BackgroundPictureTest, MakesItsFirstPictureAtOnce) {
   EXPECT_EQ(picture_.rendered().pixels, drawnAtOnce(kPlace, kRootNode));
-  EXPECT_FALSE(picture_.drawing());
+  EXPECT_FALSE(picture_.behind());
   EXPECT_EQ(tasks(), 0U);
 }
 
 TEST_F(BackgroundPictureTest, KeepsTheLastPictureUntilThatOfTheGrownTreeIsThere) {
   const std::vector<std::uint32_t> last = picture_.rendered().pixels;
   makeInBackground();
-  EXPECT_TRUE(picture_.drawing());
+  EXPECT_TRUE(picture_.behind());
   EXPECT_EQ(picture_.rendered().pixels, last);
   EXPECT_FALSE(picture_.update());
   runTasks();
   EXPECT_EQ(told_, 1);
-  EXPECT_FALSE(picture_.drawing());
+  EXPECT_FALSE(picture_.behind());
   EXPECT_NE(picture_.rendered().pixels, last);
   EXPECT_EQ(picture_.rendered().pixels, drawnAtOnce(kPlace, kRootNode));
   EXPECT_TRUE(picture_.update()) << "it is to be sent";
@@ -253,9 +253,9 @@ TEST_F(BackgroundPictureTest, KeepsTheLastPictureUntilThatOfTheGrownTreeIsThere)
 
 TEST_F(BackgroundPictureTest, IsDrawingFromTheMomentThatTheTreeHasGrown) {
   growTree();
-  EXPECT_TRUE(picture_.drawing());
+  EXPECT_TRUE(picture_.behind());
   picture_.setRect({0, 0, 0, 80});
-  EXPECT_FALSE(picture_.drawing()) << "without area there never is a picture";
+  EXPECT_FALSE(picture_.behind()) << "without area there never is a picture";
 }
 
 TEST_F(BackgroundPictureTest, MakesOneAtATime) {
@@ -269,7 +269,7 @@ TEST_F(BackgroundPictureTest, MakesOneAtATime) {
   EXPECT_FALSE(picture_.due()) << "the next has begun";
   ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
   runTasks();
-  EXPECT_FALSE(picture_.drawing());
+  EXPECT_FALSE(picture_.behind());
   EXPECT_EQ(told_, 2);
 }
 
@@ -325,7 +325,7 @@ TEST_F(BackgroundPictureTest, TakesItsNewSizeAtOnce) {
 TEST_F(BackgroundPictureTest, ForgetsAPictureOfATreeThatItLeaves) {
   makeInBackground();
   picture_.show(nullptr, kRootNode);
-  EXPECT_FALSE(picture_.drawing());
+  EXPECT_FALSE(picture_.behind());
   runTasks();
   EXPECT_EQ(told_, 0) << "what was posted is of no use any more";
   EXPECT_TRUE(picture_.rendered().pixels.empty());
@@ -372,10 +372,10 @@ TEST_F(BackgroundPictureTest, IsNotMisledByThePostOfAPictureThatWasForgotten) {
   ASSERT_TRUE(test::eventually([&] { return tasks() == 2; }));
   tasks_.front()();
   EXPECT_EQ(told_, 0);
-  EXPECT_TRUE(picture_.drawing());
+  EXPECT_TRUE(picture_.behind());
   runTasks();
   EXPECT_EQ(told_, 1);
-  EXPECT_FALSE(picture_.drawing());
+  EXPECT_FALSE(picture_.behind());
   EXPECT_EQ(picture_.rendered().pixels,
             renderTreemap(*next, kRootNode, kPlace.w, kPlace.h, colours_, {}, {}).pixels);
   picture_.show(nullptr, kRootNode);
