@@ -1,12 +1,15 @@
 // The built program and the server that knows the newest version, played by a stand-in for curl.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
 
+#include "base/file_descriptor.h"
 #include "tests/program/program_run.h"
 #include "tests/support/environment.h"
 #include "tests/support/eventually.h"
@@ -72,13 +75,19 @@ TEST_F(ProgramUpdate, AsksNobodyWhenTheUserDoesNotWantIt) {
 
 TEST_F(ProgramUpdate, ClosesAtOnceWhileTheServerDoesNotAnswer) {
   const std::string asked = tools_ / "asked";
-  curlDoes("echo $$ >'" + asked + "'; exec sleep 30");
+  const std::string answer = tools_ / "answer";
+  ASSERT_EQ(mkfifo(answer.c_str(), 0600), 0);
+  curlDoes("echo asked >'" + asked + "'; exec cat '" + answer + "'");
   test::Running program;
   ASSERT_TRUE(eventually([&] { return std::filesystem::exists(asked); }));
   const auto before = std::chrono::steady_clock::now();
   EXPECT_EQ(program.close(), 0);
-  EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(10))
-      << "the answer would take thirty";
+  EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(5))
+      << "the answer would never come";
+  // The stand-in waits for the first who writes, and ends with that.
+  EXPECT_TRUE(eventually([&] {
+    return base::FileDescriptor(open(answer.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC)).valid();
+  })) << "the program ended without waiting for it";
 }
 
 }  // namespace
