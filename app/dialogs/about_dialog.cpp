@@ -168,8 +168,8 @@ bool AboutDialog::act(int control) {
 void AboutDialog::placeControls() {
   ui::ArrivalGuard::Places places;
   for (std::size_t i = 0; i < links_.size(); ++i) {
-    places[guardNumber(static_cast<std::int64_t>(i))] =
-        ui::intersect(linkRect(i), scroller_.view());
+    places.emplace_back(guardNumber(static_cast<std::int64_t>(i)),
+                        ui::intersect(linkRect(i), scroller_.view()));
   }
   guard_.place(places);
 }
@@ -204,8 +204,7 @@ void AboutDialog::motion(const ui::MouseEvent& event) {
     return;
   }
   placeControls();
-  const auto link = controlAt(event.x, event.y);
-  guard_.pointerAt(event.x, event.y, link ? std::optional(guardNumber(*link)) : std::nullopt);
+  guard_.pointerAt(event.x, event.y);
   ui::Dialog::motion(event);
 }
 

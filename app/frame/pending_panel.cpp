@@ -15,7 +15,6 @@ namespace {
 constexpr std::int64_t kUndeleteAll = -1;
 constexpr std::int64_t kDeleteNow = -2;
 
-constexpr int kPrimaryButton = 1;
 constexpr unsigned long kSpace = ' ';
 
 std::int64_t controlOf(const PendingRow& row) { return static_cast<std::int64_t>(row.id); }
@@ -37,7 +36,6 @@ void PendingPanel::setRows(std::vector<PendingRow> rows) {
         setCount(rows_.size());
       });
   keepCurrent(currentRow);
-  hoverAgain();
   changed();
 }
 
@@ -50,7 +48,6 @@ void PendingPanel::keepCurrent(std::size_t formerRow) {
 void PendingPanel::layOut() {
   layout_ = layOutPending(rect(), scale(), measure());
   RowList::layOut();
-  hoverAgain();
 }
 
 ui::MeasureText PendingPanel::measure() const {
@@ -72,14 +69,13 @@ std::optional<std::size_t> PendingPanel::find(Control control) const {
 }
 
 bool PendingPanel::bringUpToDate() {
-  placeControls();
   const ui::RowRange seen = shownRows();
   firstRing_ = seen.first;
   rings_.resize(seen.last - seen.first);
   for (std::size_t row = seen.first; row < seen.last; ++row) {
     drawRing(rows_[row].remaining, &rings_[row - firstRing_]);
   }
-  return false;
+  return ButtonView::bringUpToDate();
 }
 
 void PendingPanel::drawRing(double remaining, Ring* ring) const {
@@ -92,76 +88,20 @@ void PendingPanel::drawRing(double remaining, Ring* ring) const {
 
 // The pointer.
 
-ui::PressTracker::Control PendingPanel::controlAt(int x, int y) const {
-  if (layout_.undeleteAll.contains(x, y)) return kUndeleteAll;
-  if (layout_.deleteNow.contains(x, y)) return kDeleteNow;
-  const auto row = rowAt(x, y);
-  if (!row || !undeleteRect(*row).contains(x, y)) return std::nullopt;
-  return controlOf(rows_[*row]);
-}
-
-/// Rows and rectangle change one after the other: only what comes of both counts.
-void PendingPanel::placeControls() {
-  ui::ArrivalGuard::Places places;
+ui::ArrivalGuard::Places PendingPanel::buttonPlaces() const {
+  Places places;
   if (!rows_.empty()) {
     places = {{kUndeleteAll, layout_.undeleteAll}, {kDeleteNow, layout_.deleteNow}};
   }
   const ui::RowRange seen = shownRows();
   for (std::size_t row = seen.first; row < seen.last; ++row) {
-    places[controlOf(rows_[row])] = undeleteRect(row);
+    places.emplace_back(controlOf(rows_[row]), ui::intersect(undeleteRect(row), view()));
   }
-  guard_.place(places);
-}
-
-void PendingPanel::hoverAgain() {
-  if (pointer_) presses_.motion(controlAt(pointer_->x, pointer_->y));
-}
-
-void PendingPanel::pointerSeen(int x, int y) {
-  placeControls();
-  guard_.pointerAt(x, y, controlAt(x, y));
-}
-
-void PendingPanel::tick(std::int64_t nowMs) {
-  placeControls();
-  guard_.tick(nowMs);
+  return places;
 }
 
 void PendingPanel::press(const ui::MouseEvent& event) {
-  if (event.button != kPrimaryButton) return;
-  pointer_ = event;
-  const MaybeControl control = pressBar(event) ? std::nullopt : controlAt(event.x, event.y);
-  placeControls();
-  const bool taken = control && guard_.takesPress(*control, event.x, event.y, event.timeMs);
-  presses_.press(taken ? control : std::nullopt);
-  if (taken) current_ = *control;
-  changed();
-}
-
-void PendingPanel::motion(const ui::MouseEvent& event) {
-  RowList::motion(event);
-  pointer_ = event;
-  pointerSeen(event.x, event.y);
-  if (presses_.motion(controlAt(event.x, event.y))) changed();
-}
-
-void PendingPanel::release(const ui::MouseEvent& event) {
-  RowList::release(event);
-  if (event.button != kPrimaryButton || !presses_.holding()) return;
-  const MaybeControl control = presses_.release(controlAt(event.x, event.y));
-  changed();
-  if (control) act(*control);
-}
-
-void PendingPanel::leave() {
-  RowList::leave();
-  pointer_.reset();
-  if (presses_.leave()) changed();
-}
-
-void PendingPanel::wheel(const ui::MouseEvent& event, int dy) {
-  RowList::wheel(event, dy);
-  hoverAgain();
+  if (!pressBar(event)) ButtonView::press(event);
 }
 
 void PendingPanel::act(Control control) {
@@ -200,7 +140,6 @@ std::optional<PendingPanel::Control> PendingPanel::controlAfterKey(unsigned long
 void PendingPanel::goTo(Control control) {
   current_ = control;
   if (const auto row = find(control)) reveal(*row);
-  hoverAgain();
   changed();
 }
 
@@ -234,12 +173,9 @@ void PendingPanel::paintRow(ui::Canvas& canvas, std::size_t row, const ui::Rect&
 
 void PendingPanel::paintControl(ui::Canvas& canvas, Control control, const ui::Rect& rect,
                                 const char* text) const {
-  const ui::Button button = {.rect = rect,
-                             .text = text,
-                             .hovered = presses_.hovered(control),
-                             .pressed = presses_.pressed(control),
-                             .focused = focused() && current_ == control};
-  ui::paintButton(canvas, button, style().body(), style().palette());
+  ui::Button shown = button(control, rect, text);
+  shown.focused = focused() && current_ == control;
+  ui::paintButton(canvas, shown, style().body(), style().palette());
 }
 
 }  // namespace app

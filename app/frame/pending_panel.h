@@ -8,8 +8,7 @@
 
 #include "app/frame/pending_layout.h"
 #include "app/frame/pending_rows.h"
-#include "ui/button.h"
-#include "ui/widgets/arrival_guard.h"
+#include "ui/widgets/button_view.h"
 #include "ui/widgets/row_geometry.h"
 #include "ui/widgets/row_list.h"
 #include "ui/widgets/style.h"
@@ -19,7 +18,7 @@ namespace app {
 /// Lists what waits to be deleted: a heading with two buttons, and for each item the ring of its
 /// countdown, its name and a button that puts it back. A press belongs to the item that was under
 /// the pointer, whatever leaves the list meanwhile. Window thread only.
-class PendingPanel : public ui::RowList {
+class PendingPanel : public ui::ButtonView<ui::RowList> {
  public:
   /// The item of that id is to be put back.
   std::function<void(std::uint64_t id)> onUndelete;
@@ -28,7 +27,7 @@ class PendingPanel : public ui::RowList {
 
   /// `style` outlives the panel.
   explicit PendingPanel(const ui::Style& style)
-      : RowList(style, pendingRowHeight({style.scale(), style.lineHeight()})) {}
+      : ButtonView(style, pendingRowHeight({style.scale(), style.lineHeight()})) {}
 
   /// The row under the pointer, or the first in view, keeps its place while the panel is scrolled.
   void setRows(std::vector<PendingRow> rows);
@@ -39,19 +38,9 @@ class PendingPanel : public ui::RowList {
   bool takesKeyboard() const override { return true; }
   void paint(ui::Canvas& canvas) const override;
   void press(const ui::MouseEvent& event) override;
-  void motion(const ui::MouseEvent& event) override;
-  void release(const ui::MouseEvent& event) override;
-  void leave() override;
-  void wheel(const ui::MouseEvent& event, int dy) override;
   /// Up, Down, Page Up, Page Down, Home and End walk the buttons of the rows, Up from the first row
   /// leads to those of the heading, Left and Right between these. Enter and Space press.
   bool key(const ui::KeyEvent& event) override;
-  void tick(std::int64_t nowMs) override;
-
-  /// The pointer is at (x, y), beside the panel perhaps: from there it may move on to a button.
-  void pointerSeen(int x, int y);
-  /// Something covers the window; where the pointer goes meanwhile is not seen.
-  void forgetPointer() { guard_.forgetPointer(); }
 
   const PendingLayout& layout() const { return layout_; }
   /// The button of a row.
@@ -61,16 +50,16 @@ class PendingPanel : public ui::RowList {
   void layOut() override;
   ui::Rect rowsPlace() const override { return layout_.rows; }
   bool bringUpToDate() override;
+  /// A button is that of the item with this id, or one of the heading, below 0.
+  Places buttonPlaces() const override;
+  void act(Control control) override;
+  void pressTaken(Control control) override { current_ = control; }
   void paintRow(ui::Canvas& canvas, std::size_t row, const ui::Rect& place) const override;
   // Of a row only its button is pressed, and that shows its own ring.
   void paintGround(ui::Canvas&, std::size_t, const ui::Rect&) const override {}
   void paintRing(ui::Canvas&) const override {}
 
  private:
-  /// A button: that of the item with this id, or one of the heading, below 0.
-  using Control = std::int64_t;
-  using MaybeControl = ui::PressTracker::Control;
-
   struct Ring {
     double remaining = -1;
     std::vector<std::uint32_t> pixels;
@@ -81,25 +70,17 @@ class PendingPanel : public ui::RowList {
   ui::RowRange shownRows() const;
   void drawRing(double remaining, Ring* ring) const;
   std::optional<std::size_t> find(Control control) const;
-  MaybeControl controlAt(int x, int y) const;
-  void placeControls();
-  void hoverAgain();
   void keepCurrent(std::size_t formerRow);
   void goTo(Control control);
   std::optional<Control> controlAfterKey(unsigned long keysym) const;
-  void act(Control control);
   void paintHeading(ui::Canvas& canvas) const;
   void paintControl(ui::Canvas& canvas, Control control, const ui::Rect& rect,
                     const char* text) const;
 
   std::vector<PendingRow> rows_;
   PendingLayout layout_;
-  ui::PressTracker presses_;
-  ui::ArrivalGuard guard_;
   /// What has the ring while the panel has the keyboard.
   Control current_ = 0;
-  /// What the pointer did last, unless it left.
-  std::optional<ui::MouseEvent> pointer_;
   /// The rings of the rows from `firstRing_` on, as of the last `prepare`. Each is drawn once for
   /// every step of its countdown.
   std::vector<Ring> rings_;

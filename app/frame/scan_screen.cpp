@@ -307,18 +307,6 @@ bool ScanScreen::dismiss() {
   return highlighted;
 }
 
-/// The panel sees where the pointer comes from: a button that appears under it is not one that it
-/// moved on to.
-void ScanScreen::motion(const ui::MouseEvent& event) {
-  Screen::motion(event);
-  pending_.pointerSeen(event.x, event.y);
-}
-
-void ScanScreen::releasePointer() {
-  Screen::releasePointer();
-  pending_.forgetPointer();
-}
-
 void ScanScreen::tick(std::int64_t nowMs) {
   Screen::tick(nowMs);
   if (picture_.due()) changed();

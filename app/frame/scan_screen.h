@@ -84,8 +84,6 @@ class ScanScreen : public Screen {
   /// Letters that the view with the keyboard has no use for go to the list; Escape takes back a
   /// card, then the highlight of a kind.
   bool key(const ui::KeyEvent& event) override;
-  void motion(const ui::MouseEvent& event) override;
-  void releasePointer() override;
   void tick(std::int64_t nowMs) override;
   ui::Rect menuButton() const override {
     return toolbar_.layout().place(Action::OpenApplicationMenu);

@@ -22,16 +22,4 @@ void Screen::setUpdate(const std::optional<std::string>& message) {
   changed();
 }
 
-/// The line sees where the pointer comes from: a button that appears under it is not one that it
-/// moved on to.
-void Screen::motion(const ui::MouseEvent& event) {
-  ViewGroup::motion(event);
-  updateBar_.pointerSeen(event.x, event.y);
-}
-
-void Screen::releasePointer() {
-  ViewGroup::releasePointer();
-  updateBar_.forgetPointer();
-}
-
 }  // namespace app

@@ -31,9 +31,6 @@ class Screen : public ui::ViewGroup {
   void setUpdate(const std::optional<std::string>& message);
   const UpdateBar& updateBar() const { return updateBar_; }
 
-  void motion(const ui::MouseEvent& event) override;
-  void releasePointer() override;
-
  protected:
   /// The view that has the keyboard when no other does.
   virtual ui::View& mainView() = 0;

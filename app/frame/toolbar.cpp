@@ -6,10 +6,6 @@
 
 namespace app {
 
-namespace {
-constexpr int kPrimaryButton = 1;
-}
-
 void Toolbar::update(const ToolbarState& state) {
   const bool published = state.tree && state.focus < state.tree->nodeCount();
   if (state_ == state && focusPublished_ == published) return;
@@ -24,18 +20,20 @@ void Toolbar::layOut() {
                           [this](std::string_view text) { return style_.textWidth(text); });
 }
 
-ui::PressTracker::Control Toolbar::controlAt(int x, int y) const {
+ui::ArrivalGuard::Places Toolbar::buttonPlaces() const {
+  Places places;
   for (std::size_t i = 0; i < layout_.buttons.size(); ++i) {
-    if (layout_.buttons[i].rect.contains(x, y)) return static_cast<std::int64_t>(i);
+    const ui::Rect& rect = layout_.buttons[i].rect;
+    if (!rect.empty()) places.emplace_back(static_cast<Control>(i), rect);
   }
   for (const BreadcrumbSegment& segment : layout_.segments) {
-    if (segmentRect(segment).contains(x, y)) return controlOf(segment);
+    places.emplace_back(controlOf(segment), segmentRect(segment));
   }
-  return std::nullopt;
+  return places;
 }
 
-std::int64_t Toolbar::controlOf(const BreadcrumbSegment& segment) const {
-  return static_cast<std::int64_t>(layout_.buttons.size()) + segment.node;
+ui::ArrivalGuard::Control Toolbar::controlOf(const BreadcrumbSegment& segment) const {
+  return static_cast<Control>(layout_.buttons.size()) + segment.node;
 }
 
 ui::Rect Toolbar::segmentRect(const BreadcrumbSegment& segment) const {
@@ -43,29 +41,9 @@ ui::Rect Toolbar::segmentRect(const BreadcrumbSegment& segment) const {
   return ui::intersect({room.x + segment.x, room.y, segment.width, room.h}, room);
 }
 
-void Toolbar::press(const ui::MouseEvent& event) {
-  if (event.button != kPrimaryButton) return;
-  if (presses_.press(controlAt(event.x, event.y))) changed();
-}
-
-void Toolbar::motion(const ui::MouseEvent& event) {
-  if (presses_.motion(controlAt(event.x, event.y))) changed();
-}
-
-void Toolbar::leave() {
-  if (presses_.leave()) changed();
-}
-
-void Toolbar::release(const ui::MouseEvent& event) {
-  if (event.button != kPrimaryButton || !presses_.holding()) return;
-  const auto control = presses_.release(controlAt(event.x, event.y));
-  changed();
-  if (control) act(*control);
-}
-
-void Toolbar::act(std::int64_t control) {
+void Toolbar::act(Control control) {
   if (!onCommand) return;
-  const auto buttons = static_cast<std::int64_t>(layout_.buttons.size());
+  const auto buttons = static_cast<Control>(layout_.buttons.size());
   if (control < buttons) {
     onCommand({.action = layout_.buttons[static_cast<std::size_t>(control)].action});
   } else {
@@ -76,7 +54,7 @@ void Toolbar::act(std::int64_t control) {
 
 ui::PointerShape Toolbar::pointer() const {
   const bool overSegment = std::ranges::any_of(
-      layout_.segments, [&](const auto& segment) { return presses_.hovered(controlOf(segment)); });
+      layout_.segments, [&](const auto& segment) { return hovered(controlOf(segment)); });
   return overSegment ? ui::PointerShape::Hand : ui::PointerShape::Arrow;
 }
 
@@ -94,12 +72,8 @@ void Toolbar::paint(ui::Canvas& canvas) const {
 
 void Toolbar::paintButton(ui::Canvas& canvas, std::size_t number) const {
   const ToolbarButton& shown = layout_.buttons[number];
-  const auto control = static_cast<std::int64_t>(number);
-  const ui::Button button = {.rect = shown.rect,
-                             .text = shown.text,
-                             .hovered = presses_.hovered(control),
-                             .pressed = presses_.pressed(control)};
-  ui::paintButton(canvas, button, style_.body(), style_.palette());
+  ui::paintButton(canvas, button(static_cast<Control>(number), shown.rect, shown.text),
+                  style_.body(), style_.palette());
 }
 
 void Toolbar::paintSegments(ui::Canvas& canvas) const {
@@ -117,13 +91,13 @@ void Toolbar::paintSegments(ui::Canvas& canvas) const {
 
 void Toolbar::paintSegment(ui::Canvas& canvas, const BreadcrumbSegment& segment) const {
   const ui::Rect rect = segmentRect(segment);
-  const bool hovered = presses_.hovered(controlOf(segment));
+  const bool over = hovered(controlOf(segment));
   const bool last = &segment == &layout_.segments.back();
   const ui::Palette& palette = style_.palette();
   const ui::Colour resting = last ? palette.text : palette.dimText;
-  const ui::Colour colour = hovered ? palette.link : resting;
+  const ui::Colour colour = over ? palette.link : resting;
   ui::drawText(canvas, rect, segment.text, style_.body(), colour);
-  if (!hovered || rect.empty()) return;
+  if (!over || rect.empty()) return;
   const ui::Font& font = style_.body();
   const int baseline = rect.y + (rect.h - font.height) / 2 + font.ascent;
   const int thickness = std::max(1, style_.scaled(1));

@@ -14,7 +14,6 @@ constexpr std::int64_t kDownload = 0;
 constexpr std::int64_t kDismiss = 1;
 constexpr char kDismissText[] = "✕";
 
-constexpr int kPrimaryButton = 1;
 constexpr unsigned long kSpace = ' ';
 
 // How much of the accent colour the ground has, so that the line is not taken for a toolbar.
@@ -33,8 +32,7 @@ void UpdateBar::setMessage(const std::optional<std::string>& message) {
   const auto shown = message ? std::optional(shownMessage(*message)) : std::nullopt;
   if (shown == message_) return;
   if (!shown || !message_) {
-    presses_.cancel();
-    presses_.leave();
+    forgetPress();
     current_ = kDownload;
   }
   message_ = shown;
@@ -66,66 +64,14 @@ void UpdateBar::layOut() {
   messageRect_ = {left, y, std::max(0, right - left), height};
 }
 
-bool UpdateBar::bringUpToDate() {
-  placeControls();
-  return false;
+// The buttons.
+
+ui::ArrivalGuard::Places UpdateBar::buttonPlaces() const {
+  if (!message_ || rect().empty()) return {};
+  return {{kDownload, downloadRect_}, {kDismiss, dismissRect_}};
 }
 
-// The pointer.
-
-ui::PressTracker::Control UpdateBar::controlAt(int x, int y) const {
-  if (!message_) return std::nullopt;
-  if (downloadRect_.contains(x, y)) return kDownload;
-  if (dismissRect_.contains(x, y)) return kDismiss;
-  return std::nullopt;
-}
-
-/// Message and rectangle change one after the other: only what comes of both counts.
-void UpdateBar::placeControls() {
-  ui::ArrivalGuard::Places places;
-  if (message_ && !rect().empty()) {
-    places = {{kDownload, downloadRect_}, {kDismiss, dismissRect_}};
-  }
-  guard_.place(places);
-}
-
-void UpdateBar::pointerSeen(int x, int y) {
-  placeControls();
-  guard_.pointerAt(x, y, controlAt(x, y));
-}
-
-void UpdateBar::tick(std::int64_t nowMs) {
-  placeControls();
-  guard_.tick(nowMs);
-}
-
-void UpdateBar::press(const ui::MouseEvent& event) {
-  if (event.button != kPrimaryButton) return;
-  const auto control = controlAt(event.x, event.y);
-  placeControls();
-  const bool taken = control && guard_.takesPress(*control, event.x, event.y, event.timeMs);
-  presses_.press(taken ? control : std::nullopt);
-  if (taken) current_ = *control;
-  changed();
-}
-
-void UpdateBar::motion(const ui::MouseEvent& event) {
-  pointerSeen(event.x, event.y);
-  if (presses_.motion(controlAt(event.x, event.y))) changed();
-}
-
-void UpdateBar::release(const ui::MouseEvent& event) {
-  if (event.button != kPrimaryButton || !presses_.holding()) return;
-  const auto control = presses_.release(controlAt(event.x, event.y));
-  changed();
-  if (control) act(*control);
-}
-
-void UpdateBar::leave() {
-  if (presses_.leave()) changed();
-}
-
-void UpdateBar::act(std::int64_t control) {
+void UpdateBar::act(Control control) {
   // Copies: what they do may change the callables.
   const auto action = control == kDownload ? onDownload : onDismiss;
   if (action) action();
@@ -168,14 +114,11 @@ void UpdateBar::paint(ui::Canvas& canvas) const {
   canvas.popClip();
 }
 
-void UpdateBar::paintControl(ui::Canvas& canvas, std::int64_t control, const ui::Rect& rect,
+void UpdateBar::paintControl(ui::Canvas& canvas, Control control, const ui::Rect& rect,
                              const char* text) const {
-  const ui::Button button = {.rect = rect,
-                             .text = text,
-                             .hovered = presses_.hovered(control),
-                             .pressed = presses_.pressed(control),
-                             .focused = focused() && current_ == control};
-  ui::paintButton(canvas, button, style_.body(), style_.palette());
+  ui::Button shown = button(control, rect, text);
+  shown.focused = focused() && current_ == control;
+  ui::paintButton(canvas, shown, style_.body(), style_.palette());
 }
 
 }  // namespace app

@@ -5,17 +5,15 @@
 #include <optional>
 #include <string>
 
-#include "ui/button.h"
-#include "ui/widgets/arrival_guard.h"
+#include "ui/widgets/button_view.h"
 #include "ui/widgets/style.h"
-#include "ui/widgets/view.h"
 
 namespace app {
 
 /// One line that tells of an update: its message, a button that leads to it and one that puts the
 /// line away. It comes without being asked for, so its buttons take no press that was meant for
 /// what lay there before. Window thread only.
-class UpdateBar : public ui::View {
+class UpdateBar : public ui::ButtonView<> {
  public:
   std::function<void()> onDownload;
   /// The line stays until it has no message.
@@ -33,18 +31,8 @@ class UpdateBar : public ui::View {
 
   bool takesKeyboard() const override { return message_.has_value(); }
   void paint(ui::Canvas& canvas) const override;
-  void press(const ui::MouseEvent& event) override;
-  void motion(const ui::MouseEvent& event) override;
-  void release(const ui::MouseEvent& event) override;
-  void leave() override;
   /// Left and Right go from one button to the other, Enter and Space press.
   bool key(const ui::KeyEvent& event) override;
-  void tick(std::int64_t nowMs) override;
-
-  /// The pointer is at (x, y), beside the line perhaps: from there it may move on to a button.
-  void pointerSeen(int x, int y);
-  /// Something covers the window; where the pointer goes meanwhile is not seen.
-  void forgetPointer() { guard_.forgetPointer(); }
 
   // Beside each other; in a line that is too narrow the message goes first, then the download.
   const ui::Rect& messageRect() const { return messageRect_; }
@@ -53,13 +41,12 @@ class UpdateBar : public ui::View {
 
  protected:
   void layOut() override;
-  bool bringUpToDate() override;
+  Places buttonPlaces() const override;
+  void act(Control control) override;
+  void pressTaken(Control control) override { current_ = control; }
 
  private:
-  ui::PressTracker::Control controlAt(int x, int y) const;
-  void placeControls();
-  void act(std::int64_t control);
-  void paintControl(ui::Canvas& canvas, std::int64_t control, const ui::Rect& rect,
+  void paintControl(ui::Canvas& canvas, Control control, const ui::Rect& rect,
                     const char* text) const;
 
   const ui::Style& style_;
@@ -67,8 +54,6 @@ class UpdateBar : public ui::View {
   ui::Rect messageRect_;
   ui::Rect downloadRect_;
   ui::Rect dismissRect_;
-  ui::PressTracker presses_;
-  ui::ArrivalGuard guard_;
   /// What has the ring while the line has the keyboard.
   std::int64_t current_ = 0;
 };

@@ -4,12 +4,20 @@
 
 namespace ui {
 
+bool ArrivalGuard::stays(const Rect& before, const Rect& now) const {
+  if (before == now) return true;
+  return pointer_ && before.contains(pointer_->x, pointer_->y) &&
+         now.contains(pointer_->x, pointer_->y);
+}
+
 void ArrivalGuard::place(const Places& places) {
   std::map<Control, Arrival> arrivals;
   for (const auto& [control, rect] : places) {
     const auto known = arrivals_.find(control);
-    const bool stayed = known != arrivals_.end() && known->second.place == rect;
-    arrivals[control] = stayed ? known->second : Arrival{.place = rect, .sinceMs = std::nullopt};
+    const bool stayed = known != arrivals_.end() && stays(known->second.place, rect);
+    Arrival& arrival = arrivals[control];
+    if (stayed) arrival = known->second;
+    arrival.place = rect;
   }
   arrivals_ = std::move(arrivals);
 }
@@ -20,16 +28,18 @@ void ArrivalGuard::tick(std::int64_t nowMs) {
   }
 }
 
-void ArrivalGuard::pointerAt(int x, int y, std::optional<Control> control) {
-  const Point point = {x, y};
-  const bool moved = pointer_ && *pointer_ != point;
-  pointer_ = point;
-  const auto found = control ? arrivals_.find(*control) : arrivals_.end();
-  if (moved && found != arrivals_.end()) found->second.reached = true;
+void ArrivalGuard::pointerAt(int x, int y) {
+  const auto before = std::exchange(pointer_, Point{x, y});
+  if (!before) return;
+  for (auto& [control, arrival] : arrivals_) {
+    if (!arrival.place.contains(before->x, before->y) && arrival.place.contains(x, y)) {
+      arrival.reached = true;
+    }
+  }
 }
 
 bool ArrivalGuard::takesPress(Control control, int x, int y, std::int64_t timeMs) {
-  pointerAt(x, y, control);
+  pointerAt(x, y);
   const auto found = arrivals_.find(control);
   if (found == arrivals_.end()) return false;
   Arrival& arrival = found->second;

@@ -58,6 +58,7 @@ void InputStack::setSize(int width, int height) {
 bool InputStack::prepare() {
   bool costly = screen_ && screen_->prepare();
   for (const auto& overlay : over_) costly = overlay->prepare() || costly;
+  if (screen_ && onPointer) onPointer(top()->pointer());
   return costly;
 }
 

@@ -31,7 +31,7 @@ class InputStack {
 
   /// The window has this size. Menus close.
   void setSize(int width, int height);
-  /// As `View::prepare`, for all.
+  /// As `View::prepare`, for all. What is under the pointer by then may give it another shape.
   bool prepare();
   void paint(Canvas& canvas) const;
   void tick(std::int64_t nowMs);

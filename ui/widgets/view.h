@@ -49,6 +49,11 @@ class View {
   virtual void release(const MouseEvent& /*event*/) {}
   /// The pointer is elsewhere now.
   virtual void leave() {}
+  /// The pointer is at (x, y) of the window, here or beside the view, which other events do not
+  /// tell.
+  virtual void pointerSeen(int /*x*/, int /*y*/) {}
+  /// Something covers the window: where the pointer goes meanwhile is not seen.
+  virtual void pointerLost() {}
   /// `dy` steps of the wheel, down when above 0.
   virtual void wheel(const MouseEvent& /*event*/, int /*dy*/) {}
   /// True when the key means something here.
@@ -57,7 +62,7 @@ class View {
   virtual void tick(std::int64_t /*nowMs*/) {}
   /// Something covers the view: nothing is pressed or under the pointer any more.
   virtual void releasePointer() { leave(); }
-  /// The shape of the pointer where it is, as of the last event.
+  /// The shape of the pointer where it is, as of the last event or frame.
   virtual PointerShape pointer() const { return PointerShape::Arrow; }
 
  protected:

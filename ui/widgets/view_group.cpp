@@ -61,6 +61,7 @@ void ViewGroup::press(const MouseEvent& event) {
 void ViewGroup::motion(const MouseEvent& event) {
   if (!held_) enter(viewAt(event.x, event.y));
   if (View* const view = pointerOwner()) view->motion(event);
+  for (View* view : views_) view->pointerSeen(event.x, event.y);
 }
 
 void ViewGroup::release(const MouseEvent& event) {
@@ -84,6 +85,7 @@ void ViewGroup::releasePointer() {
   buttonsDown_.clear();
   if (held) held->release(kBesideEverything);
   enter(nullptr);
+  for (View* view : views_) view->pointerLost();
 }
 
 PointerShape ViewGroup::pointer() const {

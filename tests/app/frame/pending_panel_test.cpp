@@ -154,14 +154,13 @@ TEST_F(PendingPanelTest, TakesNoPressOnARowThatHasJustTakenAnothersPlace) {
   EXPECT_EQ(taken(), Told{"2"});
 }
 
-TEST_F(PendingPanelTest, TakesThatPressOnceThePointerHasMoved) {
+TEST_F(PendingPanelTest, TakesThatPressOnceThePointerHasComeAnew) {
   show({1, 2, 3, 4, 5, 6});
   rest();
-  ui::MouseEvent event = eventAt(undelete(0), 0);
-  panel_.motion(event);
+  panel_.motion(eventAt(undelete(0), 0));
   show({2, 3, 4, 5, 6});
-  event.x += 1;
-  panel_.motion(event);
+  panel_.motion(eventAt(panel_.layout().heading, 0));
+  panel_.motion(eventAt(undelete(0), 0));
   click(undelete(0));
   EXPECT_EQ(taken(), Told{"2"});
 }
@@ -202,7 +201,7 @@ TEST_F(PendingPanelTest, TakesNoPressWhenItHasJustAppeared) {
   click(undelete(0));
   EXPECT_EQ(taken(), Told{});
   show({});
-  panel_.forgetPointer();
+  panel_.pointerLost();
   show({1});
   click(deleteNow());
   EXPECT_EQ(taken(), Told{});

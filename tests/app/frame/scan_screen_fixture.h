@@ -116,6 +116,12 @@ class ScanScreenTest : public testing::Test, protected test::ViewsOnWindow {
     event.ctrl = ctrl;
     click(event);
   }
+  /// A press of a pointer that comes from elsewhere.
+  void goAndClick(const ui::Rect& rect) {
+    point(screen_.layout().status);
+    point(rect);
+    click(rect);
+  }
   void clickTwice(const ui::Rect& rect) {
     ui::MouseEvent event = at(rect);
     click(event);

@@ -74,15 +74,15 @@ TEST_F(ScanScreenTest, AsksToGoToTheFolderOfAPressedSegment) {
   screen_.focus().go(inner_);
   screen_.prepare();
   ASSERT_EQ(screen_.toolbar().layout().segments.size(), 3u);
-  click(segment(1));
-  click(segment(0));
+  goAndClick(segment(1));
+  goAndClick(segment(0));
   EXPECT_EQ(commands_, (std::vector<Command>{{.action = Action::GoTo, .target = big_},
                                              {.action = Action::GoTo, .target = kRootNode}}));
 }
 
 TEST_F(ScanScreenTest, AsksToGoOutWithTheButton) {
   clickTwice(inList(big_));
-  click(up());
+  goAndClick(up());
   EXPECT_EQ(commands_, std::vector<Command>{{.action = Action::GoOut}});
 }
 

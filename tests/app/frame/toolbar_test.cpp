@@ -51,10 +51,28 @@ class ToolbarTest : public testing::Test, protected test::ViewsOnWindow {
     const ui::Rect& room = bar.layout().breadcrumb;
     return {room.x + part.x, room.y, part.width, room.h};
   }
-  void click(const ui::Rect& rect, int button = 1) {
-    bar.press(at(rect, button));
-    bar.release(at(rect, button));
+  void show(const ToolbarState& state) {
+    bar.update(state);
+    bar.prepare();
   }
+  /// Shows `state` and lets so much time pass that every button takes presses.
+  void showAtRest(const ToolbarState& state) {
+    show(state);
+    bar.tick(now_);
+    now_ += 500;
+  }
+  ui::MouseEvent eventAt(const ui::Rect& rect, int button = 1) const {
+    ui::MouseEvent event = at(rect, button);
+    event.timeMs = now_;
+    return event;
+  }
+  void press(const ui::Rect& rect, int button = 1) { bar.press(eventAt(rect, button)); }
+  void release(const ui::Rect& rect, int button = 1) { bar.release(eventAt(rect, button)); }
+  void click(const ui::Rect& rect, int button = 1) {
+    press(rect, button);
+    release(rect, button);
+  }
+  ui::Rect place(Action action) const { return bar.layout().place(action); }
   std::vector<std::string> taken() { return std::exchange(told, {}); }
   test::Picture picture() {
     return ViewsOnWindow::picture(900, 60, [&](ui::Canvas& canvas) { bar.paint(canvas); });
@@ -65,12 +83,13 @@ class ToolbarTest : public testing::Test, protected test::ViewsOnWindow {
   Toolbar bar{style};
   std::vector<std::string> told;
   int changes = 0;
+  std::int64_t now_ = 1'000'000;
 };
 
 using Told = std::vector<std::string>;
 
 TEST_F(ToolbarTest, TellsWhichButtonWasPressed) {
-  bar.update(finished());
+  showAtRest(finished());
   click(bar.layout().place(Action::LeaveScan));
   click(bar.layout().place(Action::Rescan));
   click(bar.layout().place(Action::GoOut));
@@ -82,48 +101,48 @@ TEST_F(ToolbarTest, TellsWhichButtonWasPressed) {
 TEST_F(ToolbarTest, StopsARunningScan) {
   ToolbarState running = finished();
   running.scanning = true;
-  bar.update(running);
+  showAtRest(running);
   click(bar.layout().place(Action::StopScan));
   EXPECT_EQ(taken(), (Told{"stop"}));
 }
 
 TEST_F(ToolbarTest, ActsOnlyWhenTheButtonIsLetGoOverItself) {
-  bar.update(finished());
-  bar.press(at(bar.layout().place(Action::LeaveScan)));
+  showAtRest(finished());
+  press(bar.layout().place(Action::LeaveScan));
   EXPECT_TRUE(taken().empty());
-  bar.release(at(bar.layout().place(Action::Rescan)));
+  release(bar.layout().place(Action::Rescan));
   EXPECT_TRUE(taken().empty());
-  EXPECT_FALSE(changedBy([&] { bar.release(at(bar.layout().place(Action::LeaveScan))); }));
+  EXPECT_FALSE(changedBy([&] { release(bar.layout().place(Action::LeaveScan)); }));
   EXPECT_TRUE(taken().empty());
 }
 
 TEST_F(ToolbarTest, DoesNotRescanWhenTheScanEndsDuringAPressOnStop) {
   ToolbarState running = finished();
   running.scanning = true;
-  bar.update(running);
-  bar.press(at(bar.layout().place(Action::StopScan)));
-  bar.update(finished());
-  bar.release(at(bar.layout().place(Action::Rescan)));
+  showAtRest(running);
+  press(bar.layout().place(Action::StopScan));
+  showAtRest(finished());
+  release(bar.layout().place(Action::Rescan));
   EXPECT_TRUE(taken().empty());
 }
 
 TEST_F(ToolbarTest, IgnoresOtherButtonsOfTheMouse) {
-  bar.update(finished());
+  showAtRest(finished());
   click(bar.layout().place(Action::LeaveScan), 2);
   click(bar.layout().place(Action::LeaveScan), 3);
   EXPECT_TRUE(taken().empty());
-  bar.press(at(bar.layout().place(Action::LeaveScan)));
-  bar.release(at(bar.layout().place(Action::LeaveScan), 3));
+  press(bar.layout().place(Action::LeaveScan));
+  release(bar.layout().place(Action::LeaveScan), 3);
   EXPECT_TRUE(taken().empty());
-  bar.release(at(bar.layout().place(Action::LeaveScan)));
+  release(bar.layout().place(Action::LeaveScan));
   EXPECT_EQ(taken(), (Told{"open"}));
 }
 
 TEST_F(ToolbarTest, HoldsOnlyTheMenuWithoutAScan) {
-  bar.update(finished());
+  showAtRest(finished());
   const ToolbarLayout before = bar.layout();
   const ui::Rect pictures = segment(1);
-  EXPECT_TRUE(changedBy([&] { bar.update({}); }));
+  EXPECT_TRUE(changedBy([&] { showAtRest({}); }));
   for (const ui::Rect& rect :
        {before.place(Action::LeaveScan), before.place(Action::Rescan), before.place(Action::GoOut),
         before.place(Action::OpenMeasureMenu), pictures}) {
@@ -135,7 +154,7 @@ TEST_F(ToolbarTest, HoldsOnlyTheMenuWithoutAScan) {
 }
 
 TEST_F(ToolbarTest, GoesToTheFolderOfASegment) {
-  bar.update(finished());
+  showAtRest(finished());
   click(segment(0));
   click(segment(1));
   EXPECT_EQ(taken(), (Told{"node 0", "node " + std::to_string(folder)}));
@@ -143,24 +162,24 @@ TEST_F(ToolbarTest, GoesToTheFolderOfASegment) {
 
 TEST_F(ToolbarTest, TakesBackAPressWhenAnotherFolderComesUnderThePointer) {
   ToolbarState state = finished();
-  bar.update(state);
+  showAtRest(state);
   const ui::Rect place = segment(1);
   const auto deeper = add(tree, Listing(folder).folder("Pictures of last year")).front();
-  bar.press(at(place));
+  press(place);
   state.tree = nullptr;
-  bar.update(state);
-  bar.release(at(place));
+  showAtRest(state);
+  release(place);
   EXPECT_TRUE(taken().empty());
   state = finished();
   state.focus = deeper;
-  bar.update(state);
-  bar.press(at(segment(2)));
-  bar.release(at(segment(1)));
+  showAtRest(state);
+  press(segment(2));
+  release(segment(1));
   EXPECT_TRUE(taken().empty());
 }
 
 TEST_F(ToolbarTest, ShowsAHandOverSegmentsOnly) {
-  bar.update(finished());
+  showAtRest(finished());
   bar.motion(at(bar.layout().place(Action::LeaveScan)));
   EXPECT_EQ(bar.pointer(), ui::PointerShape::Arrow);
   EXPECT_TRUE(changedBy([&] { bar.motion(at(segment(0))); }));
@@ -198,6 +217,108 @@ TEST_F(ToolbarTest, IsLaidOutAnewForAnotherSize) {
   EXPECT_LT(bar.layout().place(Action::OpenApplicationMenu).x, 700);
 }
 
+// Buttons that come under a resting pointer.
+
+TEST_F(ToolbarTest, TakesTheSecondPressOfADoubleOneOnStopForNothingElse) {
+  ToolbarState running = finished();
+  running.scanning = true;
+  showAtRest(running);
+  const ui::Rect stop = place(Action::StopScan);
+  click(stop);
+  show(finished());
+  ASSERT_TRUE(place(Action::Rescan).contains(stop.x + stop.w / 2, stop.y + stop.h / 2));
+  now_ += 499;
+  click(stop);
+  EXPECT_EQ(taken(), (Told{"stop"}));
+  now_ += 500;
+  click(stop);
+  EXPECT_EQ(taken(), (Told{"rescan"}));
+}
+
+TEST_F(ToolbarTest, DoesNotRescanWhenTheScanEndsJustBeforeAPressOnStop) {
+  ToolbarState running = finished();
+  running.scanning = true;
+  showAtRest(running);
+  const ui::Rect stop = place(Action::StopScan);
+  bar.motion(eventAt(stop));
+  show(finished());
+  ui::MouseEvent trembling = eventAt(stop);
+  trembling.x += 2;
+  bar.motion(trembling);
+  bar.press(trembling);
+  bar.release(trembling);
+  EXPECT_TRUE(taken().empty());
+}
+
+TEST_F(ToolbarTest, TakesAPressOfAPointerThatHasMovedOnToTheNewButton) {
+  ToolbarState running = finished();
+  running.scanning = true;
+  showAtRest(running);
+  bar.motion(eventAt(place(Action::StopScan)));
+  show(finished());
+  bar.motion(eventAt(place(Action::LeaveScan)));
+  bar.motion(eventAt(place(Action::Rescan)));
+  click(place(Action::Rescan));
+  EXPECT_EQ(taken(), (Told{"rescan"}));
+}
+
+TEST_F(ToolbarTest, GivesAPressOnUpToNothingThatTakesItsPlace) {
+  showAtRest(finished());
+  const ui::Rect up = place(Action::GoOut);
+  click(up);
+  show({.tree = &tree});
+  ASSERT_TRUE(place(Action::OpenMeasureMenu).contains(up.x + up.w / 2, up.y + up.h / 2));
+  now_ += 200;
+  click(up);
+  EXPECT_EQ(taken(), (Told{"up"}));
+}
+
+TEST_F(ToolbarTest, CountsEveryQuickPressOnAButtonThatStays) {
+  showAtRest(finished());
+  for (int i = 0; i < 3; ++i) {
+    click(place(Action::GoOut));
+    add(tree, Listing(folder).folder("f" + std::to_string(i)));
+    show(finished());
+    now_ += 60;
+  }
+  EXPECT_EQ(taken(), (Told{"up", "up", "up"}));
+}
+
+TEST_F(ToolbarTest, TakesPressesOnASelectorThatGrowsUnderThePointer) {
+  showAtRest(finished());
+  bar.motion(eventAt(place(Action::OpenMeasureMenu)));
+  const ui::Rect before = place(Action::OpenMeasureMenu);
+  ToolbarState another = finished();
+  another.measure = Measure::AddedLastSixMonths;
+  show(another);
+  ASSERT_GT(place(Action::OpenMeasureMenu).w, before.w);
+  click(before);
+  EXPECT_EQ(taken(), (Told{"measure"}));
+}
+
+TEST_F(ToolbarTest, HasUnderThePointerWhatIsThereByNow) {
+  ToolbarState running = finished();
+  running.scanning = true;
+  show(running);
+  const ui::Rect stop = place(Action::StopScan);
+  const auto ground = [&] { return picture().at(stop.x + 4, stop.y + 2); };
+  bar.motion(eventAt(stop));
+  const auto hovered = ground();
+  ASSERT_NE(hovered, rgb(style.palette().raised));
+  show(finished());
+  EXPECT_EQ(ground(), hovered) << "another button is under the pointer";
+  show(running);
+  const ui::Rect first = segment(0);
+  bar.motion(eventAt(first));
+  ASSERT_EQ(bar.pointer(), ui::PointerShape::Hand);
+  show({});
+  EXPECT_EQ(bar.pointer(), ui::PointerShape::Arrow);
+  show(finished());
+  bar.leave();
+  show(running);
+  EXPECT_EQ(ground(), rgb(style.palette().raised)) << "the pointer is elsewhere";
+}
+
 TEST_F(ToolbarTest, FillsItsRectAboveALineInTheBorderColour) {
   const test::Picture shown = picture();
   for (const int x : {0, 450, 899}) {
@@ -209,18 +330,18 @@ TEST_F(ToolbarTest, FillsItsRectAboveALineInTheBorderColour) {
 }
 
 TEST_F(ToolbarTest, ShowsWhichButtonIsHeld) {
-  bar.update(finished());
+  showAtRest(finished());
   const ui::Rect open = bar.layout().place(Action::LeaveScan);
   const auto ground = [&] { return picture().at(open.x + 4, open.y + 2); };
   EXPECT_EQ(ground(), rgb(style.palette().raised));
-  bar.press(at(open));
+  press(open);
   EXPECT_EQ(ground(), rgb(style.palette().pressed));
   bar.motion(at(bar.layout().place(Action::OpenApplicationMenu)));
   EXPECT_EQ(ground(), rgb(style.palette().raised));
 }
 
 TEST_F(ToolbarTest, UnderlinesTheSegmentUnderThePointerInTheLinkColour) {
-  bar.update(finished());
+  showAtRest(finished());
   EXPECT_EQ(picture().count(rgb(style.palette().link)), 0);
   bar.motion(at(segment(1)));
   EXPECT_GE(picture().count(rgb(style.palette().link)), segment(1).w);

@@ -79,6 +79,8 @@ TEST_F(WelcomeScreenTest, TellsThePressedVolumeAndTheButton) {
 }
 
 TEST_F(WelcomeScreenTest, OpensItsMenuUnderTheButton) {
+  screen_.motion(at(cardRect(0), 0));
+  screen_.motion(onMenu());
   click(onMenu());
   EXPECT_EQ(commands_, std::vector<Command>{{.action = Action::OpenApplicationMenu}});
   EXPECT_TRUE(screen_.menuButton().contains(onMenu().x, onMenu().y));

@@ -29,29 +29,43 @@ TEST_F(ArrivalGuardTest, HoldsANewControlBackForHalfASecond) {
 }
 
 TEST_F(ArrivalGuardTest, TakesPressesOnceThePointerHasMovedOnToIt) {
-  guard_.pointerAt(5, 5, std::nullopt);
-  guard_.pointerAt(20, 20, 1);
+  guard_.pointerAt(5, 5);
+  guard_.pointerAt(20, 20);
   EXPECT_TRUE(takes(1, 1001));
 }
 
 TEST_F(ArrivalGuardTest, SeesNoMoveInThePlaceWhereThePointerWas) {
-  guard_.pointerAt(20, 20, 1);
-  guard_.pointerAt(20, 20, 1);
+  guard_.pointerAt(20, 20);
+  guard_.pointerAt(20, 20);
   EXPECT_FALSE(takes(1, 1001));
 }
 
 TEST_F(ArrivalGuardTest, SeesNoMoveWhereItDoesNotKnowWhereThePointerWas) {
-  guard_.pointerAt(5, 5, std::nullopt);
+  guard_.pointerAt(5, 5);
   guard_.forgetPointer();
-  guard_.pointerAt(20, 20, 1);
+  guard_.pointerAt(20, 20);
   EXPECT_FALSE(takes(1, 1001));
-  guard_.pointerAt(21, 20, 1);
+  guard_.pointerAt(5, 5);
+  guard_.pointerAt(20, 20);
   EXPECT_TRUE(takes(1, 1002));
 }
 
+TEST_F(ArrivalGuardTest, DoesNotTakeATremblingPointerForOneThatMovedOnToTheControl) {
+  guard_.pointerAt(20, 20);
+  guard_.pointerAt(22, 21);
+  EXPECT_FALSE(takes(1, 1001));
+}
+
+TEST_F(ArrivalGuardTest, LeavesAloneWhatChangesItsPlaceAndStaysUnderThePointer) {
+  guard_.pointerAt(5, 5);
+  guard_.pointerAt(20, 20);
+  guard_.place({{1, {10, 10, 80, 20}}});
+  EXPECT_TRUE(takes(1, 1001));
+}
+
 TEST_F(ArrivalGuardTest, HoldsBackWhatTakesAnothersPlace) {
-  guard_.pointerAt(5, 5, std::nullopt);
-  guard_.pointerAt(20, 20, 1);
+  guard_.pointerAt(5, 5);
+  guard_.pointerAt(20, 20);
   guard_.place({{2, kHere}});
   EXPECT_FALSE(takes(1, 5000)) << "it is gone";
   EXPECT_FALSE(takes(2, 5000)) << "the half second begins when it is seen first";

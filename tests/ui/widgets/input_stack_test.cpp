@@ -162,6 +162,12 @@ TEST_F(InputStackTest, TellsWhatComesUnderTheRestingPointerWhereItIs) {
   EXPECT_EQ(taken(), Log{"screen covered"}) << "it is not in the window";
 }
 
+TEST_F(InputStackTest, TellsTheShapeThatThePointerHasInANewFrame) {
+  shape_ = PointerShape::Arrow;
+  stack_.prepare();
+  EXPECT_EQ(shape_, PointerShape::Hand);
+}
+
 TEST_F(InputStackTest, GivesOverlaysTheWholeWindow) {
   auto dialog = std::make_unique<Layer<Overlay>>("dialog", log_);
   const View& opened = *dialog;
