@@ -17,13 +17,18 @@ Clipboard::Clipboard(Display* display)
 void Clipboard::offer(const std::string& text, ::Window window) {
   text_ = text;
   if (window == 0) return;
+  claim_ = NextRequest(display_);
   XSetSelectionOwner(display_, clipboard_, window, CurrentTime);
   XFlush(display_);
 }
 
 void Clipboard::handleClear(const XSelectionClearEvent& event) {
   // The window may own other selections as well, whose loss says nothing about this one.
-  if (event.selection == clipboard_) text_.clear();
+  if (event.selection != clipboard_) return;
+  // Sent before the server had read the last claim: that loss is made good. Times would not tell,
+  // since nobody says at which the server took the claim.
+  if (event.serial < claim_) return;
+  text_.clear();
 }
 
 void Clipboard::answer(const XSelectionRequestEvent& request) const {

@@ -14,7 +14,7 @@ class Clipboard {
 
   /// Offers `text` from `window`; without a window (0) it is only kept.
   void offer(const std::string& text, ::Window window);
-  /// Another client took a selection that was ours.
+  /// Another client took a selection that was ours; perhaps before `offer` took it back.
   void handleClear(const XSelectionClearEvent& event);
   /// Another client asks for a selection. Text goes out as the bytes it is, also as STRING.
   /// Selections other than CLIPBOARD, unknown targets, and text beyond what one request can carry
@@ -32,6 +32,8 @@ class Clipboard {
   Atom utf8String_;
   Atom targets_;
   std::string text_;
+  /// The number of the request that last claimed the selection.
+  unsigned long claim_ = 0;
 };
 
 }  // namespace ui

@@ -120,6 +120,21 @@ TEST_F(ClipboardTest, ForgetsItsTextWhenAnotherProgramCopies) {
   EXPECT_EQ(paste("UTF8_STRING"), "theirs");
 }
 
+TEST_F(ClipboardTest, KeepsATextThatItOfferedBeforeItHeardOfAnEarlierLoss) {
+  window.setClipboardText("one");
+  settle();
+  other.takeSelection("CLIPBOARD");
+  ASSERT_NE(other.selectionOwner("CLIPBOARD"), window.xid());
+  window.setClipboardText("two");
+  settle();
+  ASSERT_EQ(other.selectionOwner("CLIPBOARD"), window.xid());
+  EXPECT_EQ(window.clipboardText(), "two");
+  EXPECT_EQ(paste("UTF8_STRING"), "two");
+  other.takeSelection("CLIPBOARD");
+  settle();
+  EXPECT_EQ(window.clipboardText(), "") << "a loss that came later";
+}
+
 TEST_F(ClipboardTest, KeepsItsTextWhenAnotherSelectionIsLost) {
   window.setClipboardText("ours");
   Display* display = connection->native().display;
