@@ -30,7 +30,7 @@ std::string endOfScan(const ScanStatus& status) {
 }  // namespace
 
 std::string statusText(const ScanStatus& status) {
-  if (status.nodes == 0) return "Scanning…";
+  if (status.nodes == 0 && !status.stopped) return "Scanning…";
   const std::string sum = formatSize(status.total) + " in " + formatCount(status.items) + " items";
   if (status.scanning) return sum + kSeparator + "scanning…";
   return sum + endOfScan(status);

@@ -16,6 +16,11 @@ ScanStatus finished() {
 
 TEST(StatusText, SaysThatItScansBeforeThereIsANode) { EXPECT_EQ(statusText({}), "Scanning…"); }
 
+TEST(StatusText, TellsOfAScanThatWasStoppedBeforeThereWasANode) {
+  EXPECT_EQ(statusText({.elapsedSeconds = 1.5, .stopped = true}),
+            "0 B in 0 items  ·  1.50s  ·  stopped");
+}
+
 TEST(StatusText, CountsWhileItScans) {
   ScanStatus status = finished();
   status.scanning = true;
