@@ -19,6 +19,7 @@
 #include "app/model/product.h"
 #include "app/model/settings.h"
 #include "app/model/settings_store.h"
+#include "ui/steady_clock.h"
 #include "ui/widgets/message_dialog.h"
 #include "ui/widgets/popup_menu.h"
 
@@ -223,7 +224,7 @@ void MainWindow::tick() {
   session_.follow();
   advancePending();
   questions_.tick();
-  const std::int64_t now = ui::Window::now();
+  const std::int64_t now = ui::steadyMs();
   if (!scanShown() && now >= nextVolumes_) refreshVolumes();
   input_.tick(now);
   if (const auto file = captureCountdown_.tick(session_.underWay())) {
@@ -467,7 +468,7 @@ void MainWindow::setMeasure(Measure measure) {
 }
 
 void MainWindow::refreshVolumes() {
-  nextVolumes_ = ui::Window::now() + kVolumesMs;
+  nextVolumes_ = ui::steadyMs() + kVolumesMs;
   volumes_.refresh();
   welcomeScreen_.setCards(volumes_.cards());
 }

@@ -145,7 +145,7 @@ class MainWindow {
   std::chrono::steady_clock::time_point pendingAdvanced_ = std::chrono::steady_clock::now();
   sizewalk::VolumeMeter meter_;
   VolumeCards volumes_;
-  std::int64_t nextVolumes_ = 0;  // when they are to be listed again, as `ui::Window::now` tells
+  std::int64_t nextVolumes_ = 0;  // when they are to be listed again, as `ui::steadyMs` tells
   CaptureCountdown captureCountdown_;
 };
 

@@ -20,7 +20,7 @@ struct MouseEvent {
   /// Keys that were held; false for releases.
   bool shift = false;
   bool ctrl = false;
-  /// When the window handed it on, as `Window::now` tells.
+  /// When the window handed it on, as `steadyMs` tells.
   std::int64_t timeMs = 0;
 };
 
@@ -33,7 +33,7 @@ struct KeyEvent {
   std::string text;
   bool shift = false;
   bool ctrl = false;
-  /// When the window handed it on, as `Window::now` tells.
+  /// When the window handed it on, as `steadyMs` tells.
   std::int64_t timeMs = 0;
 };
 

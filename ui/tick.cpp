@@ -15,12 +15,6 @@ void Tick::stop() {
   onTick_ = nullptr;
 }
 
-bool Tick::isDue(std::int64_t now) const {
-  // More than an interval ahead means that the clock was set back, which must not stop the ticking
-  // until the clock has caught up.
-  return nextTick_ <= now || nextTick_ - now > intervalMs_;
-}
-
 void Tick::runIfDue(std::int64_t now) {
   if (!installed() || !isDue(now)) return;
   nextTick_ = now + intervalMs_;

@@ -5,7 +5,7 @@
 
 namespace ui {
 
-/// A callable due at intervals. Times are milliseconds since the epoch, passed in by the caller.
+/// A callable due at intervals. Times are as `steadyMs` tells, passed in by the caller.
 class Tick {
  public:
   /// Replaces the callable; it is first due one interval after `now`. An interval of 0 or less is
@@ -21,7 +21,7 @@ class Tick {
   int msUntilDue(std::int64_t now) const;
 
  private:
-  bool isDue(std::int64_t now) const;
+  bool isDue(std::int64_t now) const { return nextTick_ <= now; }
 
   int intervalMs_ = 0;
   std::int64_t nextTick_ = 0;

@@ -11,6 +11,7 @@
 
 #include "ui/capture.h"
 #include "ui/properties.h"
+#include "ui/steady_clock.h"
 #include "ui/window_native.h"
 #include "ui/x_errors.h"
 
@@ -160,7 +161,7 @@ void Window::post(Task task) {
 }
 
 void Window::setTick(int intervalMs, std::function<void()> onTick) {
-  tick_.set(intervalMs, std::move(onTick), now());
+  tick_.set(intervalMs, std::move(onTick), steadyMs());
 }
 
 void Window::stopTick() { tick_.stop(); }

@@ -97,7 +97,7 @@ class Window {
   /// What this window offers; empty once another client took the selection over.
   const std::string& clipboardText() const;
 
-  /// Milliseconds since the epoch.
+  /// The time of day in milliseconds since the epoch. The user may set it: spans go by `steadyMs`.
   static std::int64_t now();
 
   int width() const { return width_; }

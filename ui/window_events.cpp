@@ -3,6 +3,7 @@
 #include <array>
 
 #include "ui/input_events.h"
+#include "ui/steady_clock.h"
 #include "ui/window_native.h"
 
 // The event loop of the window, and what it does with each event.
@@ -25,7 +26,7 @@ void Window::run() {
     dispatchPending();
     if (!running_) return;
     tasks_.runAll();
-    tick_.runIfDue(now());
+    tick_.runIfDue(steadyMs());
     if (needsRedraw_) paint();
     // Xlib may have read events into its queue while it waited for an answer, where no wait on the
     // descriptor sees them.
@@ -47,7 +48,7 @@ void Window::waitForWork() {
   // FD_SETSIZE here, and select would write beyond its sets. poll passes over a descriptor of -1.
   std::array<pollfd, 2> descriptors = {
       {{ConnectionNumber(native_->display), POLLIN, 0}, {wakePipe_.readEnd(), POLLIN, 0}}};
-  const int ready = poll(descriptors.data(), descriptors.size(), tick_.msUntilDue(now()));
+  const int ready = poll(descriptors.data(), descriptors.size(), tick_.msUntilDue(steadyMs()));
   // A failure, such as an interrupting signal, just ends the wait.
   if (ready > 0 && descriptors[1].revents & POLLIN) wakePipe_.drain();
 }
@@ -100,22 +101,22 @@ void Window::Native::handleClientMessage(const XClientMessageEvent& event) {
 }
 
 void Window::Native::handleKey(XKeyEvent& event) {
-  if (owner.onKey) owner.onKey(at(now(), keyEventOf(event)));
+  if (owner.onKey) owner.onKey(at(steadyMs(), keyEventOf(event)));
 }
 
 void Window::Native::handlePress(const XButtonEvent& event) {
   if (const auto step = wheelStepOf(event.button)) {
-    if (owner.onWheel) owner.onWheel(at(now(), mouseEventOf(event, 1)), step->dx, step->dy);
+    if (owner.onWheel) owner.onWheel(at(steadyMs(), mouseEventOf(event, 1)), step->dx, step->dy);
     return;
   }
-  const std::int64_t time = now();
+  const std::int64_t time = steadyMs();
   const int count = clicks.press(event.x, event.y, time);
   if (owner.onPress) owner.onPress(at(time, mouseEventOf(event, count)));
 }
 
 void Window::Native::handleRelease(const XButtonEvent& event) {
   if (wheelStepOf(event.button)) return;
-  if (owner.onRelease) owner.onRelease(at(now(), releaseEventOf(event, clicks.count())));
+  if (owner.onRelease) owner.onRelease(at(steadyMs(), releaseEventOf(event, clicks.count())));
 }
 
 void Window::Native::handleMotion(XEvent& event) {
@@ -123,7 +124,7 @@ void Window::Native::handleMotion(XEvent& event) {
   // behind.
   while (XCheckTypedWindowEvent(display, window, MotionNotify, &event)) {
   }
-  if (owner.onMotion) owner.onMotion(at(now(), mouseEventOf(event.xmotion)));
+  if (owner.onMotion) owner.onMotion(at(steadyMs(), mouseEventOf(event.xmotion)));
 }
 
 }  // namespace ui

@@ -5,9 +5,9 @@
 
 #include "app/model/format.h"
 #include "ui/keys.h"
+#include "ui/steady_clock.h"
 #include "ui/text.h"
 #include "ui/text_fit.h"
-#include "ui/window.h"
 
 namespace app {
 
@@ -60,7 +60,7 @@ void FolderChooser::goTo(std::string path) {
   placesColumn_.setShownPath(path_);
   listColumn_.clear();
   slow_ = false;
-  askedMs_ = ui::Window::now();
+  askedMs_ = ui::steadyMs();
   if (auto answer = reader_.read(path_)) listColumn_.show(std::move(*answer));
 }
 

@@ -3,10 +3,12 @@
 #include <X11/keysym.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <tuple>
 #include <vector>
 
+#include "tests/ui/wall_clock.h"
 #include "tests/ui/window_test_base.h"
 
 namespace test {
@@ -240,6 +242,33 @@ TEST_F(InputTest, DropsWhatNoCallableIsSetFor) {
   other.movePointer(600, 500);
   settle();
   EXPECT_TRUE(seen.empty());
+}
+
+TEST_F(InputTest, MeasuresSpansByAClockThatNobodySets) {
+  std::vector<std::int64_t> times;
+  window.onMotion = [&](const ui::MouseEvent& e) { times.push_back(e.timeMs); };
+  const auto move = [&](int x, std::int64_t clockOffByMs) {
+    const WallClock clock(clockOffByMs);
+    other.movePointer(x, 40);
+    settle();
+  };
+  move(60, 0);
+  move(61, -3'600'000);
+  move(62, 0);
+  move(63, 3'600'000);
+  ASSERT_EQ(times.size(), 4u);
+  EXPECT_TRUE(std::ranges::is_sorted(times)) << "it goes on";
+  EXPECT_LT(times[3] - times[0], 3'600'000);
+}
+
+TEST_F(InputTest, TicksOnWhenTheClockIsSetBack) {
+  int ticks = 0;
+  window.setTick(1, [&] {
+    if (++ticks == 3) window.quit();
+  });
+  const WallClock clock(-3'600'000);
+  window.run();
+  EXPECT_EQ(ticks, 3);
 }
 
 TEST_F(InputTest, CountsAPressThatNoCallableIsSetFor) {

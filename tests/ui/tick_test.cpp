@@ -98,16 +98,5 @@ TEST(Tick, MayReplaceItselfWhileItRuns) {
   EXPECT_EQ(seen, 100u);
 }
 
-TEST(Tick, GoesOnWhenTheClockIsSetBack) {
-  Tick tick;
-  int ticks = 0;
-  tick.set(
-      100, [&] { ++ticks; }, 3'600'000);
-  EXPECT_EQ(tick.msUntilDue(5000), 0);
-  tick.runIfDue(5000);
-  EXPECT_EQ(ticks, 1);
-  EXPECT_EQ(tick.msUntilDue(5000), 100);
-}
-
 }  // namespace
 }  // namespace ui
