@@ -192,6 +192,7 @@ bool FolderChooser::key(const ui::KeyEvent& event) {
 
 bool FolderChooser::keyAnywhere(const ui::KeyEvent& event) {
   const ui::key::Keysym key = ui::key::plain(event.keysym);
+  if (key == ui::key::kBackSpace && listColumn_.key(event)) return true;
   if (key == ui::key::kBackSpace || (key == ui::key::kUp && event.ctrl)) {
     goUp();
     return true;

@@ -5,24 +5,11 @@
 
 #include "app/model/format.h"
 #include "ui/keys.h"
-#include "ui/typed_text.h"
 
 namespace app {
 
 using sizewalk::kRootNode;
 using sizewalk::NodeId;
-
-namespace {
-
-/// Of the keys that the view with the keyboard has no use for, the list takes letters and the menu
-/// of the current row, and nothing that would move or select behind the user's back.
-bool isForList(const ui::KeyEvent& event) {
-  const ui::key::Keysym keysym = ui::key::plain(event.keysym);
-  const bool menu = keysym == ui::key::kMenu || (keysym == ui::key::kF10 && event.shift);
-  return menu || (!event.ctrl && !ui::typedText(event).empty());
-}
-
-}  // namespace
 
 ScanScreenSettings ScanScreenSettings::of(const SettingsStore& store) {
   return {.listAboveMap = store.get(setting::kSplitHorizontally),
@@ -297,7 +284,8 @@ std::optional<NodeId> ScanScreen::hovered() const {
 bool ScanScreen::key(const ui::KeyEvent& event) {
   if (Screen::key(event)) return true;
   if (ui::key::plain(event.keysym) == ui::key::kEscape && dismiss()) return true;
-  return keyboardOwner() != &list_ && isForList(event) && list_.key(event);
+  // Nothing that would move or select behind the user's back.
+  return keyboardOwner() != &list_ && list_.keyFromElsewhere(event);
 }
 
 bool ScanScreen::dismiss() {

@@ -35,6 +35,11 @@ void WelcomeScreen::layOut() {
 
 /// Tab comes from the line to the first or the last control at once.
 bool WelcomeScreen::key(const ui::KeyEvent& event) {
+  const auto command = commandFor(event);
+  if (command && command->action == Action::LeaveScan) {
+    if (onChooseFolder) onChooseFolder();
+    return true;
+  }
   const bool elsewhere = keyboardOwner() != &view_;
   const bool used = Screen::key(event);
   if (elsewhere && keyboardOwner() == &view_ && ui::key::plain(event.keysym) == ui::key::kTab) {

@@ -33,6 +33,7 @@ class WelcomeScreen : public Screen {
   const WelcomeView& view() const { return view_; }
 
   void press(const ui::MouseEvent& event) override;
+  /// The key that leaves a scan chooses a folder here.
   bool key(const ui::KeyEvent& event) override;
 
  protected:

@@ -246,6 +246,11 @@ bool FolderList::key(const ui::KeyEvent& event) {
   return handled;
 }
 
+bool FolderList::keyFromElsewhere(const ui::KeyEvent& event) {
+  const auto row = currentRow();
+  return row && (typeAhead(event, *row) || askForMenu(event, *row));
+}
+
 bool FolderList::keyWithCtrl(const ui::KeyEvent& event, std::size_t row) {
   const bool isA = event.keysym == 'a' || event.keysym == 'A';  // the latter with Caps Lock
   if (!isA || event.shift) return false;
@@ -281,14 +286,8 @@ bool FolderList::keyOnRow(const ui::KeyEvent& event, std::size_t row) {
     case ui::key::kReturn:
       if (onActivate) onActivate(nodeAt(row));
       return true;
-    case ui::key::kMenu:
-      askForMenuAt(row);
-      return true;
-    case ui::key::kF10:
-      if (event.shift) askForMenuAt(row);
-      return event.shift;
     default:
-      return false;
+      return askForMenu(event, row);
   }
 }
 
@@ -313,7 +312,9 @@ void FolderList::goLeft(std::size_t row, bool extend) {
   }
 }
 
-void FolderList::askForMenuAt(std::size_t row) {
+bool FolderList::askForMenu(const ui::KeyEvent& event, std::size_t row) {
+  const ui::key::Keysym keysym = ui::key::plain(event.keysym);
+  if (keysym != ui::key::kMenu && !(keysym == ui::key::kF10 && event.shift)) return false;
   const NodeId node = nodeAt(row);
   if (!selection_.contains(node)) selectOnly(node);
   scrollToRow(row);
@@ -321,6 +322,7 @@ void FolderList::askForMenuAt(std::size_t row) {
   changed();
   const ui::Rect name = placesOf(row).name;
   if (onContextMenu) onContextMenu(node, name.x, name.y + name.h, Command::By::Key);
+  return true;
 }
 
 bool FolderList::typeAhead(const ui::KeyEvent& event, std::size_t row) {

@@ -60,6 +60,9 @@ class FolderList : public ui::RowList {
   void press(const ui::MouseEvent& event) override;
   void wheel(const ui::MouseEvent& event, int dy) override;
   bool key(const ui::KeyEvent& event) override;
+  /// Of the keys those alone that search for a name, and those that ask for the context menu: what
+  /// the list takes while another view has the keyboard.
+  bool keyFromElsewhere(const ui::KeyEvent& event);
 
   const FolderRows& rows() const { return rows_; }
   /// The item of the row under the pointer.
@@ -103,7 +106,7 @@ class FolderList : public ui::RowList {
   bool keyOnRow(const ui::KeyEvent& event, std::size_t row);
   void goRight(std::size_t row, bool extend);
   void goLeft(std::size_t row, bool extend);
-  void askForMenuAt(std::size_t row);
+  bool askForMenu(const ui::KeyEvent& event, std::size_t row);
   bool typeAhead(const ui::KeyEvent& event, std::size_t row);
 
   const KindColours* colours_;

@@ -76,11 +76,16 @@ void InputStack::tick(std::int64_t nowMs) {
 
 void InputStack::press(const MouseEvent& event) {
   View* const target = top();
+  const std::uint64_t serial = target->serial();
   const bool menu = !over_.empty() && over_.back()->isMenu();
+  if (event.clicks == 1) clicksBefore_ = 0;
+  MouseEvent counted = event;
+  counted.clicks -= clicksBefore_;
   // A quick second press belongs to what took the first one; a menu knows no double presses.
-  if (event.clicks > 1 && !menu && target->serial() != pressed_) return;
-  pressed_ = target->serial();
-  target->press(event);
+  if (counted.clicks > 1 && !menu && serial != pressed_) return;
+  pressed_ = serial;
+  target->press(counted);
+  if (menu && top()->serial() != serial) clicksBefore_ = event.clicks;
   updatePointer();
 }
 

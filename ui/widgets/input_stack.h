@@ -58,6 +58,9 @@ class InputStack {
   // Serial numbers of views, 0 for none.
   /// What took the last press.
   std::uint64_t pressed_ = 0;
+  /// The presses of the series up to one that closed a menu and did nothing else: those that follow
+  /// are counted from it on.
+  int clicksBefore_ = 0;
   /// Where the pointer is in the window, if it is, and what was last told so.
   std::optional<MouseEvent> pointer_;
   std::uint64_t told_ = 0;

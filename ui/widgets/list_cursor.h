@@ -6,6 +6,7 @@
 #include <string>
 
 #include "ui/input.h"
+#include "ui/keys.h"
 #include "ui/typed_text.h"
 #include "ui/widgets/row_geometry.h"
 #include "ui/widgets/type_ahead.h"
@@ -47,7 +48,7 @@ class ListCursor {
 
   /// Adds what a key types to the search and looks for the next of `count` names that begins so,
   /// from the current row, which is `row`, on and round the end. The first letter leaves that row,
-  /// those that follow may stay. The current row stays the same one.
+  /// those that follow may stay. The current row stays the same one. Backspace takes a letter back.
   template <typename NameAt>
   Search type(const KeyEvent& event, std::size_t count, std::optional<std::size_t> row,
               NameAt nameAt);
@@ -98,6 +99,9 @@ template <typename Key>
 template <typename NameAt>
 auto ListCursor<Key>::type(const KeyEvent& event, std::size_t count, std::optional<std::size_t> row,
                            NameAt nameAt) -> Search {
+  if (event.keysym == key::kBackSpace && !event.ctrl) {
+    return {typeAhead_.takeBack(event.timeMs), std::nullopt};
+  }
   const std::string text = typedText(event);
   if (event.ctrl || !typeAhead_.accepts(text, event.timeMs)) return {};
   const bool fresh = typeAhead_.type(text, event.timeMs);

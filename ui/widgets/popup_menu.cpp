@@ -166,6 +166,8 @@ bool PopupMenu::key(const KeyEvent& event) {
       walk(std::nullopt, MenuStep::Up);
       return true;
     case key::kEscape:
+    case key::kF10:
+    case key::kMenu:
       close();
       return true;
     case key::kReturn:

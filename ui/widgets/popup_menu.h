@@ -37,6 +37,7 @@ class PopupMenu : public Overlay {
   void release(const MouseEvent& event) override;
   void leave() override;
   void wheel(const MouseEvent& event, int dy) override;
+  /// Arrows, Home and End walk, Enter and Space choose; Escape and the keys that open menus close.
   bool key(const KeyEvent& event) override;
 
   const std::vector<MenuEntry>& entries() const { return entries_; }

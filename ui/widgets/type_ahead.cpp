@@ -25,21 +25,29 @@ constexpr char32_t folded(char32_t c) {
 }  // namespace
 
 bool TypeAhead::goesOn(std::int64_t nowMs) const {
-  return !typed_.empty() && nowMs - lastMs_ < kForgottenAfterMs;
+  return lastMs_ && nowMs - *lastMs_ < kForgottenAfterMs;
 }
 
 bool TypeAhead::accepts(std::string_view text, std::int64_t nowMs) const {
   const auto first = base::firstCharacter(text);
   if (!first || first->codePoint < U' ' || first->codePoint == 0x7F) return false;
-  return first->codePoint != U' ' || goesOn(nowMs);
+  return first->codePoint != U' ' || (goesOn(nowMs) && !typed_.empty());
 }
 
 bool TypeAhead::type(std::string_view text, std::int64_t nowMs) {
-  const bool fresh = !goesOn(nowMs);
-  if (fresh) typed_.clear();
+  if (!goesOn(nowMs)) typed_.clear();
+  const bool fresh = typed_.empty();
   typed_ += text;
   lastMs_ = nowMs;
   return fresh;
+}
+
+bool TypeAhead::takeBack(std::int64_t nowMs) {
+  if (!goesOn(nowMs)) return false;
+  while (!typed_.empty() && base::isContinuation(typed_.back())) typed_.pop_back();
+  if (!typed_.empty()) typed_.pop_back();
+  lastMs_ = nowMs;
+  return true;
 }
 
 bool TypeAhead::matches(std::string_view name) const {

@@ -20,7 +20,10 @@ class TypeAhead {
   bool accepts(std::string_view text, std::int64_t nowMs) const;
   /// Adds what was typed. True when a new search begins with it.
   bool type(std::string_view text, std::int64_t nowMs);
-  void forget() { typed_.clear(); }
+  /// Takes back the last character, of what is typed in UTF-8. False when no search runs; one from
+  /// which all was taken back does so as long as any other, so that a key too many does no harm.
+  bool takeBack(std::int64_t nowMs);
+  void forget() { lastMs_.reset(); }
 
   /// True when `name`, which may be any bytes, begins with what was typed.
   bool matches(std::string_view name) const;
@@ -39,7 +42,8 @@ class TypeAhead {
   bool goesOn(std::int64_t nowMs) const;
 
   std::string typed_;
-  std::int64_t lastMs_ = 0;
+  /// When a key was last typed, unless that was forgotten.
+  std::optional<std::int64_t> lastMs_;
 };
 
 }  // namespace ui

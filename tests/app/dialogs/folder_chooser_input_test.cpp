@@ -203,6 +203,18 @@ TEST_F(FolderChooserTest, ScansByCtrlAndEnterFromAnywhere) {
   EXPECT_EQ(taken(), (Told{"closed", "scan " + home + "/Music"}));
 }
 
+TEST_F(FolderChooserTest, TakesBackWhatWasTypedBeforeItGoesUp) {
+  type("b");
+  type("x");
+  key(ui::key::kBackSpace);
+  EXPECT_EQ(path(), home);
+  type("b");
+  EXPECT_EQ(selectedName(), "bb");
+  key(ui::key::kHome);
+  key(ui::key::kBackSpace);
+  EXPECT_NE(path(), home);
+}
+
 TEST_F(FolderChooserTest, FindsNamesThatAreTyped) {
   type("b");
   EXPECT_EQ(selectedName(), "b");

@@ -262,6 +262,52 @@ TEST_F(ScanScreenTest, GoesOnDraggingWhenAnotherButtonIsLetGo) {
   EXPECT_EQ(screen_.layout().mainDivider.x, before + 50);
 }
 
+TEST_F(ScanScreenTest, KeepsKeysInTheControlWithTheRing) {
+  const auto shown = [&] { return std::make_pair(listed(), selected()); };
+  click(inList(big_));
+  key(ui::key::kRight);
+  click(inKinds(1));
+  const auto before = shown();
+  for (const auto keysym : {ui::key::kLeft, ui::key::kRight, ui::key::kPageUp, ui::key::kPageDown,
+                            ui::key::kHome, ui::key::kEnd, ui::key::kUp, ui::key::kDown}) {
+    key(keysym);
+    screen_.key({.keysym = keysym, .text = {}, .ctrl = true});
+    screen_.key({.keysym = keysym, .text = {}, .shift = true});
+  }
+  EXPECT_EQ(shown(), before) << "the kinds have the ring";
+  key(ui::key::kTab);
+  ASSERT_EQ(keyboard(), "map");
+  const auto onTheMap = shown();
+  for (const auto keysym :
+       {ui::key::kPageUp, ui::key::kPageDown, ui::key::kHome, ui::key::kEnd, ui::key::kDelete}) {
+    key(keysym);
+    screen_.key({.keysym = keysym, .text = "\x7f", .shift = true});
+  }
+  EXPECT_EQ(shown(), onTheMap) << "the map has the ring";
+}
+
+TEST_F(ScanScreenTest, HandsNoEnterFromKindsWithoutRowsToTheList) {
+  const auto empty = std::make_shared<sizewalk::FileTree>(treeOptions());
+  empty->createRoot("/e");
+  const NodeId inside = add(*empty, Listing(0).folder("inside")).front();
+  add(*empty, Listing(inside).folder("deeper"));
+  screen_.show(empty);
+  screen_.prepare();
+  ASSERT_TRUE(kinds().rows().empty());
+  key(ui::key::kDown);
+  key(ui::key::kTab);
+  screen_.key({.keysym = ui::key::kReturn, .text = "\r"});
+  EXPECT_EQ(focus(), kRootNode);
+  screen_.show(nullptr);
+}
+
+TEST_F(ScanScreenTest, TakesBackInTheListWhatWasTypedElsewhere) {
+  click(inKinds(0));
+  ASSERT_TRUE(screen_.key({.keysym = 'p', .text = "p"}));
+  EXPECT_TRUE(screen_.key({.keysym = ui::key::kBackSpace, .text = "\b", .timeMs = 10}));
+  EXPECT_FALSE(screen_.key({.keysym = ui::key::kBackSpace, .text = "\b", .timeMs = 5000}));
+}
+
 TEST_F(ScanScreenTest, HandsTheListOnlyLettersOfAnotherViewsKeys) {
   click(inList(photo_));
   click(inKinds(0));

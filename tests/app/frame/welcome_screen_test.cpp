@@ -155,6 +155,13 @@ TEST_F(WelcomeScreenTest, TakesNoWheel) {
   EXPECT_EQ(screen_.pointer(), ui::PointerShape::Arrow);
 }
 
+TEST_F(WelcomeScreenTest, ChoosesAFolderByTheKeyOfOpen) {
+  EXPECT_TRUE(screen_.key({.keysym = 'o', .text = {}, .ctrl = true}));
+  EXPECT_TRUE(screen_.key({.keysym = 'O', .text = {}, .ctrl = true})) << "with Caps Lock";
+  EXPECT_FALSE(screen_.key({.keysym = 'o', .text = {}}));
+  EXPECT_EQ(taken(), (Told{"choose", "choose"}));
+}
+
 class WelcomeScreenUpdateTest : public WelcomeScreenTest {
  protected:
   WelcomeScreenUpdateTest() {

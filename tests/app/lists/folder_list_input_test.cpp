@@ -221,6 +221,16 @@ TEST_F(FolderListTest, GoesToTheNextNameThatIsTyped) {
   EXPECT_EQ(list_.current(), big_) << "nothing begins so";
 }
 
+TEST_F(FolderListTest, TakesBackWhatWasTypedByBackspace) {
+  EXPECT_FALSE(key(ui::key::kBackSpace)) << "which leads out of the folder";
+  type("s");
+  type("x");
+  EXPECT_TRUE(key(ui::key::kBackSpace));
+  EXPECT_EQ(list_.current(), small_);
+  now_ += 1000;
+  EXPECT_FALSE(key(ui::key::kBackSpace));
+}
+
 TEST_F(FolderListTest, BeginsAnotherSearchAfterAnotherKey) {
   type("s");
   key(ui::key::kHome);

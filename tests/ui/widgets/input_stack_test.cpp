@@ -53,6 +53,13 @@ class Menu : public Layer<Overlay> {
   bool isMenu() const override { return true; }
 };
 
+/// Closes at a press, as one outside of it.
+class ClosingMenu : public Menu {
+ public:
+  using Menu::Menu;
+  void press(const MouseEvent& /*event*/) override { close(); }
+};
+
 class InputStackTest : public testing::Test {
  protected:
   InputStackTest() {
@@ -131,6 +138,25 @@ TEST_F(InputStackTest, AMenuTakesEveryPress) {
   taken();
   stack_.press({.clicks = 2});
   EXPECT_EQ(taken(), Log{"menu press2"});
+}
+
+TEST_F(InputStackTest, CountsPressesAnewAfterOneThatClosedAMenu) {
+  stack_.open(std::make_unique<ClosingMenu>("menu", log_));
+  stack_.press({.clicks = 1});
+  ASSERT_FALSE(stack_.covered());
+  taken();
+  stack_.press({.clicks = 2});
+  stack_.press({.clicks = 3});
+  EXPECT_EQ(taken(), (Log{"screen press1", "screen press2"}));
+  stack_.press({.clicks = 1});
+  EXPECT_EQ(taken(), Log{"screen press1"});
+}
+
+TEST_F(InputStackTest, CountsOnWhereNoMenuWasClosed) {
+  stack_.press({.clicks = 1});
+  stack_.press({.clicks = 2});
+  stack_.press({.clicks = 3});
+  EXPECT_EQ(taken(), (Log{"screen press1", "screen press2", "screen press3"}));
 }
 
 TEST_F(InputStackTest, ClosesAMenuWhenSomethingElseIsShown) {

@@ -122,6 +122,14 @@ class ListCursorSearchTest : public testing::Test {
     return names_[*search.row];
   }
 
+  bool takesBack() {
+    now_ += 10;
+    return cursor_
+        .type({.keysym = key::kBackSpace, .text = "\b", .timeMs = now_}, names_.size(), current_,
+              [this](std::size_t row) { return names_[row]; })
+        .taken;
+  }
+
   std::vector<std::string> names_ = {"alpha", "beta", "bethel", "charlie"};
   std::optional<std::size_t> current_;
   std::int64_t now_ = 5000;
@@ -143,6 +151,38 @@ TEST_F(ListCursorSearchTest, StaysWhileWhatIsTypedGoesOnToFit) {
   EXPECT_EQ(type("x"), "none");
   cursor_.forgetTyped();
   EXPECT_EQ(type("c"), "charlie");
+}
+
+TEST_F(ListCursorSearchTest, TakesBackALetter) {
+  EXPECT_FALSE(takesBack()) << "nothing was typed";
+  EXPECT_EQ(type("b"), "beta");
+  EXPECT_EQ(type("x"), "none");
+  EXPECT_TRUE(takesBack());
+  EXPECT_EQ(type("e"), "beta");
+  EXPECT_EQ(type("é"), "none");
+  EXPECT_TRUE(takesBack()) << "a whole letter";
+  EXPECT_EQ(type("t"), "beta");
+  EXPECT_EQ(type("h"), "bethel");
+}
+
+TEST_F(ListCursorSearchTest, TakesBackNothingOnceTheSearchIsForgotten) {
+  type("b");
+  now_ += 1000;
+  EXPECT_FALSE(takesBack());
+  type("b");
+  cursor_.forgetTyped();
+  EXPECT_FALSE(takesBack());
+}
+
+TEST_F(ListCursorSearchTest, KeepsABackspaceTooManyFromMeaningSomethingElse) {
+  type("b");
+  EXPECT_TRUE(takesBack());
+  EXPECT_TRUE(takesBack());
+  EXPECT_EQ(type(" "), "not taken") << "no search begins with a blank";
+  EXPECT_EQ(type("c"), "charlie");
+  takesBack();
+  now_ += 1000;
+  EXPECT_FALSE(takesBack());
 }
 
 TEST_F(ListCursorSearchTest, BeginsWithTheFirstRowWithoutACurrentOne) {

@@ -130,6 +130,14 @@ TEST_F(PopupMenuTest, IsClosedByEscape) {
   EXPECT_EQ(taken(), Told{"closed"});
 }
 
+TEST_F(PopupMenuTest, IsClosedByTheKeysThatOpenMenus) {
+  keys({ui::key::kF10});
+  EXPECT_EQ(taken(), Told{"closed"});
+  openWith({entry("first")});
+  keys({ui::key::kMenu});
+  EXPECT_EQ(taken(), Told{"closed"});
+}
+
 TEST_F(PopupMenuTest, WalksWithTheKeysOverWhatCanBeChosen) {
   EXPECT_EQ(menu->current(), std::nullopt);
   keys({ui::key::kDown});
