@@ -19,6 +19,7 @@
 #include "app/model/product.h"
 #include "app/model/settings.h"
 #include "app/model/settings_store.h"
+#include "sizewalk/mount_table.h"
 #include "ui/steady_clock.h"
 #include "ui/widgets/message_dialog.h"
 #include "ui/widgets/popup_menu.h"
@@ -478,7 +479,8 @@ void MainWindow::volumeMeasured(const std::string& path, const sizewalk::VolumeU
   if (!scanShown()) {
     welcomeScreen_.setCards(volumes_.cards());
   } else if (path == session_.path() && usage.totalBytes > 0) {
-    scanScreen_.setVolumeSpace(VolumeSpace{usage.usedBytes, usage.freeBytes});
+    const bool whole = sizewalk::isMountPoint(sizewalk::readMounts(), path);
+    scanScreen_.setVolumeSpace(VolumeSpace{usage.usedBytes, usage.freeBytes, whole});
   }
 }
 

@@ -1,5 +1,6 @@
 #include "sizewalk/mount_table.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <memory>
@@ -58,6 +59,10 @@ std::vector<MountEntry> readMounts(const std::string& tablePath) {
     }
   }
   return mounts;
+}
+
+bool isMountPoint(const std::vector<MountEntry>& mounts, std::string_view path) {
+  return std::ranges::find(mounts, path, &MountEntry::mountPoint) != mounts.end();
 }
 
 bool isPseudoFileSystem(std::string_view type) {

@@ -27,6 +27,10 @@ struct MountEntry {
 /// out.
 std::vector<MountEntry> readMounts(const std::string& tablePath = "/proc/self/mounts");
 
+/// Whether one of `mounts` is mounted at `path`, which is absolute and ends with no "/" but that of
+/// the root.
+bool isMountPoint(const std::vector<MountEntry>& mounts, std::string_view path);
+
 /// Whether file systems of `type` are a view into the kernel and hold no data of a user. Others in
 /// memory or made of other ones, "tmpfs" and "overlay", are not.
 bool isPseudoFileSystem(std::string_view type);

@@ -3,6 +3,7 @@
 #include <initializer_list>
 #include <utility>
 
+#include "app/frame/scan_progress.h"
 #include "app/model/format.h"
 #include "ui/keys.h"
 
@@ -244,6 +245,8 @@ void ScanScreen::updateToolbar() {
                    .canGoUp = focus_.canGoOut(),
                    .measure = measure_.measure,
                    .focus = focus_.current()});
+  const bool found = tree_ && tree_->nodeCount() > 0;
+  toolbar_.setProgress(scanProgress(status_, volume_, found ? tree_->allocatedSize(kRootNode) : 0));
 }
 
 void ScanScreen::updateStatus() {

@@ -6,6 +6,10 @@
 
 namespace app {
 
+namespace {
+constexpr double kProgressThickness = 2;  // logical pixels
+}
+
 void Toolbar::update(const ToolbarState& state) {
   const bool published = state.tree && state.focus < state.tree->nodeCount();
   if (state_ == state && focusPublished_ == published) return;
@@ -14,6 +18,14 @@ void Toolbar::update(const ToolbarState& state) {
   layOut();
   changed();
 }
+
+void Toolbar::setProgress(double share) {
+  const int before = progressWidth();
+  progress_ = share;
+  if (progressWidth() != before) changed();
+}
+
+int Toolbar::progressWidth() const { return static_cast<int>(progress_ * rect().w); }
 
 void Toolbar::layOut() {
   layout_ = layOutToolbar(state_, rect(), style_.lineHeight(), style_.scale(),
@@ -64,6 +76,8 @@ void Toolbar::paint(ui::Canvas& canvas) const {
   canvas.pushClip(bar);
   canvas.fillRect(bar, palette.window);
   canvas.fillRect({bar.x, bar.y + bar.h - 1, bar.w, 1}, palette.border);
+  const int thickness = std::max(1, style_.scaled(kProgressThickness));
+  canvas.fillRect({bar.x, bar.y + bar.h - thickness, progressWidth(), thickness}, palette.accent);
   paintSegments(canvas);
   // Those that lie over others last.
   for (std::size_t i = layout_.buttons.size(); i-- > 0;) paintButton(canvas, i);

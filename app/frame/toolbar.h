@@ -24,6 +24,9 @@ class Toolbar : public ui::ButtonView<> {
   /// state. Cheap while nothing of it changes, however much the tree grows.
   void update(const ToolbarState& state);
 
+  /// Draws a line along the lower edge, as long as that share of it, 0 to 1.
+  void setProgress(double share);
+
   void paint(ui::Canvas& canvas) const override;
   /// A hand over the breadcrumb.
   ui::PointerShape pointer() const override;
@@ -40,6 +43,7 @@ class Toolbar : public ui::ButtonView<> {
   /// folder comes under the pointer.
   Control controlOf(const BreadcrumbSegment& segment) const;
   ui::Rect segmentRect(const BreadcrumbSegment& segment) const;
+  int progressWidth() const;
   void paintButton(ui::Canvas& canvas, std::size_t number) const;
   void paintSegments(ui::Canvas& canvas) const;
   void paintSegment(ui::Canvas& canvas, const BreadcrumbSegment& segment) const;
@@ -50,6 +54,7 @@ class Toolbar : public ui::ButtonView<> {
   /// once that is there.
   bool focusPublished_ = false;
   ToolbarLayout layout_;
+  double progress_ = 0;
 };
 
 }  // namespace app

@@ -13,6 +13,8 @@ namespace app {
 struct VolumeSpace {
   std::uint64_t usedBytes = 0;
   std::uint64_t freeBytes = 0;
+  /// The scanned folder is the volume's own, not one inside.
+  bool isWhole = false;
 };
 
 /// Which extra blocks the user wants to see.

@@ -15,6 +15,7 @@ ScanSession::ScanSession(Post post, Now now)
 void ScanSession::start(const std::string& path) {
   controller_.start(path);
   phase_ = ScanPhase::Scanning;
+  readingAgain_ = false;
   path_ = absolutePath(path);
   started_ = now_();
   seenNodes_ = 0;
@@ -23,6 +24,7 @@ void ScanSession::start(const std::string& path) {
 void ScanSession::readAgain(sizewalk::NodeId folder) {
   if (phase_ != ScanPhase::Ended || !controller_.readAgain(folder)) return;
   phase_ = ScanPhase::Scanning;
+  readingAgain_ = true;
   started_ = now_();
 }
 
@@ -76,7 +78,7 @@ void ScanSession::lookAtEnd() {
 ScanStatus ScanSession::status() const {
   switch (phase_) {
     case ScanPhase::Scanning:
-      return {.scanning = true};
+      return {.scanning = true, .readingAgain = readingAgain_};
     case ScanPhase::Stopping:
       return {.elapsedSeconds = std::chrono::duration<double>(stopped_ - started_).count(),
               .stopped = true};

@@ -77,6 +77,7 @@ class ScanSession {
   const Now now_;
   RefreshPacer pacer_;
   ScanPhase phase_ = ScanPhase::None;
+  bool readingAgain_ = false;
   std::string path_;
   Clock::time_point started_;
   Clock::time_point stopped_;

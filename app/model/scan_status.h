@@ -12,6 +12,8 @@ struct ScanStatus {
   std::int64_t total = 0;
   std::int64_t items = 0;
   bool scanning = false;
+  /// What runs reads a folder of the tree again, not all of it.
+  bool readingAgain = false;
   // The rest counts once the scan has ended.
   double elapsedSeconds = 0;
   std::int64_t hardLinks = 0;

@@ -147,6 +147,16 @@ TEST(ReadMounts, SeesWhatIsMounted) {
   EXPECT_EQ(outcome, "");
 }
 
+TEST(IsMountPoint, HoldsForThePlaceItselfAlone) {
+  const std::vector<MountEntry> mounts = {{"/dev/a", "/", "ext4", "rw"},
+                                          {"/dev/b", "/media/A disk", "ext4", "rw"}};
+  EXPECT_TRUE(isMountPoint(mounts, "/"));
+  EXPECT_TRUE(isMountPoint(mounts, "/media/A disk"));
+  EXPECT_FALSE(isMountPoint(mounts, "/media"));
+  EXPECT_FALSE(isMountPoint(mounts, "/media/A disk/inside"));
+  EXPECT_FALSE(isMountPoint({}, "/"));
+}
+
 TEST(IsPseudoFileSystem, HoldsForViewsIntoTheKernel) {
   for (const char* type :
        {"autofs",     "binfmt_misc", "bpf",       "cgroup",   "cgroup2",         "configfs",

@@ -184,6 +184,29 @@ TEST_F(ScanScreenTest, ShowsTheRestOfTheVolumeBesideTheScannedFolderOnly) {
   EXPECT_EQ(extras(), 0);
 }
 
+TEST_F(ScanScreenTest, ShowsHowFarTheScanOfAWholeDiskIs) {
+  add(*tree_, Listing(empty_).file("new.txt", 20'000, 50'000));
+  screen_.setScanStatus({.scanning = true});
+  const ui::Rect bar = screen_.layout().toolbar;
+  const auto length = [&] {
+    const test::Picture shown = picture();
+    return part(shown, {0, bar.h - 2, kWidth, 2}).count(rgb(style.palette().accent)) / 2;
+  };
+  EXPECT_EQ(length(), 0);
+  screen_.setVolumeSpace(VolumeSpace{200'000, 100'000});
+  EXPECT_EQ(length(), 0) << "a folder of the disk";
+  screen_.setVolumeSpace(VolumeSpace{200'000, 100'000, true});
+  EXPECT_EQ(length(), kWidth / 4);
+  add(*tree_, Listing(late_).file("more.txt", 1, 50'000));
+  screen_.treeChanged();
+  changes_ = 0;
+  screen_.prepare();
+  EXPECT_EQ(changes_, 0) << "it asks for no frame of its own";
+  EXPECT_EQ(length(), kWidth / 2);
+  screen_.setScanStatus({.elapsedSeconds = 1});
+  EXPECT_EQ(length(), 0);
+}
+
 // A tree that grows.
 
 TEST_F(ScanScreenTest, KeepsTheRowUnderThePointerAndTheSelectedOnesWhereTheyAre) {

@@ -329,6 +329,20 @@ TEST_F(ToolbarTest, FillsItsRectAboveALineInTheBorderColour) {
   }
 }
 
+TEST_F(ToolbarTest, ShowsHowFarAScanIsAlongItsLowerEdge) {
+  EXPECT_TRUE(changedBy([&] { bar.setProgress(0.5); }));
+  const test::Picture shown = picture();
+  for (const int x : {0, 449}) {
+    EXPECT_EQ(shown.at(x, 33), rgb(style.palette().window)) << x;
+    EXPECT_EQ(shown.at(x, 34), rgb(style.palette().accent)) << x;
+    EXPECT_EQ(shown.at(x, 35), rgb(style.palette().accent)) << x;
+  }
+  EXPECT_EQ(shown.at(450, 35), rgb(style.palette().border));
+  EXPECT_FALSE(changedBy([&] { bar.setProgress(0.5004); })) << "not a pixel more";
+  EXPECT_TRUE(changedBy([&] { bar.setProgress(0); }));
+  EXPECT_EQ(picture().count(rgb(style.palette().accent)), 0);
+}
+
 TEST_F(ToolbarTest, ShowsWhichButtonIsHeld) {
   showAtRest(finished());
   const ui::Rect open = bar.layout().place(Action::LeaveScan);

@@ -172,8 +172,10 @@ TEST_F(Session, ReadsAFolderAgainAfterItsEnd) {
   sizewalk::NodeId held = tree.firstChild(sizewalk::kRootNode);
   while (!tree.isDirectory(held)) ++held;
   test::writeFile(folder_ + "/held/new", "1234567");
+  EXPECT_FALSE(session_.status().readingAgain);
   session_.readAgain(held);
   EXPECT_EQ(session_.phase(), ScanPhase::Scanning);
+  EXPECT_TRUE(session_.status().readingAgain);
   awaitPost();
   runTasks();
   EXPECT_EQ(session_.phase(), ScanPhase::Ended);
