@@ -29,12 +29,16 @@ struct KeyEvent {
   /// X's key symbol, as X11/keysymdef.h lists them: the character's code for ASCII. Letters come as
   /// the modifiers make them, upper case with Shift.
   unsigned long keysym = 0;
-  /// What the key types, at most 32 bytes; empty for keys without text.
+  /// What Xlib says that the key types, at most 32 bytes; empty for keys without text.
   std::string text;
   bool shift = false;
   bool ctrl = false;
   /// When the window handed it on, as `steadyMs` tells.
   std::int64_t timeMs = 0;
+  /// What the key types as UTF-8, in every script, where `text` is what Xlib makes of it without a
+  /// locale: ASCII or Latin-1. Empty for a dead key and for those that it changes; the character
+  /// that comes of them follows by itself, as a key without symbol and text.
+  std::string typed = {};
 };
 
 /// Counts the presses of a series of quick clicks in one place. All buttons share one series.

@@ -41,9 +41,13 @@ unsigned cursorGlyph(PointerShape shape) {
 }  // namespace
 
 Window::Native::Native(Window& ownerWindow)
-    : owner(ownerWindow), display(ownerWindow.connection_.native().display), clipboard(display) {}
+    : owner(ownerWindow),
+      display(ownerWindow.connection_.native().display),
+      clipboard(display),
+      typedKeys(display) {}
 
 Window::Native::~Native() {
+  typedKeys.detach();
   backBuffer.reset();
   for (const Cursor cursor : cursors) {
     if (cursor) XFreeCursor(display, cursor);
@@ -71,6 +75,7 @@ bool Window::Native::makeWindow(int width, int height) {
   if (made == 0 || trap.caught()) return false;
   window = made;
   gc = makeGc(display, window);
+  typedKeys.attach(window);
   return true;
 }
 

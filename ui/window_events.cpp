@@ -101,7 +101,9 @@ void Window::Native::handleClientMessage(const XClientMessageEvent& event) {
 }
 
 void Window::Native::handleKey(XKeyEvent& event) {
-  if (owner.onKey) owner.onKey(at(steadyMs(), keyEventOf(event)));
+  KeyEvent key = at(steadyMs(), keyEventOf(event));
+  key.typed = typedKeys.typedBy(event);
+  if (owner.onKey) owner.onKey(key);
 }
 
 void Window::Native::handlePress(const XButtonEvent& event) {

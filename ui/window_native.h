@@ -5,6 +5,7 @@
 
 #include "ui/back_buffer.h"
 #include "ui/clipboard.h"
+#include "ui/typed_keys.h"
 #include "ui/window.h"
 #include "ui/x11.h"
 
@@ -43,6 +44,7 @@ struct Window::Native {
   Atom wmDeleteWindow = 0;
   Clipboard clipboard;
   ClickCounter clicks;
+  TypedKeys typedKeys;
 };
 
 }  // namespace ui

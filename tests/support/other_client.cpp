@@ -6,6 +6,7 @@
 #include <X11/extensions/XTest.h>
 
 #include <algorithm>
+#include <array>
 #include <memory>
 #include <span>
 #include <stdexcept>
@@ -96,6 +97,28 @@ void OtherClient::focus(unsigned long window) {
 
 void OtherClient::pressKey(unsigned long keysym) { native_->pressOrReleaseKey(keysym, True); }
 void OtherClient::releaseKey(unsigned long keysym) { native_->pressOrReleaseKey(keysym, False); }
+
+void OtherClient::typeForeignKey(unsigned long keysym) {
+  Display* display = native_->display;
+  int first = 0;
+  int last = 0;
+  XDisplayKeycodes(display, &first, &last);
+  const auto code = static_cast<unsigned>(last);
+  std::array<KeySym, 2> symbols = {keysym, keysym};  // without and with Shift
+  XChangeKeyboardMapping(display, last, 2, symbols.data(), 1);
+  XTestFakeKeyEvent(display, code, True, CurrentTime);
+  XTestFakeKeyEvent(display, code, False, CurrentTime);
+  native_->sync();
+}
+
+void OtherClient::claimInputMethod(const std::string& name) {
+  takeSelection("@server=" + name);
+  const Atom server = native_->atom("@server=" + name);
+  XChangeProperty(native_->display, DefaultRootWindow(native_->display),
+                  native_->atom("XIM_SERVERS"), XA_ATOM, 32, PropModeReplace,
+                  reinterpret_cast<const unsigned char*>(&server), 1);
+  native_->sync();
+}
 
 void OtherClient::requestSelection(const std::string& selection, const std::string& target,
                                    const std::string& name) {

@@ -29,6 +29,11 @@ class OtherClient {
   void focus(unsigned long window);
   void pressKey(unsigned long keysym);
   void releaseKey(unsigned long keysym);
+  /// Presses and releases a key of another layout: one that the keyboard does not use is given this
+  /// symbol for a moment.
+  void typeForeignKey(unsigned long keysym);
+  /// Claims to be the input method of that name, and never answers anybody who believes it.
+  void claimInputMethod(const std::string& name);
 
   /// The window on the screen whose class is `className`, framed or not; waits for it, and throws
   /// std::runtime_error when it does not come.

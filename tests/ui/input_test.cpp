@@ -8,6 +8,7 @@
 #include <tuple>
 #include <vector>
 
+#include "tests/support/environment.h"
 #include "tests/ui/wall_clock.h"
 #include "tests/ui/window_test_base.h"
 
@@ -225,6 +226,75 @@ TEST_F(InputTest, TellsKeysWithoutText) {
   EXPECT_EQ(keys[0].text, "");
   EXPECT_EQ(keys[1].keysym, static_cast<unsigned long>(XK_Page_Down));
   EXPECT_EQ(keys[2].keysym, static_cast<unsigned long>(XK_Escape));
+}
+
+TEST_F(InputTest, TellsWhatKeysOfEveryScriptType) {
+  other.focus(window.xid());
+  const std::vector<std::pair<unsigned long, std::string>> typed = {{XK_a, "a"},
+                                                                    {XK_eacute, "é"},
+                                                                    {XK_lstroke, "ł"},
+                                                                    {XK_Ccaron, "Č"},
+                                                                    {XK_gbreve, "ğ"},
+                                                                    {XK_Ukrainian_yi, "ї"},
+                                                                    {XK_Cyrillic_YU, "Ю"},
+                                                                    {XK_Greek_alphaaccent, "ά"},
+                                                                    {XK_hebrew_aleph, "א"},
+                                                                    {XK_Arabic_alef, "ا"},
+                                                                    {XK_EuroSign, "€"},
+                                                                    {0x01000000 + 0x4E2D, "中"},
+                                                                    {XK_F5, ""}};
+  for (const auto& [keysym, text] : typed) {
+    keys.clear();
+    other.typeForeignKey(keysym);
+    settle();
+    ASSERT_EQ(keys.size(), 1u) << text;
+    EXPECT_EQ(keys[0].keysym, keysym);
+    EXPECT_EQ(keys[0].typed, text);
+  }
+}
+
+TEST_F(InputTest, LeavesTextAndSymbolOfKeysAsXlibGivesThem) {
+  other.focus(window.xid());
+  other.typeForeignKey(XK_eacute);
+  settle();
+  other.typeForeignKey(XK_Ukrainian_yi);
+  settle();
+  ASSERT_EQ(keys.size(), 2u);
+  EXPECT_EQ(keys[0].text, "\xE9");
+  EXPECT_EQ(keys[1].text, "");
+}
+
+TEST_F(InputTest, TellsTheCharacterThatADeadKeyMakesByItself) {
+  other.focus(window.xid());
+  other.typeForeignKey(XK_dead_acute);
+  settle();
+  other.typeForeignKey('e');
+  settle();
+  other.typeForeignKey('e');
+  settle();
+  ASSERT_EQ(keys.size(), 4u);
+  EXPECT_EQ(keys[0].keysym, static_cast<unsigned long>(XK_dead_acute));
+  EXPECT_EQ(keys[0].typed, "");
+  EXPECT_EQ(keys[1].keysym, static_cast<unsigned long>('e'));
+  EXPECT_EQ(keys[1].text, "e");
+  EXPECT_EQ(keys[1].typed, "");
+  EXPECT_EQ(keys[2].typed, "é");
+  EXPECT_EQ(keys[2].text, "");
+  EXPECT_EQ(keys[3].typed, "e");
+}
+
+TEST(InputMethods, AreNotWaitedFor) {
+  ScopedEnvironment environment;
+  environment.set("XMODIFIERS", "@im=silent");
+  WindowOnServer there;
+  there.other.claimInputMethod("silent");
+  there.show();
+  std::string typed;
+  there.window.onKey = [&](const ui::KeyEvent& event) { typed += event.typed; };
+  there.other.focus(there.window.xid());
+  there.other.typeForeignKey(XK_Ukrainian_yi);
+  there.settle();
+  EXPECT_EQ(typed, "ї");
 }
 
 TEST_F(InputTest, DropsWhatNoCallableIsSetFor) {

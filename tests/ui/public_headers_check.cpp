@@ -16,7 +16,6 @@
 #include "ui/single_instance.h"
 #include "ui/text.h"
 #include "ui/text_fit.h"
-#include "ui/typed_text.h"
 #include "ui/window.h"
 
 #if defined(None) || defined(Bool) || defined(Status) || defined(Success) || defined(_X11_XLIB_H_)

@@ -7,7 +7,6 @@
 
 #include "ui/input.h"
 #include "ui/keys.h"
-#include "ui/typed_text.h"
 #include "ui/widgets/row_geometry.h"
 #include "ui/widgets/type_ahead.h"
 
@@ -102,9 +101,8 @@ auto ListCursor<Key>::type(const KeyEvent& event, std::size_t count, std::option
   if (event.keysym == key::kBackSpace && !event.ctrl) {
     return {typeAhead_.takeBack(event.timeMs), std::nullopt};
   }
-  const std::string text = typedText(event);
-  if (event.ctrl || !typeAhead_.accepts(text, event.timeMs)) return {};
-  const bool fresh = typeAhead_.type(text, event.timeMs);
+  if (event.ctrl || !typeAhead_.accepts(event.typed, event.timeMs)) return {};
+  const bool fresh = typeAhead_.type(event.typed, event.timeMs);
   const std::size_t start = row ? *row + (fresh ? 1 : 0) : 0;
   return {true, typeAhead_.find(count, start, nameAt)};
 }

@@ -72,7 +72,8 @@ class FolderChooserTest : public testing::Test, protected test::ViewsOnWindow {
   }
   void type(const std::string& text) {
     for (const char c : text) {
-      chooser->key({.keysym = static_cast<unsigned char>(c), .text = std::string(1, c)});
+      chooser->key(
+          {.keysym = static_cast<unsigned char>(c), .text = {}, .typed = std::string(1, c)});
     }
   }
 

@@ -99,7 +99,7 @@ TEST_F(ScanScreenTest, HasCommandsActOnWhatIsSelected) {
 
 TEST_F(ScanScreenTest, HasTheListTakeTheKeysThatOtherPartsHaveNoUseFor) {
   click(onMap(song_));
-  ASSERT_TRUE(screen_.key({.keysym = 'p', .text = "p"}));
+  ASSERT_TRUE(screen_.key({.keysym = 'p', .text = {}, .typed = "p"}));
   screen_.prepare();
   EXPECT_EQ(list().current(), photo_);
 }

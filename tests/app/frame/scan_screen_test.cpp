@@ -281,7 +281,7 @@ TEST_F(ScanScreenTest, KeepsKeysInTheControlWithTheRing) {
   for (const auto keysym :
        {ui::key::kPageUp, ui::key::kPageDown, ui::key::kHome, ui::key::kEnd, ui::key::kDelete}) {
     key(keysym);
-    screen_.key({.keysym = keysym, .text = "\x7f", .shift = true});
+    screen_.key({.keysym = keysym, .text = {}, .shift = true, .typed = "\x7f"});
   }
   EXPECT_EQ(shown(), onTheMap) << "the map has the ring";
 }
@@ -296,14 +296,14 @@ TEST_F(ScanScreenTest, HandsNoEnterFromKindsWithoutRowsToTheList) {
   ASSERT_TRUE(kinds().rows().empty());
   key(ui::key::kDown);
   key(ui::key::kTab);
-  screen_.key({.keysym = ui::key::kReturn, .text = "\r"});
+  screen_.key({.keysym = ui::key::kReturn, .text = {}, .typed = "\r"});
   EXPECT_EQ(focus(), kRootNode);
   screen_.show(nullptr);
 }
 
 TEST_F(ScanScreenTest, TakesBackInTheListWhatWasTypedElsewhere) {
   click(inKinds(0));
-  ASSERT_TRUE(screen_.key({.keysym = 'p', .text = "p"}));
+  ASSERT_TRUE(screen_.key({.keysym = 'p', .text = {}, .typed = "p"}));
   EXPECT_TRUE(screen_.key({.keysym = ui::key::kBackSpace, .text = "\b", .timeMs = 10}));
   EXPECT_FALSE(screen_.key({.keysym = ui::key::kBackSpace, .text = "\b", .timeMs = 5000}));
 }
@@ -314,7 +314,7 @@ TEST_F(ScanScreenTest, HandsTheListOnlyLettersOfAnotherViewsKeys) {
   key(ui::key::kLeft);
   screen_.key({.keysym = 'a', .text = {}, .ctrl = true});
   EXPECT_EQ(selected(), Nodes{photo_}) << "nothing is selected behind the user's back";
-  screen_.key({.keysym = 'b', .text = "b"});
+  screen_.key({.keysym = 'b', .text = {}, .typed = "b"});
   EXPECT_EQ(selected(), Nodes{big_});
 }
 

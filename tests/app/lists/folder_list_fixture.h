@@ -67,7 +67,8 @@ struct ListOnServer : test::WindowOnServer {
   }
   bool type(const std::string& text) {
     now_ += 10;
-    return list_.key({.keysym = static_cast<unsigned char>(text[0]), .text = text, .timeMs = now_});
+    return list_.key(
+        {.keysym = static_cast<unsigned char>(text[0]), .text = {}, .timeMs = now_, .typed = text});
   }
   std::string names() const {
     std::string result;

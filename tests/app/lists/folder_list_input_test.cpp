@@ -291,8 +291,8 @@ TEST_F(FolderListTest, LeavesOtherKeysToItsOwner) {
   EXPECT_FALSE(key(ui::key::kTab));
   EXPECT_FALSE(key(ui::key::kEscape));
   EXPECT_FALSE(key(ui::key::kDelete));
-  EXPECT_FALSE(list_.key({.keysym = 'r', .text = "r", .ctrl = true, .timeMs = now_}));
-  EXPECT_FALSE(list_.key({.keysym = ' ', .text = " ", .timeMs = now_}));
+  EXPECT_FALSE(list_.key({.keysym = 'r', .text = {}, .ctrl = true, .timeMs = now_, .typed = "r"}));
+  EXPECT_FALSE(list_.key({.keysym = ' ', .text = {}, .timeMs = now_, .typed = " "}));
   EXPECT_EQ(selected(), Nodes{big_});
 }
 

@@ -63,8 +63,8 @@ TEST_F(ListCursorTest, RangesFromTheAnchorWhereverItsRowIsByNow) {
 
 TEST_F(ListCursorTest, ForgetsTheAnchorAndTheSearchWhenItIsReset) {
   const auto nameAt = [](std::size_t) { return "xy"; };
-  const KeyEvent x = {.keysym = 'x', .text = "x", .timeMs = 100};
-  const KeyEvent y = {.keysym = 'y', .text = "y", .timeMs = 110};
+  const KeyEvent x = {.keysym = 'x', .text = {}, .timeMs = 100, .typed = "x"};
+  const KeyEvent y = {.keysym = 'y', .text = {}, .timeMs = 110, .typed = "y"};
   cursor_.setAnchor('c');
   ASSERT_TRUE(cursor_.type(x, 6, 0, nameAt).row);
   cursor_.reset('e');
@@ -112,8 +112,11 @@ class ListCursorSearchTest : public testing::Test {
   /// The name that a letter leads to from the row of `current_`, which goes along.
   std::string type(const std::string& text, bool ctrl = false) {
     now_ += 10;
-    const KeyEvent event = {
-        .keysym = static_cast<unsigned char>(text[0]), .text = text, .ctrl = ctrl, .timeMs = now_};
+    const KeyEvent event = {.keysym = static_cast<unsigned char>(text[0]),
+                            .text = {},
+                            .ctrl = ctrl,
+                            .timeMs = now_,
+                            .typed = text};
     const auto search = cursor_.type(event, names_.size(), current_,
                                      [this](std::size_t row) { return names_[row]; });
     if (!search.taken) return "not taken";
