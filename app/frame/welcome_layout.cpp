@@ -80,12 +80,15 @@ class WelcomeBuilder {
                        scaled(kTrackGap) + kTrackHeight;
     const int limit = bottom() - 2 * padding_ - buttonHeight();
     int below = top - padding_;
+    layout_.rowStep = height + padding_;
     if (layout_.cardWidth < 1) return below;
-    for (int y = top; layout_.cards.size() < request_.cards && y + height <= limit;
-         y += height + padding_) {
+    for (int y = top; layout_.cards.size() < request_.cards; y += layout_.rowStep) {
       placeRow({left_, y, layout_.cardWidth, height});
-      below = y + height;
+      if (y + height <= limit) below = y + height;
+      layout_.cardsHeight = y + height - top;
     }
+    if (below < top) layout_.cards.clear();  // no room for a row
+    layout_.cardsView = {view_.x, top, view_.w, std::max(below - top, 0)};
     return below;
   }
 

@@ -84,8 +84,14 @@ struct WelcomeLayout {
   /// Cards in a row, at least 1.
   int columns = 1;
   int cardWidth = 0;
-  /// The first cards, in rows from the top: as many rows as leave room for the button below them.
+  /// All cards, in rows from the top. Where not all rows leave room for the button below them, the
+  /// others lie below the view of the cards, which scrolls to them.
   std::vector<CardPlaces> cards;
+  /// Across the view, as high as the rows that are seen at once: never a part of one.
+  ui::Rect cardsView;
+  /// Of all rows with the gaps between them, and from one row to the next.
+  int cardsHeight = 0;
+  int rowStep = 0;
   ui::Rect button;
 };
 

@@ -5,6 +5,7 @@
 
 #include "app/model/format.h"
 #include "ui/keys.h"
+#include "ui/scroll_bar.h"
 #include "ui/text.h"
 
 namespace app {
@@ -27,10 +28,12 @@ bool samePaths(const std::vector<VolumeCard>& a, const std::vector<VolumeCard>& 
 void WelcomeView::layOut() {
   const bool onButton = focusedControl_ == buttonControl();
   layOutCards();
-  // The cards shown may be others now, which numbers the button anew.
+  // A view without any width has no cards, which numbers the button anew.
   presses_ = {};
-  if (onButton || (focusedControl_ && *focusedControl_ > cardCount()))
+  if (onButton || (focusedControl_ && *focusedControl_ > cardCount())) {
     focusedControl_ = buttonControl();
+  }
+  revealFocus();
 }
 
 void WelcomeView::setCards(std::vector<VolumeCard> cards) {
@@ -53,33 +56,57 @@ void WelcomeView::layOutCards() {
                            .headingHeight = style_.heading().height,
                            .buttonTextWidth = style_.textWidth(kChooseFolderText),
                            .cards = cards_.size()});
+  scroller_.setView(layout_.cardsView);
+  scroller_.setContentHeight(layout_.cardsHeight);
+}
+
+ui::Rect WelcomeView::shown(const ui::Rect& place) const {
+  return {place.x, place.y - scroller_.offset(), place.w, place.h};
+}
+
+void WelcomeView::revealFocus() {
+  if (!focusedControl_ || focusedControl_ == buttonControl()) return;
+  const ui::Rect& card = placesOf(*focusedControl_).card;
+  scroller_.reveal(card.y - scroller_.view().y, card.h);
+  hoverAgain();
+}
+
+/// Another card may have come under the pointer.
+void WelcomeView::hoverAgain() {
+  if (pointer_) presses_.motion(controlAt(pointer_->x, pointer_->y));
 }
 
 void WelcomeView::focusCard(const std::string& path) {
-  const auto shown = cards_.begin() + cardCount();
-  const auto found = std::ranges::find(cards_.begin(), shown, path, &VolumeCard::path);
+  const auto end = cards_.begin() + cardCount();
+  const auto found = std::ranges::find(cards_.begin(), end, path, &VolumeCard::path);
   focusedControl_.reset();
-  if (found != shown) focusedControl_ = static_cast<int>(found - cards_.begin());
+  if (found != end) focusedControl_ = static_cast<int>(found - cards_.begin());
 }
 
 ui::PressTracker::Control WelcomeView::controlAt(int x, int y) const {
   if (layout_.button.contains(x, y)) return buttonControl();
+  if (!scroller_.view().contains(x, y)) return std::nullopt;
   for (int i = 0; i < cardCount(); ++i) {
-    if (layout_.cards[static_cast<std::size_t>(i)].card.contains(x, y)) return i;
+    if (cardRect(i).contains(x, y)) return i;
   }
   return std::nullopt;
 }
 
 void WelcomeView::press(const ui::MouseEvent& event) {
   if (event.button != kPrimaryButton) return;
+  pointer_ = event;
+  if (scroller_.press(event.x, event.y)) return changed();
   if (presses_.press(controlAt(event.x, event.y))) changed();
 }
 
 void WelcomeView::motion(const ui::MouseEvent& event) {
+  pointer_ = event;
+  if (scroller_.drag(event.y)) return changed();
   if (presses_.motion(controlAt(event.x, event.y))) changed();
 }
 
 void WelcomeView::release(const ui::MouseEvent& event) {
+  if (event.button == kPrimaryButton) scroller_.release();
   if (event.button != kPrimaryButton || !presses_.holding()) return;
   const auto control = presses_.release(controlAt(event.x, event.y));
   changed();
@@ -87,7 +114,22 @@ void WelcomeView::release(const ui::MouseEvent& event) {
 }
 
 void WelcomeView::leave() {
+  pointer_.reset();
   if (presses_.leave()) changed();
+}
+
+void WelcomeView::releasePointer() {
+  scroller_.release();
+  leave();
+}
+
+/// A row at a time: the cards are high.
+void WelcomeView::wheel(const ui::MouseEvent& event, int dy) {
+  if (!scroller_.hasBar()) return;
+  pointer_ = event;
+  scroller_.scrollBy(dy * layout_.rowStep);
+  hoverAgain();
+  changed();
 }
 
 bool WelcomeView::key(const ui::KeyEvent& event) {
@@ -95,6 +137,7 @@ bool WelcomeView::key(const ui::KeyEvent& event) {
   switch (const ui::key::Keysym keysym = ui::key::plain(event.keysym)) {
     case ui::key::kTab:
       if (!cycleFocus(event.shift)) return false;
+      revealFocus();
       changed();
       return true;
     case ui::key::kLeft:
@@ -102,6 +145,7 @@ bool WelcomeView::key(const ui::KeyEvent& event) {
     case ui::key::kUp:
     case ui::key::kDown:
       moveFocus(keysym);
+      revealFocus();
       changed();
       return true;
     case ui::key::kReturn:
@@ -175,7 +219,7 @@ void WelcomeView::paint(ui::Canvas& canvas) const {
   canvas.pushClip(rect());
   canvas.fillRect(rect(), style_.palette().view);
   paintHeading(canvas);
-  for (int i = 0; i < cardCount(); ++i) paintCard(canvas, i);
+  paintCards(canvas);
   paintChooseButton(canvas);
   canvas.popClip();
 }
@@ -188,18 +232,28 @@ void WelcomeView::paintHeading(ui::Canvas& canvas) const {
   ui::drawText(canvas, layout_.note, kWelcomeNote, style_.body(), palette.dimText);
 }
 
+void WelcomeView::paintCards(ui::Canvas& canvas) const {
+  const ui::Palette& palette = style_.palette();
+  canvas.pushClip(scroller_.view());
+  for (int i = 0; i < cardCount(); ++i) {
+    if (!ui::intersect(cardRect(i), scroller_.view()).empty()) paintCard(canvas, i);
+  }
+  ui::drawScrollBar(canvas, scroller_, palette.raised, palette.dimText);
+  canvas.popClip();
+}
+
 void WelcomeView::paintCard(ui::Canvas& canvas, int number) const {
-  const CardPlaces& places = layout_.cards[static_cast<std::size_t>(number)];
+  const CardPlaces& places = placesOf(number);
   const VolumeCard& card = cards_[static_cast<std::size_t>(number)];
   const ui::Palette& palette = style_.palette();
   const bool focused = focusedControl_ == number;
   const ui::Colour fill = presses_.hovered(number) ? palette.pressed : palette.raised;
-  ui::fillOutlined(canvas, places.card, kCardRadius,
+  ui::fillOutlined(canvas, cardRect(number), kCardRadius,
                    focused ? ui::focusRingWidth(style_.scale()) : 1,
                    focused ? palette.accent : palette.border, fill);
-  ui::drawText(canvas, places.name, displayName(card.name), style_.body(), palette.text);
-  ui::drawText(canvas, places.figures, figuresText(card), style_.body(), palette.dimText);
-  paintBar(canvas, card, places.track);
+  ui::drawText(canvas, shown(places.name), displayName(card.name), style_.body(), palette.text);
+  ui::drawText(canvas, shown(places.figures), figuresText(card), style_.body(), palette.dimText);
+  paintBar(canvas, card, shown(places.track));
 }
 
 void WelcomeView::paintBar(ui::Canvas& canvas, const VolumeCard& card,

@@ -11,6 +11,7 @@
 #include "ui/geometry.h"
 #include "ui/icon.h"
 #include "ui/input.h"
+#include "ui/scroller.h"
 #include "ui/widgets/style.h"
 #include "ui/widgets/view.h"
 
@@ -27,8 +28,8 @@ class WelcomeView : public ui::View {
   /// Both outlive the view.
   WelcomeView(const ui::Style& style, ui::Icon& icon) : style_(style), icon_(icon) {}
 
-  /// Shows one card a volume, as many as have room. What has the keyboard keeps it by its path, and
-  /// a press on a card goes on while only figures change.
+  /// Shows one card a volume; those that have no room are scrolled to. What has the keyboard keeps
+  /// it by its path, and a press on a card goes on while only figures change.
   void setCards(std::vector<VolumeCard> cards);
   bool takesKeyboard() const override { return true; }
   void paint(ui::Canvas& canvas) const override;
@@ -36,6 +37,8 @@ class WelcomeView : public ui::View {
   void motion(const ui::MouseEvent& event) override;
   void release(const ui::MouseEvent& event) override;
   void leave() override;
+  void releasePointer() override;
+  void wheel(const ui::MouseEvent& event, int dy) override;
   /// Tab goes round the cards and the button, or past the last one out of the view; arrows move
   /// among the cards and between them and the button, Enter and Space act. Returns whether the key
   /// was one of these.
@@ -47,7 +50,10 @@ class WelcomeView : public ui::View {
   void forgetControl();
 
   const WelcomeLayout& layout() const { return layout_; }
-  /// The number of the card that has the keyboard, that of the cards shown for the button.
+  /// Where a card is by now, perhaps out of the view of the cards.
+  ui::Rect cardRect(int number) const { return shown(placesOf(number).card); }
+  const ui::Scroller& scroller() const { return scroller_; }
+  /// The number of the card that has the keyboard, that of all cards for the button.
   std::optional<int> focusedControl() const { return focusedControl_; }
 
  protected:
@@ -58,6 +64,13 @@ class WelcomeView : public ui::View {
   int cardCount() const { return static_cast<int>(layout_.cards.size()); }
   /// The button's number, after the cards'.
   int buttonControl() const { return cardCount(); }
+  const CardPlaces& placesOf(int number) const {
+    return layout_.cards[static_cast<std::size_t>(number)];
+  }
+  /// A place of the layout, scrolled.
+  ui::Rect shown(const ui::Rect& place) const;
+  void revealFocus();
+  void hoverAgain();
   ui::PressTracker::Control controlAt(int x, int y) const;
   void focusCard(const std::string& path);
   /// False at the end of the round, where Tab leaves.
@@ -67,6 +80,7 @@ class WelcomeView : public ui::View {
   void moveFocusUp();
   void act(std::int64_t control);
   void paintHeading(ui::Canvas& canvas) const;
+  void paintCards(ui::Canvas& canvas) const;
   void paintCard(ui::Canvas& canvas, int number) const;
   void paintBar(ui::Canvas& canvas, const VolumeCard& card, const ui::Rect& track) const;
   void paintChooseButton(ui::Canvas& canvas) const;
@@ -75,9 +89,13 @@ class WelcomeView : public ui::View {
   ui::Icon& icon_;
   std::vector<VolumeCard> cards_;
   WelcomeLayout layout_;
+  /// Of the cards.
+  ui::Scroller scroller_;
   /// By number, as `focusedControl`.
   ui::PressTracker presses_;
   std::optional<int> focusedControl_;
+  /// What the pointer did last, unless it left.
+  std::optional<ui::MouseEvent> pointer_;
   bool tabLeaves_ = false;
 };
 

@@ -111,10 +111,25 @@ TEST(WelcomeLayout, KeepsTheBarSixPixelsHighAtEveryScale) {
   }
 }
 
-TEST(WelcomeLayout, StopsBeforeARowThatWouldPassTheButton) {
+TEST(WelcomeLayout, ShowsNoPartOfARowThatWouldPassTheButton) {
   const int twoRows = kCardsTop + 2 * kCardHeight + 16 + 16 + kButtonHeight + 16;
-  EXPECT_EQ(layOutWelcome(request(640, twoRows, 9)).cards.size(), 4u);
-  EXPECT_EQ(layOutWelcome(request(640, twoRows - 1, 9)).cards.size(), 2u);
+  const WelcomeLayout two = layOutWelcome(request(640, twoRows, 9));
+  EXPECT_EQ(two.cardsView, (Rect{0, kCardsTop, 640, 2 * kCardHeight + 16}));
+  EXPECT_EQ(two.cards.size(), 9u) << "the others are scrolled to";
+  EXPECT_EQ(two.cardsHeight, 5 * kCardHeight + 4 * 16);
+  const WelcomeLayout one = layOutWelcome(request(640, twoRows - 1, 9));
+  EXPECT_EQ(one.cardsView.h, kCardHeight);
+  EXPECT_LT(one.button.y, two.button.y);
+}
+
+TEST(WelcomeLayout, LeavesRoomForABarBesideTheCards) {
+  for (const double scale : {0.75, 1.0, 2.0, 4.0}) {
+    for (int width = 200; width < 3000; width += 13) {
+      for (const CardPlaces& places : layOutWelcome(request(width, 2000, 4, scale)).cards) {
+        EXPECT_LE(places.card.x + places.card.w, width - 10) << width;
+      }
+    }
+  }
 }
 
 TEST(WelcomeLayout, MovesWithItsView) {
@@ -170,10 +185,8 @@ TEST(WelcomeLayout, KeepsTheButtonInsideTheViewAndClearOfEverything) {
       const WelcomeRequest asked = request(static_cast<int>(640 * scale), height, 50, scale);
       const WelcomeLayout layout = layOutWelcome(asked);
       EXPECT_TRUE(within(layout.button, asked.view)) << height << " at " << scale;
-      for (const CardPlaces& places : layout.cards) {
-        EXPECT_TRUE(within(places.card, asked.view)) << height;
-        EXPECT_TRUE(ui::intersect(places.card, layout.button).empty()) << height;
-      }
+      EXPECT_TRUE(layout.cards.empty() || within(layout.cardsView, asked.view)) << height;
+      EXPECT_TRUE(ui::intersect(layout.cardsView, layout.button).empty()) << height;
       for (const Rect& part : {layout.icon, layout.heading, layout.note}) {
         EXPECT_TRUE(ui::intersect(part, layout.button).empty()) << height;
       }
@@ -185,7 +198,7 @@ TEST(WelcomeLayout, ShowsCardsInTheLeastWindowAtEveryScale) {
   for (const double scale : {0.75, 1.0, 1.25, 1.5, 2.0, 3.0, 4.0}) {
     const auto layout =
         layOutWelcome(request(ui::scaled(640, scale), ui::scaled(420 - 34 - 24, scale), 50, scale));
-    EXPECT_GE(layout.cards.size(), 4u) << scale;
+    EXPECT_GE(layout.cardsView.h, layout.cards.at(2).track.y - layout.cardsView.y) << scale;
     EXPECT_GT(layout.icon.w, 0) << scale;
   }
 }

@@ -337,18 +337,87 @@ TEST_F(WelcomeViewTest, KeepsTheKeyboardOnItsButton) {
   focusAfter(ui::key::kTab, true);
   setCards(5);
   EXPECT_EQ(view.focusedControl(), 5);
-  view.setRect({0, 0, kWidth, 200});
-  EXPECT_EQ(view.focusedControl(), static_cast<int>(view.layout().cards.size()));
-  EXPECT_LT(view.layout().cards.size(), 5u);
+  view.setRect({0, 0, kWidth, 230});
+  EXPECT_EQ(view.focusedControl(), 5);
+  view.setRect({0, 0, kWidth, 100});  // no room for a card
+  EXPECT_EQ(view.focusedControl(), 0);
+  EXPECT_TRUE(view.layout().cards.empty());
 }
 
-TEST_F(WelcomeViewTest, GivesTheKeyboardToTheButtonWhenItsCardHasNoRoomLeft) {
-  setCards(6);
-  for (int i = 0; i < 6; ++i) key(ui::key::kTab);
-  ASSERT_EQ(view.focusedControl(), 5);
-  view.setRect({0, 0, kWidth, 200});
-  ASSERT_LT(view.layout().cards.size(), 5u);
-  EXPECT_EQ(view.focusedControl(), static_cast<int>(view.layout().cards.size()));
+// More cards than have room
+
+TEST_F(WelcomeViewTest, KeepsTheCardWithTheKeyboardInSight) {
+  setCards(20);
+  const auto isSeen = [&](int number) {
+    const ui::Rect card = view.cardRect(number);
+    return ui::intersect(card, view.layout().cardsView) == card;
+  };
+  ASSERT_FALSE(isSeen(19));
+  for (int i = 0; i < 20; ++i) {
+    ASSERT_EQ(focusAfter(ui::key::kTab), i);
+    EXPECT_TRUE(isSeen(i)) << i;
+  }
+  focusAfter(ui::key::kTab);
+  EXPECT_EQ(focusAfter(ui::key::kTab), 0) << "round the button";
+  EXPECT_TRUE(isSeen(0));
+  while (focusAfter(ui::key::kDown) != 20) EXPECT_TRUE(isSeen(*view.focusedControl()));
+  while (focusAfter(ui::key::kUp) > 1) EXPECT_TRUE(isSeen(*view.focusedControl()));
+  key(ui::key::kDown);
+  key(ui::key::kDown);
+  view.setRect({0, 0, kWidth, 230});
+  EXPECT_TRUE(isSeen(*view.focusedControl())) << "in a lower view";
+}
+
+TEST_F(WelcomeViewTest, ScrollsByTheWheelAndPressesWhatIsThere) {
+  setCards(20);
+  const ui::Rect first = view.cardRect(0);
+  view.motion(at(first, 0));
+  EXPECT_TRUE(changedBy([&] { view.wheel(at(first, 0), 1); }));
+  EXPECT_EQ(view.cardRect(2), first) << "a row further";
+  view.press(at(first));
+  view.release(at(first));
+  EXPECT_EQ(taken(), Told{"/2"});
+  view.wheel(at(first, 0), 100);
+  const ui::Rect last = view.cardRect(19);
+  EXPECT_EQ(last.y + last.h, view.layout().cardsView.y + view.layout().cardsView.h);
+  view.wheel(at(first, 0), -100);
+  EXPECT_EQ(view.cardRect(0), first);
+  setCards(2);
+  EXPECT_FALSE(changedBy([&] { view.wheel(at(first, 0), 1); })) << "all have room";
+}
+
+TEST_F(WelcomeViewTest, ScrollsByItsBar) {
+  setCards(20);
+  const ui::Rect thumb = view.scroller().thumb();
+  ui::MouseEvent event = at(thumb);
+  view.press(event);
+  event.y += 1000;
+  view.motion(event);
+  view.release(event);
+  const ui::Rect last = view.cardRect(19);
+  EXPECT_EQ(last.y + last.h, view.layout().cardsView.y + view.layout().cardsView.h);
+  event.y -= 2000;
+  view.motion(event);
+  EXPECT_EQ(view.cardRect(19), last) << "it was let go";
+  EXPECT_TRUE(taken().empty());
+}
+
+TEST_F(WelcomeViewTest, ShowsNothingOfCardsOutOfSight) {
+  setCards(20);
+  view.wheel(at(view.cardRect(0), 0), 1);
+  const ui::Rect cards = view.layout().cardsView;
+  const ui::Rect hidden = view.cardRect(0);
+  ASSERT_LT(hidden.y, cards.y);
+  const test::Picture shown = picture();
+  EXPECT_EQ(shown.at(hidden.x + 20, cards.y - 2), rgb(style.palette().view));
+  const ui::Rect below = view.cardRect(19);
+  view.press(at(below));
+  view.release(at(below));
+  view.press(at(hidden));
+  view.release(at(hidden));
+  EXPECT_TRUE(taken().empty());
+  const ui::Rect thumb = view.scroller().thumb();
+  EXPECT_EQ(shown.at(thumb.x + 5, thumb.y + 10), rgb(style.palette().dimText));
 }
 
 }  // namespace
