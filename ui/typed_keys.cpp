@@ -3,11 +3,19 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "base/utf8.h"
+
 namespace ui {
 
 namespace {
 /// Sequences of the user's own may be longer.
 constexpr std::size_t kUsualLength = 32;
+
+std::string utf8OfLatin1(const std::string& text) {
+  std::string result;
+  for (const char c : text) result += base::encoded(static_cast<unsigned char>(c));
+  return result;
+}
 }  // namespace
 
 void TypedKeys::attach(::Window window) {
@@ -28,8 +36,8 @@ void TypedKeys::detach() {
   method_ = nullptr;
 }
 
-std::string TypedKeys::typedBy(const XKeyEvent& event) const {
-  if (!context_) return {};
+std::string TypedKeys::typedBy(const XKeyEvent& event, const std::string& text) const {
+  if (!context_) return utf8OfLatin1(text);
   XEvent looked{};
   looked.xkey = event;  // Xlib writes into it
   if (XFilterEvent(&looked, None)) return {};

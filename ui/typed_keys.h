@@ -23,8 +23,9 @@ class TypedKeys {
   void detach();
 
   /// What a key press types, as UTF-8. Empty while a character is composed of it and others; that
-  /// comes as an event of its own.
-  std::string typedBy(const XKeyEvent& event) const;
+  /// comes as an event of its own. `text` is what XLookupString says, and all there is where Xlib's
+  /// files of locales are missing.
+  std::string typedBy(const XKeyEvent& event, const std::string& text) const;
 
  private:
   std::string lookUp(XKeyEvent& event) const;

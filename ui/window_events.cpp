@@ -102,7 +102,7 @@ void Window::Native::handleClientMessage(const XClientMessageEvent& event) {
 
 void Window::Native::handleKey(XKeyEvent& event) {
   KeyEvent key = at(steadyMs(), keyEventOf(event));
-  key.typed = typedKeys.typedBy(event);
+  key.typed = typedKeys.typedBy(event, key.text);
   if (owner.onKey) owner.onKey(key);
 }
 

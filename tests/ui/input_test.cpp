@@ -283,6 +283,22 @@ TEST_F(InputTest, TellsTheCharacterThatADeadKeyMakesByItself) {
   EXPECT_EQ(keys[3].typed, "e");
 }
 
+TEST(InputMethods, MayBeMissingForAsciiAndLatin1) {
+  ScopedEnvironment environment;
+  const TempDirectory empty;
+  environment.set("XLOCALEDIR", empty.path());
+  WindowOnServer there;
+  there.show();
+  std::string typed;
+  there.window.onKey = [&](const ui::KeyEvent& event) { typed += event.typed; };
+  there.other.focus(there.window.xid());
+  for (const unsigned long keysym : {XK_a, XK_eacute, XK_F5}) {
+    there.other.typeForeignKey(keysym);
+    there.settle();
+  }
+  EXPECT_EQ(typed, "aé");
+}
+
 TEST(InputMethods, AreNotWaitedFor) {
   ScopedEnvironment environment;
   environment.set("XMODIFIERS", "@im=silent");
