@@ -28,8 +28,11 @@ void Toolbar::setProgress(double share) {
 int Toolbar::progressWidth() const { return static_cast<int>(progress_ * rect().w); }
 
 void Toolbar::layOut() {
+  const bool first = layout_.buttons.empty();
   layout_ = layOutToolbar(state_, rect(), style_.lineHeight(), style_.scale(),
                           [this](std::string_view text) { return style_.textWidth(text); });
+  // The window opens: what it has takes nobody's place.
+  if (first) settleButtons();
 }
 
 ui::ArrivalGuard::Places Toolbar::buttonPlaces() const {

@@ -22,6 +22,10 @@ void ArrivalGuard::place(const Places& places) {
   arrivals_ = std::move(arrivals);
 }
 
+void ArrivalGuard::settle() {
+  for (auto& [control, arrival] : arrivals_) arrival.reached = true;
+}
+
 void ArrivalGuard::tick(std::int64_t nowMs) {
   for (auto& [control, arrival] : arrivals_) {
     if (!arrival.sinceMs) arrival.sinceMs = nowMs;

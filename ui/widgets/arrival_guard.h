@@ -27,6 +27,8 @@ class ArrivalGuard {
 
   /// The controls are at `places` now, and nowhere else.
   void place(const Places& places);
+  /// What is placed by now takes presses at once.
+  void settle();
   /// Tells the time, as that of events: it starts for what came since the last call.
   void tick(std::int64_t nowMs);
 
@@ -45,7 +47,7 @@ class ArrivalGuard {
   struct Arrival {
     Rect place;
     std::optional<std::int64_t> sinceMs;
-    bool reached = false;  // the pointer moved on to it
+    bool reached = false;  // the pointer moved on to it, or need not
   };
 
   bool stays(const Rect& before, const Rect& now) const;

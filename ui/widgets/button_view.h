@@ -42,6 +42,8 @@ class ButtonView : public Base {
   virtual void pressTaken(Control /*control*/) {}
 
   bool bringUpToDate() override;
+  /// The buttons that there are by now take presses at once.
+  void settleButtons();
   /// What is pressed is gone or means something else.
   void forgetPress() { presses_.cancel(); }
   bool hovered(Control control) const { return presses_.hovered(control); }
@@ -82,6 +84,12 @@ template <typename Base>
 bool ButtonView<Base>::bringUpToDate() {
   placeButtons();
   return Base::bringUpToDate();
+}
+
+template <typename Base>
+void ButtonView<Base>::settleButtons() {
+  placeButtons();
+  guard_.settle();
 }
 
 template <typename Base>

@@ -250,6 +250,17 @@ TEST_F(ToolbarTest, DoesNotRescanWhenTheScanEndsJustBeforeAPressOnStop) {
   EXPECT_TRUE(taken().empty());
 }
 
+TEST_F(ToolbarTest, TakesPressesAtOnceOnWhatTookNobodysPlace) {
+  Toolbar fresh{style};
+  fresh.onCommand = bar.onCommand;
+  fresh.setRect(kBar);
+  fresh.prepare();
+  const ui::MouseEvent event = eventAt(fresh.layout().place(Action::OpenApplicationMenu));
+  fresh.press(event);
+  fresh.release(event);
+  EXPECT_EQ(taken(), (Told{"menu"}));
+}
+
 TEST_F(ToolbarTest, TakesAPressOfAPointerThatHasMovedOnToTheNewButton) {
   ToolbarState running = finished();
   running.scanning = true;
