@@ -39,7 +39,8 @@ struct DirectoryResult {
   std::vector<char> names;
   /// Positions in `entries` of the subdirectories to be walked.
   std::vector<std::uint32_t> subdirectories;
-  /// Entries whose status failed, listing failures, a failed open.
+  /// Entries whose status failed, and one more when the directory could not be opened or its
+  /// listing broke off.
   std::uint64_t errors = 0;
   /// Status and listing calls issued.
   std::uint64_t systemCalls = 0;

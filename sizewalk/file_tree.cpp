@@ -105,16 +105,17 @@ void FileTree::addChildren(const DirectoryResult& result, std::vector<NodeId>* s
   publish();
 }
 
+/// Each error has a node whose flag stands for it: an entry's own, or the directory's, which could
+/// not be opened or whose listing broke off.
 void FileTree::noteErrors(const DirectoryResult& result, Tally* tally) {
-  if (result.unreadable) {
-    setFlags(result.directory, flags(result.directory).with(NodeFlag::Unreadable));
-  }
-  if (result.errors == 0) return;
   tally->scan.errors += result.errors;
-  const auto flagged = static_cast<std::uint64_t>(std::ranges::count_if(
-      result.entries, [](const EntryRecord& e) { return e.flags.has(NodeFlag::Unreadable); }));
-  const std::uint64_t unflagged = result.errors - flagged - (result.unreadable ? 1 : 0);
-  if (unflagged != 0) listingFailures_[result.directory] += unflagged;
+  const auto ofEntries = [&] {
+    return static_cast<std::uint64_t>(std::ranges::count_if(
+        result.entries, [](const EntryRecord& e) { return e.flags.has(NodeFlag::Unreadable); }));
+  };
+  const bool brokeOff = result.errors > 0 && result.errors > ofEntries();
+  if (!result.unreadable && !brokeOff) return;
+  setFlags(result.directory, flags(result.directory).with(NodeFlag::Unreadable));
 }
 
 /// Writes the nodes from `first` on and returns their sums.

@@ -207,8 +207,6 @@ class FileTree {
   HardLinkLedger hardLinks_ GUARDED_BY(writeMutex_);
   std::unordered_map<NodeId, TakenOut> takenOut_ GUARDED_BY(writeMutex_);
   std::uint64_t lastSerial_ GUARDED_BY(writeMutex_) = 0;
-  /// By directory, errors that no node's flag stands for: listings that broke off.
-  std::unordered_map<NodeId, std::uint64_t> listingFailures_ GUARDED_BY(writeMutex_);
 
   /// Publishes the columns below it.
   std::atomic<NodeId> published_{0};

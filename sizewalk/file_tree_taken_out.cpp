@@ -36,8 +36,6 @@ void FileTree::tallyNode(NodeId node, Tally* tally) const {
   tally->scan.errors += flags.has(NodeFlag::Unreadable);
   if (flags.has(NodeFlag::Directory)) {
     tally->scan.directories += !flags.has(NodeFlag::MountPoint);
-    const auto failure = listingFailures_.find(node);
-    if (failure != listingFailures_.end()) tally->scan.errors += failure->second;
     return;
   }
   const NodeSums sums = sumsOf(node);
@@ -130,7 +128,6 @@ bool FileTree::dropContents(NodeId folder) {
   totals_.subtract(tallySubtree(folder));
   rollUp(folder, sumsOf(folder).negated());
   setFlags(folder, flags(folder).without(NodeFlag::Unreadable));
-  listingFailures_.erase(folder);
   forget(nodesBelow(folder));
   setChildren(folder, {firstChild(folder), firstChild(folder)});
   Tally itself;
@@ -158,7 +155,6 @@ std::vector<bool> FileTree::nodesBelow(NodeId folder) const {
 /// Forgets what the tree knows of dropped nodes beside their columns.
 void FileTree::forget(const std::vector<bool>& dropped) {
   hardLinks_.forget([&](NodeId node) { return dropped[node]; });
-  std::erase_if(listingFailures_, [&](const auto& failure) { return dropped[failure.first]; });
   std::erase_if(takenOut_, [&](const auto& taken) {
     if (!dropped[taken.first]) return false;
     takenOutBytes_.fetch_sub(taken.second.bytes, std::memory_order_relaxed);

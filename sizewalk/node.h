@@ -20,7 +20,7 @@ enum class NodeFlag : std::uint8_t {
   MountPoint = 4,
   /// A regular file whose (device, inode) was counted before; its sizes and count are zero.
   HardLinkDuplicate = 8,
-  /// The entry could not be examined, or the directory could not be opened.
+  /// The entry could not be examined, or the directory could not be opened or listed to its end.
   Unreadable = 16,
   /// Taken out of the tree together with all it holds; its sizes are not in its ancestors.
   Excluded = 32,

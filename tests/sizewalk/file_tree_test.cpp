@@ -160,6 +160,24 @@ TEST(FileTree, MarksADirectoryThatCouldNotBeOpened) {
   EXPECT_EQ(tree.totals().errors, 1u);
 }
 
+TEST(FileTree, MarksADirectoryWhoseListingBrokeOffAndKeepsWhatWasListed) {
+  FileTree tree;
+  tree.createRoot("/r");
+  const NodeId partly = add(tree, Listing(0).folder("partly")).front();
+  add(tree, Listing(partly).file("seen", 5).unreadableEntry("broken").breaksOff());
+  EXPECT_TRUE(tree.flags(partly).has(NodeFlag::Unreadable));
+  EXPECT_EQ(tree.childCount(partly), 2u);
+  EXPECT_EQ(tree.totals().errors, 2u);
+}
+
+TEST(FileTree, DoesNotMarkADirectoryForWhatItHolds) {
+  FileTree tree;
+  tree.createRoot("/r");
+  add(tree, Listing(0).unreadableEntry("broken"));
+  EXPECT_FALSE(tree.flags(kRootNode).has(NodeFlag::Unreadable));
+  EXPECT_EQ(tree.totals().errors, 1u);
+}
+
 TEST(FileTree, BuildsPathsOfAnyBytes) {
   FileTree tree;
   tree.createRoot("/");

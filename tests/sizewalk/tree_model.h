@@ -22,7 +22,8 @@ class Listing {
   Listing& unreadableEntry(const std::string& name);
   Listing& add(const std::string& name, const sizewalk::EntryRecord& entry);
   Listing& unreadable();
-  Listing& errors(std::uint64_t count);
+  /// The listing broke off after the entries that were added.
+  Listing& breaksOff();
 
   const sizewalk::DirectoryResult& result() const { return result_; }
 
@@ -48,7 +49,6 @@ struct Recount {
 Recount recount(const sizewalk::FileTree& tree);
 
 /// Fails the current test where the tree's own sums and totals differ from a recount.
-/// `brokenListings`: errors of visible folders whose listing broke off, which no node shows.
-void expectSumsMatchRecount(const sizewalk::FileTree& tree, std::uint64_t brokenListings = 0);
+void expectSumsMatchRecount(const sizewalk::FileTree& tree);
 
 }  // namespace test

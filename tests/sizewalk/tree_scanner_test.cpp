@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "tests/sizewalk/tree_model.h"
+#include "tests/support/blocking_file_system.h"
 #include "tests/support/file_access.h"
 #include "tests/support/mount_namespace.h"
 #include "tests/support/real_tree.h"
@@ -413,6 +414,21 @@ TEST(ScanOptions, NameTheirStrategies) {
   EXPECT_STREQ(listingStrategyName(1), "enum");
   EXPECT_STREQ(listingStrategyName(2), "mft");
   EXPECT_STREQ(listingStrategyName(3), "auto");
+}
+
+TEST(TreeScanner, MarksAFolderWhoseListingFailsInTheMiddle) {
+  test::BlockingFileSystem disk;
+  if (!disk.problem().empty()) GTEST_SKIP() << disk.problem();
+  disk.breakListing("", 1);
+  const Scan scan(disk.path());
+  const FileTree& tree = scan.tree();
+  EXPECT_TRUE(tree.flags(kRootNode).has(NodeFlag::Unreadable));
+  ASSERT_EQ(tree.childCount(kRootNode), 1u) << "what was listed before stays";
+  const NodeId folder = tree.firstChild(kRootNode);
+  EXPECT_EQ(tree.name(folder), "folder");
+  EXPECT_FALSE(tree.flags(folder).has(NodeFlag::Unreadable));
+  EXPECT_EQ(tree.apparentSize(kRootNode), 1000u);
+  EXPECT_EQ(tree.totals().errors, 1u);
 }
 
 }  // namespace

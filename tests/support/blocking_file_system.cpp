@@ -129,6 +129,7 @@ class BlockingFileSystem::Server {
   ~Server();
   bool mounted() const { return mounted_; }
 
+  void breakListing(fuse_ino_t inode, int entries);
   void hold(Request request, fuse_ino_t inode);
   void answerAll(int error);
   bool waitUntilHeld();
@@ -160,6 +161,7 @@ class BlockingFileSystem::Server {
   void run();
   void answer(Request kind, fuse_ino_t inode, fuse_req_t request, Answer answer);
   void giveUpInterrupted();
+  std::optional<int> breakOf(fuse_ino_t inode);
 
   const Undertaker undertaker_;
   fuse_session* session_ = nullptr;
@@ -168,7 +170,8 @@ class BlockingFileSystem::Server {
   std::mutex mutex_;  // guards what follows
   std::condition_variable changed_;
   std::optional<Held> toHold_;
-  int error_ = 0;  // the answer to everything, if not 0
+  int error_ = 0;                     // the answer to everything, if not 0
+  std::map<fuse_ino_t, int> listed_;  // by folder, after how many entries its listing breaks off
   std::map<fuse_ino_t, int> openings_;
   std::vector<Waiting> waiting_;
   /// Those of `waiting_` that nobody waits for any more.
@@ -257,6 +260,17 @@ void BlockingFileSystem::Server::giveUpInterrupted() {
   }
 }
 
+void BlockingFileSystem::Server::breakListing(fuse_ino_t inode, int entries) {
+  const std::lock_guard lock(mutex_);
+  listed_[inode] = entries;
+}
+
+std::optional<int> BlockingFileSystem::Server::breakOf(fuse_ino_t inode) {
+  const std::lock_guard lock(mutex_);
+  const auto found = listed_.find(inode);
+  return found == listed_.end() ? std::nullopt : std::optional(found->second);
+}
+
 void BlockingFileSystem::Server::hold(Request request, fuse_ino_t inode) {
   const std::lock_guard lock(mutex_);
   toHold_ = Held{request, inode};
@@ -322,12 +336,18 @@ void BlockingFileSystem::Server::open(fuse_req_t request, fuse_ino_t inode, fuse
 
 void BlockingFileSystem::Server::list(fuse_req_t request, fuse_ino_t inode, std::size_t bytes,
                                       off_t offset, fuse_file_info* /*file*/) {
+  const std::optional<int> breaksOff = of(request).breakOf(inode);
+  if (breaksOff && offset >= *breaksOff) {
+    fuse_reply_err(request, EIO);
+    return;
+  }
   of(request).answer(Request::List, inode, request, [=](fuse_req_t to) {
     std::vector<char> records(bytes);
     std::size_t used = 0;
     off_t number = 0;
     for (const Entry& entry : kEntries) {
       if (entry.inode == FUSE_ROOT_ID || entry.parent != inode || ++number <= offset) continue;
+      if (breaksOff && number > *breaksOff) break;
       const struct stat status = statusOf(entry);
       const std::size_t needed = fuse_add_direntry(to, records.data() + used, bytes - used,
                                                    entry.name.data(), &status, number);
@@ -351,6 +371,10 @@ BlockingFileSystem::BlockingFileSystem() {
 }
 
 BlockingFileSystem::~BlockingFileSystem() = default;
+
+void BlockingFileSystem::breakListing(const std::string& name, int entries) {
+  server_->breakListing(inodeAt(name), entries);
+}
 
 void BlockingFileSystem::hold(Request request, const std::string& name) {
   server_->hold(request, inodeAt(name));

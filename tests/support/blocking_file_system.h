@@ -8,7 +8,7 @@
 namespace test {
 
 /// A real file system, mounted in a temporary directory and served by a thread of this process,
-/// that answers as slowly as a test wants it to. It holds
+/// that answers as slowly as a test wants it to, or not at all. It holds
 ///
 ///     folder/inside   a file of 1000 bytes
 ///     top             a file of 2000 bytes
@@ -32,6 +32,8 @@ class BlockingFileSystem {
   /// Where it is mounted.
   const std::string& path() const { return mountPoint_; }
 
+  /// From now on the folder `name` is listed up to its entry `entries`; then comes EIO.
+  void breakListing(const std::string& name, int entries);
   /// From now on requests to list or to examine what lies at `name`, a path inside ("" for the
   /// root), get no answer.
   void hold(Request request, const std::string& name);

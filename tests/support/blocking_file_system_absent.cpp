@@ -8,6 +8,7 @@ class BlockingFileSystem::Server {};
 
 BlockingFileSystem::BlockingFileSystem() : problem_("built without libfuse3") {}
 BlockingFileSystem::~BlockingFileSystem() = default;
+void BlockingFileSystem::breakListing(const std::string& /*name*/, int /*entries*/) {}
 void BlockingFileSystem::hold(Request /*request*/, const std::string& /*name*/) {}
 void BlockingFileSystem::release() {}
 void BlockingFileSystem::fail() {}
