@@ -29,6 +29,15 @@ void MapFocus::moveTo(NodeId folder) {
   if (onChanged) onChanged();
 }
 
+void MapFocus::takeUp(Way way) {
+  while (way.current != kRootNode && !canFocus(way.current))
+    way.current = tree_->parent(way.current);
+  previous_ = std::move(way.previous);
+  next_ = std::move(way.next);
+  innermost_ = way.innermost;
+  if (way.current != current_) moveTo(way.current);
+}
+
 void MapFocus::go(NodeId folder) {
   if (folder == current_ || !canFocus(folder)) return;
   previous_.push_back(current_);

@@ -10,12 +10,27 @@ namespace app {
 /// Which folder fills the map, and the way the user took there. Window thread only.
 class MapFocus {
  public:
+  /// The folder in focus and how it was come to.
+  struct Way {
+    sizewalk::NodeId current = sizewalk::kRootNode;
+    /// Where going back in leads.
+    sizewalk::NodeId innermost = sizewalk::kRootNode;
+    // The newest last.
+    std::vector<sizewalk::NodeId> previous;
+    std::vector<sizewalk::NodeId> next;
+  };
+
   /// The folder in focus is another one.
   std::function<void()> onChanged;
 
   /// Begins anew at the scanned folder of `tree`, which outlives being used here; null when no scan
   /// is shown. Not reported.
   void reset(const sizewalk::FileTree* tree);
+
+  Way way() const { return {current_, innermost_, previous_, next_}; }
+  /// Has the focus be where that way leads, or in the nearest folder around that can be focused.
+  /// All of its nodes are in the tree.
+  void takeUp(Way way);
 
   sizewalk::NodeId current() const { return current_; }
   bool canGoOut() const { return current_ != sizewalk::kRootNode; }

@@ -35,6 +35,32 @@ class MapFocusTest : public ::testing::Test {
   int changes = 0;
 };
 
+TEST_F(MapFocusTest, TakesUpAWayWithItsHistory) {
+  focus.go(b);
+  focus.go(c);
+  focus.goToPrevious();
+  const MapFocus::Way way = focus.way();
+  focus.reset(&tree);
+  changes = 0;
+  focus.takeUp(way);
+  EXPECT_EQ(focus.current(), b);
+  EXPECT_EQ(changes, 1);
+  focus.takeUp(way);
+  EXPECT_EQ(changes, 1) << "it is there already";
+  focus.goToNext();
+  EXPECT_EQ(focus.current(), c);
+  focus.goToPrevious();
+  focus.goToPrevious();
+  EXPECT_EQ(focus.current(), kRootNode);
+}
+
+TEST_F(MapFocusTest, TakesUpTheNearestFolderThatCanBeFocused) {
+  focus.takeUp({.current = empty, .innermost = empty, .previous = {}, .next = {}});
+  EXPECT_EQ(focus.current(), kRootNode) << "there is nothing in it";
+  focus.takeUp({.current = file, .innermost = file, .previous = {}, .next = {}});
+  EXPECT_EQ(focus.current(), c);
+}
+
 TEST_F(MapFocusTest, BeginsAtTheScannedFolder) {
   EXPECT_EQ(focus.current(), kRootNode);
   EXPECT_FALSE(focus.canGoOut());
