@@ -194,8 +194,19 @@ void MainWindow::scanPath(const std::string& path) {
 
 void MainWindow::startScan(const std::string& path) {
   session_.start(path);
-  pending_.setTree(session_.treeToChange());
   scanScreen_.show(session_.tree());
+  showScan();
+}
+
+/// Where the user was is found again as the scan goes on.
+void MainWindow::startScanAgain(const std::string& path) {
+  session_.start(path);
+  scanScreen_.showAgain(session_.tree());
+  showScan();
+}
+
+void MainWindow::showScan() {
+  pending_.setTree(session_.treeToChange());
   scanScreen_.setScanStatus(session_.status());
   meter_.measure({session_.path()});
   show(scanScreen_);
@@ -373,7 +384,7 @@ void MainWindow::perform(const Command& command) {
     case Action::StopScan:
       return stopScan();
     case Action::Rescan:
-      return scanPath(session_.path());
+      return settlePendingBefore([this, path = session_.path()] { startScanAgain(path); });
     case Action::GoOut:
       return scanScreen_.focus().goOut();
     case Action::GoToScannedFolder:
@@ -431,6 +442,7 @@ void MainWindow::readAgain(sizewalk::NodeId folder) {
   // What waits inside could not be put back into contents that are forgotten.
   questions_.settleWithin(tree->path(folder), [this, tree, folder] {
     if (session_.tree() != tree || session_.underWay()) return;
+    scanScreen_.rememberPlace();
     session_.readAgain(folder);
     scanScreen_.setScanStatus(session_.status());
     scanScreen_.treeChanged();

@@ -108,6 +108,8 @@ class MainWindow {
   void closeWindow();
   // What lies behind that door.
   void startScan(const std::string& path);
+  void startScanAgain(const std::string& path);
+  void showScan();
   void leaveScan();
 
   void scanPathFound();

@@ -103,6 +103,7 @@ void ScanScreen::connectPending() {
 void ScanScreen::show(std::shared_ptr<const sizewalk::FileTree> tree) {
   const std::shared_ptr<const sizewalk::FileTree> last = tree_;  // until no part looks at it
   selection_.clear();
+  place_.forget();
   focus_.reset(tree.get());
   releasePointer();
   kinds_.clearSelection();
@@ -116,6 +117,25 @@ void ScanScreen::show(std::shared_ptr<const sizewalk::FileTree> tree) {
   updateToolbar();
   giveKeyboardTo(&list_);
   treeChanged();
+}
+
+void ScanScreen::showAgain(std::shared_ptr<const sizewalk::FileTree> tree) {
+  rememberPlace();
+  RememberedPlace place = std::exchange(place_, {});
+  show(std::move(tree));
+  place_ = std::move(place);
+  list_.beginReturn();
+}
+
+void ScanScreen::rememberPlace() {
+  if (!tree_) return;
+  using enum RememberedPlace::Part;
+  const FolderList::Returning& list = list_.returning();
+  if (!list.openRows) place_.giveUp(OpenRows);
+  if (!list.currentRow) place_.giveUp(CurrentRow);
+  if (!list.scroll) place_.giveUp(Scroll);
+  place_.remember(*tree_, focus_.way(), list_.place());
+  list_.beginReturn();
 }
 
 void ScanScreen::setMeasure(const MeasureSettings& measure) {
@@ -215,13 +235,31 @@ bool ScanScreen::bringUpToDate() {
 void ScanScreen::lookAtTree() {
   if (!tree_) return;
   selection_.keepVisible(*tree_);
-  focus_.keepVisible();
+  comeBack();
   list_.refresh();
+  const bool complete = !status_.scanning && !status_.stopped;
+  if (complete) {
+    place_.endSearch();
+    list_.endReturn();
+  }
   std::vector<KindRow> kinds = kindRows(*tree_, measure_, {});
   colours_.setKindSlots(kindSlotsBySize(kinds));
   kinds_.setRows(std::move(kinds));
   updateExtraBlocks();
   picture_.markOutdated();
+}
+
+/// As far as the tree has been read by now.
+void ScanScreen::comeBack() {
+  place_.lookIn(*tree_);
+  if (place_.seeks(RememberedPlace::Part::Focus)) {
+    comingBack_ = true;
+    focus_.takeUp(place_.focus());
+    comingBack_ = false;
+  } else {
+    focus_.keepVisible();
+  }
+  list_.returnTo(place_.takeList());
 }
 
 void ScanScreen::updateExtraBlocks() {
@@ -234,7 +272,10 @@ void ScanScreen::updateExtraBlocks() {
 void ScanScreen::focusChanged() {
   updateExtraBlocks();
   picture_.show(tree_, focus_.current());
-  list_.revealNode(focus_.current());
+  if (!comingBack_) {
+    place_.giveUp(RememberedPlace::Part::Focus);
+    list_.revealNode(focus_.current());
+  }
   map_.hideCard();
   changed();
 }
@@ -296,6 +337,16 @@ bool ScanScreen::dismiss() {
   const bool highlighted = kinds_.selectedKind().has_value();
   kinds_.clearSelection();
   return highlighted;
+}
+
+void ScanScreen::leave() {
+  Screen::leave();
+  list_.pointerSeen(-1, -1);
+}
+
+void ScanScreen::releasePointer() {
+  list_.cover();
+  Screen::releasePointer();
 }
 
 void ScanScreen::tick(std::int64_t nowMs) {

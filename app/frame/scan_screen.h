@@ -25,6 +25,7 @@
 #include "app/model/kind_colours.h"
 #include "app/model/map_focus.h"
 #include "app/model/measure.h"
+#include "app/model/remembered_place.h"
 #include "app/model/selection.h"
 #include "app/model/settings_store.h"
 #include "sizewalk/file_tree.h"
@@ -66,6 +67,12 @@ class ScanScreen : public Screen {
 
   /// Shows `tree` from the scanned folder on; nothing when it is null.
   void show(std::shared_ptr<const sizewalk::FileTree> tree);
+  /// The same with the tree of another scan of the same folder, and comes back to where the user
+  /// was as that tree fills: the folder in focus, the open rows, the current one and how far the
+  /// list was scrolled. What the user does himself meanwhile counts instead.
+  void showAgain(std::shared_ptr<const sizewalk::FileTree> tree);
+  /// A folder of the tree is about to be read again: as `showAgain`.
+  void rememberPlace();
   void setMeasure(const MeasureSettings& measure);
   void setSettings(const ScanScreenSettings& settings);
   /// What the status line tells of the scan. Its sums are taken from the tree in every frame.
@@ -84,6 +91,8 @@ class ScanScreen : public Screen {
   /// Letters that the view with the keyboard has no use for go to the list; Escape takes back a
   /// card, then the highlight of a kind.
   bool key(const ui::KeyEvent& event) override;
+  void leave() override;
+  void releasePointer() override;
   void tick(std::int64_t nowMs) override;
   ui::Rect menuButton() const override {
     return toolbar_.layout().place(Action::OpenApplicationMenu);
@@ -122,6 +131,7 @@ class ScanScreen : public Screen {
   void layOutAgain();
   bool dismiss();
   void lookAtTree();
+  void comeBack();
   void focusChanged();
   void updateExtraBlocks();
   void updateToolbar();
@@ -144,6 +154,9 @@ class ScanScreen : public Screen {
   DividerPlaces dividerPlaces_;
   Selection selection_;
   MapFocus focus_;
+  /// Where the user was before the tree was read again.
+  RememberedPlace place_;
+  bool comingBack_ = false;
   Toolbar toolbar_;
   FolderList list_;
   KindsTable kinds_;

@@ -1,5 +1,6 @@
 #include "app/lists/folder_list.h"
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -30,6 +31,10 @@ void FolderList::show(const sizewalk::FileTree* tree) {
   if (count() > 0) cursor_.setCurrent(kRootNode);
   pending_.reset();
   pressed_.reset();
+  pointer_.reset();
+  held_.reset();
+  orderWaits_ = orderDue_ = false;
+  returning_ = {};
   changed();
 }
 
@@ -40,13 +45,63 @@ void FolderList::setMeasure(const MeasureSettings& measure) {
 }
 
 void FolderList::refresh() {
+  const auto held = heldRow();
+  if (held && refreshAround(*held)) return;
   changeRows([this] { rows_.refresh(); });
+}
+
+bool FolderList::refreshAround(std::size_t held) {
+  if (!rows_.leadsTo(nodeAt(held))) return false;
+  std::vector<FolderRow> rows = rows_.look();
+  const auto found = std::ranges::find(rows, nodeAt(held), &FolderRow::node);
+  const auto row = static_cast<std::size_t>(found - rows.begin());
+  if (!canPutAt(row, placeInView(held), rows.size()) && rows_.refreshInPlace()) {
+    orderWaits_ = true;
+    orderDue_ = false;
+    changed();
+  } else {
+    changeRows([&] { rows_.take(std::move(rows)); });
+  }
+  return true;
+}
+
+std::optional<std::size_t> FolderList::heldRow() const {
+  return held_ ? rowAt(held_->x, held_->y) : std::nullopt;
+}
+
+// Where the user was in a scan that is made again.
+
+ListPlace FolderList::place() const {
+  ListPlace place;
+  const auto& open = rows_.openFolders();
+  place.open.assign(open.begin(), open.end());
+  place.current = cursor_.current();
+  if (const auto top = firstInView([](std::size_t) { return true; })) {
+    place.top = nodeAt(*top);
+    place.topAt = placeInView(*top);
+  }
+  return place;
+}
+
+void FolderList::beginReturn() {
+  rows_.closeAll();
+  returning_ = {.openRows = true, .currentRow = true, .scroll = true};
+  top_.reset();
+}
+
+void FolderList::returnTo(const ListPlace& place) {
+  if (returning_.openRows) rows_.open(place.open);
+  if (returning_.currentRow && place.current) cursor_.setCurrent(*place.current);
+  if (!returning_.scroll) return;
+  top_ = place.top;
+  topAt_ = place.topAt;
 }
 
 void FolderList::changeRows(const std::function<void()>& change) {
   const auto keyAt = [this](std::size_t row) { return nodeAt(row); };
   const auto find = [this](NodeId node) { return rows_.find(node); };
   const auto remains = [this](NodeId node) { return rows_.leadsTo(node); };
+  orderWaits_ = orderDue_ = false;
   const auto kept = rowToKeep();
   if (const auto row = currentRow()) cursor_.handOn(*row, count(), keyAt, remains);
   changeRowsAround(kept, keyAt, find, [&] {
@@ -54,13 +109,16 @@ void FolderList::changeRows(const std::function<void()>& change) {
     countRows();
   });
   if (!currentRow()) cursor_.setCurrent(count() > 0 ? std::optional(kRootNode) : std::nullopt);
+  if (returning_.scroll && top_ && !heldRow()) {
+    if (const auto top = rows_.find(*top_)) putAt(*top, topAt_);
+  }
   changed();
 }
 
 /// Of the rows that the user may be looking at, the first that will still be there.
 std::optional<std::size_t> FolderList::rowToKeep() const {
   const auto remains = [this](std::size_t row) { return rows_.leadsTo(nodeAt(row)); };
-  for (const auto& row : {hoveredRow(), currentRow()}) {
+  for (const auto& row : {heldRow(), currentRow()}) {
     if (row && isInView(*row) && remains(*row)) return row;
   }
   const auto selected =
@@ -73,6 +131,7 @@ void FolderList::revealNode(NodeId node) {
   changeRows([&] { row = rows_.reveal(node); });
   if (!row) return;
   cursor_.setCurrent(node);
+  returning_.currentRow = returning_.scroll = false;
   // What is shown without having been picked begins no range.
   if (selection_.contains(node)) cursor_.setAnchor(node);
   scrollToRow(*row);
@@ -88,6 +147,7 @@ std::ptrdiff_t FolderList::pendingRow() const {
 }
 
 bool FolderList::bringUpToDate() {
+  if (orderDue_) refresh();
   scrollIfDue();
   return false;
 }
@@ -139,7 +199,44 @@ std::optional<std::size_t> FolderList::parentRow(std::size_t row) const {
 
 // The pointer.
 
+void FolderList::motion(const ui::MouseEvent& event) {
+  covered_ = false;
+  const Pointer now{event.x, event.y};
+  const bool moved = held_ || (pointer_ && *pointer_ != now);
+  pointer_ = now;
+  const auto before = hoveredRow();
+  ui::RowList::motion(event);
+  const auto row = hoveredRow();
+  if (moved && row) {
+    held_ = now;
+  } else {
+    held_.reset();
+  }
+  if (row == before || !orderWaits_) return;
+  orderDue_ = true;
+  changed();
+}
+
+void FolderList::leave() {
+  ui::RowList::leave();
+  if (!covered_) letGoOfRow();
+}
+
+void FolderList::pointerSeen(int x, int y) {
+  if (rect().contains(x, y)) return;
+  pointer_ = Pointer{x, y};
+  if (std::exchange(covered_, false)) letGoOfRow();
+}
+
+void FolderList::letGoOfRow() {
+  held_.reset();
+  if (!orderWaits_) return;
+  orderDue_ = true;
+  changed();
+}
+
 void FolderList::press(const ui::MouseEvent& event) {
+  returning_.currentRow = returning_.scroll = false;
   const std::optional<NodeId> pressedBefore = std::exchange(pressed_, std::nullopt);
   cursor_.forgetTyped();
   if (pressBar(event)) return;
@@ -193,6 +290,7 @@ void FolderList::pressSecondary(std::size_t row, const ui::MouseEvent& event) {
 }
 
 void FolderList::wheel(const ui::MouseEvent& event, int dy) {
+  returning_.scroll = false;
   scrollIfDue();
   ui::RowList::wheel(event, dy);
 }
@@ -200,11 +298,13 @@ void FolderList::wheel(const ui::MouseEvent& event, int dy) {
 // Opening and selecting.
 
 void FolderList::openRow(std::size_t row) {
+  returning_.openRows = returning_.scroll = false;
   rows_.open(row);
   countRows();
 }
 
 void FolderList::closeRow(std::size_t row) {
+  returning_.openRows = returning_.scroll = false;
   const NodeId node = nodeAt(row);
   rows_.close(row);
   countRows();
@@ -260,6 +360,7 @@ bool FolderList::keyWithCtrl(const ui::KeyEvent& event, std::size_t row) {
 
 void FolderList::moveTo(std::size_t row, bool extend) {
   const NodeId node = nodeAt(row);
+  returning_.currentRow = returning_.scroll = false;
   if (extend) {
     selectRangeTo(row);
   } else {

@@ -10,6 +10,7 @@
 #include "app/model/commands.h"
 #include "app/model/kind_colours.h"
 #include "app/model/measure.h"
+#include "app/model/remembered_place.h"
 #include "app/model/selection.h"
 #include "sizewalk/file_tree.h"
 #include "ui/canvas.h"
@@ -45,9 +46,31 @@ class FolderList : public ui::RowList {
   void show(const sizewalk::FileTree* tree);
   void setMeasure(const MeasureSettings& measure);
   /// Looks at the tree anew, after it has grown or something was taken out or put back. Of the rows
-  /// that remain, the one under the pointer stays where it is on the screen; else the current row,
-  /// a selected one or the topmost, the first of them in view.
+  /// that remain, the one under the pointer stays where it is on the screen, once the pointer has
+  /// moved in the list; else the current row, a selected one or the topmost, the first of them in
+  /// view. Where the list cannot scroll so far, all rows wait until the pointer is elsewhere.
   void refresh();
+
+  ListPlace place() const;
+  /// A tree that fills is to be shown as another one was: everything is closed, for `returnTo` to
+  /// open. Each part ends when the user does something about it.
+  void beginReturn();
+  /// Takes up what is known by now of the place to return to, with the next `refresh`.
+  void returnTo(const ListPlace& place);
+  void endReturn() { returning_ = {}; }
+  /// Which parts it still returns to.
+  struct Returning {
+    bool openRows = false;
+    bool currentRow = false;
+    bool scroll = false;
+  };
+  const Returning& returning() const { return returning_; }
+
+  /// Something covers the list: the row that was under the pointer stays in its place meanwhile.
+  void cover() { covered_ = true; }
+  /// The pointer is there, in the list or elsewhere. Without this the list does not know whether
+  /// the pointer has moved into it or was there when it was shown.
+  void pointerSeen(int x, int y) override;
 
   /// Opens the way to `node`, makes its row the current one and scrolls there with the next
   /// `prepare`. Does nothing when the tree does not lead to it.
@@ -58,6 +81,8 @@ class FolderList : public ui::RowList {
   bool takesKeyboard() const override { return true; }
   void paint(ui::Canvas& canvas) const override;
   void press(const ui::MouseEvent& event) override;
+  void motion(const ui::MouseEvent& event) override;
+  void leave() override;
   void wheel(const ui::MouseEvent& event, int dy) override;
   bool key(const ui::KeyEvent& event) override;
   /// Of the keys those alone that search for a name, and those that ask for the context menu: what
@@ -87,6 +112,11 @@ class FolderList : public ui::RowList {
 
   /// Has `change` make the rows anew and puts all that depends on them right.
   void changeRows(const std::function<void()>& change);
+  /// The row under a pointer that has moved there.
+  std::optional<std::size_t> heldRow() const;
+  /// As `refresh`, unless the held row could not stay in its place.
+  bool refreshAround(std::size_t held);
+  void letGoOfRow();
   /// Which row `changeRows` leaves where it is on the screen.
   std::optional<std::size_t> rowToKeep() const;
   void countRows() { setCount(rows_.rows().size()); }
@@ -117,6 +147,23 @@ class FolderList : public ui::RowList {
   ui::ListCursor<sizewalk::NodeId> cursor_;
   /// Whose row is to be brought into view.
   std::optional<sizewalk::NodeId> pending_;
+  /// Where the pointer was seen last, if it was since the tree is shown.
+  struct Pointer {
+    int x;
+    int y;
+    friend bool operator==(const Pointer&, const Pointer&) = default;
+  };
+  std::optional<Pointer> pointer_;
+  /// It has moved, and is on this place of the rows.
+  std::optional<Pointer> held_;
+  bool covered_ = false;
+  /// The rows are not in the order that the tree has by now.
+  bool orderWaits_ = false;
+  bool orderDue_ = false;
+  Returning returning_;
+  /// While it returns to a scroll position: a row and its place in view.
+  std::optional<sizewalk::NodeId> top_;
+  std::int64_t topAt_ = 0;
   /// What the last press picked by itself: only a second press on the same is a double one, since
   /// rows may have moved under the pointer between the two.
   std::optional<sizewalk::NodeId> pressed_;

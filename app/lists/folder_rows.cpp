@@ -48,14 +48,35 @@ void FolderRows::setMeasure(const MeasureSettings& measure) {
   refresh();
 }
 
-void FolderRows::refresh() {
-  rows_.clear();
-  if (!tree_ || tree_->nodeCount() == 0) return;
+void FolderRows::refresh() { rows_ = look(); }
+
+std::vector<FolderRow> FolderRows::look() {
+  if (!tree_ || tree_->nodeCount() == 0) return {};
   std::erase_if(contents_, [this](const auto& kept) { return !tree_->isVisible(kept.first); });
-  rows_.push_back(rowFor(kRootNode, 0));
-  if (!rows_.front().expanded) return;
-  const FolderRow root = rows_.front();
-  appendRowsBelow(root, &rows_);
+  const FolderRow root = rowFor(kRootNode, 0);
+  std::vector<FolderRow> rows;
+  rows.reserve(rows_.size());
+  rows.push_back(root);
+  if (root.expanded) appendRowsBelow(root, &rows);
+  return rows;
+}
+
+bool FolderRows::refreshInPlace() {
+  std::vector<NodeRange> siblings;  // by depth
+  for (const FolderRow& row : rows_) {
+    const auto depth = static_cast<std::size_t>(row.depth);
+    siblings.resize(depth + 1);
+    siblings.push_back(tree_->children(row.node));
+    const NodeRange range = siblings[depth];
+    const bool led = row.node >= range.first && row.node < range.last;
+    if (depth > 0 && (!led || tree_->isTakenOut(row.node))) return false;
+  }
+  for (FolderRow& row : rows_) {
+    if (row.expanded) continue;
+    // One that is remembered as open has no rows below it yet: a press gets them.
+    row.expandable = rowFor(row.node, row.depth).expandable;
+  }
+  return true;
 }
 
 FolderRow FolderRows::rowFor(NodeId node, std::int32_t depth) const {

@@ -6,6 +6,7 @@
 #include <span>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "app/model/measure.h"
@@ -38,6 +39,12 @@ class FolderRows {
   void setMeasure(const MeasureSettings& measure);
   /// Looks at the tree anew.
   void refresh();
+  /// The rows that `refresh` would make, for `take`.
+  std::vector<FolderRow> look();
+  void take(std::vector<FolderRow> rows) { rows_ = std::move(rows); }
+  /// Brings the rows up to date in their order, with none added. False, and nothing is changed,
+  /// when one of them is to be seen no more.
+  bool refreshInPlace();
 
   std::span<const FolderRow> rows() const { return rows_; }
   /// Where `node` is shown; nothing when it has no row. Looks at all rows.
@@ -51,6 +58,12 @@ class FolderRows {
   /// again when that is opened.
   void open(std::size_t row);
   void close(std::size_t row);
+  // With effect from the next `refresh`, on folders that have a row by then.
+  void closeAll() { open_.clear(); }
+  void open(std::span<const sizewalk::NodeId> folders) {
+    open_.insert(folders.begin(), folders.end());
+  }
+  const std::unordered_set<sizewalk::NodeId>& openFolders() const { return open_; }
   /// Opens every folder on the way to `node` and returns its row; opens and returns nothing when it
   /// is not visible.
   std::optional<std::size_t> reveal(sizewalk::NodeId node);

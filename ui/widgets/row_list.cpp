@@ -37,6 +37,11 @@ void RowList::putAt(std::size_t row, std::int64_t placeInView) {
   scroller_.scrollTo(static_cast<int>(std::clamp<std::int64_t>(offset, 0, kMostContentHeight)));
 }
 
+bool RowList::canPutAt(std::size_t row, std::int64_t placeInView, std::size_t count) const {
+  const std::int64_t offset = rowTop(row, rowHeight_) - placeInView;
+  return offset >= 0 && offset <= std::max(0, contentHeight(count, rowHeight_) - view().h);
+}
+
 RowRange RowList::visible() const {
   return visibleRows(scroller_.offset(), view().h, rowHeight_, count_);
 }

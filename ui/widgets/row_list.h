@@ -82,6 +82,12 @@ class RowList : public View {
   template <typename KeyAt, typename Find, typename Change>
   void changeRowsAround(std::optional<std::size_t> kept, KeyAt keyAt, Find find, Change change);
 
+  /// How far below the upper edge of the view a row begins; below 0 above it.
+  std::int64_t placeInView(std::size_t row) const;
+  /// Scrolls so that a row begins there, as far as the list can scroll.
+  void putAt(std::size_t row, std::int64_t placeInView);
+  /// Whether `putAt` would get a row there if there were `count` of them.
+  bool canPutAt(std::size_t row, std::int64_t placeInView, std::size_t count) const;
   bool isInView(std::size_t row) const;
   /// The first row of those in view that has a property.
   template <typename Property>
@@ -94,8 +100,6 @@ class RowList : public View {
   };
 
   RowRange visible() const;
-  std::int64_t placeInView(std::size_t row) const;
-  void putAt(std::size_t row, std::int64_t placeInView);
 
   const Style& style_;
   const int rowHeight_;

@@ -62,6 +62,11 @@ struct ListOnServer : test::WindowOnServer {
     list_.press(event);
     list_.release({.button = 1});
   }
+  /// Has the pointer come to a row from elsewhere in the list.
+  void moveOnto(std::size_t row) {
+    list_.motion({.x = 99, .y = rowY(row)});
+    list_.motion({.x = 100, .y = rowY(row)});
+  }
   bool key(unsigned long keysym, bool shift = false, bool ctrl = false) {
     return list_.key({.keysym = keysym, .text = {}, .shift = shift, .ctrl = ctrl, .timeMs = now_});
   }

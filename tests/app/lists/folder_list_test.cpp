@@ -314,7 +314,7 @@ TEST_F(ScrolledFolderListTest, KeepsTheRowUnderThePointerInPlaceBeforeAllOthers)
   const NodeId hovered = nodeOf(top_ + 3);
   const NodeId pressed = nodeOf(top_ + 1);
   press(top_ + 1);
-  list_.motion({.x = 100, .y = rowY(top_ + 3)});
+  moveOnto(top_ + 3);
   const int place = placeOf(hovered);
   const NodeId between = nodeOf(top_ + 2);
   takeOut(between);
@@ -339,7 +339,7 @@ TEST_F(ScrolledFolderListTest, KeepsASelectedRowInPlaceWhenTheCurrentOneIsOutOfV
 }
 
 TEST_F(ScrolledFolderListTest, KeepsTheNextRowInPlaceWhereThatUnderThePointerVanishes) {
-  list_.motion({.x = 100, .y = rowY(top_ + 2)});
+  moveOnto(top_ + 2);
   const NodeId node = nodeOf(top_);
   const int place = placeOf(node);
   takeOut(nodeOf(top_ + 2));

@@ -1,0 +1,124 @@
+// What the folder list does with the row under the pointer while results arrive.
+
+#include <string>
+
+#include "app/lists/folder_list.h"
+#include "tests/app/lists/folder_list_fixture.h"
+
+namespace app {
+namespace {
+
+/// All rows fit: r, big, small.txt, Other, empty. The last will become the largest.
+class FolderListPointerTest : public ::testing::Test, protected ListOnServer {
+ protected:
+  void growEmpty() {
+    fillEmpty(1, 1000);
+    list_.refresh();
+  }
+  static constexpr char kBefore[] = "r big small.txt Other empty ";
+  static constexpr char kAfter[] = "r empty big small.txt Other ";
+};
+
+TEST_F(FolderListPointerTest, HasTheOrderWaitWhileThePointerIsOnARowOfAListThatCannotScroll) {
+  moveOnto(2);
+  growEmpty();
+  EXPECT_EQ(names(), kBefore);
+  EXPECT_EQ(list_.hovered(), small_);
+  list_.leave();
+  list_.prepare();
+  EXPECT_EQ(names(), kAfter) << "the pointer has moved on";
+}
+
+TEST_F(FolderListPointerTest, BringsTheOrderUpWhenThePointerMovesToARowThatStaysInItsPlace) {
+  moveOnto(2);
+  growEmpty();
+  moveOnto(0);
+  list_.prepare();
+  EXPECT_EQ(names(), kAfter);
+}
+
+TEST_F(FolderListPointerTest, AsksForAFrameWhenTheOrderWaitsNoMore) {
+  moveOnto(2);
+  growEmpty();
+  changes_ = 0;
+  list_.motion({.x = 101, .y = rowY(2)});
+  EXPECT_EQ(changes_, 0);
+  list_.leave();
+  EXPECT_GT(changes_, 0);
+}
+
+TEST_F(FolderListPointerTest, SelectsWithTheNextPressWhatWasUnderThePointer) {
+  moveOnto(2);
+  growEmpty();
+  press(2, {.button = 1}, 100);
+  EXPECT_EQ(selected(), Nodes{small_});
+}
+
+TEST_F(FolderListPointerTest, StaysAtItsTopUnderAPointerThatHasNotMoved) {
+  list_.motion({.x = 100, .y = rowY(2)});  // where it was when the list was shown
+  growEmpty();
+  EXPECT_EQ(names(), kAfter);
+  EXPECT_EQ(list_.scrollOffset(), 0);
+}
+
+TEST_F(FolderListPointerTest, DoesNotScrollAwayFromItsTopUnderAPointerThatHasNotMoved) {
+  list_.motion({.x = 100, .y = rowY(4)});
+  sizewalk::FileTree large;
+  large.createRoot("/large");
+  Listing listing(0);
+  for (int i = 0; i < 20; ++i) listing.folder("f" + std::to_string(100 + i));
+  const auto folders = add(large, listing);
+  list_.show(&large);
+  list_.motion({.x = 100, .y = rowY(4)});
+  for (int i = 0; i < 20; ++i) {
+    add(large, Listing(folders[19 - static_cast<std::size_t>(i)])
+                   .file("x", static_cast<std::uint64_t>(1000 - i)));
+    list_.refresh();
+    list_.motion({.x = 100, .y = rowY(4) + list_.scrollOffset()});
+  }
+  EXPECT_EQ(list_.scrollOffset(), 0);
+  EXPECT_EQ(list_.rows().rows()[1].node, folders[19]) << "the largest at the top";
+}
+
+TEST_F(FolderListPointerTest, KnowsThatThePointerCameFromElsewhere) {
+  list_.pointerSeen(5, 5);
+  list_.motion({.x = 100, .y = rowY(2)});
+  growEmpty();
+  EXPECT_EQ(names(), kBefore);
+}
+
+TEST_F(FolderListPointerTest, KeepsTheOrderWhileSomethingCoversTheList) {
+  moveOnto(2);
+  list_.cover();
+  list_.leave();
+  growEmpty();
+  EXPECT_EQ(names(), kBefore);
+  list_.pointerSeen(100, rowY(2));
+  list_.motion({.x = 100, .y = rowY(2)});
+  list_.prepare();
+  EXPECT_EQ(names(), kBefore) << "the pointer is where it was";
+  list_.cover();
+  list_.leave();
+  list_.pointerSeen(5, 5);
+  list_.prepare();
+  EXPECT_EQ(names(), kAfter) << "it was moved away meanwhile";
+}
+
+TEST_F(FolderListPointerTest, LetsGoOfAnOrderInWhichSomethingHasVanished) {
+  moveOnto(2);
+  growEmpty();
+  ASSERT_TRUE(tree_.removeSubtree(other_).valid);
+  list_.refresh();
+  EXPECT_EQ(names(), "r empty big small.txt ");
+}
+
+TEST_F(FolderListPointerTest, OpensAFolderThatWasFilledWhileTheOrderWaits) {
+  moveOnto(2);
+  growEmpty();
+  ASSERT_TRUE(list_.rows().rows()[4].expandable);
+  press(4, {.button = 1}, 20 + 6 + 16 + 4);
+  EXPECT_EQ(names(), std::string(kBefore) + "f1000 ");
+}
+
+}  // namespace
+}  // namespace app
