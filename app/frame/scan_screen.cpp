@@ -103,6 +103,7 @@ void ScanScreen::connectPending() {
 void ScanScreen::show(std::shared_ptr<const sizewalk::FileTree> tree) {
   const std::shared_ptr<const sizewalk::FileTree> last = tree_;  // until no part looks at it
   selection_.clear();
+  keyed_ = false;
   place_.forget();
   focus_.reset(tree.get());
   releasePointer();
@@ -316,16 +317,24 @@ std::string ScanScreen::statusRight() const {
   if (selection_.size() > 1) {
     return selectionText(static_cast<std::int64_t>(selection_.size()), selectedSize_);
   }
-  const auto node = hovered();
-  return node ? tree_->path(*node) : std::string();
+  const auto node = lookedAt();
+  return node ? itemText(*tree_, *node) : std::string();
 }
 
-std::optional<NodeId> ScanScreen::hovered() const {
+std::optional<NodeId> ScanScreen::lookedAt() const {
+  if (keyed_) return list_.current();
   const auto onMap = map_.hovered();
   return onMap ? onMap : list_.hovered();
 }
 
 bool ScanScreen::key(const ui::KeyEvent& event) {
+  if (!keyOfParts(event)) return false;
+  keyed_ = true;
+  changed();
+  return true;
+}
+
+bool ScanScreen::keyOfParts(const ui::KeyEvent& event) {
   if (Screen::key(event)) return true;
   if (ui::key::plain(event.keysym) == ui::key::kEscape && dismiss()) return true;
   // Nothing that would move or select behind the user's back.
@@ -337,6 +346,14 @@ bool ScanScreen::dismiss() {
   const bool highlighted = kinds_.selectedKind().has_value();
   kinds_.clearSelection();
   return highlighted;
+}
+
+void ScanScreen::motion(const ui::MouseEvent& event) {
+  Screen::motion(event);
+  // What lay over the screen and is gone tells of a pointer that has not moved.
+  const std::pair now(event.x, event.y);
+  if (pointer_ != now) keyed_ = false;
+  pointer_ = now;
 }
 
 void ScanScreen::leave() {

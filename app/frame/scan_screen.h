@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/frame/divider.h"
@@ -91,6 +92,7 @@ class ScanScreen : public Screen {
   /// Letters that the view with the keyboard has no use for go to the list; Escape takes back a
   /// card, then the highlight of a kind.
   bool key(const ui::KeyEvent& event) override;
+  void motion(const ui::MouseEvent& event) override;
   void leave() override;
   void releasePointer() override;
   void tick(std::int64_t nowMs) override;
@@ -129,6 +131,7 @@ class ScanScreen : public Screen {
   void connectDividers();
   void connectPending();
   void layOutAgain();
+  bool keyOfParts(const ui::KeyEvent& event);
   bool dismiss();
   void lookAtTree();
   void comeBack();
@@ -138,7 +141,7 @@ class ScanScreen : public Screen {
   void updateStatus();
   void addUpSelection();
   std::string statusRight() const;
-  std::optional<sizewalk::NodeId> hovered() const;
+  std::optional<sizewalk::NodeId> lookedAt() const;
   void activate(sizewalk::NodeId node);
 
   const ui::Style& style_;
@@ -166,6 +169,10 @@ class ScanScreen : public Screen {
   Divider kindsDivider_;
   PendingPanel pending_;
   StatusLine statusLine_;
+  /// Where the pointer was seen last, and whether a key was pressed since it came there: then the
+  /// status line tells of the current row.
+  std::optional<std::pair<int, int>> pointer_;
+  bool keyed_ = false;
   // What the next `prepare` has to do.
   bool treeDirty_ = false;
   bool selectionDirty_ = false;

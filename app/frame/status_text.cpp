@@ -36,6 +36,11 @@ std::string statusText(const ScanStatus& status) {
   return sum + endOfScan(status);
 }
 
+std::string itemText(const sizewalk::FileTree& tree, sizewalk::NodeId node) {
+  const bool unreadable = tree.flags(node).has(sizewalk::NodeFlag::Unreadable);
+  return tree.path(node) + (unreadable ? " - cannot be read" : "");
+}
+
 std::string selectionText(std::int64_t items, std::int64_t bytes) {
   return formatCount(items) + " selected · " + formatSize(bytes);
 }

@@ -54,6 +54,7 @@ class CardBuilder {
     addSizes(node);
     addShare(measureValue(tree_, node, measure_));
     add("Kind", kindRowName(tree_.kind(node)));
+    if (tree_.flags(node).has(sizewalk::NodeFlag::Unreadable)) add("Note", "Cannot be read");
     if (const std::uint32_t time = tree_.birthTime(node)) add("Added", dateText(time));
     return card_;
   }

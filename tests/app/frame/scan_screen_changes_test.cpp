@@ -29,6 +29,30 @@ TEST_F(ScanScreenTest, NamesWhatIsUnderThePointer) {
   EXPECT_EQ(right(), "");
 }
 
+TEST_F(ScanScreenTest, NamesTheCurrentRowAfterAKeyUntilThePointerMoves) {
+  point(inList(photo_));
+  key(ui::key::kDown);
+  EXPECT_EQ(right(), "/r/big");
+  point(inList(photo_));
+  EXPECT_EQ(right(), "/r/big") << "the pointer is where it was";
+  screen_.motion({.x = inList(photo_).x + 1, .y = inList(photo_).y + 1});
+  screen_.prepare();
+  EXPECT_EQ(right(), "/r/photo.jpg");
+  EXPECT_FALSE(key(ui::key::kF5)) << "which means nothing here";
+  EXPECT_EQ(right(), "/r/photo.jpg");
+}
+
+TEST_F(ScanScreenTest, SaysOfWhatItNamesThatItCannotBeRead) {
+  add(*tree_, Listing(late_).unreadable());
+  screen_.treeChanged();
+  point(inList(late_));
+  EXPECT_EQ(right(), "/r/late - cannot be read");
+  key(ui::key::kEnd);
+  EXPECT_EQ(right(), "/r/late - cannot be read");
+  key(ui::key::kUp);
+  EXPECT_EQ(right(), "/r/empty");
+}
+
 TEST_F(ScanScreenTest, AddsUpWhatIsSelectedAndCountsNothingTwice) {
   click(onMap(song_));
   point(onMap(deep_));
@@ -294,10 +318,10 @@ TEST_F(ScanScreenTest, ShowsAnotherTreeFromItsScannedFolderOn) {
   EXPECT_FALSE(canGoUp());
   EXPECT_EQ(listed(), (Nodes{kRootNode, 1}));
   EXPECT_EQ(kinds().rows().size(), 1u);
-  EXPECT_EQ(keyboard(), "list");
   EXPECT_EQ(right(), "") << "where the pointer is counts from its next motion on";
   point(screen_.layout().map);
   EXPECT_EQ(right(), "/next/one.txt");
+  EXPECT_EQ(keyboard(), "list");
   screen_.show(nullptr);
 }
 

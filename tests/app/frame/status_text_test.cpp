@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/sizewalk/tree_model.h"
+
 namespace app {
 namespace {
 
@@ -12,6 +14,15 @@ ScanStatus finished() {
   status.items = 12345;
   status.elapsedSeconds = 0.306;
   return status;
+}
+
+TEST(ItemText, IsThePathAndWhetherItCannotBeRead) {
+  sizewalk::FileTree tree;
+  tree.createRoot("/r");
+  const auto folders = test::add(tree, test::Listing(0).folder("open").folder("locked"));
+  test::add(tree, test::Listing(folders[1]).unreadable());
+  EXPECT_EQ(itemText(tree, folders[0]), "/r/open");
+  EXPECT_EQ(itemText(tree, folders[1]), "/r/locked - cannot be read");
 }
 
 TEST(StatusText, SaysThatItScansBeforeThereIsANode) { EXPECT_EQ(statusText({}), "Scanning…"); }

@@ -131,6 +131,13 @@ TEST_F(MapCardTest, TellsTheShareOfTheFolderInFocus) {
   EXPECT_EQ(card.facts[2].text, "25.0 % of dir");
 }
 
+TEST_F(MapCardTest, SaysThatAFolderCannotBeRead) {
+  add(tree_, Listing(0).breaksOff());
+  const MapCard card = cardOfNode(kRootNode);
+  ASSERT_EQ(card.facts.size(), 4u);
+  EXPECT_EQ(card.facts.back(), (MapCard::Fact{"Note", "Cannot be read"}));
+}
+
 /// The scanned folder itself is a block while nothing in it has been found.
 TEST_F(MapCardTest, TellsNoFolderAroundTheScannedOne) {
   const MapCard card = cardOfNode(kRootNode);
