@@ -19,6 +19,7 @@
 #include "app/map/cushion_shading.h"
 #include "base/detached_threads.h"
 #include "tests/app/held_folder.h"
+#include "tests/app/scan_end.h"
 #include "tests/support/environment.h"
 #include "tests/support/eventually.h"
 #include "tests/support/other_client.h"
@@ -85,6 +86,15 @@ class User {
     const unsigned long seen = pixel(x, y);
     return seen != 0 && seen != kMapBackground && seen != (ui::kLightPalette.view & 0xFFFFFF);
   }
+  /// The whole scan is shown, in the list and the tables too: the map may be ahead of them before.
+  bool comesToTheEnd() {
+    return eventually([&] { return end_.seenIn(pixel(end_.x, end_.y)); });
+  }
+  bool comesToTheWholeMap() { return comesToTheEnd() && comesToMap(); }
+  /// A scan is seen to run.
+  bool comesToAScan() {
+    return eventually([&] { return pixel(end_.x, end_.y) == end_.ground; });
+  }
   bool comesToMap() {
     return eventually([&] { return seesAMap(); });
   }
@@ -104,6 +114,7 @@ class User {
  private:
   const FrameLayout frame_;
   const unsigned long window_;
+  const test::ScanEnd end_ = test::ScanEnd::find();
 };
 
 class MainWindowInputTest : public testing::Test {
@@ -193,11 +204,12 @@ TEST_F(MainWindowInputTest, ScansTheFolderAgain) {
   window_->scanPath(folder_);
   runWith([&](User& user) {
     for (const bool f5 : {true, false}) {
-      ASSERT_TRUE(user.comesToMap());
+      ASSERT_TRUE(user.comesToTheWholeMap());
       HeldFolder held("a");
       if (f5) user.press(ui::key::kF5);
       if (!f5) user.pressWithControl('r');
       EXPECT_TRUE(held.waitUntilReached());
+      EXPECT_TRUE(user.comesToAScan());
     }
     EXPECT_EQ(user.title(), titleOf(folder_));
   });
@@ -206,7 +218,7 @@ TEST_F(MainWindowInputTest, ScansTheFolderAgain) {
 TEST_F(MainWindowInputTest, GoesBackToTheWelcome) {
   window_->scanPath(folder_);
   runWith([&](User& user) {
-    ASSERT_TRUE(user.comesToMap());
+    ASSERT_TRUE(user.comesToTheWholeMap());
     user.pressWithControl('o');
     EXPECT_TRUE(user.comesToTitle(kWelcomeTitle));
     EXPECT_TRUE(
@@ -266,6 +278,7 @@ TEST_F(MainWindowInputTest, SeesWhatIsUnderThePointerOnceAMenuIsClosed) {
   const ui::Rect row = firstKind();
   runWith([&](User& user) {
     user.moveOntoStatus();
+    ASSERT_TRUE(user.comesToTheEnd());
     ASSERT_TRUE(user.comesToBeFilled(row));
     const Pixels plain = user.pixels(row);
     user.moveTo(row);
@@ -281,7 +294,7 @@ TEST_F(MainWindowInputTest, SeesWhatIsUnderThePointerOnceAMenuIsClosed) {
 TEST_F(MainWindowInputTest, ShowsTheMeasureOfAKey) {
   window_->scanPath(folder_);
   runWith([&](User& user) {
-    ASSERT_TRUE(user.comesToMap());
+    ASSERT_TRUE(user.comesToTheWholeMap());
     for (const unsigned long digit : {'2', '3', '4', '1'}) {
       const Pixels before = user.toolbar();
       user.pressWithControl(digit);
@@ -291,13 +304,9 @@ TEST_F(MainWindowInputTest, ShowsTheMeasureOfAKey) {
 }
 
 TEST_F(MainWindowInputTest, GoesAlongTheFoldersThatWereInFocus) {
-  HeldFolder held("held");
   window_->scanPath(folder_);
   runWith([&](User& user) {
-    ASSERT_TRUE(user.comesToMap());
-    const Pixels scanning = user.toolbar();
-    held.release();
-    ASSERT_TRUE(eventually([&] { return user.toolbar() != scanning; })) << "the end changes it";
+    ASSERT_TRUE(user.comesToTheWholeMap());
     const auto comesTo = [&](const Pixels& pixels) {
       return eventually([&] { return user.toolbar() == pixels; });
     };
@@ -325,7 +334,7 @@ TEST_F(MainWindowInputTest, GoesAlongTheFoldersThatWereInFocus) {
 TEST_F(MainWindowInputTest, PutsThePathOfTheCurrentRowOnTheClipboard) {
   window_->scanPath(folder_);
   runWith([&](User& user) {
-    ASSERT_TRUE(user.comesToMap());
+    ASSERT_TRUE(user.comesToTheWholeMap());
     user.press(ui::key::kDown);  // to the largest folder
     user.pressWithControl('c');
     ASSERT_TRUE(
@@ -366,6 +375,7 @@ TEST_F(MainWindowInputTest, IsUsableAtEverySizeDuringAStormOfSizes) {
       return user.isMapAt(map.x + 10, map.y + map.h - 10) &&
              user.pixel(635, 415) == (ui::kLightPalette.window & 0xFFFFFF);
     }));
+    ASSERT_TRUE(user.comesToTheEnd());
     const Pixels before = user.pixels(small.list);
     user.click(map);
     EXPECT_TRUE(eventually([&] { return user.pixels(small.list) != before; }))
@@ -378,7 +388,7 @@ TEST_F(MainWindowInputTest, LetsGoOfAPressOnTheMapWhenTheScanIsReplaced) {
   runWith([&](User& user) {
     const ui::Rect& map = user.frame().map;
     for (const unsigned long keysym : {ui::key::kF5, ui::key::Keysym{'o'}}) {
-      ASSERT_TRUE(user.comesToMap());
+      ASSERT_TRUE(user.comesToTheWholeMap());
       user.client.movePointer(map.x + 100, map.y + 100);
       user.client.pressButton(1);
       if (keysym == ui::key::kF5) user.press(keysym);
@@ -394,7 +404,7 @@ TEST_F(MainWindowInputTest, StartsNothingWithAPressThatBeganInTheScan) {
   window_->scanPath(folder_);
   const ui::Rect card = firstCard();
   runWith([&](User& user) {
-    ASSERT_TRUE(user.comesToMap());
+    ASSERT_TRUE(user.comesToTheWholeMap());
     user.client.movePointer(card.x + card.w / 2, card.y + card.h / 2);
     user.client.pressButton(1);
     user.pressWithControl('o');
@@ -418,7 +428,7 @@ TEST_F(LargeMainWindowInputTest, IsTwiceAsLarge) {
   window_->scanPath(folder_);
   runWith([&](User& user) {
     EXPECT_EQ(user.client.sizeOf(user.window()), std::make_pair(2200, 1440));
-    ASSERT_TRUE(user.comesToMap());
+    ASSERT_TRUE(user.comesToTheWholeMap());
     const Pixels before = user.pixels(user.frame().list);
     user.click(user.frame().map);
     EXPECT_TRUE(eventually([&] { return user.pixels(user.frame().list) != before; }));

@@ -80,9 +80,8 @@ class ProgramMenus : public testing::Test {
   }
   /// Until the scan has ended and its files are on the map: the blocks of folders in which there is
   /// nothing yet are flat.
-  bool waitForTheScan(test::Running& program) const {
-    const std::string file = home_.path() + "/.local/share/heapgauge/scan-history.txt";
-    return eventually([&] { return std::filesystem::exists(file); }) &&
+  static bool waitForTheScan(test::Running& program) {
+    return program.comesToTheEndOfItsScan() &&
            eventually([&] { return program.pixel(500, 60) != program.pixel(700, 400); });
   }
   /// A folder whose parts are of different kinds, and sparse the larger they are.

@@ -2,6 +2,9 @@
 
 #include <chrono>
 
+#include "tests/app/scan_end.h"
+#include "tests/support/eventually.h"
+
 namespace test {
 
 namespace {
@@ -29,6 +32,11 @@ Running::Running(const std::vector<std::string>& arguments)
 std::pair<unsigned long, unsigned long> Running::leastSize() {
   const auto hints = client_.longProperty(window_, "WM_NORMAL_HINTS");
   return hints.size() < 7 ? std::pair(0ul, 0ul) : std::pair(hints[5], hints[6]);
+}
+
+bool Running::comesToTheEndOfItsScan() {
+  const ScanEnd end = ScanEnd::find();
+  return eventually([&] { return end.seenIn(pixel(end.x, end.y)); });
 }
 
 void Running::key(unsigned long keysym) {

@@ -42,6 +42,9 @@ class Running {
   std::pair<unsigned long, unsigned long> leastSize();
   /// The colour on the screen at a place of the window, 0xRRGGBB.
   unsigned long pixel(int x, int y) { return client_.screenPixel(window_, x, y); }
+  /// Waits until the window shows all of a scan. Whoever presses keys or buttons in one waits for
+  /// that first, or for the scan to hang: the map may be ahead of the list.
+  bool comesToTheEndOfItsScan();
   /// Presses a key and lets it go.
   void key(unsigned long keysym);
   /// The same while Control is held.

@@ -15,6 +15,7 @@
 #include "tests/support/temp_directory.h"
 #include "tests/support/x_server.h"
 #include "ui/keys.h"
+#include "ui/palette.h"
 
 namespace {
 
@@ -49,8 +50,9 @@ class ProgramTrash : public testing::Test {
   Names left() const { return namesIn(folder_); }
   Names trashed() const { return namesIn(trash_ + "/files"); }
 
-  /// Waits until the files are seen, on the map and in the rows of the same frame.
+  /// Waits until all files are seen, in the rows and on the map.
   static void awaitFiles(test::Running& program) {
+    ASSERT_TRUE(program.comesToTheEndOfItsScan());
     constexpr unsigned long kMapBackground = 0x1C1C1E;
     ASSERT_TRUE(eventually([&] {
       const unsigned long seen = program.pixel(700, 300);
@@ -101,6 +103,31 @@ TEST_F(ProgramTrash, MovesWhatIsLeftAloneAndNothingThatIsPutBack) {
     const std::string record = test::readFile(trash_ + "/info/" + name + ".trashinfo");
     EXPECT_NE(record.find("Path=" + folder_ + "/" + name + "\n"), std::string::npos) << record;
   }
+  EXPECT_EQ(program.close(), 0);
+}
+
+TEST_F(ProgramTrash, DeletesByMenuAndAtOnceWhenToldTo) {
+  test::Running program({folder_});
+  awaitFiles(program);
+  program.client().movePointer(500, 300);  // from where it will be seen to move on to the button
+  program.key(ui::key::kDown);
+  program.key(ui::key::kMenu);
+  program.key(ui::key::kEnd);  // Move to Trash
+  program.key(ui::key::kReturn);
+  // Between the heading of the panel and its buttons, once it is there.
+  constexpr int kHeadingY = 647;
+  const unsigned long panel = ui::kLightPalette.window & 0xFFFFFF;
+  ASSERT_TRUE(eventually([&] { return program.pixel(500, kHeadingY) == panel; }));
+  EXPECT_EQ(left(), (Names{"a", "b", "c"}));
+  const auto before = std::chrono::steady_clock::now();
+  program.click(1042, kHeadingY);  // Delete Now
+  ASSERT_TRUE(asks(program));
+  program.key(ui::key::kTab);  // to Delete Them
+  program.key(ui::key::kReturn);
+  EXPECT_TRUE(eventually([&] { return trashed() == Names{"a"}; }));
+  EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(9))
+      << "without the rest of the countdown";
+  EXPECT_EQ(left(), (Names{"b", "c"}));
   EXPECT_EQ(program.close(), 0);
 }
 
