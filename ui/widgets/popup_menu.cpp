@@ -107,7 +107,10 @@ void PopupMenu::setCurrent(std::optional<std::size_t> entry) {
   changed();
 }
 
-void PopupMenu::goToFirst() { walk(std::nullopt, MenuStep::Down); }
+void PopupMenu::goToFirst() {
+  walk(std::nullopt, MenuStep::Down);
+  keyed_ = true;
+}
 
 void PopupMenu::walk(std::optional<std::size_t> from, MenuStep step) {
   const auto next = nextEntry(entries_, from, step);
@@ -133,6 +136,10 @@ void PopupMenu::press(const MouseEvent& event) {
 
 void PopupMenu::motion(const MouseEvent& event) {
   if (scroller_.drag(event.y)) return changed();
+  // A menu that comes up is told where the pointer is, moved or not.
+  const auto before = std::exchange(pointer_, Point{event.x, event.y});
+  if (keyed_ && (!before || before == pointer_)) return;
+  keyed_ = false;
   setCurrent(choosableAt(event.x, event.y));
 }
 

@@ -27,7 +27,8 @@ class PopupMenu : public Overlay {
   /// chosen runs after `onClosed`.
   PopupMenu(const Style& style, std::vector<MenuEntry> entries, int x, int y);
 
-  /// Makes the first entry that can be chosen the current one, for a menu opened by a key.
+  /// Makes the first entry that can be chosen the current one, for a menu opened by a key. A
+  /// pointer that rests where it was changes nothing in that.
   void goToFirst();
   bool isMenu() const override { return true; }
   void paint(Canvas& canvas) const override;
@@ -66,6 +67,14 @@ class PopupMenu : public Overlay {
   Scroller scroller_;
   std::optional<std::size_t> current_;
   bool pressed_ = false;  // the primary button, in the menu
+  /// Opened by a key; the pointer has not moved since, as far as was seen.
+  bool keyed_ = false;
+  struct Point {
+    int x;
+    int y;
+    friend bool operator==(const Point&, const Point&) = default;
+  };
+  std::optional<Point> pointer_;
 };
 
 }  // namespace ui

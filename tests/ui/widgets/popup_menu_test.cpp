@@ -172,6 +172,18 @@ TEST_F(PopupMenuTest, BeginsAtItsFirstEntryWhenItIsOpenedByAKey) {
   EXPECT_EQ(menu->current(), 1u);
 }
 
+TEST_F(PopupMenuTest, StaysAtItsFirstEntryUnderAPointerThatRests) {
+  openWith({entry("first"), entry("second")});
+  menu->goToFirst();
+  menu->motion({.x = 5, .y = 5});
+  menu->motion({.x = 5, .y = 5});
+  EXPECT_EQ(menu->current(), 0u);
+  menu->motion(over(1, 0));
+  EXPECT_EQ(menu->current(), 1u);
+  menu->motion({.x = 5, .y = 5});
+  EXPECT_EQ(menu->current(), std::nullopt) << "the last of the two to move decides";
+}
+
 TEST_F(PopupMenuTest, FollowsThePointer) {
   menu->motion(over(3, 0));
   EXPECT_EQ(menu->current(), 3u);
