@@ -325,6 +325,14 @@ TEST_F(ScanScreenTest, ShowsAnotherTreeFromItsScannedFolderOn) {
   screen_.show(nullptr);
 }
 
+TEST_F(ScanScreenTest, KeepsNoTreeThatIsShownNoMore) {
+  screen_.focus().go(inner_);
+  point(screen_.layout().map);
+  ASSERT_GT(tree_.use_count(), 1);
+  screen_.show(nullptr);
+  EXPECT_EQ(tree_.use_count(), 1);
+}
+
 TEST_F(ScanScreenTest, LetsGoOfWhatIsPressedWhenAnotherTreeIsShown) {
   const FrameLayout frame = screen_.layout();
   // A divider, the button that leaves the scan, and a thumb.

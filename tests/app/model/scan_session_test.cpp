@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <utility>
@@ -13,6 +14,7 @@
 #include "base/detached_threads.h"
 #include "sizewalk/scan_history.h"
 #include "tests/app/held_folder.h"
+#include "tests/support/blocking_file_system.h"
 #include "tests/support/environment.h"
 #include "tests/support/eventually.h"
 #include "tests/support/temp_directory.h"
@@ -303,6 +305,35 @@ TEST_F(Session, SaysThatAFolderCannotBeScanned) {
   EXPECT_EQ(session_.phase(), ScanPhase::Failed);
   EXPECT_EQ(events_, Events{"ended"});
   EXPECT_EQ(session_.summary().failureText, "No such file or directory");
+}
+
+TEST_F(Session, CountsWhatCannotBeRead) {
+  test::BlockingFileSystem disk;
+  if (!disk.problem().empty()) GTEST_SKIP() << disk.problem();
+  disk.breakListing("", 1);
+  disk.breakListing("folder", 0);
+  scanToTheEnd(disk.path());
+  EXPECT_EQ(session_.status().unreadable, 2);
+}
+
+TEST_F(Session, KeepsNoTreeOfAScanThatItHasLeft) {
+  scanToTheEnd(folder_);
+  const std::weak_ptr<const sizewalk::FileTree> first = session_.tree();
+  scanToTheEnd(folder_);
+  EXPECT_TRUE(eventually([&] { return first.expired(); })) << "its thread may be about to end";
+  const std::weak_ptr<const sizewalk::FileTree> second = session_.tree();
+  session_.leave();
+  EXPECT_TRUE(eventually([&] { return second.expired(); }));
+}
+
+TEST_F(Session, KeepsTheTreeOfAScanThatHangsUntilThatHasEnded) {
+  HeldFolder held("held");
+  scanUntil(folder_, held);
+  const std::weak_ptr<const sizewalk::FileTree> tree = session_.tree();
+  session_.leave();
+  EXPECT_FALSE(tree.expired());
+  held.release();
+  EXPECT_TRUE(eventually([&] { return tree.expired(); }));
 }
 
 TEST_F(Session, CanBeLeftWhenItTellsOfAFailure) {
