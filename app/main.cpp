@@ -7,7 +7,9 @@
 #include "app/command_line.h"
 #include "app/main_window.h"
 #include "app/model/product.h"
+#include "app/model/settings_store.h"
 #include "base/detached_threads.h"
+#include "base/file_lock.h"
 #include "ui/connection.h"
 #include "ui/single_instance.h"
 
@@ -16,6 +18,10 @@ namespace {
 /// What threads that still read or draw are given to end by themselves. One that waits for a disk
 /// that does not answer never does, and the user waits for the program meanwhile.
 constexpr std::chrono::milliseconds kLongestEnd{100};
+
+/// What the settings are given to reach their file: the wait for another process that writes it,
+/// and as long again for the disk. The user sees nothing of it, the window is gone.
+constexpr std::chrono::milliseconds kLongestSave = 2 * base::FileLock::kLongestWait;
 
 /// Ends the program as returning from `main` does, but for the destruction of what threads that
 /// hang may still use.
@@ -48,6 +54,9 @@ int runWindow(const app::CommandLine& command) {
   if (!command.path.empty()) window->scanPath(command.path);
   if (!command.capturePath.empty()) window->captureAfter(command.capturePath, command.captureDelay);
   window->run();
+  window.reset();
+  // Whoever flips a switch and closes the window at once finds it flipped at the next start.
+  app::SettingsStore::instance().awaitSaved(std::chrono::steady_clock::now() + kLongestSave);
   return 0;
 }
 

@@ -20,7 +20,7 @@ bool isRegularFile(int fd) {
 }
 }  // namespace
 
-std::optional<std::string> readRest(int fd) {
+std::optional<std::string> readRest(int fd, std::size_t largest) {
   std::string content;
   std::array<char, 8192> buffer;
   while (true) {
@@ -28,6 +28,10 @@ std::optional<std::string> readRest(int fd) {
     if (got == 0) return content;
     if (got < 0 && errno == EINTR) continue;
     if (got < 0) return std::nullopt;
+    if (static_cast<std::size_t>(got) > largest - content.size()) {
+      errno = EFBIG;
+      return std::nullopt;
+    }
     content.append(buffer.data(), static_cast<std::size_t>(got));
   }
 }
@@ -42,12 +46,18 @@ bool writeAll(int fd, std::string_view bytes) {
   return true;
 }
 
-std::optional<std::string> readWholeFile(const std::string& path) {
+std::optional<std::string> readWholeFile(const std::string& path, std::size_t largest) {
   // Opening a FIFO for reading waits for a writer unless O_NONBLOCK is set; on regular files the
   // flag does nothing.
   const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-  if (!file.valid() || !isRegularFile(file.get())) return std::nullopt;
-  return readRest(file.get());
+  if (!file.valid()) return std::nullopt;
+  if (!isRegularFile(file.get())) {
+    errno = EINVAL;
+    return std::nullopt;
+  }
+  std::optional<std::string> content = readRest(file.get(), largest);
+  if (!content && errno == ENOENT) errno = EIO;  // whatever a file system says: there is a file
+  return content;
 }
 
 WriteOutcome writeWholeFile(const std::string& path, std::string_view content) {

@@ -3,15 +3,14 @@
 #include <algorithm>
 #include <charconv>
 #include <cstddef>
-#include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <functional>
 #include <string_view>
 
 #include "base/directories.h"
-#include "base/files.h"
 #include "base/home_directory.h"
-#include "base/mutex.h"
+#include "base/shared_file.h"
 
 namespace sizewalk {
 
@@ -46,6 +45,16 @@ void loadLine(std::string_view line, ScanHistory& history) {
   history[std::string(line.substr(tab + 1))] = parseTime(line.substr(0, tab));
 }
 
+ScanHistory parsed(std::string_view text) {
+  ScanHistory history;
+  while (!text.empty()) {
+    const std::string_view line = text.substr(0, text.find('\n'));
+    loadLine(line, history);
+    text.remove_prefix(std::min(line.size() + 1, text.size()));
+  }
+  return history;
+}
+
 std::string fileText(const ScanHistory& history) {
   std::string text;
   for (const auto& [path, time] : history) {
@@ -55,6 +64,15 @@ std::string fileText(const ScanHistory& history) {
   return text;
 }
 
+base::SharedFile historyFile() { return {historyPath(), base::SharedFile::Incomplete::IsRemoved}; }
+
+void changeFile(const std::function<std::string(const std::string&)>& edit) {
+  const std::string directory = dataDirectory();
+  if (directory.empty()) return;
+  base::makeDirectories(directory);  // a failure shows when a file is created in it
+  historyFile().change(edit);
+}
+
 }  // namespace
 
 std::string historyPath() {
@@ -62,29 +80,10 @@ std::string historyPath() {
   return directory.empty() ? std::string() : std::string(directory).append(kFileName);
 }
 
-ScanHistory loadHistory() {
-  ScanHistory history;
-  const std::string text = base::readWholeFile(historyPath()).value_or(std::string());
-  std::string_view rest = text;
-  while (!rest.empty()) {
-    const std::string_view line = rest.substr(0, rest.find('\n'));
-    loadLine(line, history);
-    rest.remove_prefix(std::min(line.size() + 1, rest.size()));
-  }
-  return history;
-}
+ScanHistory loadHistory() { return parsed(historyFile().read().value_or(std::string())); }
 
 void saveHistory(const ScanHistory& history) {
-  const std::string directory = dataDirectory();
-  if (directory.empty()) return;
-  base::makeDirectories(directory);  // a failure shows when the file is created in it
-  const std::string path = historyPath();
-  const std::string temporary = path + ".tmp";
-  const base::WriteOutcome outcome = base::writeWholeFile(temporary, fileText(history));
-  if (outcome == base::WriteOutcome::NotOpened) return;
-  const bool replaced =
-      outcome == base::WriteOutcome::Written && std::rename(temporary.c_str(), path.c_str()) == 0;
-  if (!replaced) std::remove(temporary.c_str());
+  changeFile([&](const std::string&) { return fileText(history); });
 }
 
 std::uint32_t lastScanTime(const std::string& path) {
@@ -94,12 +93,11 @@ std::uint32_t lastScanTime(const std::string& path) {
 }
 
 void recordScan(const std::string& path, std::uint32_t time) {
-  // One scan may end just as another that was given up does.
-  static base::Mutex oneAtATime;
-  const base::MutexLock lock(oneAtATime);
-  ScanHistory history = loadHistory();
-  history[path] = time != 0 ? time : static_cast<std::uint32_t>(std::time(nullptr));
-  saveHistory(history);
+  changeFile([&](const std::string& text) {
+    ScanHistory history = parsed(text);
+    history[path] = time != 0 ? time : static_cast<std::uint32_t>(std::time(nullptr));
+    return fileText(history);
+  });
 }
 
 }  // namespace sizewalk

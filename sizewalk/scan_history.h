@@ -10,9 +10,11 @@ namespace sizewalk {
 /// the user's data directory. One line per folder: the time in decimal, a tab, the path's bytes, a
 /// line feed; no header and no quoting. Entries are never dropped.
 ///
-/// Any thread; the calls of `recordScan` of one program take turns, and of two programs that save
-/// at once the last wins. Failures are silent: an unreadable history means that no last scan is
-/// known, and a save that fails leaves the file as it was.
+/// Any thread but the window's: a disk is asked, and who saves waits for another thread or process
+/// of ours that does, a second at most. Failures are silent. An unreadable history means that no
+/// last scan is known; nothing is then saved in its place, and so it is with one of more than
+/// `base::SharedFile::kLargest` bytes. A save that fails, or that another process did not let in
+/// within that second, leaves the file as it was.
 
 /// Path to seconds since the epoch, in bytewise order of the paths.
 using ScanHistory = std::map<std::string, std::uint32_t>;
@@ -28,8 +30,8 @@ std::string historyPath();
 /// for an unknown time.
 ScanHistory loadHistory();
 
-/// Not beside another save of this program. Replaces the file, and creates its directory (mode
-/// 0700, as every missing one above it) if need be. A path that the format cannot give back, one
+/// Replaces the file, and creates its directory (mode 0700, as every missing one above it) if need
+/// be. A path that the format cannot give back, one
 /// that holds a line feed or ends in a carriage return, is left out: its line would stand for
 /// another folder.
 void saveHistory(const ScanHistory& history);
@@ -37,7 +39,8 @@ void saveHistory(const ScanHistory& history);
 /// When exactly `path` was last scanned; 0 when that is not known.
 std::uint32_t lastScanTime(const std::string& path);
 
-/// Notes that `path` was scanned at `time`, or now when it is 0.
+/// Notes that `path` was scanned at `time`, or now when it is 0. What other threads and processes
+/// note at the same time is kept.
 void recordScan(const std::string& path, std::uint32_t time);
 
 }  // namespace sizewalk

@@ -11,10 +11,10 @@
 #include <ctime>
 #include <utility>
 
-#include "app/actions/directory_lock.h"
 #include "app/actions/trash_record.h"
 #include "base/directories.h"
 #include "base/file_descriptor.h"
+#include "base/file_lock.h"
 #include "sizewalk/long_path.h"
 
 // The record is written first and the item moved then, so that at every moment each item of the
@@ -137,7 +137,7 @@ std::optional<std::string> failureOf(const std::string& trashDir, const TrashIte
   if (!openInfo.valid()) return kNoRecord;
   const base::FileDescriptor openFiles = openDirectoryToUse(files);
   if (!openFiles.valid()) return std::strerror(errno);
-  const DirectoryLock lock(openInfo.get());
+  const base::FileLock lock = base::FileLock::ofDirectory(openInfo.get());
   Trashing trashing(item, recordedPath, openFiles.get(), openInfo.get());
   if (trashing.run()) return std::nullopt;
   return trashing.error();

@@ -4,11 +4,16 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdio>
 #include <cstdlib>
+#include <new>
+#include <optional>
+#include <utility>
 
-#include "base/files.h"
+#include "base/detached_threads.h"
 #include "base/home_directory.h"
+#include "base/mutex.h"
+#include "base/owed_answers.h"
+#include "base/shared_file.h"
 
 namespace app {
 
@@ -29,6 +34,12 @@ bool isSectionHeader(std::string_view line) { return line.starts_with('[') && li
 
 std::string_view word(bool value) { return value ? "true" : "false"; }
 
+std::string programDirectory(const std::string& configHome) { return configHome + "/heapgauge"; }
+
+std::string settingsFile(const std::string& configHome) {
+  return programDirectory(configHome) + "/settings.ini";
+}
+
 }  // namespace
 
 std::string configurationHome() {
@@ -43,21 +54,50 @@ SettingsStore& SettingsStore::instance() {
   return store;
 }
 
+/// What is still to reach the file.
+struct SettingsStore::Saver {
+  explicit Saver(const std::string& path) : file(path, base::SharedFile::Incomplete::Stays) {}
+
+  /// Has a thread save what is unsaved, unless one is at it. Where none is to be had the next
+  /// change tries again.
+  static void start(const std::shared_ptr<Saver>& self) EXCLUDES(self->mutex);
+  /// The work of the thread.
+  void run() EXCLUDES(mutex);
+  /// The changes to be saved next; nothing, and the thread has ended, when there are none.
+  std::optional<Values> next() EXCLUDES(mutex);
+  /// `changes` could not be saved. False, and the thread has ended, unless newer ones have come
+  /// meanwhile that are yet to be tried.
+  bool putBack(Values changes) EXCLUDES(mutex);
+  bool write(const Values& changes) const;
+  void end() REQUIRES(mutex);
+
+  const base::SharedFile file;
+  base::Mutex mutex;  // guards the members below
+  base::CondVar ended;
+  Values unsaved GUARDED_BY(mutex);
+  bool saving GUARDED_BY(mutex) = false;
+};
+
 SettingsStore::SettingsStore(const std::string& configHome) {
   if (configHome.empty()) return;
-  const std::string directory = configHome + "/heapgauge";
-  ::mkdir(configHome.c_str(), 0700);
-  ::mkdir(directory.c_str(), 0700);
-  path_ = directory + "/settings.ini";
-  load();
+  base::OwedAnswers<std::string, Values> disk(&SettingsStore::load, {});
+  values_ = disk.ask(configHome, kLongestLoad).value_or(Values());
+  saver_ = std::make_shared<Saver>(settingsFile(configHome));
 }
 
-void SettingsStore::load() {
-  const std::string text = base::readWholeFile(path_).value_or(std::string());
+SettingsStore::Values SettingsStore::load(const std::string& configHome) {
+  ::mkdir(configHome.c_str(), 0700);
+  ::mkdir(programDirectory(configHome).c_str(), 0700);
+  const base::SharedFile file(settingsFile(configHome), base::SharedFile::Incomplete::Stays);
+  return parsed(file.read().value_or(std::string()));
+}
+
+SettingsStore::Values SettingsStore::parsed(std::string_view text) {
+  Values values;
   bool inSection = false;
-  for (std::string_view rest = text; !rest.empty();) {
-    const std::string_view whole = rest.substr(0, rest.find('\n'));
-    rest.remove_prefix(std::min(whole.size() + 1, rest.size()));
+  while (!text.empty()) {
+    const std::string_view whole = text.substr(0, text.find('\n'));
+    text.remove_prefix(std::min(whole.size() + 1, text.size()));
     const std::string_view line = trimmed(whole);
     if (line.empty() || isComment(line)) continue;
     if (isSectionHeader(line)) {
@@ -66,8 +106,17 @@ void SettingsStore::load() {
     }
     const std::size_t equals = line.find('=');
     if (!inSection || equals == std::string_view::npos) continue;
-    values_[std::string(trimmed(line.substr(0, equals)))] = trimmed(line.substr(equals + 1));
+    values[std::string(trimmed(line.substr(0, equals)))] = trimmed(line.substr(equals + 1));
   }
+  return values;
+}
+
+std::string SettingsStore::textOf(const Values& values) {
+  std::string text = std::string("[").append(kSection).append("]\n");
+  for (const auto& [key, value] : values) {
+    text.append(key).append(1, '=').append(value).append(1, '\n');
+  }
+  return text;
 }
 
 bool SettingsStore::getBool(std::string_view key, bool fallback) const {
@@ -81,20 +130,69 @@ bool SettingsStore::getBool(std::string_view key, bool fallback) const {
 void SettingsStore::setBool(std::string_view key, bool value) {
   if (getBool(key, !value) == value) return;
   values_[std::string(key)] = word(value);
-  save();
+  if (!saver_) return;
+  {
+    const base::MutexLock lock(saver_->mutex);
+    saver_->unsaved[std::string(key)] = word(value);
+  }
+  Saver::start(saver_);
 }
 
-void SettingsStore::save() const {
-  if (path_.empty()) return;
-  std::string text = std::string("[").append(kSection).append("]\n");
-  for (const auto& [key, value] : values_) {
-    text.append(key).append(1, '=').append(value).append(1, '\n');
+bool SettingsStore::awaitSaved(std::chrono::steady_clock::time_point deadline) const {
+  if (!saver_) return true;
+  const base::MutexLock lock(saver_->mutex);
+  while (saver_->saving && saver_->ended.waitUntil(saver_->mutex, deadline)) {
   }
-  const std::string temporary = path_ + ".tmp";
-  // The old file is still whole; a temporary one that did not take all the text stays as a trace of
-  // that.
-  if (base::writeWholeFile(temporary, text) != base::WriteOutcome::Written) return;
-  if (std::rename(temporary.c_str(), path_.c_str()) != 0) std::remove(temporary.c_str());
+  return !saver_->saving;
+}
+
+void SettingsStore::Saver::start(const std::shared_ptr<Saver>& self) {
+  {
+    const base::MutexLock lock(self->mutex);
+    if (std::exchange(self->saving, true)) return;
+  }
+  if (base::startDetached([self] { self->run(); })) return;
+  const base::MutexLock lock(self->mutex);
+  self->saving = false;
+}
+
+void SettingsStore::Saver::run() {
+  try {
+    while (std::optional<Values> changes = next()) {
+      if (!write(*changes) && !putBack(std::move(*changes))) return;
+    }
+  } catch (const std::bad_alloc&) {  // these changes hold for this run only
+    const base::MutexLock lock(mutex);
+    end();
+  }
+}
+
+void SettingsStore::Saver::end() {
+  saving = false;
+  ended.notifyAll();
+}
+
+std::optional<SettingsStore::Values> SettingsStore::Saver::next() {
+  const base::MutexLock lock(mutex);
+  if (!unsaved.empty()) return std::exchange(unsaved, {});
+  end();
+  return std::nullopt;
+}
+
+bool SettingsStore::Saver::putBack(Values changes) {
+  const base::MutexLock lock(mutex);
+  const bool newer = !unsaved.empty();
+  unsaved.merge(changes);  // what is newer stays
+  if (!newer) end();
+  return newer;
+}
+
+bool SettingsStore::Saver::write(const Values& changes) const {
+  return file.change([&](const std::string& text) {
+    Values values = parsed(text);
+    for (const auto& [key, value] : changes) values.insert_or_assign(key, value);
+    return textOf(values);
+  });
 }
 
 }  // namespace app

@@ -275,7 +275,8 @@ TEST_F(Program, RemembersTheScanAndTouchesNothingElseOfTheUsers) {
   EXPECT_EQ(
       filesBelow(home_.path()),
       (std::set<std::string>{".config", ".config/heapgauge", ".local", ".local/share",
-                             ".local/share/heapgauge", ".local/share/heapgauge/scan-history.txt"}));
+                             ".local/share/heapgauge", ".local/share/heapgauge/scan-history.txt",
+                             ".local/share/heapgauge/scan-history.txt.lock"}));
   EXPECT_EQ(filesBelow(dir_.path()), (std::set<std::string>{"f.ppm", "scanned", "scanned/file"}));
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <pwd.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdint>
@@ -10,8 +11,11 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <thread>
 
+#include "tests/support/blocking_file_system.h"
 #include "tests/support/environment.h"
+#include "tests/support/file_access.h"
 #include "tests/support/temp_directory.h"
 
 namespace sizewalk {
@@ -164,11 +168,45 @@ TEST(SaveHistory, DoesNothingWhenTheTemporaryFileCannotBeOpened) {
   EXPECT_TRUE(fs::is_directory(historyPath() + ".tmp"));
 }
 
-TEST(SaveHistory, RemovesTheTemporaryFileWhenItCannotReplace) {
+TEST(SaveHistory, LeavesNothingBesideWhatIsNoFile) {
   const test::PrivateHome home;
   test::writeFile(historyPath() + "/in-the-way");
   saveHistory({{"/a", 1}});
   EXPECT_FALSE(fs::exists(historyPath() + ".tmp"));
+}
+
+TEST(SaveHistory, LeavesAloneWhatItCannotRead) {
+  const test::PrivateHome home;
+  recordScan("/a", 1);
+  fs::permissions(historyPath(), fs::perms::none);
+  {
+    const test::OrdinaryFileAccess ordinary;
+    EXPECT_TRUE(loadHistory().empty());
+    recordScan("/b", 2);
+    saveHistory({{"/c", 3}});
+  }
+  fs::permissions(historyPath(), fs::perms::owner_all);
+  EXPECT_EQ(test::readFile(historyPath()), "1\t/a\n");
+}
+
+TEST(SaveHistory, LeavesAloneWhatADiskDoesNotGive) {
+  test::BlockingFileSystem disk;
+  if (!disk.problem().empty()) GTEST_SKIP() << disk.problem();
+  const test::PrivateHome home;
+  test::makeDirectory(fs::path(historyPath()).parent_path());
+  fs::create_symlink(disk.path() + "/top", historyPath());
+  recordScan("/a", 1);  // it opens, and no read succeeds
+  disk.fail();
+  recordScan("/a", 1);
+  EXPECT_TRUE(fs::is_symlink(historyPath()));
+}
+
+TEST(SaveHistory, LeavesAHugeFileAlone) {
+  const test::PrivateHome home;
+  test::writeSparseFile(historyPath(), 200'000'000'000);
+  EXPECT_EQ(lastScanTime("/a"), 0u);
+  recordScan("/a", 1);
+  EXPECT_EQ(fs::file_size(historyPath()), 200'000'000'000U);
 }
 
 TEST(LastScanTime, IsUnknownBeforeTheFirstScan) {
@@ -199,6 +237,30 @@ TEST(RecordScan, TakesTimeZeroForNow) {
   const auto after = static_cast<std::uint32_t>(std::time(nullptr));
   EXPECT_GE(lastScanTime("/a"), before);
   EXPECT_LE(lastScanTime("/a"), after);
+}
+
+// Of the program's own in two processes, as a capture beside the window, and in two threads of
+// each, as a scan that ends just as another that was given up does.
+TEST(RecordScan, LosesNothingThatOthersNoteAtTheSameTime) {
+  constexpr int kScans = 100;
+  const test::PrivateHome home;
+  const auto note = [](const std::string& name) {
+    for (int i = 0; i < kScans; ++i) recordScan(name + std::to_string(i), 1);
+  };
+  const pid_t child = fork();
+  if (child == 0) {
+    note("/child/");
+    _exit(0);
+  }
+  {
+    const std::jthread other([&] { note("/thread/"); });
+    note("/parent/");
+  }
+  int status = -1;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(loadHistory().size(), 3U * kScans);
+  EXPECT_FALSE(fs::exists(historyPath() + ".tmp"));
 }
 
 TEST(RecordScan, DoesNotAttributeAPathWithALineFeedToAnotherFolder) {

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "app/actions/directory_lock.h"
 #include "base/file_descriptor.h"
+#include "base/file_lock.h"
 #include "tests/app/actions/rename_hook.h"
 #include "tests/app/actions/trash_fixture.h"
 #include "tests/support/file_access.h"
@@ -377,23 +377,23 @@ TEST_F(TrashIntoTest, SaysSoWhenWhatWasIdentifiedIsGone) {
 TEST_F(TrashIntoTest, HoldsTheLockForOneItemOnly) {
   ASSERT_TRUE(trashNew("a"));
   const base::FileDescriptor info(open((trash + "/info").c_str(), O_PATH | O_DIRECTORY));
-  EXPECT_TRUE(DirectoryLock(info.get()).held());
+  EXPECT_TRUE(base::FileLock::ofDirectory(info.get()).held());
   bool heldMeanwhile = false;
   {
     const test::RenameHook hook([&](int) {
-      heldMeanwhile = !DirectoryLock(info.get()).held();
+      heldMeanwhile = !base::FileLock::ofDirectory(info.get()).held();
       return 0;
     });
     ASSERT_TRUE(trashNew("b"));
   }
   EXPECT_TRUE(heldMeanwhile);
-  EXPECT_TRUE(DirectoryLock(info.get()).held());
+  EXPECT_TRUE(base::FileLock::ofDirectory(info.get()).held());
 }
 
 TEST_F(TrashIntoTest, DoesWithoutALockThatAnotherProcessKeeps) {
   test::makeDirectory(trash + "/info");
   const base::FileDescriptor info(open((trash + "/info").c_str(), O_PATH | O_DIRECTORY));
-  const DirectoryLock kept(info.get());
+  const base::FileLock kept = base::FileLock::ofDirectory(info.get());
   ASSERT_TRUE(kept.held());
   EXPECT_TRUE(trashNew("a")) << error;
   EXPECT_EQ(files(), Names{"a"});

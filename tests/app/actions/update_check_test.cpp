@@ -86,7 +86,7 @@ class UpdateCheckTest : public testing::Test {
   std::string flatpakInfo() const { return programs_ / "flatpak-info"; }
 
   test::PrivateHome home;
-  SettingsStore settings{home.path() + "/config"};
+  SettingsStore settings{{}};
   Told told;
 
  private:

@@ -2,6 +2,7 @@
 
 #include "app/dialogs/settings_dialog.h"
 
+#include <chrono>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -35,7 +36,17 @@ class SettingsDialogOn : protected test::ViewsOnWindow {
   }
 
   std::string file() const { return configuration.path() + "/heapgauge/settings.ini"; }
-  std::string stored() const { return test::readFile(file()); }
+  std::string stored() const {
+    awaitSaved();
+    return test::readFile(file());
+  }
+  bool nothingIsStored() const {
+    awaitSaved();
+    return !std::filesystem::exists(file());
+  }
+  void awaitSaved() const {
+    EXPECT_TRUE(store.awaitSaved(std::chrono::steady_clock::now() + std::chrono::seconds(20)));
+  }
   bool isOn(std::size_t row) const { return dialog.rows()[row].get(); }
   void click(const ui::Rect& rect) {
     dialog.press(at(rect));
@@ -96,7 +107,7 @@ TEST_F(SettingsDialogTest, LeavesASettingWhenThePressIsLetGoElsewhere) {
   dialog.press(at(dialog.rowRect(kListAbove)));
   dialog.release(at(dialog.rowRect(kFreeSpace)));
   EXPECT_EQ(changes, 0);
-  EXPECT_FALSE(std::filesystem::exists(file()));
+  EXPECT_TRUE(nothingIsStored());
 }
 
 TEST_F(SettingsDialogTest, ResetsAll) {
@@ -274,11 +285,11 @@ TEST_F(LowSettingsDialogTest, ScrollsWithTheBar) {
 
 TEST_F(LowSettingsDialogTest, DoesNotFlipRowsThatAreScrolledBelowTheButtons) {
   click(dialog.buttonRect(kResetAll));
-  EXPECT_FALSE(std::filesystem::exists(file()));
+  EXPECT_TRUE(nothingIsStored());
   const ui::Rect& list = dialog.listRect();
   dialog.press({.x = list.x + 20, .y = list.y + list.h + 2, .button = 1});
   dialog.release({.x = list.x + 20, .y = list.y + list.h + 2, .button = 1});
-  EXPECT_FALSE(std::filesystem::exists(file()));
+  EXPECT_TRUE(nothingIsStored());
 }
 
 /// The least window at twice the scale.

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <string>
 #include <utility>
@@ -16,6 +17,9 @@ class SettingsRowsTest : public testing::Test {
  protected:
   std::string file() const { return directory_.path() + "/heapgauge/settings.ini"; }
   std::string stored() const { return test::readFile(file()); }
+  static bool saved(const SettingsStore& store) {
+    return store.awaitSaved(std::chrono::steady_clock::now() + std::chrono::seconds(20));
+  }
   /// Settings as the file says them; a new program.
   SettingsStore reopened() const { return SettingsStore(directory_.path()); }
   std::vector<bool> values() const {
@@ -66,6 +70,7 @@ TEST_F(SettingsRowsTest, EachReadsAndWritesItsOwnSetting) {
     std::vector<bool> expected = values();
     expected[i] = !expected[i];
     rows_[i].set(expected[i]);
+    ASSERT_TRUE(saved(store_));
     EXPECT_EQ(values(), expected);
     EXPECT_EQ(reopened().get(settings[i]), expected[i]) << settings[i].key;
   }
@@ -73,11 +78,14 @@ TEST_F(SettingsRowsTest, EachReadsAndWritesItsOwnSetting) {
 
 TEST_F(SettingsRowsTest, FlippedTwiceLeaveTheFileAsItWas) {
   for (const SettingsRow& row : rows_) row.set(row.get());
+  ASSERT_TRUE(saved(store_));
   const std::string before = stored();
   for (const SettingsRow& row : rows_) {
     row.set(!row.get());
+    ASSERT_TRUE(saved(store_));
     EXPECT_NE(stored(), before) << row.title;
     row.set(!row.get());
+    ASSERT_TRUE(saved(store_));
     EXPECT_EQ(stored(), before) << row.title;
   }
 }
@@ -86,6 +94,7 @@ TEST_F(SettingsRowsTest, AreAllResetInTheFileToo) {
   const std::vector<bool> defaults = values();
   for (const SettingsRow& row : rows_) row.set(!row.get());
   resetAll(store_);
+  ASSERT_TRUE(saved(store_));
   EXPECT_EQ(values(), defaults);
   SettingsStore again = reopened();
   for (std::size_t i = 0; const SettingsRow& row : settingsRows(again)) {
@@ -95,6 +104,7 @@ TEST_F(SettingsRowsTest, AreAllResetInTheFileToo) {
 
 TEST_F(SettingsRowsTest, ResetFromTheDefaultsWriteNothing) {
   resetAll(store_);
+  ASSERT_TRUE(saved(store_));
   EXPECT_FALSE(std::filesystem::exists(file()));
 }
 
@@ -102,6 +112,7 @@ TEST_F(SettingsRowsTest, ResetKeepWhatElseIsInTheFile) {
   test::writeFile(file(), "[Heapgauge]\nNewerSetting=17\nShowFreeSpace=true\n");
   SettingsStore store = reopened();
   resetAll(store);
+  ASSERT_TRUE(saved(store));
   EXPECT_EQ(stored(), "[Heapgauge]\nNewerSetting=17\nShowFreeSpace=false\n");
 }
 

@@ -1,22 +1,31 @@
 #include "app/model/settings_store.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <string_view>
 
+#include "base/file_descriptor.h"
+#include "base/file_lock.h"
+#include "tests/support/blocking_file_system.h"
 #include "tests/support/environment.h"
+#include "tests/support/file_access.h"
 #include "tests/support/temp_directory.h"
 
 namespace app {
 namespace {
 
 namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::seconds kLongTime{20};
 
 /// A configuration directory of the test's own.
 class Configuration {
@@ -30,6 +39,14 @@ class Configuration {
  private:
   test::TempDirectory directory_;
 };
+
+/// Waits until what was changed is in the file, or is known not to come there.
+bool saved(const SettingsStore& store) { return store.awaitSaved(Clock::now() + kLongTime); }
+
+void setAndSave(SettingsStore& store, std::string_view key, bool value) {
+  store.setBool(key, value);
+  ASSERT_TRUE(saved(store));
+}
 
 unsigned modeOf(const std::string& path) {
   struct stat status {};
@@ -168,9 +185,9 @@ TEST(SettingsStore, SurvivesGarbage) {
 TEST(SettingsStore, SavesEveryChangeInKeyOrder) {
   const Configuration configuration;
   SettingsStore store = configuration.open();
-  store.setBool("ShowFreeSpace", true);
+  setAndSave(store, "ShowFreeSpace", true);
   EXPECT_EQ(test::readFile(configuration.file()), "[Heapgauge]\nShowFreeSpace=true\n");
-  store.setBool("CheckForUpdates", false);
+  setAndSave(store, "CheckForUpdates", false);
   EXPECT_EQ(test::readFile(configuration.file()),
             "[Heapgauge]\nCheckForUpdates=false\nShowFreeSpace=true\n");
   EXPECT_FALSE(fs::exists(configuration.temporaryFile()));
@@ -180,7 +197,8 @@ TEST(SettingsStore, SavesEveryChangeInKeyOrder) {
 TEST(SettingsStore, KeepsUnknownKeysButNotCommentsAndOtherSections) {
   const Configuration configuration;
   configuration.write("# mine\n[Other]\nX=1\n[Heapgauge]\n Future = a = b \n=\nA=maybe\n");
-  configuration.open().setBool("B", true);
+  SettingsStore store = configuration.open();
+  setAndSave(store, "B", true);
   EXPECT_EQ(test::readFile(configuration.file()),
             "[Heapgauge]\n=\nA=maybe\nB=true\nFuture=a = b\n");
 }
@@ -190,8 +208,8 @@ TEST(SettingsStore, DoesNotTouchTheFileForAValueThatIsStored) {
   const std::string text = "# mine\n[Heapgauge]\nA=true\nB=false\n";
   configuration.write(text);
   SettingsStore store = configuration.open();
-  store.setBool("A", true);
-  store.setBool("B", false);
+  setAndSave(store, "A", true);
+  setAndSave(store, "B", false);
   EXPECT_EQ(test::readFile(configuration.file()), text);
 }
 
@@ -199,8 +217,8 @@ TEST(SettingsStore, StoresAValueThatEqualsTheDefault) {
   const Configuration configuration;
   configuration.write("[Heapgauge]\nA=True\n");
   SettingsStore store = configuration.open();
-  store.setBool("A", true);
-  store.setBool("B", false);
+  setAndSave(store, "A", true);
+  setAndSave(store, "B", false);
   EXPECT_EQ(test::readFile(configuration.file()), "[Heapgauge]\nA=true\nB=false\n");
 }
 
@@ -209,7 +227,7 @@ TEST(SettingsStore, KeepsTheOldFileWhenTheDiskIsFull) {
   configuration.write("[Heapgauge]\nA=true\n");
   SettingsStore store = configuration.open();
   fs::create_symlink("/dev/full", configuration.temporaryFile());
-  store.setBool("A", false);
+  setAndSave(store, "A", false);
   EXPECT_FALSE(store.getBool("A", true));
   EXPECT_EQ(test::readFile(configuration.file()), "[Heapgauge]\nA=true\n");
   EXPECT_TRUE(fs::is_symlink(configuration.temporaryFile()));  // what could not be written stays
@@ -220,18 +238,103 @@ TEST(SettingsStore, KeepsTheValueWhenNothingCanBeWritten) {
   configuration.write("[Heapgauge]\nA=true\n");
   SettingsStore store = configuration.open();
   fs::create_directory(configuration.temporaryFile());
-  store.setBool("A", false);
+  setAndSave(store, "A", false);
   EXPECT_FALSE(store.getBool("A", true));
   EXPECT_EQ(test::readFile(configuration.file()), "[Heapgauge]\nA=true\n");
 }
 
-TEST(SettingsStore, RemovesTheTemporaryFileWhenItCannotReplace) {
+TEST(SettingsStore, LeavesNothingBesideWhatIsNoFile) {
   const Configuration configuration;
   test::writeFile(configuration.file() + "/in-the-way");
   SettingsStore store = configuration.open();
-  store.setBool("A", true);
+  setAndSave(store, "A", true);
   EXPECT_TRUE(store.getBool("A", false));
   EXPECT_FALSE(fs::exists(configuration.temporaryFile()));
+}
+
+TEST(SettingsStore, LeavesAloneWhatItCannotRead) {
+  const Configuration configuration;
+  configuration.write("[Heapgauge]\nPrecious=true\n");
+  fs::permissions(configuration.file(), fs::perms::none);
+  {
+    const test::OrdinaryFileAccess ordinary;
+    SettingsStore store = configuration.open();
+    EXPECT_FALSE(store.getBool("Precious", false));
+    setAndSave(store, "A", true);
+    EXPECT_TRUE(store.getBool("A", false));
+  }
+  fs::permissions(configuration.file(), fs::perms::owner_all);
+  EXPECT_EQ(test::readFile(configuration.file()), "[Heapgauge]\nPrecious=true\n");
+}
+
+TEST(SettingsStore, LeavesAHugeFileAlone) {
+  const Configuration configuration;
+  test::writeSparseFile(configuration.file(), 200'000'000'000);
+  SettingsStore store = configuration.open();
+  setAndSave(store, "A", true);
+  EXPECT_EQ(fs::file_size(configuration.file()), 200'000'000'000U);
+}
+
+TEST(SettingsStore, SavesWithTheNextChangeWhatCouldNotBeSaved) {
+  const Configuration configuration;
+  SettingsStore store = configuration.open();
+  fs::create_directory(configuration.temporaryFile());
+  setAndSave(store, "A", true);
+  setAndSave(store, "B", true);
+  fs::remove(configuration.temporaryFile());
+  setAndSave(store, "B", false);
+  EXPECT_EQ(test::readFile(configuration.file()), "[Heapgauge]\nA=true\nB=false\n");
+}
+
+TEST(SettingsStore, KeepsWhatAnotherProgramHasChangedMeanwhile) {
+  const Configuration configuration;
+  SettingsStore one = configuration.open();
+  SettingsStore other = configuration.open();
+  setAndSave(one, "A", true);
+  setAndSave(other, "B", true);
+  setAndSave(one, "C", true);
+  EXPECT_EQ(test::readFile(configuration.file()), "[Heapgauge]\nA=true\nB=true\nC=true\n");
+}
+
+TEST(SettingsStore, WaitsForNoDiskThatHangs) {
+  test::BlockingFileSystem disk;
+  if (!disk.problem().empty()) GTEST_SKIP() << disk.problem();
+  const Configuration configuration;
+  test::makeDirectory(fs::path(configuration.file()).parent_path());
+  fs::create_symlink(disk.path() + "/top", configuration.file());
+  disk.hold(test::BlockingFileSystem::Request::Examine, "top");
+  SettingsStore store = configuration.open();  // or this never returns
+  ASSERT_TRUE(disk.waitUntilHeld());
+  EXPECT_TRUE(store.getBool("A", true));
+  store.setBool("A", false);
+  store.setBool("B", true);
+  EXPECT_FALSE(store.getBool("A", true));
+  EXPECT_FALSE(store.awaitSaved(Clock::now()));
+  // The disk comes back, with a file of its own.
+  fs::remove(configuration.file());
+  configuration.write("[Heapgauge]\nC=true\n");
+  disk.release();
+  ASSERT_TRUE(saved(store));
+  setAndSave(store, "D", true);
+  EXPECT_EQ(test::readFile(configuration.file()), "[Heapgauge]\nA=false\nB=true\nC=true\nD=true\n");
+}
+
+TEST(SettingsStore, WaitsForNoProcessThatKeepsTheLock) {
+  const Configuration configuration;
+  SettingsStore store = configuration.open();
+  setAndSave(store, "A", true);
+  {
+    const base::FileLock kept(
+        base::FileDescriptor(open((configuration.file() + ".lock").c_str(), O_RDWR | O_CLOEXEC)));
+    ASSERT_TRUE(kept.held());
+    store.setBool("B", true);
+    EXPECT_FALSE(store.awaitSaved(Clock::now()));
+    EXPECT_TRUE(saved(store));  // it has given up
+  }
+  EXPECT_EQ(test::readFile(configuration.file()), "[Heapgauge]\nA=true\n");
+  EXPECT_TRUE(store.getBool("B", false));
+  setAndSave(store, "C", true);
+  EXPECT_EQ(test::readFile(configuration.file()), "[Heapgauge]\nA=true\nB=true\nC=true\n");
 }
 
 TEST(SettingsStore, LivesInMemoryWithoutAConfigurationDirectory) {
@@ -240,7 +343,7 @@ TEST(SettingsStore, LivesInMemoryWithoutAConfigurationDirectory) {
   const fs::path before = fs::current_path();
   fs::current_path(directory.path());
   SettingsStore store("");
-  store.setBool("A", true);
+  setAndSave(store, "A", true);
   fs::current_path(before);
   EXPECT_TRUE(store.getBool("A", false));
   EXPECT_EQ(test::readFile(directory / ".tmp"), "not ours");
@@ -253,9 +356,10 @@ TEST(SettingsStoreInstance, IsOneStoreInTheConfigurationHome) {
     const test::PrivateHome home;
     SettingsStore& store = SettingsStore::instance();
     store.setBool("A", true);
-    const bool saved =
+    saved(store);
+    const bool inFile =
         test::readFile(home.path() + "/.config/heapgauge/settings.ini") == "[Heapgauge]\nA=true\n";
-    return saved && &store == &SettingsStore::instance();
+    return inFile && &store == &SettingsStore::instance();
   };
   EXPECT_EXIT(std::_Exit(useInstance() ? 0 : 1), testing::ExitedWithCode(0), "");
 }
