@@ -165,9 +165,12 @@ void TreeScanner::readAll(WorkList* workList) {
   results_->close();
   integrator.join();
   stopProgress(&progressThread);
+  // Asked for before the lock is taken, so that two mutexes are never held at once.
+  const std::uint64_t queueWaits = results_->producerWaits();
+  const std::uint64_t emptyQueueWaits = results_->consumerWaits();
   const base::MutexLock lock(statisticsMutex_);
-  statistics_.queueWaits = results_->producerWaits();
-  statistics_.emptyQueueWaits = results_->consumerWaits();
+  statistics_.queueWaits = queueWaits;
+  statistics_.emptyQueueWaits = emptyQueueWaits;
 }
 
 int TreeScanner::readerCount() const {

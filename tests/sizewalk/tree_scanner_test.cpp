@@ -17,6 +17,7 @@
 #include "tests/sizewalk/tree_model.h"
 #include "tests/support/blocking_file_system.h"
 #include "tests/support/file_access.h"
+#include "tests/support/held_locks.h"
 #include "tests/support/mount_namespace.h"
 #include "tests/support/real_tree.h"
 #include "tests/support/temp_directory.h"
@@ -393,6 +394,21 @@ TEST(TreeScanner, StartsExactlyTheReadersAskedFor) {
   while (!finished) most = std::max(most, threadCount());
   walking.join();
   EXPECT_EQ(most, before + 3) << "the thread that walks, one reader and the integrator";
+}
+
+TEST(TreeScanner, HoldsOneMutexAtATime) {
+  if (!test::HeldLocks::kCounts) GTEST_SKIP() << "a sanitizer has the mutexes";
+  const TempDirectory dir(TempDirectory::Place::Memory);
+  test::makeBushyTree(dir.path(), 9, 300, 6);
+  TreeScanner scanner(withThreads(4));
+  scanner.setRoot(dir.path());
+  scanner.onProgress = [](const ScanProgress&) {};
+  const test::HeldLocks locks;
+  scanner.walk(kRootNode);
+  scanner.onProgress = [&](const ScanProgress&) { scanner.cancel(); };
+  scanner.walk(kRootNode);
+  EXPECT_GT(scanner.statistics().pathNs, 0U);
+  EXPECT_EQ(locks.most(), 1);
 }
 
 TEST(ScanOptions, LookBackAMonthAndHalfAYear) {

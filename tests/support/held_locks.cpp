@@ -1,0 +1,49 @@
+#include "tests/support/held_locks.h"
+
+#include <dlfcn.h>
+#include <pthread.h>
+
+#include <atomic>
+
+namespace {
+std::atomic<bool> counting = false;
+std::atomic<int> mostHeld = 0;
+}  // namespace
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+namespace {
+thread_local int held = 0;
+
+using Operation = int (*)(pthread_mutex_t*);
+
+Operation original(const char* name) { return reinterpret_cast<Operation>(dlsym(RTLD_NEXT, name)); }
+}  // namespace
+
+// Found before the C library's functions of these names.
+extern "C" int pthread_mutex_lock(pthread_mutex_t* mutex) noexcept {
+  static const Operation lock = original("pthread_mutex_lock");
+  const int result = lock(mutex);
+  ++held;
+  if (counting && held > mostHeld) mostHeld = held;
+  return result;
+}
+
+extern "C" int pthread_mutex_unlock(pthread_mutex_t* mutex) noexcept {
+  static const Operation unlock = original("pthread_mutex_unlock");
+  --held;
+  return unlock(mutex);
+}
+#endif
+
+namespace test {
+
+HeldLocks::HeldLocks() {
+  mostHeld = 0;
+  counting = true;
+}
+
+HeldLocks::~HeldLocks() { counting = false; }
+
+int HeldLocks::most() const { return mostHeld; }
+
+}  // namespace test

@@ -1,0 +1,25 @@
+#pragma once
+
+namespace test {
+
+/// Counts the mutexes that each thread of this process holds at a time, for the scope. Programs
+/// whose tests use it link `test_held_locks`, which stands in for the C library's functions. Not
+/// for builds with a sanitizer, which stands there itself.
+class HeldLocks {
+ public:
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  static constexpr bool kCounts = false;
+#else
+  static constexpr bool kCounts = true;
+#endif
+
+  HeldLocks();
+  ~HeldLocks();
+  HeldLocks(const HeldLocks&) = delete;
+  HeldLocks& operator=(const HeldLocks&) = delete;
+
+  /// The most that one thread has held at a time so far.
+  int most() const;
+};
+
+}  // namespace test
