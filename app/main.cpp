@@ -1,7 +1,9 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <memory>
+#include <new>
 #include <span>
 
 #include "app/command_line.h"
@@ -10,6 +12,7 @@
 #include "app/model/settings_store.h"
 #include "base/detached_threads.h"
 #include "base/file_lock.h"
+#include "sizewalk/fatal.h"
 #include "ui/connection.h"
 #include "ui/single_instance.h"
 
@@ -22,6 +25,19 @@ constexpr std::chrono::milliseconds kLongestEnd{100};
 /// What the settings are given to reach their file: the wait for another process that writes it,
 /// and as long again for the disk. The user sees nothing of it, the window is gone.
 constexpr std::chrono::milliseconds kLongestSave = 2 * base::FileLock::kLongestWait;
+
+/// Says in one plain line why the program ends, where nobody has caught what was thrown: as when
+/// memory runs out on the window's thread.
+[[noreturn]] void endWithALine() noexcept {
+  try {
+    if (std::current_exception()) throw;
+  } catch (const std::bad_alloc&) {
+    sizewalk::endProgram("Heap Gauge: out of memory.");
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "Heap Gauge: %s.\n", error.what());
+  }
+  std::abort();
+}
 
 /// Ends the program as returning from `main` does, but for the destruction of what threads that
 /// hang may still use.
@@ -63,6 +79,7 @@ int runWindow(const app::CommandLine& command) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  std::set_terminate(&endWithALine);
   const app::CommandLine command = app::parseCommandLine(
       std::span<const char* const>(argv, argc > 0 ? static_cast<std::size_t>(argc) : 0)
           .subspan(argc > 0 ? 1 : 0));

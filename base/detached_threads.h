@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <new>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -23,7 +24,8 @@ class DetachedThreadCount {
 
 /// Runs `work` on a thread that nobody joins: what it waits for, such as a server that is gone, may
 /// never answer. `work` owns all that it needs, since it may outlive whoever started it, and must
-/// not throw. It is destroyed on its thread. False, with nothing run, where no thread is to be had.
+/// not throw. It is destroyed on its thread. False, with nothing run, where no thread is to be had,
+/// or no memory for one.
 template <typename Work>
 bool startDetached(Work work) {
   struct Counted {
@@ -35,6 +37,8 @@ bool startDetached(Work work) {
     std::thread(Counted{{}, std::move(work)}).detach();
     return true;
   } catch (const std::system_error&) {
+    return false;
+  } catch (const std::bad_alloc&) {
     return false;
   }
 }

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <functional>
+#include <new>
 #include <string_view>
 
 #include "base/directories.h"
@@ -73,6 +74,15 @@ void changeFile(const std::function<std::string(const std::string&)>& edit) {
   historyFile().change(edit);
 }
 
+/// Does `act`; without memory for it there is no history.
+template <typename Act>
+void whereMemorySuffices(Act act) {
+  try {
+    act();
+  } catch (const std::bad_alloc&) {
+  }
+}
+
 }  // namespace
 
 std::string historyPath() {
@@ -87,16 +97,22 @@ void saveHistory(const ScanHistory& history) {
 }
 
 std::uint32_t lastScanTime(const std::string& path) {
-  const ScanHistory history = loadHistory();
-  const auto entry = history.find(path);
-  return entry == history.end() ? 0 : entry->second;
+  std::uint32_t time = 0;
+  whereMemorySuffices([&] {
+    const ScanHistory history = loadHistory();
+    const auto entry = history.find(path);
+    if (entry != history.end()) time = entry->second;
+  });
+  return time;
 }
 
 void recordScan(const std::string& path, std::uint32_t time) {
-  changeFile([&](const std::string& text) {
-    ScanHistory history = parsed(text);
-    history[path] = time != 0 ? time : static_cast<std::uint32_t>(std::time(nullptr));
-    return fileText(history);
+  whereMemorySuffices([&] {
+    changeFile([&](const std::string& text) {
+      ScanHistory history = parsed(text);
+      history[path] = time != 0 ? time : static_cast<std::uint32_t>(std::time(nullptr));
+      return fileText(history);
+    });
   });
 }
 

@@ -1,15 +1,16 @@
 #include "sizewalk/tree_scanner.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <cstddef>
 #include <new>
 #include <span>
+#include <system_error>
 #include <thread>
 #include <utility>
 
 #include "sizewalk/directory_reader.h"
-#include "sizewalk/fatal.h"
 #include "sizewalk/storage_probe.h"
 
 namespace sizewalk {
@@ -31,14 +32,15 @@ std::uint64_t nanoseconds(Clock::duration duration) {
       std::chrono::duration_cast<std::chrono::nanoseconds>(duration).count());
 }
 
-/// Runs a thread's work; there is no way on for a walk that has no memory left.
+/// A thread of `work`; none where none is to be had, or no memory for one.
 template <typename Work>
-void runThread(Work work) noexcept {
+std::thread threadOf(Work work) {
   try {
-    work();
+    return std::thread(std::move(work));
+  } catch (const std::system_error&) {
   } catch (const std::bad_alloc&) {
-    endProgram("Heap Gauge: out of memory while scanning.");
   }
+  return {};
 }
 
 /// Tells how long each step of a thread took, with one reading of the clock between two steps.
@@ -53,6 +55,18 @@ class StepTimer {
 
  private:
   Clock::time_point last_ = Clock::now();
+};
+
+/// Lets the control forget a walk's list, before that goes.
+class ListInUse {
+ public:
+  explicit ListInUse(WalkControl* control) : control_(*control) {}
+  ~ListInUse() { control_.end(); }
+  ListInUse(const ListInUse&) = delete;
+  ListInUse& operator=(const ListInUse&) = delete;
+
+ private:
+  WalkControl& control_;
 };
 
 }  // namespace
@@ -139,13 +153,19 @@ void TreeScanner::setRoot(std::string rootPath, std::uint32_t birthTime) {
   tree_.createRoot(std::move(rootPath), birthTime);
 }
 
-void TreeScanner::walk(NodeId start) {
+int TreeScanner::walk(NodeId start) {
   control_.arm();
-  WorkList workList(start);
-  control_.begin(&workList);
-  // A walk that was cancelled by now leaves what an earlier one found.
-  if (!workList.closedFlag() && tree_.dropContents(start)) readAll(&workList);
-  control_.end();
+  failure_ = 0;
+  try {
+    WorkList workList(start);
+    control_.begin(&workList);
+    const ListInUse inUse(&control_);
+    // A walk that was cancelled by now leaves what an earlier one found.
+    if (!workList.closedFlag() && tree_.dropContents(start)) readAll(&workList);
+  } catch (const std::bad_alloc&) {  // no thread of the walk runs
+    failure_ = ENOMEM;
+  }
+  return failure_;
 }
 
 void TreeScanner::readAll(WorkList* workList) {
@@ -154,16 +174,15 @@ void TreeScanner::readAll(WorkList* workList) {
     const base::MutexLock lock(statisticsMutex_);
     statistics_ = {};
   }
-  std::thread progressThread = startProgress();
-  std::vector<std::thread> readers(static_cast<std::size_t>(readerCount()));
-  for (std::thread& reader : readers) {
-    reader = std::thread([&] { runThread([&] { runReader(workList); }); });
-  }
-  std::thread integrator([&] { runThread([&] { runIntegrator(workList); }); });
+  std::thread progressThread = startProgress(workList);
+  // First, so that where threads are scarce the readers do not take its.
+  std::thread integrator = startIntegrator(workList);
+  std::vector<std::thread> readers = startReaders(workList);
+  if (readers.empty() || !integrator.joinable()) breakOff(EAGAIN, workList);
 
   for (std::thread& reader : readers) reader.join();
   results_->close();
-  integrator.join();
+  if (integrator.joinable()) integrator.join();
   stopProgress(&progressThread);
   // Asked for before the lock is taken, so that two mutexes are never held at once.
   const std::uint64_t queueWaits = results_->producerWaits();
@@ -179,11 +198,53 @@ int TreeScanner::readerCount() const {
   return chooseReaderCount(options_.threads, probe, std::thread::hardware_concurrency());
 }
 
-std::thread TreeScanner::startProgress() {
+/// As many as are wanted and can be had.
+std::vector<std::thread> TreeScanner::startReaders(WorkList* workList) {
+  std::vector<std::thread> readers;
+  try {
+    const auto wanted = static_cast<std::size_t>(readerCount());
+    readers.reserve(wanted);
+    while (readers.size() < wanted) {
+      std::thread reader =
+          threadOf([this, workList] { runThread(workList, [&] { runReader(workList); }); });
+      if (!reader.joinable()) break;
+      readers.push_back(std::move(reader));
+    }
+  } catch (const std::bad_alloc&) {  // before the first of them
+  }
+  return readers;
+}
+
+std::thread TreeScanner::startIntegrator(WorkList* workList) {
+  return threadOf([this, workList] { runThread(workList, [&] { runIntegrator(workList); }); });
+}
+
+/// Has the readers take no new directories, and nobody wait for the integrator, which may be gone.
+void TreeScanner::breakOff(int error, WorkList* workList) {
+  int none = 0;
+  failure_.compare_exchange_strong(none, error);
+  workList->close();
+  results_->close();
+}
+
+/// Runs a thread's work. A walk that has no memory left ends: a tree without what one of its
+/// threads was doing would show numbers that are not true.
+template <typename Work>
+void TreeScanner::runThread(WorkList* workList, Work work) noexcept {
+  try {
+    work();
+  } catch (const std::bad_alloc&) {
+    breakOff(ENOMEM, workList);
+  }
+}
+
+std::thread TreeScanner::startProgress(WorkList* workList) {
   if (!onProgress) return {};
-  const base::MutexLock lock(progressMutex_);
-  stopProgress_ = false;
-  return std::thread([this] { runThread([this] { runProgress(); }); });
+  {
+    const base::MutexLock lock(progressMutex_);
+    stopProgress_ = false;
+  }
+  return threadOf([this, workList] { runThread(workList, [this] { runProgress(); }); });
 }
 
 void TreeScanner::stopProgress(std::thread* progressThread) {

@@ -77,7 +77,11 @@ class TreeScanner {
   /// leave every total first, though not the memory. A mount point is entered when the walk starts
   /// there. Does nothing for a node that is not a visible directory. One walk at a time, on any
   /// thread.
-  void walk(NodeId start);
+  ///
+  /// Returns 0, or the errno for which the walk was broken off: EAGAIN, before anything was read,
+  /// where not even one reader and the integrator find threads (fewer readers than wanted do), and
+  /// ENOMEM. After ENOMEM the tree can be read but is not to be changed or walked any more.
+  int walk(NodeId start);
 
   /// Forgets that an earlier walk was cancelled. A cancel that comes from now on stops the next
   /// one, also before it has begun; `walk` itself forgets those that came since the last walk
@@ -103,7 +107,13 @@ class TreeScanner {
 
   void readAll(WorkList* workList);
   int readerCount() const;
-  std::thread startProgress();
+  std::vector<std::thread> startReaders(WorkList* workList);
+  std::thread startIntegrator(WorkList* workList);
+  void breakOff(int error, WorkList* workList);
+  template <typename Work>
+  void runThread(WorkList* workList, Work work) noexcept;
+  /// None when there is nobody to report to, or no thread to be had.
+  std::thread startProgress(WorkList* workList);
   void stopProgress(std::thread* progressThread);
   void runReader(WorkList* workList);
   void runIntegrator(WorkList* workList);
@@ -116,6 +126,8 @@ class TreeScanner {
   FileTree tree_;
   WalkControl control_;
   std::unique_ptr<ResultQueue> results_;  // of the current walk
+  /// Why the current walk was broken off, the first reason; 0 when it was not.
+  std::atomic<int> failure_{0};
 
   base::Mutex freeMutex_;  // guards freeResults_
   std::vector<std::unique_ptr<DirectoryResult>> freeResults_ GUARDED_BY(freeMutex_);

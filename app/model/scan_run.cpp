@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <chrono>
+#include <new>
 #include <utility>
 
 #include "app/model/parallel.h"
@@ -17,6 +18,15 @@ using Clock = std::chrono::steady_clock;
 
 /// A tree of fewer nodes is freed in less than a millisecond.
 constexpr sizewalk::NodeId kLargeTree = 100'000;
+
+/// What `work` returns; where memory runs out, that this was so.
+ScanSummary madeBy(const std::function<ScanSummary()>& work) {
+  try {
+    return work();
+  } catch (const std::bad_alloc&) {
+    return summaryOfFailure(ENOMEM);
+  }
+}
 
 struct FreeBeside {
   void operator()(ScanRun* run) const {
@@ -50,9 +60,10 @@ bool ScanRun::readAgain(const std::shared_ptr<ScanRun>& run, sizewalk::NodeId fo
   const bool incomplete = run->summary_.cancelled;
   const auto read = [run, folder, incomplete] {
     run->run([&] {
-      run->scanner_.walk(folder);
+      const int error = run->scanner_.walk(folder);
+      if (error == ENOMEM) return summaryOfFailure(error);
       ScanSummary summary = summaryOf(run->scanner_);
-      summary.cancelled = summary.cancelled || incomplete;
+      summary.cancelled = summary.cancelled || incomplete || error != 0;
       return summary;
     });
   };
@@ -95,13 +106,12 @@ std::string ScanRun::path() const {
 void ScanRun::run(const std::function<ScanSummary()>& work) {
   giveWayToWindow();
   const Clock::time_point started = Clock::now();
-  ScanSummary summary;
-  if (turns_->take(askedPath_, scanner_)) {
-    summary = work();
+  ScanSummary summary = madeBy([&] {
+    if (!turns_->take(askedPath_, scanner_)) return summaryOf(scanner_);
+    ScanSummary made = madeBy(work);
     turns_->giveBack(askedPath_);
-  } else {
-    summary = summaryOf(scanner_);
-  }
+    return made;
+  });
   summary.elapsedSeconds = std::chrono::duration<double>(Clock::now() - started).count();
   finish(std::move(summary));
 }
@@ -112,7 +122,9 @@ ScanSummary ScanRun::scan() {
   ResolvedFolder folder = resolveFolder(path);
   if (folder.error != 0) return summaryOfFailure(folder.error);
   scanner_.setRoot(std::move(folder.path), folder.birthTime);
-  scanner_.walk(sizewalk::kRootNode);
+  if (const int error = scanner_.walk(sizewalk::kRootNode); error != 0) {
+    return summaryOfFailure(error);
+  }
   ScanSummary summary = summaryOf(scanner_);
   if (!summary.cancelled) sizewalk::recordScan(path, 0);
   return summary;

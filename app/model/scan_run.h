@@ -26,16 +26,16 @@ struct ScanReports {
 /// it uses, and nobody else.
 class ScanRun {
  public:
-  /// Begins to scan `path`, which is absolute and may hold "..". Where no thread is to be had the
-  /// scan has failed. The tree is freed by the last who lets go of it; a large one, which takes a
-  /// while, on a thread of its own.
+  /// Begins to scan `path`, which is absolute and may hold "..". Where no threads are to be had, or
+  /// memory runs out, the scan has failed. The tree is freed by the last who lets go of it; a large
+  /// one, which takes a while, on a thread of its own.
   static std::shared_ptr<ScanRun> start(const std::string& path, ScanReports reports,
                                         std::shared_ptr<ScanTurns> turns);
 
   /// Has `run`, which has finished, read one of its folders again, whose contents are forgotten at
   /// once, on another thread. Until that has ended the run is not finished, and then it has a new
-  /// summary: that of a stopped scan where no thread is to be had. Returns false, changing nothing,
-  /// when the tree shows no such folder.
+  /// summary: that of a stopped scan where no threads are to be had, that of a failed one where
+  /// memory ran out. Returns false, changing nothing, when the tree shows no such folder.
   static bool readAgain(const std::shared_ptr<ScanRun>& run, sizewalk::NodeId folder);
 
   ScanRun(const std::string& path, ScanReports reports, std::shared_ptr<ScanTurns> turns);

@@ -1,5 +1,6 @@
 #include "app/model/scan_summary.h"
 
+#include <cerrno>
 #include <system_error>
 
 #include "sizewalk/scan_options.h"
@@ -8,6 +9,14 @@ namespace app {
 
 namespace {
 double seconds(std::uint64_t nanoseconds) { return static_cast<double>(nanoseconds) * 1e-9; }
+
+/// What the C library says of these two is not about a scan. The text for want of memory is so
+/// short that a string holds it without asking for any.
+std::string textOf(int error) {
+  if (error == ENOMEM) return "Out of memory";
+  if (error == EAGAIN) return "No more threads can be started";
+  return std::generic_category().message(error);
+}
 }  // namespace
 
 ScanSummary summaryOf(const sizewalk::TreeScanner& scanner) {
@@ -39,7 +48,7 @@ ScanSummary summaryOf(const sizewalk::TreeScanner& scanner) {
 ScanSummary summaryOfFailure(int error) {
   ScanSummary summary;
   summary.failure = static_cast<std::uint32_t>(error);
-  summary.failureText = std::generic_category().message(error);
+  summary.failureText = textOf(error);
   return summary;
 }
 

@@ -8,6 +8,8 @@
 #include <memory>
 #include <utility>
 
+#include "tests/support/scarcity.h"
+
 namespace base {
 namespace {
 
@@ -50,6 +52,16 @@ TEST(DetachedThreads, AreAwaitedAllOfThem) {
   letGo.set_value();
   EXPECT_TRUE(awaitDetachedThreads(longTime()));
   EXPECT_EQ(ended, 5);
+}
+
+TEST(DetachedThreads, AreNotStartedWhereNoneIsToBeHad) {
+  const auto owned = std::make_shared<int>(7);
+  {
+    const test::FewThreads none(0);
+    EXPECT_FALSE(startDetached([owned] { FAIL() << "there is a thread"; }));
+  }
+  EXPECT_EQ(owned.use_count(), 1);
+  EXPECT_TRUE(awaitDetachedThreads(Clock::now())) << "none is counted";
 }
 
 TEST(DetachedThreads, AreNoneBeforeTheFirst) { EXPECT_TRUE(awaitDetachedThreads(Clock::now())); }

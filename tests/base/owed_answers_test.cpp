@@ -1,7 +1,6 @@
 #include "base/owed_answers.h"
 
 #include <gtest/gtest.h>
-#include <pthread.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -20,6 +19,7 @@
 
 #include "base/mutex.h"
 #include "tests/support/eventually.h"
+#include "tests/support/scarcity.h"
 #include "tests/support/waiting_thread.h"
 
 namespace base {
@@ -249,33 +249,11 @@ TEST_F(OwedAnswersTest, LosesOneAnswerWhereHandingOnThrows) {
   EXPECT_TRUE(listener_.hears({{"a", 1}, {"a", 1}})) << "nothing is owed";
 }
 
-/// While it lives, no thread can be started: none finds room for its stack.
-class NoThreads {
- public:
-  NoThreads() {
-    pthread_getattr_default_np(&usual_);
-    pthread_attr_t unusual;
-    pthread_getattr_default_np(&unusual);
-    pthread_attr_setstacksize(&unusual, std::size_t{1} << 47);
-    pthread_setattr_default_np(&unusual);
-    pthread_attr_destroy(&unusual);
-  }
-  ~NoThreads() {
-    pthread_setattr_default_np(&usual_);
-    pthread_attr_destroy(&usual_);
-  }
-  NoThreads(const NoThreads&) = delete;
-  NoThreads& operator=(const NoThreads&) = delete;
-
- private:
-  pthread_attr_t usual_;
-};
-
 TEST_F(OwedAnswersTest, SaysAtOnceThatThereIsNoThread) {
   answers_->ask("slow");
   ASSERT_TRUE(asked("slow"));
   {
-    const NoThreads none;
+    const test::FewThreads none(0);
     ASSERT_THROW(std::thread([] {}).join(), std::system_error);
     EXPECT_EQ(answers_->ask("a"), kNone);
     EXPECT_EQ(answers_->ask("a", kLong), kNone);

