@@ -142,7 +142,8 @@ class TreeScanner::Reader {
   WalkStatistics times_;
 };
 
-TreeScanner::TreeScanner(const ScanOptions& options) : options_(options), tree_(options) {}
+TreeScanner::TreeScanner(const ScanOptions& options, std::chrono::milliseconds longestPause)
+    : options_(options), longestPause_(longestPause), tree_(options) {}
 
 void TreeScanner::setLastScanTime(std::uint32_t time) {
   options_.setLastScanTime(time);
@@ -169,7 +170,7 @@ int TreeScanner::walk(NodeId start) {
 }
 
 void TreeScanner::readAll(WorkList* workList) {
-  results_ = std::make_unique<ResultQueue>();
+  results_ = std::make_unique<ResultQueue>(longestPause_);
   {
     const base::MutexLock lock(statisticsMutex_);
     statistics_ = {};

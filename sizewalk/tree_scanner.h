@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -56,7 +57,9 @@ int chooseReaderCount(int asked, const std::function<int()>& probe, unsigned pro
 /// per-thread trees at the end would leave nothing to look at while the walk runs.
 class TreeScanner {
  public:
-  explicit TreeScanner(const ScanOptions& options);
+  /// `longestPause`: see `ResultQueue`.
+  explicit TreeScanner(const ScanOptions& options,
+                       std::chrono::milliseconds longestPause = ResultQueue::kLongestPause);
   TreeScanner(const TreeScanner&) = delete;
   TreeScanner& operator=(const TreeScanner&) = delete;
 
@@ -123,6 +126,7 @@ class TreeScanner {
   void giveBack(std::unique_ptr<DirectoryResult> result);
 
   ScanOptions options_;
+  const std::chrono::milliseconds longestPause_;
   FileTree tree_;
   WalkControl control_;
   std::unique_ptr<ResultQueue> results_;  // of the current walk

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <string>
@@ -25,15 +26,21 @@ class SubFolderReader {
   /// folder that nobody cares for any more.
   std::function<void(const std::string& path, SubFolders subFolders)> onRead;
 
-  /// The reader goes without waiting for answers.
-  explicit SubFolderReader(Post post, Read read = readSubFolders);
+  /// How long an answer counts as coming at once: too short to be felt, long enough for any folder
+  /// of a usual size.
+  static constexpr std::chrono::milliseconds kAtOnce{25};
 
-  /// Reads a folder, and waits 25 ms at most. The answer, when it comes at once, as it mostly does:
-  /// a view that waited for it can be drawn right the first time. Otherwise nothing, and `onRead`
-  /// is called later. Where no thread can be started the folder cannot be read.
+  /// The reader goes without waiting for answers.
+  explicit SubFolderReader(Post post, Read read = readSubFolders,
+                           std::chrono::milliseconds atOnce = kAtOnce);
+
+  /// Reads a folder, and waits `atOnce` at most. The answer, when it comes at once, as it mostly
+  /// does: a view that waited for it can be drawn right the first time. Otherwise nothing, and
+  /// `onRead` is called later. Where no thread can be started the folder cannot be read.
   std::optional<SubFolders> read(const std::string& path);
 
  private:
+  const std::chrono::milliseconds atOnce_;
   base::OwedAnswers<std::string, SubFolders> answers_;
 };
 

@@ -32,10 +32,14 @@ Gate& gate() {
   return theGate;
 }
 
+bool isNamed(std::string_view path, const std::string& name) {
+  return name == "/" ? path == name : path.ends_with("/" + name);
+}
+
 void passGate(std::string_view path) {
   if (!holding) return;
   std::unique_lock lock(gate().mutex);
-  if (gate().name.empty() || !path.ends_with("/" + gate().name)) return;
+  if (gate().name.empty() || !isNamed(path, gate().name)) return;
   ++gate().held;
   gate().changed.notify_all();
   const std::string heldAt = gate().name;

@@ -9,7 +9,7 @@ namespace test {
 /// library's. One at a time; any thread may call the members.
 class HeldFolder {
  public:
-  /// `name` is the last component of the path.
+  /// `name` is the last component of the path, or "/".
   explicit HeldFolder(const std::string& name);
   /// Releases.
   ~HeldFolder();

@@ -11,14 +11,15 @@ namespace {
 
 TEST_F(MainWindowInputTest, ScansTheVolumeOfAPressedCard) {
   const ui::Rect card = firstCard();
-  HeldFolder held("proc");  // the scan of the whole machine need not end
+  HeldFolder held("/");  // of the machine's own files nothing is to be read
   runWith([&](WindowUser& user) {
     EXPECT_TRUE(user.comesToTitle(kWelcomeTitle));
     user.click(card);
     EXPECT_TRUE(user.comesToTitle(titleOf("/"))) << user.title();
+    EXPECT_TRUE(held.waitUntilReached());
     user.pressWithControl('o');
     EXPECT_TRUE(user.comesToTitle(kWelcomeTitle));
-    held.release();
+    held.release();  // it was left, and lists nothing any more
   });
 }
 

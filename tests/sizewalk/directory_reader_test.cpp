@@ -5,6 +5,7 @@
 #include <sys/mount.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -19,6 +20,24 @@
 #include "tests/support/file_access.h"
 #include "tests/support/mount_namespace.h"
 #include "tests/support/temp_directory.h"
+
+namespace {
+
+/// What the reader asked of each entry, while a test listens.
+struct StatusQuestion {
+  int flags;
+  unsigned mask;
+};
+std::vector<StatusQuestion>* questions = nullptr;
+
+}  // namespace
+
+// Found before the C library's function of that name.
+extern "C" int statx(int directory, const char* path, int flags, unsigned mask,
+                     struct statx* status) noexcept {
+  if (questions != nullptr && *path != '\0') questions->push_back({flags, mask});
+  return static_cast<int>(syscall(SYS_statx, directory, path, flags, mask, status));
+}
 
 namespace sizewalk {
 namespace {
@@ -87,6 +106,23 @@ TEST(ReadDirectory, TellsFilesFoldersAndLinksApart) {
   EXPECT_EQ(link->kind, kKindSymbolicLink);
   EXPECT_EQ(link->flags, NodeFlags(NodeFlag::Symlink));
   EXPECT_EQ(link->apparentSize, 6u);
+}
+
+// A mount that is made when it is looked at cannot be had in a test, nor a server to ask again.
+TEST(ReadDirectory, AsksForTheEntryItselfAndDisturbsNobody) {
+  const TempDirectory dir;
+  writeFile(dir / "file");
+  test::makeDirectory(dir / "folder");
+  std::vector<StatusQuestion> asked;
+  questions = &asked;
+  read(dir.path());
+  questions = nullptr;
+  ASSERT_EQ(asked.size(), 2U);
+  for (const StatusQuestion& question : asked) {
+    EXPECT_EQ(question.flags, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC);
+    EXPECT_EQ(question.mask, unsigned{STATX_TYPE | STATX_NLINK | STATX_CTIME | STATX_INO |
+                                      STATX_SIZE | STATX_BLOCKS | STATX_BTIME});
+  }
 }
 
 TEST(ReadDirectory, CountsPipesAndSocketsAsItemsWithoutSize) {

@@ -4,6 +4,7 @@
 #include <map>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "sizewalk/file_tree.h"
@@ -67,7 +68,67 @@ class NaiveModel {
     return true;
   }
 
+  /// A file of several names is counted at the first that turns up. While that is out, the next one
+  /// that turns up is, and the first waits to come back.
+  NodeId appendLinked(NodeId folder, std::uint64_t size, std::uint64_t key) {
+    const NodeId node = append(folder, size, false);
+    nodes[node].key = key;
+    const auto [counted, isNew] = countedAt_.try_emplace(key, node);
+    if (isNew) return node;
+    if (isIn(counted->second) || !isIn(folder)) {
+      nodes[node].size = 0;
+    } else {
+      displaced_.emplace_back(key, counted->second);
+      counted->second = node;
+    }
+    return node;
+  }
+
+  void putBack(NodeId node) {
+    nodes[node].takenOut = false;
+    std::vector<std::pair<std::uint64_t, NodeId>> waiting;
+    for (const auto& [key, first] : displaced_) {
+      NodeId& counted = countedAt_[key];
+      if (!isIn(first)) {
+        waiting.emplace_back(key, first);
+      } else if (!isIn(counted)) {
+        waiting.emplace_back(key, std::exchange(counted, first));
+      } else {
+        nodes[first].size = 0;  // the other name has taken its place
+      }
+    }
+    displaced_ = waiting;
+  }
+
+  void dropContents(NodeId folder) {
+    std::vector<NodeId> dropped = reachable(folder);
+    dropped.erase(dropped.begin());
+    const auto isDropped = [&](NodeId node) {
+      return std::ranges::find(dropped, node) != dropped.end();
+    };
+    nodes[folder].children.clear();
+    nodes[folder].read = false;
+    nodes[folder].brokenListing = false;
+    std::erase_if(countedAt_, [&](const auto& entry) { return isDropped(entry.second); });
+    std::erase_if(displaced_, [&](const auto& entry) {
+      return isDropped(entry.second) || countedAt_.try_emplace(entry.first, entry.second).second;
+    });
+  }
+
   std::vector<Node> nodes;
+
+ private:
+  /// Neither the node nor a folder above it is taken out.
+  bool isIn(NodeId node) const {
+    for (; node != 0; node = nodes[node].parent) {
+      if (nodes[node].takenOut) return false;
+    }
+    return true;
+  }
+
+  std::map<std::uint64_t, NodeId> countedAt_;
+  /// Names that are out, each of a file that is counted elsewhere meanwhile.
+  std::vector<std::pair<std::uint64_t, NodeId>> displaced_;
 };
 
 /// Drives a tree and a model through the same random changes.
@@ -105,7 +166,6 @@ class RandomChanges {
   }
 
   void compare() {
-    takeOverCountedNames();
     for (const NodeId node : model_.reachable()) {
       ASSERT_EQ(tree_.apparentSize(node), model_.sizeOf(node)) << "node " << node;
       ASSERT_EQ(tree_.allocatedSize(node), 2 * model_.sizeOf(node)) << "node " << node;
@@ -132,14 +192,6 @@ class RandomChanges {
 
   std::size_t pick(std::size_t below) {
     return std::uniform_int_distribution<std::size_t>(0, below - 1)(random_);
-  }
-
-  /// Which of a file's names is counted is the tree's choice, within the rules that
-  /// expectEveryFileCountedOnce holds it to; the model follows.
-  void takeOverCountedNames() {
-    for (const NodeId node : model_.reachable()) {
-      if (model_.nodes[node].key != 0) model_.nodes[node].size = tree_.apparentSize(node);
-    }
   }
 
   void expectEveryFileCountedOnce() {
@@ -177,7 +229,7 @@ class RandomChanges {
       } else if (what <= 3) {
         const std::uint64_t key = 1 + pick(5);
         listing.file("linked.iso", 100 * key, 200 * key, 600, key);
-        model_.nodes[model_.append(folder, 100 * key, false)].key = key;
+        model_.appendLinked(folder, 100 * key, key);
       } else if (what <= 7) {
         listing.folder("folder", static_cast<std::uint32_t>(pick(1500)));
         model_.append(folder, 0, true);
@@ -199,7 +251,6 @@ class RandomChanges {
     const RemovedSubtree record = tree_.removeSubtree(node);
     ASSERT_EQ(record.valid, possible);
     if (!possible) return;
-    takeOverCountedNames();
     ASSERT_EQ(record.allocatedBytes, 2 * model_.sizeOf(node));
     model_.nodes[node].takenOut = true;
     records_.push_back(record);
@@ -212,7 +263,7 @@ class RandomChanges {
     records_.erase(records_.begin() + static_cast<std::ptrdiff_t>(which));
     tree_.restoreSubtree(record);
     tree_.restoreSubtree(record);  // a second time does nothing
-    model_.nodes[static_cast<std::size_t>(record.node)].takenOut = false;
+    model_.putBack(static_cast<NodeId>(record.node));
   }
 
   void readAnew() {
@@ -229,8 +280,7 @@ class RandomChanges {
       const auto node = static_cast<NodeId>(record.node);
       return node != folder && std::ranges::find(gone, node) != gone.end();
     });
-    model_.nodes[folder].children.clear();
-    model_.nodes[folder].read = false;
+    model_.dropContents(folder);
   }
 
   std::mt19937 random_;

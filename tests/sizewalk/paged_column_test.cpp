@@ -1,12 +1,33 @@
 #include "sizewalk/paged_column.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdint>
+#include <fstream>
 #include <new>
 
 namespace sizewalk {
 namespace {
+
+/// Addresses that this process has mapped, in bytes.
+std::uint64_t mappedBytes() {
+  std::ifstream statm("/proc/self/statm");
+  std::uint64_t pages = 0;
+  statm >> pages;
+  return pages * static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
+}
+
+TEST(PagedColumn, GivesItsPagesBack) {
+  constexpr std::uint64_t kLength = std::uint64_t{1} << 27;  // 1 GB, none of it touched
+  const std::uint64_t before = mappedBytes();
+  {
+    PagedColumn<std::uint64_t> column(kLength);
+    column.grow(kLength);
+    ASSERT_GE(mappedBytes(), before + kLength * sizeof(std::uint64_t));
+  }
+  EXPECT_LT(mappedBytes(), before + kLength);
+}
 
 TEST(PagedColumn, StartsEveryElementAtZeroAndNeverMovesIt) {
   PagedColumn<std::uint32_t, 4> column(1000);

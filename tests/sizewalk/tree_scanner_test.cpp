@@ -8,15 +8,21 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <chrono>
+#include <ctime>
 #include <filesystem>
+#include <functional>
 #include <map>
+#include <mutex>
 #include <string>
 #include <thread>
 #include <tuple>
 #include <vector>
 
+#include "tests/app/held_folder.h"
 #include "tests/sizewalk/tree_model.h"
 #include "tests/support/blocking_file_system.h"
+#include "tests/support/eventually.h"
 #include "tests/support/file_access.h"
 #include "tests/support/held_locks.h"
 #include "tests/support/mount_namespace.h"
@@ -375,27 +381,104 @@ TEST(ReaderCount, LeavesTwoProcessorsToOthers) {
 
 TEST(ReaderCount, IsTwoWhenNothingIsKnown) { EXPECT_EQ(chooseReaderCount(0, nullptr, 0), 2); }
 
-/// Number of threads of this process.
-int threadCount() {
-  int count = 0;
-  for ([[maybe_unused]] const auto& task : fs::directory_iterator("/proc/self/task")) ++count;
-  return count;
+TEST(TreeScanner, StartsExactlyTheReadersAskedFor) {
+  const TempDirectory dir;
+  writeFile(dir / "file");
+  for (const int readers : {1, 2, 7}) {
+    const test::ThreadStarts starts;
+    const Scan scan(dir.path(), readers);
+    EXPECT_EQ(starts.count(), readers + 1) << "and the integrator";
+  }
 }
 
-TEST(TreeScanner, StartsExactlyTheReadersAskedFor) {
-  const TempDirectory dir(TempDirectory::Place::Memory);
-  test::makeBushyTree(dir.path(), 7, 300, 10);
-  std::thread([] {}).join();  // a sanitizer starts a thread of its own beside the first
-  const int before = threadCount();
-  std::atomic<bool> finished{false};
+TEST(TreeScanner, WaitsForNoBatchWhenThereIsNothingElseToRead) {
+  const TempDirectory dir;
+  test::makeDeepTree(dir.path(), 20, 1);
+  TreeScanner scanner(withThreads(2), std::chrono::hours(1));
+  scanner.setRoot(dir.path());
+  std::atomic<bool> ended{false};
   std::thread walking([&] {
-    const Scan scan(dir.path(), 1);
-    finished = true;
+    scanner.walk(kRootNode);
+    ended = true;
   });
-  int most = 0;
-  while (!finished) most = std::max(most, threadCount());
+  EXPECT_TRUE(test::eventually([&] { return ended.load(); }));
+  scanner.cancel();
   walking.join();
-  EXPECT_EQ(most, before + 3) << "the thread that walks, one reader and the integrator";
+  EXPECT_EQ(scanner.tree().nodeCount(), 22U);
+}
+
+/// A walk of a folder with the folder "held" in it, which stays open to be read until it is let go.
+class HeldWalk {
+ public:
+  explicit HeldWalk(int threads) : scanner(withThreads(threads)) {
+    writeFile(dir_ / "held/file", "x");
+    scanner.setRoot(dir_.path());
+  }
+  /// Walks until `held` has been reached, `until` holds then, and all is read.
+  void run(const std::function<bool()>& until) {
+    const auto start = Clock::now();
+    std::thread walking([&] { scanner.walk(kRootNode); });
+    EXPECT_TRUE(held_.waitUntilReached());
+    EXPECT_TRUE(test::eventually(until));
+    held_.release();
+    walking.join();
+    took = Clock::now() - start;
+  }
+
+  using Clock = std::chrono::steady_clock;
+  TreeScanner scanner;
+  Clock::duration took{};
+
+ private:
+  const TempDirectory dir_;
+  test::HeldFolder held_{"held"};
+};
+
+TEST(TreeScanner, RestsBetweenItsReports) {
+  struct Report {
+    HeldWalk::Clock::time_point time;
+    std::int64_t processorNs;  // of the thread that reports
+  };
+  std::mutex mutex;  // guards the reports
+  std::vector<Report> reports;
+  HeldWalk walk(1);
+  walk.scanner.onProgress = [&](const ScanProgress&) {
+    timespec used{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &used);
+    const std::lock_guard lock(mutex);
+    reports.push_back(
+        {HeldWalk::Clock::now(), std::int64_t{used.tv_sec} * 1'000'000'000 + used.tv_nsec});
+  };
+  walk.run([&] {
+    const std::lock_guard lock(mutex);
+    return reports.size() >= 4;
+  });
+  for (std::size_t i = 1; i < 4; ++i) {
+    EXPECT_GE(reports[i].time - reports[i - 1].time, std::chrono::milliseconds(99));
+  }
+  // Of three pauses of a tenth of a second.
+  EXPECT_LT(reports[3].processorNs - reports[0].processorNs, 100'000'000);
+}
+
+TEST(TreeScanner, CountsTheTimeOfAFolderThatOpensSlowlyAsThat) {
+  HeldWalk walk(2);
+  constexpr std::chrono::milliseconds kSlow{60};
+  const auto start = HeldWalk::Clock::now();
+  auto reached = start;
+  walk.run([&] {
+    if (reached == start) reached = HeldWalk::Clock::now();
+    return HeldWalk::Clock::now() - reached >= kSlow;
+  });
+  constexpr auto kSlowNs = static_cast<std::uint64_t>(std::chrono::nanoseconds(kSlow).count());
+  const WalkStatistics times = walk.scanner.statistics();
+  EXPECT_GE(times.openNs, kSlowNs);
+  EXPECT_GE(times.idleNs, kSlowNs) << "the other reader has nothing to read meanwhile";
+  EXPECT_GE(times.integratorElapsedNs, times.integratorBusyNs + kSlowNs);
+  // Nothing counts twice.
+  const auto tookNs = static_cast<std::uint64_t>(std::chrono::nanoseconds(walk.took).count());
+  EXPECT_LE(times.pathNs + times.openNs + times.listNs + times.handOverNs + times.idleNs,
+            2 * tookNs);
+  EXPECT_LE(times.openNs, tookNs) << "of one of the two";
 }
 
 TEST(TreeScanner, HoldsOneMutexAtATime) {
@@ -494,6 +577,7 @@ TEST(ScanOptions, LookBackAMonthAndHalfAYear) {
   EXPECT_EQ(options.monthThreshold, 1000000000u - 2592000);
   EXPECT_EQ(options.sixMonthThreshold, 1000000000u - 15724800);
   EXPECT_FALSE(options.hasLastScan);
+  EXPECT_EQ(options.lastScanTime, 0u);
   EXPECT_EQ(options.readBufferSize, 262144u);
 }
 

@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
+#include <sys/types.h>
+#include <unistd.h>
 
+#include <array>
+#include <atomic>
 #include <chrono>
 #include <functional>
 #include <thread>
@@ -8,6 +12,9 @@
 #include "sizewalk/result_queue.h"
 #include "sizewalk/walk_control.h"
 #include "sizewalk/work_list.h"
+#include "tests/support/eventually.h"
+#include "tests/support/held_locks.h"
+#include "tests/support/waiting_thread.h"
 
 namespace sizewalk {
 namespace {
@@ -51,7 +58,7 @@ TEST(WorkList, GivesNothingOutOnceClosedEvenWhenDirectoriesRemain) {
   EXPECT_FALSE(list.pop(&directory));
 }
 
-TEST(WorkList, WakesEveryReaderThatWaits) {
+TEST(WorkList, HandsOutEveryDirectoryOnce) {
   WorkList list(0);
   NodeId first;
   ASSERT_TRUE(list.pop(&first));
@@ -71,6 +78,86 @@ TEST(WorkList, WakesEveryReaderThatWaits) {
   list.done();
   for (std::thread& reader : readers) reader.join();
   EXPECT_EQ(got, 1000);
+}
+
+/// Four readers that wait for a directory. Each ends once it has one, but not before it is let go.
+class WaitingReaders {
+ public:
+  explicit WaitingReaders(WorkList* list) : list_(*list) {
+    for (Reader& reader : readers_) {
+      reader.thread = std::thread([this, &reader] {
+        reader.id = gettid();
+        NodeId directory;
+        const bool has = list_.pop(&directory);
+        ++(has ? got_ : sentAway_);
+        letGo_.wait(false);
+      });
+    }
+    for (const Reader& reader : readers_) {
+      EXPECT_TRUE(test::eventually([&] { return reader.id != 0 && test::waits(reader.id); }));
+    }
+  }
+  /// Those that nobody has woken are, however badly the list wakes.
+  ~WaitingReaders() {
+    letGo_ = true;
+    letGo_.notify_all();
+    while (got_ + sentAway_ < kReaders) {
+      list_.close();
+      std::this_thread::yield();
+    }
+    for (Reader& reader : readers_) reader.thread.join();
+  }
+  WaitingReaders(const WaitingReaders&) = delete;
+  WaitingReaders& operator=(const WaitingReaders&) = delete;
+
+  /// Whether, in the end, so many have a directory.
+  bool get(int count) const {
+    return test::eventually([&] { return got_ == count; });
+  }
+  bool allAreSentAway() const {
+    return test::eventually([&] { return sentAway_ == kReaders; });
+  }
+
+ private:
+  static constexpr int kReaders = 4;
+  struct Reader {
+    std::thread thread;
+    std::atomic<pid_t> id{0};
+  };
+  WorkList& list_;
+  std::array<Reader, kReaders> readers_;
+  std::atomic<int> got_{0};
+  std::atomic<int> sentAway_{0};
+  std::atomic<bool> letGo_{false};
+};
+
+TEST(WorkList, WakesAReaderForEachDirectory) {
+  for (const int directories : {1, 3, 4}) {
+    WorkList list(0);
+    NodeId start;
+    ASSERT_TRUE(list.pop(&start));
+    const WaitingReaders readers(&list);
+    list.pushAll(std::vector<NodeId>(static_cast<std::size_t>(directories), 5));
+    EXPECT_TRUE(readers.get(directories)) << directories;
+  }
+}
+
+TEST(WorkList, WakesEveryReaderWhenTheLastDirectoryIsDone) {
+  WorkList list(0);
+  NodeId start;
+  ASSERT_TRUE(list.pop(&start));
+  const WaitingReaders readers(&list);
+  list.done();
+  EXPECT_TRUE(readers.allAreSentAway());
+}
+
+TEST(WorkList, WakesEveryReaderWhenItIsClosed) {
+  WorkList list(0);
+  NodeId start;
+  ASSERT_TRUE(list.pop(&start));
+  const WaitingReaders readers(&list);
+  list.close();
+  EXPECT_TRUE(readers.allAreSentAway());
 }
 
 TEST(ResultQueue, IsFirstInFirstOutAcrossItsErasures) {
@@ -182,6 +269,30 @@ TEST(WalkControl, ClosesTheRunningList) {
   control.cancel();
   EXPECT_TRUE(list.closedFlag());
   control.end();
+}
+
+TEST(WalkControl, KeepsTheListUntilACancelHasLetGoOfIt) {
+  WalkControl control;
+  WorkList list(0);
+  control.begin(&list);
+  std::atomic<pid_t> ending{0};
+  std::atomic<bool> ended{false};
+  {
+    test::HeldWakeUps held;  // the cancel stays inside the list
+    std::thread cancelling([&] { control.cancel(); });
+    EXPECT_TRUE(held.waitUntilReached());
+    std::thread end([&] {
+      ending = gettid();
+      control.end();
+      ended = true;
+    });
+    EXPECT_TRUE(test::eventually([&] { return ended || (ending != 0 && test::waits(ending)); }));
+    EXPECT_FALSE(ended);
+    held.release();
+    cancelling.join();
+    end.join();
+  }
+  EXPECT_TRUE(ended);
 }
 
 TEST(WalkControl, ForgetsACancelThatCameAfterTheWalk) {

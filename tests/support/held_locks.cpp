@@ -5,6 +5,8 @@
 
 #include <atomic>
 
+#include "tests/support/eventually.h"
+
 namespace {
 std::atomic<bool> counting = false;
 std::atomic<int> mostHeld = 0;
@@ -35,7 +37,32 @@ extern "C" int pthread_mutex_unlock(pthread_mutex_t* mutex) noexcept {
 }
 #endif
 
+namespace {
+enum class WakeUp { NotHeld, ToBeHeld, Held };
+std::atomic<WakeUp> wakeUp = WakeUp::NotHeld;
+}  // namespace
+
+extern "C" int pthread_cond_broadcast(pthread_cond_t* condition) noexcept {
+  static const auto broadcast = reinterpret_cast<decltype(&pthread_cond_broadcast)>(
+      dlsym(RTLD_NEXT, "pthread_cond_broadcast"));
+  WakeUp expected = WakeUp::ToBeHeld;
+  if (wakeUp.compare_exchange_strong(expected, WakeUp::Held)) wakeUp.wait(WakeUp::Held);
+  return broadcast(condition);
+}
+
 namespace test {
+
+HeldWakeUps::HeldWakeUps() { wakeUp = WakeUp::ToBeHeld; }
+HeldWakeUps::~HeldWakeUps() { release(); }
+
+bool HeldWakeUps::waitUntilReached() const {
+  return eventually([] { return wakeUp == WakeUp::Held; });
+}
+
+void HeldWakeUps::release() {
+  wakeUp = WakeUp::NotHeld;
+  wakeUp.notify_all();
+}
 
 HeldLocks::HeldLocks() {
   mostHeld = 0;

@@ -22,4 +22,19 @@ class HeldLocks {
   int most() const;
 };
 
+/// Holds up the first thread that wakes all who wait for a condition variable, at that, for the
+/// scope.
+class HeldWakeUps {
+ public:
+  HeldWakeUps();
+  /// Releases.
+  ~HeldWakeUps();
+  HeldWakeUps(const HeldWakeUps&) = delete;
+  HeldWakeUps& operator=(const HeldWakeUps&) = delete;
+
+  /// Returns once a thread is held up; false when none came for twenty seconds.
+  bool waitUntilReached() const;
+  void release();
+};
+
 }  // namespace test

@@ -11,6 +11,7 @@ namespace {
 
 constexpr int kPlenty = -1;
 std::atomic<int> threadsLeft = kPlenty;
+std::atomic<int> threadsStarted = 0;
 std::atomic<bool> firstFails = false;
 std::atomic<int> pagesLeft = kPlenty;
 
@@ -29,6 +30,7 @@ extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attribute
   static const auto create =
       reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
   if (firstFails.exchange(false)) return EAGAIN;
+  ++threadsStarted;
   return take(threadsLeft) ? create(thread, attributes, start, argument) : EAGAIN;
 }
 
@@ -44,6 +46,8 @@ extern "C" void* mmap(void* address, size_t length, int protection, int flags, i
 
 namespace test {
 
+ThreadStarts::ThreadStarts() : before_(threadsStarted) {}
+int ThreadStarts::count() const { return threadsStarted - before_; }
 FewThreads::FewThreads(int left) { threadsLeft = left; }
 FewThreads::~FewThreads() { threadsLeft = kPlenty; }
 FirstThreadFails::FirstThreadFails() { firstFails = true; }

@@ -14,6 +14,16 @@ class FewThreads {
   FewThreads& operator=(const FewThreads&) = delete;
 };
 
+/// Counts the threads that this process starts, for the scope.
+class ThreadStarts {
+ public:
+  ThreadStarts();
+  int count() const;
+
+ private:
+  const int before_;
+};
+
 /// Keeps the next thread that this process starts from being started, and no other.
 class FirstThreadFails {
  public:

@@ -11,6 +11,7 @@
 #include <memory>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include "base/detached_threads.h"
 #include "sizewalk/scan_history.h"
@@ -91,6 +92,29 @@ TEST_F(Controller, RunsAScanToItsEndAndSumsItUp) {
   EXPECT_GT(summary.integratorElapsedSeconds, 0.0);
   EXPECT_EQ(controller_.scanner()->tree().apparentSize(sizewalk::kRootNode), 1500u);
   EXPECT_GE(progressReports_, 1);
+}
+
+TEST_F(Controller, SumsUpWhereTheTimeWent) {
+  test::makeBushyTree(dir_.path(), 1, 30, 5);
+  scan(dir_.path());
+  const ScanSummary& summary = controller_.summary();
+  const sizewalk::WalkStatistics times = controller_.scanner()->statistics();
+  const std::pair<double, std::uint64_t> pairs[] = {
+      {summary.pathSeconds, times.pathNs},
+      {summary.openSeconds, times.openNs},
+      {summary.listSeconds, times.listNs},
+      {summary.handOverSeconds, times.handOverNs},
+      {summary.waitSeconds, times.idleNs},
+      {summary.integratorBusySeconds, times.integratorBusyNs},
+      {summary.integratorElapsedSeconds, times.integratorElapsedNs}};
+  for (const auto& [seconds, ns] : pairs) {
+    EXPECT_GT(ns, 0U);
+    EXPECT_DOUBLE_EQ(seconds, static_cast<double>(ns) * 1e-9);
+  }
+  EXPECT_EQ(summary.queueWaits, times.queueWaits);
+  EXPECT_EQ(summary.queueCounter, times.emptyQueueWaits);
+  // What the walk took, and the way there.
+  EXPECT_GE(summary.elapsedSeconds, summary.integratorElapsedSeconds);
 }
 
 TEST(ControllersThreads, GiveWayToTheThreadOfTheWindow) {
