@@ -265,9 +265,9 @@ void ScanScreen::comeBack() {
 
 void ScanScreen::updateExtraBlocks() {
   const bool shown = tree_ && tree_->nodeCount() > 0 && focus_.current() == kRootNode;
-  picture_.setExtraBlocks(shown ? extraBlocksFor(volume_, measureValue(*tree_, kRootNode, measure_),
-                                                 settings_.extraBlocks)
-                                : std::vector<ExtraBlock>{});
+  picture_.setExtraBlocks(
+      shown ? extraBlocksFor(volume_, tree_->allocatedSize(kRootNode), settings_.extraBlocks)
+            : std::vector<ExtraBlock>{});
 }
 
 void ScanScreen::focusChanged() {

@@ -12,16 +12,17 @@ constexpr std::uint32_t kOtherSpaceColour = 0x4A4458;
 }  // namespace
 
 std::vector<ExtraBlock> extraBlocksFor(const std::optional<VolumeSpace>& volume,
-                                       std::int64_t rootSize, const ExtraBlockSettings& settings) {
+                                       std::uint64_t bytesOnDisk,
+                                       const ExtraBlockSettings& settings) {
   std::vector<ExtraBlock> blocks;
   if (!volume) return blocks;
   if (settings.freeSpace) {
     blocks.push_back(
         {kFreeSpaceBlock, "Free space", signedSize(volume->freeBytes), kFreeSpaceColour});
   }
-  const std::int64_t used = signedSize(volume->usedBytes);
-  if (settings.otherSpace && rootSize >= 0 && used > rootSize) {
-    blocks.push_back({kOtherSpaceBlock, "Other space in use", used - rootSize, kOtherSpaceColour});
+  if (settings.otherSpace && volume->usedBytes > bytesOnDisk) {
+    blocks.push_back({kOtherSpaceBlock, "Other space in use",
+                      signedSize(volume->usedBytes - bytesOnDisk), kOtherSpaceColour});
   }
   return blocks;
 }

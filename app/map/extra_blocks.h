@@ -24,10 +24,10 @@ struct ExtraBlockSettings {
 };
 
 /// The blocks that the map shows beside the scanned folder: the volume's free space, then what
-/// others than the folder take of it, unless that is nothing. `rootSize` is the scanned folder's
-/// value under the measure shown; below 0, where its sum is past the signed range, nothing is left
-/// for others. Empty without figures.
+/// others than the folder take of it, unless that is nothing. `bytesOnDisk` is what the scanned
+/// folder takes of the volume, whatever measure is shown. Empty without figures.
 std::vector<ExtraBlock> extraBlocksFor(const std::optional<VolumeSpace>& volume,
-                                       std::int64_t rootSize, const ExtraBlockSettings& settings);
+                                       std::uint64_t bytesOnDisk,
+                                       const ExtraBlockSettings& settings);
 
 }  // namespace app

@@ -231,6 +231,23 @@ TEST_F(ScanScreenTest, ShowsHowFarTheScanOfAWholeDiskIs) {
   EXPECT_EQ(length(), 0);
 }
 
+TEST_F(ScanScreenTest, LeavesWhatTheFolderTakesOnDiskOutOfTheOtherSpaceUnderEveryMeasure) {
+  add(*tree_, Listing(empty_).file("old.txt", 5'000, 80'000, 1).file("new.txt", 7, 20'000, 3000));
+  set({.extraBlocks = {.otherSpace = true}});
+  screen_.setVolumeSpace(VolumeSpace{900'000, 100'000});
+  const auto onDisk = static_cast<std::int64_t>(tree_->allocatedSize(kRootNode));
+  ASSERT_GE(onDisk, 100'000);
+  for (const int measure : {0, 1, 2, 3}) {
+    for (const bool physical : {false, true}) {
+      screen_.setMeasure({static_cast<Measure>(measure), physical});
+      screen_.prepare();
+      ASSERT_TRUE(map().extraColours.contains(kOtherSpaceBlock)) << measure;
+      EXPECT_EQ(map().extraColours.at(kOtherSpaceBlock).size, 900'000 - onDisk)
+          << "measure " << measure << (physical ? " on disk" : " by length");
+    }
+  }
+}
+
 // A tree that grows.
 
 TEST_F(ScanScreenTest, KeepsTheRowUnderThePointerAndTheSelectedOnesWhereTheyAre) {

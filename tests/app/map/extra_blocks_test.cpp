@@ -34,7 +34,7 @@ TEST(ExtraBlocks, LeaveOutOtherSpaceWhereThereIsNone) {
   EXPECT_EQ(extraBlocksFor(kVolume, 599, kBoth).size(), 2U);
   EXPECT_EQ(extraBlocksFor(kVolume, 600, kBoth), Blocks{kFree});
   EXPECT_EQ(extraBlocksFor(kVolume, 601, kBoth), Blocks{kFree});
-  EXPECT_EQ(extraBlocksFor(kVolume, -1, kBoth), Blocks{kFree});  // the folder's sum is too large
+  EXPECT_EQ(extraBlocksFor(kVolume, 1ULL << 63, kBoth), Blocks{kFree});
 }
 
 TEST(ExtraBlocks, TakeAFullVolumesFreeSpaceAsItIs) {
@@ -45,10 +45,11 @@ TEST(ExtraBlocks, TakeAFullVolumesFreeSpaceAsItIs) {
 
 TEST(ExtraBlocks, KeepFiguresPastTheSignedRangeAtItsEnd) {
   constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
-  const Blocks blocks = extraBlocksFor(VolumeSpace{1ULL << 63, ~0ULL}, 7, kBoth);
+  const Blocks blocks = extraBlocksFor(VolumeSpace{~0ULL, ~0ULL}, 7, kBoth);
   ASSERT_EQ(blocks.size(), 2U);
   EXPECT_EQ(blocks[0].size, kMost);
-  EXPECT_EQ(blocks[1].size, kMost - 7);
+  EXPECT_EQ(blocks[1].size, kMost);
+  EXPECT_EQ(extraBlocksFor(VolumeSpace{~0ULL, 0}, ~0ULL - 9, kBoth).at(1).size, 9);
 }
 
 }  // namespace
