@@ -59,11 +59,16 @@ std::optional<NodeId> TreemapView::hovered() const {
 
 std::optional<ui::Rect> TreemapView::outlineOf(NodeId node) const {
   const MapRect* rect = picture_.rendered().outlineRect(node);
-  if (!rect) return std::nullopt;
-  ui::Rect pixels = pixelRect(*rect);
-  pixels.x += picture_.rect().x;
-  pixels.y += picture_.rect().y;
-  return pixels;
+  return rect ? std::optional(pixelRect(*rect)) : std::nullopt;
+}
+
+ui::Rect TreemapView::inWindow(const ui::Rect& onMap) const {
+  return {onMap.x + picture_.rect().x, onMap.y + picture_.rect().y, onMap.w, onMap.h};
+}
+
+void TreemapView::layOut() {
+  picture_.setRect(rect());
+  findHovered();  // the map may have moved under a pointer at rest
 }
 
 void TreemapView::refresh() {
@@ -213,7 +218,7 @@ bool TreemapView::key(const ui::KeyEvent& event) {
 
 bool TreemapView::moveSelection(int dx, int dy) {
   const auto from = selection_.size() == 1 ? outlineOf(*selection_.nodes().begin()) : std::nullopt;
-  const auto node = from ? nodeBeyond(*from, dx, dy) : firstNode();
+  const auto node = from ? nodeBeyond(inWindow(*from), dx, dy) : firstNode();
   if (node) {
     selection_.select(*node);
     if (onPicked) onPicked(*node);
@@ -234,8 +239,8 @@ std::optional<NodeId> TreemapView::nodeBeyond(const ui::Rect& rect, int dx, int 
 std::optional<NodeId> TreemapView::firstNode() const {
   for (const TreemapBlock& block : picture_.rendered().blocks) {
     // The block may be too small for a pixel of its own.
-    const ui::Rect place = pixelRect(block.rect);
-    const auto node = nodeAt(picture_.rect().x + place.x, picture_.rect().y + place.y);
+    const ui::Rect place = inWindow(pixelRect(block.rect));
+    const auto node = nodeAt(place.x, place.y);
     if (node) return node;
   }
   return std::nullopt;
@@ -248,7 +253,9 @@ void TreemapView::paintSelected(ui::Canvas& canvas) const {
   const auto stroke = [&](int line, ui::Colour colour) {
     for (int i = 0; i < thickness; ++i) {
       const int inwards = line * thickness + i;
-      for (const ui::Rect& outline : selected_) canvas.strokeRect(grown(outline, -inwards), colour);
+      for (const ui::Rect& outline : selected_) {
+        canvas.strokeRect(grown(inWindow(outline), -inwards), colour);
+      }
     }
   };
   stroke(0, kOutlineLight);
@@ -268,9 +275,7 @@ void TreemapView::paint(ui::Canvas& canvas) const {
   picture_.paint(canvas);
   paintSelected(canvas);
   if (hoveredBlock_) {
-    ui::Rect outline = pixelRect(hoveredBlock_->rect);
-    outline.x += place.x;
-    outline.y += place.y;
+    const ui::Rect outline = inWindow(pixelRect(hoveredBlock_->rect));
     for (int i = 0; i < lineWidth(); ++i) {
       canvas.strokeRect(grown(outline, i + 1), kOutlineDark);
       canvas.strokeRect(grown(outline, -i), kOutlineLight);

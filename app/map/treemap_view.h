@@ -58,14 +58,16 @@ class TreemapView : public ui::View {
   std::optional<sizewalk::NodeId> hovered() const;
 
  protected:
-  void layOut() override { picture_.setRect(rect()); }
+  void layOut() override;
 
  private:
   /// Null, too, where the block's item is not visible any more; of merged items the first speaks
   /// for all.
   const TreemapBlock* blockAt(int x, int y) const;
   std::optional<sizewalk::NodeId> nodeAt(int x, int y) const;
+  /// On the map, wherever that is in the window.
   std::optional<ui::Rect> outlineOf(sizewalk::NodeId node) const;
+  ui::Rect inWindow(const ui::Rect& onMap) const;
   void findHovered();
   void pick(const ui::MouseEvent& event);
   void goTowards(const ui::MouseEvent& event);
@@ -105,6 +107,7 @@ class TreemapView : public ui::View {
   ui::Rect cardBounds_;
   std::optional<Pointer> pointer_;
   std::optional<TreemapBlock> hoveredBlock_;
+  /// The outlines of what is selected, on the map.
   std::vector<ui::Rect> selected_;
   std::optional<Press> lastPress_;
 };

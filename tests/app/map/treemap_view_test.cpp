@@ -167,6 +167,31 @@ TEST_F(TreemapViewTest, OutlinesSelectedItemsInOneAnotherWithoutCuttingALine) {
   EXPECT_GT(crossings, 0);
 }
 
+TEST_F(TreemapViewTest, TakesTheOutlinesAlongWhenTheMapMoves) {
+  select({c_, deep_});
+  const auto before = painted();
+  const ui::Rect next = {kPlace.x + 30, kPlace.y + 40, kPlace.w, kPlace.h};
+  view_.setRect(next);
+  ASSERT_FALSE(picture_.update()) << "there is no other picture to be refreshed for";
+  const auto after = onGround([&](ui::Canvas& canvas) { view_.paint(canvas); });
+  EXPECT_EQ(after.part(next.x, next.y, next.w, next.h),
+            before.part(kPlace.x, kPlace.y, kPlace.w, kPlace.h));
+}
+
+TEST_F(TreemapViewTest, OutlinesWhatIsUnderAPointerAtRestWhenTheMapMoves) {
+  point(placeOf(c_));
+  const auto before = view_.hovered();
+  ASSERT_EQ(before, c_);
+  ui::Rect next = kPlace;
+  next.x += placeOf(c_).x + placeOf(c_).w / 2 - placeOf(deep_).x - placeOf(deep_).w / 2;
+  next.y += placeOf(c_).y + placeOf(c_).h / 2 - placeOf(deep_).y - placeOf(deep_).h / 2;
+  view_.setRect(next);
+  ASSERT_EQ(view_.hovered(), deep_);
+  const auto atRest = onGround([&](ui::Canvas& canvas) { view_.paint(canvas); });
+  view_.refresh();
+  EXPECT_EQ(onGround([&](ui::Canvas& canvas) { view_.paint(canvas); }).pixels, atRest.pixels);
+}
+
 TEST_F(TreemapViewTest, HasARingWhileKeysComeHere) {
   const auto plain = painted();
   view_.setFocused(true);
