@@ -21,30 +21,19 @@ std::string sizeText(std::uint64_t bytes) { return formatSize(signedSize(bytes))
 constexpr std::array<const char*, 4> kMeasureHeadings = {
     "Current Size", "Added in Last Month", "Added in Last 6 Months", "Added Since Last Scan"};
 
-/// Of what is merged into the rest block of a folder: all in it that has no block of its own.
-std::int64_t sizeWithoutBlocks(const RenderedTreemap& map, const FileTree& tree, NodeId folder,
-                               const MeasureSettings& measure) {
-  const sizewalk::NodeRange children = tree.children(folder);
-  std::int64_t size = 0;
-  for (NodeId child = children.first; child < children.last; ++child) {
-    const std::int64_t value = measureValue(tree, child, measure);
-    if (value > 0 && !map.outlineRect(child)) size = sumOfSizes(size, value);
-  }
-  return size;
-}
-
 class CardBuilder {
  public:
   CardBuilder(const RenderedTreemap& map, const FileTree& tree, const MeasureSettings& measure)
       : map_(map), tree_(tree), measure_(measure) {}
 
+  /// From the map alone: the tree may have grown since, and looking at a million children takes
+  /// longer than a frame.
   MapCard ofRest(const TreemapBlock& block) {
-    const NodeId folder = tree_.parent(static_cast<NodeId>(block.id));
     card_.title = formatCount(block.restCount) + " smaller items";
-    addFolder(folder);
-    const std::int64_t size = sizeWithoutBlocks(map_, tree_, folder, measure_);
+    addFolder(tree_.parent(static_cast<NodeId>(block.id)));
+    const std::int64_t size = map_.restSize(block);
     add("Size", formatSize(size));
-    addShare(size);
+    addShare(size, map_.rootSize);
     return card_;
   }
 
@@ -52,7 +41,7 @@ class CardBuilder {
     card_.title = displayName(tree_.name(node));
     if (node != sizewalk::kRootNode) addFolder(tree_.parent(node));
     addSizes(node);
-    addShare(measureValue(tree_, node, measure_));
+    addShare(measureValue(tree_, node, measure_), measureValue(tree_, map_.root, measure_));
     add("Kind", kindRowName(tree_.kind(node)));
     if (tree_.flags(node).has(sizewalk::NodeFlag::Unreadable)) add("Note", "Cannot be read");
     if (const std::uint32_t time = tree_.birthTime(node)) add("Added", dateText(time));
@@ -78,8 +67,7 @@ class CardBuilder {
         formatSize(measureValue(tree_, node, measure_)));
   }
 
-  void addShare(std::int64_t size) {
-    const std::int64_t whole = measureValue(tree_, map_.root, measure_);
+  void addShare(std::int64_t size, std::int64_t whole) {
     add("Share", shareText(size, whole) + " of " + displayName(tree_.name(map_.root)));
   }
 

@@ -27,8 +27,9 @@ struct MapCard {
   friend bool operator==(const MapCard&, const MapCard&) = default;
 };
 
-/// The card of a painted block of `map`, a picture of `tree` under `measure`. Times are told in the
-/// local time zone. Window thread.
+/// The card of a painted block of `map`, a picture of `tree` under `measure`: an item as it is by
+/// now, merged ones as they were when the picture was made. Times are told in the local time zone.
+/// Window thread.
 MapCard mapCard(const RenderedTreemap& map, const TreemapBlock& block,
                 const sizewalk::FileTree& tree, const MeasureSettings& measure);
 

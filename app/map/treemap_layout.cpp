@@ -115,11 +115,19 @@ void squarifyPresorted(std::span<const WeightedItem> items, const MapRect& rect,
   }
 }
 
+/// A sum of weights, which is exact below 2^53.
+std::int64_t bytesOf(double weight) {
+  constexpr double kPastTheRange = 9223372036854775808.0;
+  return weight < kPastTheRange ? static_cast<std::int64_t>(weight)
+                                : std::numeric_limits<std::int64_t>::max();
+}
+
 class Layouter {
  public:
   Layouter(const FileTree& tree, const MeasureSettings& measure,
-           std::span<const ExtraBlock> extraBlocks, std::vector<TreemapBlock>* out)
-      : tree_(tree), measure_(measure), extraBlocks_(extraBlocks), out_(*out) {}
+           std::span<const ExtraBlock> extraBlocks, std::vector<TreemapBlock>* out,
+           std::vector<RestSum>* rests)
+      : tree_(tree), measure_(measure), extraBlocks_(extraBlocks), out_(*out), rests_(rests) {}
 
   /// `cushion` and `height` as `layoutTreemap` takes them.
   void layOut(NodeId node, const MapRect& rect, std::int32_t depth, CushionCoefficients cushion,
@@ -137,6 +145,7 @@ class Layouter {
       ++count;
       weight += entry.weight;
     }
+    RestSum sum() const { return {id, bytesOf(weight)}; }
   };
 
   void collect(NodeRange children, bool withExtraBlocks);
@@ -148,6 +157,7 @@ class Layouter {
   const MeasureSettings& measure_;
   const std::span<const ExtraBlock> extraBlocks_;
   std::vector<TreemapBlock>& out_;
+  std::vector<RestSum>* const rests_;
 
   // In use within one folder only.
   std::vector<WeightedItem> entries_;
@@ -250,6 +260,7 @@ void Layouter::place(const PlacedItem& item, const Rest& rest, const TreemapBloc
     block.id = rest.id;
     block.restCount = rest.count;
     block.reason = BlockReason::rest;
+    if (rests_) rests_->push_back(rest.sum());
   }
 }
 
@@ -277,8 +288,8 @@ void squarify(std::span<const WeightedItem> items, const MapRect& rect, Presorte
 void layoutTreemap(const FileTree& tree, NodeId node, const MapRect& rect, std::int32_t depth,
                    const MeasureSettings& measure, std::span<const ExtraBlock> extraBlocks,
                    const CushionCoefficients& cushion, double height,
-                   std::vector<TreemapBlock>* out) {
-  Layouter(tree, measure, extraBlocks, out).layOut(node, rect, depth, cushion, height);
+                   std::vector<TreemapBlock>* out, std::vector<RestSum>* rests) {
+  Layouter(tree, measure, extraBlocks, out, rests).layOut(node, rect, depth, cushion, height);
 }
 
 }  // namespace app

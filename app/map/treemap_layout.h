@@ -82,6 +82,14 @@ struct TreemapBlock {
   friend bool operator==(const TreemapBlock&, const TreemapBlock&) = default;
 };
 
+/// What the entries merged into one rest block add up to.
+struct RestSum {
+  /// The rest block's id, which no other rest block has.
+  std::int32_t id = 0;
+  /// Bytes under the measure; of an even larger sum the most there is.
+  std::int64_t size = 0;
+};
+
 /// A folder at this depth is drawn as one block.
 inline constexpr std::int32_t kDepthLimit = 64;
 /// Height of the cushions' ridges at the focused folder, and what is left of it one level further
@@ -100,12 +108,15 @@ inline constexpr std::int32_t kRestMarker = std::numeric_limits<std::int32_t>::m
 /// blocks and has no ridge of its own. `cushion` are the coefficients of the folder around it,
 /// `height` the ridge height at this level. `node` must be published.
 ///
+/// Where `rests` is given, the sum of each rest block is appended to it, in the blocks' order.
+///
 /// The tree may grow while this runs: each folder's children are read once and laid out from what
 /// was read, so every folder is consistent in itself. Any thread.
 void layoutTreemap(const sizewalk::FileTree& tree, sizewalk::NodeId node, const MapRect& rect,
                    std::int32_t depth, const MeasureSettings& measure,
                    std::span<const ExtraBlock> extraBlocks, const CushionCoefficients& cushion,
-                   double height, std::vector<TreemapBlock>* out);
+                   double height, std::vector<TreemapBlock>* out,
+                   std::vector<RestSum>* rests = nullptr);
 
 /// An item for `squarify`; weights are greater than 0.
 struct WeightedItem {

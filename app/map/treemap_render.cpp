@@ -133,7 +133,9 @@ RenderedTreemap renderTreemap(const FileTree& tree, NodeId root, std::int32_t wi
   map.width = width;
   map.height = height;
   map.root = root;
+  map.rootSize = 0;
   map.blocks.clear();
+  map.rests.clear();
   map.colours.clear();
   map.kinds.clear();
   map.extraColours.clear();
@@ -143,8 +145,9 @@ RenderedTreemap renderTreemap(const FileTree& tree, NodeId root, std::int32_t wi
   map.pixels.resize(pixels);
   map.blockAt.resize(pixels);
   if (!nothingToShow) {
+    map.rootSize = measureValue(tree, root, measure);
     layoutTreemap(tree, root, {0, 0, static_cast<double>(width), static_cast<double>(height)}, 0,
-                  measure, extraBlocks, {}, kRidgeHeight, &map.blocks);
+                  measure, extraBlocks, {}, kRidgeHeight, &map.blocks, &map.rests);
     for (const ExtraBlock& extra : extraBlocks) map.extraColours.insert_or_assign(extra.id, extra);
     std::vector<RunRows> rows;
     BlockPainter(tree, measure, colours, map.extraColours).chooseColours(&map, &rows);
@@ -166,6 +169,11 @@ const TreemapBlock* RenderedTreemap::blockUnder(std::int32_t x, std::int32_t y) 
 const MapRect* RenderedTreemap::outlineRect(NodeId node) const {
   const std::optional<std::uint32_t> block = outlineRects.blockOf(node);
   return block ? &blocks[*block].rect : nullptr;
+}
+
+std::int64_t RenderedTreemap::restSize(const TreemapBlock& block) const {
+  const auto rest = std::ranges::find(rests, block.id, &RestSum::id);
+  return rest == rests.end() ? 0 : rest->size;
 }
 
 }  // namespace app

@@ -20,10 +20,13 @@ struct RenderedTreemap {
   /// Pixels.
   std::int32_t width = 0;
   std::int32_t height = 0;
-  /// The focused folder.
+  /// The focused folder, and its size under the measure when the map was made.
   sizewalk::NodeId root = 0;
+  std::int64_t rootSize = 0;
   /// In layout order. Empty when there is nothing to show; the view then shows the background.
   std::vector<TreemapBlock> blocks;
+  /// One for each rest block, in layout order.
+  std::vector<RestSum> rests;
   /// The colour of each block, 0xRRGGBB before shading (the top byte means nothing); 0 where it is
   /// not painted.
   std::vector<std::uint32_t> colours;
@@ -44,6 +47,8 @@ struct RenderedTreemap {
   /// The rectangle that stands for a node, that of a folder around its contents; null when the map
   /// does not show the node by itself.
   const MapRect* outlineRect(sizewalk::NodeId node) const;
+  /// What was merged into the rest block `block` adds up to, in bytes. Looks at all of them.
+  std::int64_t restSize(const TreemapBlock& block) const;
 };
 
 /// Lays out and shades `root` at width × height pixels. A size below 1 or a root that is not

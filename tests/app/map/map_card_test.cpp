@@ -6,6 +6,7 @@
 #include <ctime>
 #include <memory>
 #include <stdexcept>
+#include <utility>
 
 #include "app/model/format.h"
 #include "tests/app/map/map_tree.h"
@@ -49,10 +50,15 @@ class MapCardTest : public ::testing::Test {
  protected:
   MapCardTest() { tree_.createRoot("/map"); }
 
+  RenderedTreemap draw() const {
+    return renderTreemap(tree_, focus_, 200, 100, KindColours(true), extraBlocks_, measure_);
+  }
   template <typename Condition>
   MapCard cardOf(const Condition& condition) const {
-    const auto map =
-        renderTreemap(tree_, focus_, 200, 100, KindColours(true), extraBlocks_, measure_);
+    return cardOn(draw(), condition);
+  }
+  template <typename Condition>
+  MapCard cardOn(const RenderedTreemap& map, const Condition& condition) const {
     const auto block = std::ranges::find_if(map.blocks, condition);
     if (block == map.blocks.end()) throw std::runtime_error("the block is not on the map");
     return mapCard(map, *block, tree_, measure_);
@@ -63,9 +69,8 @@ class MapCardTest : public ::testing::Test {
     });
   }
   MapCard cardOfFirst() const { return cardOfNode(tree_.firstChild(focus_)); }
-  MapCard cardOfRest() const {
-    return cardOf([](const TreemapBlock& block) { return block.restCount > 0; });
-  }
+  static bool isRest(const TreemapBlock& block) { return block.restCount > 0; }
+  MapCard cardOfRest() const { return cardOf(isRest); }
 
   const LocalTime localTime_;
   FileTree tree_{test::mapTreeOptions()};
@@ -161,6 +166,40 @@ TEST_F(MapCardTest, TellsThousandsOfMergedItemsWithAComma) {
   for (int i = 0; i < 1234; ++i) listing.file("small", 30, 30);
   add(tree_, listing.file("large", 1'000'000, 1'000'000));
   EXPECT_EQ(cardOfRest().title, "1,234 smaller items");
+}
+
+/// Count, size and share belong together; those of the tree would be another moment's.
+TEST_F(MapCardTest, TellsOfMergedItemsAsTheyWereWhenTheMapWasMade) {
+  Listing listing(0);
+  for (int i = 0; i < 10; ++i) listing.file("small", 20, 20);
+  listing.file("large", 999'700, 999'700).folder("early").folder("late");
+  const auto folders = add(tree_, listing);
+  add(tree_, Listing(folders[0]).file("inside", 30, 30));
+  const RenderedTreemap map = draw();
+  const MapCard before = cardOn(map, isRest);
+  ASSERT_EQ(before.title, "11 smaller items");
+  ASSERT_EQ(before.facts[1].text, "230 B");
+  ASSERT_EQ(before.facts[2].text, "less than 0.1 % of map");
+  add(tree_, Listing(folders[1]).file("inside", 40'000, 40'000));
+  tree_.removeSubtree(folders[0]);
+  EXPECT_EQ(cardOn(map, isRest), before);
+  EXPECT_NE(cardOn(draw(), isRest), before);
+}
+
+TEST_F(MapCardTest, TellsOfEachFoldersMergedItems) {
+  const auto dirs = add(tree_, Listing(0).folder("a").folder("b").file("big", 200'000, 200'000));
+  for (const NodeId dir : dirs) {
+    Listing listing(dir);
+    for (int i = 0; i < (dir == dirs[0] ? 100 : 300); ++i) listing.file("small", 30, 30);
+    add(tree_, listing.file("large", 300'000, 300'000));
+  }
+  const RenderedTreemap map = draw();
+  for (const auto& [dir, size] : {std::pair{dirs[0], "3.00 kB"}, std::pair{dirs[1], "9.00 kB"}}) {
+    const MapCard card = cardOn(map, [&, dir = dir](const TreemapBlock& block) {
+      return isRest(block) && tree_.parent(static_cast<NodeId>(block.id)) == dir;
+    });
+    EXPECT_EQ(card.facts[1].text, size);
+  }
 }
 
 TEST_F(MapCardTest, TellsLabelAndSizeOfWhatIsBesideTheTree) {
