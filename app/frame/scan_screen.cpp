@@ -25,10 +25,11 @@ ScanScreen::ScanScreen(ui::Connection& connection, const ui::Style& style, KindC
     : Screen(style),
       style_(style),
       colours_(colours),
+      nextColours_(colours),
       toolbar_(style),
       list_(style, &colours, selection_),
       kinds_(style, &colours),
-      picture_(connection, colours, std::move(post)),
+      picture_(connection, nextColours_, std::move(post)),
       map_(style, picture_, focus_, selection_),
       mainDivider_(style),
       kindsDivider_(style),
@@ -140,6 +141,7 @@ void ScanScreen::rememberPlace() {
 }
 
 void ScanScreen::setMeasure(const MeasureSettings& measure) {
+  if (measure_ == measure) return;
   measure_ = measure;
   list_.setMeasure(measure);
   picture_.setMeasure(measure);
@@ -147,15 +149,19 @@ void ScanScreen::setMeasure(const MeasureSettings& measure) {
 }
 
 void ScanScreen::setSettings(const ScanScreenSettings& settings) {
+  // Of the settings these and the colours are seen in the map's picture, but for its size.
+  const bool otherBlocks = settings.extraBlocks != settings_.extraBlocks;
   settings_ = settings;
-  colours_.setConsistent(settings.consistentKindColours);
-  picture_.markDirty();
+  if (otherBlocks && updateExtraBlocks()) picture_.markDirty();
+  if (nextColours_.consistent() != settings.consistentKindColours) {
+    nextColours_.setConsistent(settings.consistentKindColours);
+    picture_.markDirty();
+  }
   if (!settings.showKinds) {
     kinds_.clearSelection();
     if (keyboardOwner() == &kinds_) giveKeyboardTo(&list_);
   }
   layOutAgain();
-  treeChanged();
 }
 
 void ScanScreen::setScanStatus(const ScanStatus& status) {
@@ -166,7 +172,7 @@ void ScanScreen::setScanStatus(const ScanStatus& status) {
 
 void ScanScreen::setVolumeSpace(const std::optional<VolumeSpace>& space) {
   volume_ = space;
-  treeChanged();
+  if (updateExtraBlocks()) changed();
 }
 
 void ScanScreen::setPending(std::vector<PendingRow> rows) {
@@ -224,6 +230,7 @@ bool ScanScreen::bringUpToDate() {
   const bool looked = std::exchange(treeDirty_, false);
   if (looked) lookAtTree();
   const bool drawn = picture_.update();
+  if (looked || drawn) colours_ = picture_.shownColours();
   const bool selected = std::exchange(selectionDirty_, false);
   if (selected || looked || drawn) map_.refresh();
   if (selected || looked) addUpSelection();
@@ -244,7 +251,7 @@ void ScanScreen::lookAtTree() {
     list_.endReturn();
   }
   std::vector<KindRow> kinds = kindRows(*tree_, measure_, {});
-  colours_.setKindSlots(kindSlotsBySize(kinds));
+  nextColours_.setKindSlots(kindSlotsBySize(kinds));
   kinds_.setRows(std::move(kinds));
   updateExtraBlocks();
   picture_.markOutdated();
@@ -263,9 +270,9 @@ void ScanScreen::comeBack() {
   list_.returnTo(place_.takeList());
 }
 
-void ScanScreen::updateExtraBlocks() {
+bool ScanScreen::updateExtraBlocks() {
   const bool shown = tree_ && tree_->nodeCount() > 0 && focus_.current() == kRootNode;
-  picture_.setExtraBlocks(
+  return picture_.setExtraBlocks(
       shown ? extraBlocksFor(volume_, tree_->allocatedSize(kRootNode), settings_.extraBlocks)
             : std::vector<ExtraBlock>{});
 }

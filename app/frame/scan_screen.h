@@ -62,7 +62,9 @@ class ScanScreen : public Screen {
   std::function<void()> onUndeleteAll;
   std::function<void()> onDeleteNow;
 
-  /// All outlive the view. Without `post` the map is never drawn in the background.
+  /// All outlive the view. `colours` are those of the last frame: they become those of the next
+  /// picture of the map when that is shown, so that no part is ahead of another. Without `post` the
+  /// map is never drawn in the background.
   ScanScreen(ui::Connection& connection, const ui::Style& style, KindColours& colours,
              BackgroundRender::Post post = {});
 
@@ -136,7 +138,8 @@ class ScanScreen : public Screen {
   void lookAtTree();
   void comeBack();
   void focusChanged();
-  void updateExtraBlocks();
+  /// True when there are others.
+  bool updateExtraBlocks();
   void updateToolbar();
   void updateStatus();
   void addUpSelection();
@@ -145,7 +148,10 @@ class ScanScreen : public Screen {
   void activate(sizewalk::NodeId node);
 
   const ui::Style& style_;
+  /// Of what is seen: the rows and the map.
   KindColours& colours_;
+  /// Those that the next picture of the map takes, by the ranks of the tree as it is known.
+  KindColours nextColours_;
   /// Above the views, which look at it for as long as they show it.
   std::shared_ptr<const sizewalk::FileTree> tree_;
   MeasureSettings measure_;

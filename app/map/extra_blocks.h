@@ -21,6 +21,7 @@ struct VolumeSpace {
 struct ExtraBlockSettings {
   bool freeSpace = setting::kShowFreeSpace.fallback;
   bool otherSpace = setting::kShowOtherSpace.fallback;
+  friend bool operator==(const ExtraBlockSettings&, const ExtraBlockSettings&) = default;
 };
 
 /// The blocks that the map shows beside the scanned folder: the volume's free space, then what

@@ -40,10 +40,11 @@ void TreemapPicture::setMeasure(const MeasureSettings& measure) {
   dirty_ = true;
 }
 
-void TreemapPicture::setExtraBlocks(std::vector<ExtraBlock> blocks) {
-  if (extraBlocks_ == blocks) return;
+bool TreemapPicture::setExtraBlocks(std::vector<ExtraBlock> blocks) {
+  if (extraBlocks_ == blocks) return false;
   extraBlocks_ = std::move(blocks);
   outdated_ = true;
+  return true;
 }
 
 void TreemapPicture::setHighlight(std::optional<sizewalk::KindIndex> kind) {
@@ -54,6 +55,10 @@ void TreemapPicture::setHighlight(std::optional<sizewalk::KindIndex> kind) {
 
 bool TreemapPicture::fits() const {
   return rendered_.width == rect_.w && rendered_.height == rect_.h;
+}
+
+const KindColours& TreemapPicture::shownColours() const {
+  return !rect_.empty() && fits() ? rendered_.kindColours : colours_;
 }
 
 bool TreemapPicture::behind() const {

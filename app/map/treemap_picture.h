@@ -28,7 +28,9 @@ class TreemapPicture {
   /// A picture was made in the background: the next `update` shows it.
   std::function<void()> onRendered;
 
-  /// Both outlive the picture. Without `post` nothing is made in the background.
+  /// Both outlive the picture. Each picture takes `colours` as they are when it is begun; that they
+  /// have changed does not by itself make a new one due. Without `post` nothing is made in the
+  /// background.
   TreemapPicture(ui::Connection& connection, const KindColours& colours,
                  BackgroundRender::Post post = {});
 
@@ -36,8 +38,8 @@ class TreemapPicture {
   /// picture of that tree stays; that of another one goes at once.
   void show(std::shared_ptr<const sizewalk::FileTree> tree, sizewalk::NodeId focus);
   void setMeasure(const MeasureSettings& measure);
-  /// Takes part in every picture from now on, whatever is in focus.
-  void setExtraBlocks(std::vector<ExtraBlock> blocks);
+  /// Takes part in every picture from now on, whatever is in focus. True when that is a change.
+  bool setExtraBlocks(std::vector<ExtraBlock> blocks);
   /// Dims every block but those of `kind`; none when there is none.
   void setHighlight(std::optional<sizewalk::KindIndex> kind);
   /// Something else is to be seen: the next `update` makes a new picture.
@@ -65,6 +67,9 @@ class TreemapPicture {
   const sizewalk::FileTree* tree() const { return tree_.get(); }
   const MeasureSettings& measure() const { return measure_; }
   const RenderedTreemap& rendered() const { return rendered_; }
+  /// The colours of the picture that is seen, for all that is seen beside it; while there is none,
+  /// those of the next one.
+  const KindColours& shownColours() const;
 
  private:
   bool fits() const;

@@ -134,6 +134,7 @@ RenderedTreemap renderTreemap(const FileTree& tree, NodeId root, std::int32_t wi
   map.height = height;
   map.root = root;
   map.rootSize = 0;
+  map.kindColours = colours;
   map.blocks.clear();
   map.rests.clear();
   map.colours.clear();

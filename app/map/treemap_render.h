@@ -9,6 +9,7 @@
 #include "app/map/treemap_layout.h"
 #include "app/model/kind_colours.h"
 #include "app/model/measure.h"
+#include "app/model/settings.h"
 #include "sizewalk/file_kinds.h"
 #include "sizewalk/file_tree.h"
 
@@ -23,6 +24,8 @@ struct RenderedTreemap {
   /// The focused folder, and its size under the measure when the map was made.
   sizewalk::NodeId root = 0;
   std::int64_t rootSize = 0;
+  /// The colours of the kinds that it was drawn with.
+  KindColours kindColours{setting::kConsistentKindColours.fallback};
   /// In layout order. Empty when there is nothing to show; the view then shows the background.
   std::vector<TreemapBlock> blocks;
   /// One for each rest block, in layout order.

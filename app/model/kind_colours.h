@@ -11,8 +11,8 @@ namespace app {
 
 /// The colour of every file kind. While `consistent`, a kind looks the same in every scan;
 /// otherwise colours follow the ranks in `kindSlots`, so that the most prominent kinds of the scan
-/// get the first colours. Colours are 0xFFRRGGBB. Changed on the window thread; a render on another
-/// thread has a copy.
+/// get the first colours. Colours are 0xFFRRGGBB. Changed on the window thread; each picture of the
+/// map has a copy, which it was drawn with and all beside it is painted with.
 class KindColours {
  public:
   using Table = std::array<std::uint32_t, sizewalk::kKindCount>;

@@ -2,6 +2,7 @@
 
 #include "app/frame/scan_screen.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -246,6 +247,47 @@ TEST_F(ScanScreenTest, LeavesWhatTheFolderTakesOnDiskOutOfTheOtherSpaceUnderEver
           << "measure " << measure << (physical ? " on disk" : " by length");
     }
   }
+}
+
+TEST_F(ScanScreenTest, LaysTheMapOutAnewOnlyForWhatTheMapShows) {
+  // A new layout leaves out what was taken out behind the screen's back.
+  const auto laysOut = [&](const std::function<void()>& act) {
+    EXPECT_NE(map().outlineRect(photo_), nullptr);
+    const auto record = tree_->removeSubtree(photo_);
+    act();
+    screen_.prepare();
+    const bool anew = map().outlineRect(photo_) == nullptr;
+    tree_->restoreSubtree(record);
+    screen_.showAllInNextFrame();
+    screen_.prepare();
+    return anew;
+  };
+  const auto sets = [&](const ScanScreenSettings& settings) {
+    return laysOut([&] { screen_.setSettings(settings); });
+  };
+  ScanScreenSettings settings;
+  EXPECT_FALSE(sets(settings)) << "as they are";
+  settings.showKinds = false;
+  EXPECT_FALSE(sets(settings)) << "the list takes the room of the kinds";
+  settings.extraBlocks = {.freeSpace = true, .otherSpace = true};
+  EXPECT_FALSE(sets(settings)) << "the volume is not known";
+  EXPECT_FALSE(laysOut([&] { screen_.setMeasure({}); })) << "the same measure";
+  settings.consistentKindColours = false;
+  EXPECT_TRUE(sets(settings));
+  settings.listAboveMap = true;
+  EXPECT_TRUE(sets(settings));
+  settings.showKinds = true;
+  EXPECT_TRUE(sets(settings)) << "the kinds are beside the map now";
+  screen_.setMeasure({Measure::CurrentSize, true});
+  screen_.prepare();
+  EXPECT_EQ(map().outlineRect(photo_), nullptr) << "it takes nothing on disk";
+  screen_.setMeasure({});
+  screen_.prepare();
+  screen_.setVolumeSpace(VolumeSpace{300'000, 100'000});
+  screen_.prepare();
+  settings.extraBlocks.freeSpace = false;
+  EXPECT_TRUE(sets(settings));
+  EXPECT_FALSE(sets(settings));
 }
 
 // A tree that grows.

@@ -7,6 +7,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/frame/scan_screen.h"
@@ -39,7 +40,9 @@ inline sizewalk::ScanOptions treeOptions() {
 /// only deep.txt and photo.jpg were added within a month, empty/ and late/.
 class ScanScreenTest : public testing::Test, protected test::ViewsOnWindow {
  protected:
-  ScanScreenTest() {
+  /// As the screen takes it.
+  explicit ScanScreenTest(BackgroundRender::Post post = {})
+      : screen_(*connection, style, colours_, std::move(post)) {
     screen_.onChanged = [this] { ++changes_; };
     screen_.onCommand = [this](const Command& command) { commands_.push_back(command); };
     screen_.onContextMenu = [this](NodeId node, int, int, Command::By) { menus_.push_back(node); };
@@ -178,7 +181,7 @@ class ScanScreenTest : public testing::Test, protected test::ViewsOnWindow {
   KindColours colours_{true};
   std::shared_ptr<sizewalk::FileTree> tree_ = std::make_shared<sizewalk::FileTree>(treeOptions());
   NodeId big_ = 0, photo_ = 0, empty_ = 0, late_ = 0, inner_ = 0, song_ = 0, deep_ = 0;
-  ScanScreen screen_{*connection, style, colours_};
+  ScanScreen screen_;
   int changes_ = 0;
   std::vector<Command> commands_;
   Nodes menus_;
