@@ -37,10 +37,18 @@ void ServerImage::set(std::span<const std::uint32_t> pixels, int width, int heig
     buffer_.reset();
     return;
   }
+  put({0, 0, width, height}, pixels);
+}
+
+void ServerImage::replace(const Rect& part, std::span<const std::uint32_t> pixels) {
+  if (buffer_) put(part, pixels);
+}
+
+void ServerImage::put(const Rect& part, std::span<const std::uint32_t> pixels) {
   Display* display = connection_.native().display;
   const GcPtr gc(makeGc(display, buffer_->pixmap()), FreeGc{display});
-  const PaintTarget target = {buffer_->pixmap(), buffer_->draw(), gc.get(), width, height};
-  Canvas(connection_, target).putPixels(0, 0, pixels, width, height);
+  const PaintTarget target = {buffer_->pixmap(), buffer_->draw(), gc.get(), width(), height()};
+  Canvas(connection_, target).putPixels(part.x, part.y, pixels, part.w, part.h);
 }
 
 void ServerImage::clear() { buffer_.reset(); }

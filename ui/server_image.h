@@ -23,6 +23,9 @@ class ServerImage {
   /// Sends `width` x `height` pixels, as `Canvas::putPixels` takes them, instead of what was there.
   /// When the server has no room, or fewer pixels are given, there is no picture afterwards.
   void set(std::span<const std::uint32_t> pixels, int width, int height);
+  /// Sends `pixels` for a part of the picture alone, as `Canvas::putPixels` takes them; nothing
+  /// without a picture.
+  void replace(const Rect& part, std::span<const std::uint32_t> pixels);
   /// Gives the server its memory back.
   void clear();
 
@@ -35,6 +38,7 @@ class ServerImage {
 
  private:
   bool fit(int width, int height);
+  void put(const Rect& part, std::span<const std::uint32_t> pixels);
 
   Connection& connection_;
   std::unique_ptr<BackBuffer> buffer_;

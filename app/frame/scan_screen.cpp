@@ -229,10 +229,11 @@ void ScanScreen::layOut() {
 bool ScanScreen::bringUpToDate() {
   const bool looked = std::exchange(treeDirty_, false);
   if (looked) lookAtTree();
+  const bool selected = std::exchange(selectionDirty_, false);
+  if (selected) picture_.setSelected(selection_.nodes());
   const bool drawn = picture_.update();
   if (looked || drawn) colours_ = picture_.shownColours();
-  const bool selected = std::exchange(selectionDirty_, false);
-  if (selected || looked || drawn) map_.refresh();
+  if (looked || drawn) map_.refresh();
   if (selected || looked) addUpSelection();
   updateToolbar();
   updateStatus();

@@ -4,9 +4,12 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
+#include <unordered_set>
 #include <vector>
 
 #include "app/map/background_render.h"
+#include "app/map/selection_outlines.h"
 #include "app/map/treemap_render.h"
 #include "app/model/kind_colours.h"
 #include "app/model/measure.h"
@@ -19,7 +22,7 @@
 
 namespace app {
 
-/// The picture of the focused folder, which the map's view draws its outlines on. Keeps the last
+/// The picture of the focused folder with the outlines of what is selected. Keeps the last
 /// one and makes a new one only when what it shows or its size has changed: at once when it is to
 /// show something else, in the background when the tree has only grown; its pixels are sent to the
 /// X server once. Window thread only.
@@ -42,6 +45,9 @@ class TreemapPicture {
   bool setExtraBlocks(std::vector<ExtraBlock> blocks);
   /// Dims every block but those of `kind`; none when there is none.
   void setHighlight(std::optional<sizewalk::KindIndex> kind);
+  /// Outlines these items, as far as the picture shows them and they are large enough.
+  void setSelected(const std::unordered_set<sizewalk::NodeId>& nodes);
+  void setOutlineStyle(const OutlineStyle& style) { outlineStyle_ = style; }
   /// Something else is to be seen: the next `update` makes a new picture.
   void markDirty() { dirty_ = true; }
   /// The tree has changed, or what is beside it: an `update` begins a new picture. Until it is
@@ -58,8 +64,9 @@ class TreemapPicture {
   void setRect(const ui::Rect& rect) { rect_ = rect; }
   const ui::Rect& rect() const { return rect_; }
 
-  /// Makes or begins a new picture if one is due, and sends it when it is there. Call it before
-  /// painting. True when it sent one.
+  /// Makes or begins a new picture if one is due, and sends it when it is there; of the last one
+  /// sends what another selection has changed. Call it before painting. True when it sent a whole
+  /// one.
   bool update();
   /// Draws the last picture.
   void paint(ui::Canvas& canvas) const;
@@ -77,6 +84,12 @@ class TreemapPicture {
   void renderInBackground();
   void take(std::optional<RenderedTreemap> picture);
   void send();
+  void sendWhereSelectionChanged();
+  std::span<const std::uint32_t> plainPixels() const;
+  ui::Rect outlineOf(sizewalk::NodeId node) const;
+  void findOutlines();
+  std::vector<ui::Rect> followSelection();
+  void sendPart(const ui::Rect& part);
 
   const KindColours& colours_;
   std::shared_ptr<const sizewalk::FileTree> tree_;
@@ -96,6 +109,14 @@ class TreemapPicture {
   RenderedTreemap spare_;
   ui::ServerImage image_;
   std::vector<std::uint32_t> dimmed_;
+  OutlineStyle outlineStyle_;
+  /// What is selected, in ascending order.
+  std::vector<sizewalk::NodeId> selected_;
+  /// What was when the picture was sent, and by its places the outlines, empty where there is none.
+  std::vector<sizewalk::NodeId> sentSelected_;
+  std::vector<ui::Rect> outlines_;
+  /// Pixels with outlines on them, on their way to the server.
+  std::vector<std::uint32_t> outlined_;
   bool hasBackground_;
   BackgroundRender background_;
   /// What is being made in the background shows less than the last picture.
@@ -103,5 +124,9 @@ class TreemapPicture {
   bool growing_ = false;
   RefreshPacer pacer_;
 };
+
+/// The pixels that a rectangle of the map is drawn on: each edge rounded half away from zero, as
+/// the shading does it.
+ui::Rect pixelRect(const MapRect& rect);
 
 }  // namespace app

@@ -1,7 +1,5 @@
 #include "app/map/treemap_view.h"
 
-#include <cmath>
-
 #include "app/map/map_card.h"
 #include "ui/keys.h"
 
@@ -12,9 +10,6 @@ using sizewalk::NodeId;
 namespace {
 
 constexpr std::int64_t kRestMs = 400;
-/// Smaller outlines would hide what they are around.
-constexpr int kLeastOutline = 3;
-
 constexpr ui::Colour kOutlineLight = 0xFFFFFFFF;
 constexpr ui::Colour kOutlineDark = 0xC0000000;
 
@@ -31,11 +26,10 @@ bool isSameItem(const std::optional<TreemapBlock>& a, const std::optional<Treema
 
 }  // namespace
 
-ui::Rect pixelRect(const MapRect& rect) {
-  const auto edge = [](double at) { return static_cast<int>(std::lround(at)); };
-  const int x = edge(rect.x);
-  const int y = edge(rect.y);
-  return {x, y, edge(rect.x + rect.width) - x, edge(rect.y + rect.height) - y};
+TreemapView::TreemapView(const ui::Style& style, TreemapPicture& picture, MapFocus& focus,
+                         Selection& selection)
+    : style_(style), picture_(picture), focus_(focus), selection_(selection), card_(style) {
+  picture_.setOutlineStyle({.thickness = lineWidth(), .accent = style_.palette().accent});
 }
 
 const TreemapBlock* TreemapView::blockAt(int x, int y) const {
@@ -72,13 +66,6 @@ void TreemapView::layOut() {
 }
 
 void TreemapView::refresh() {
-  selected_.clear();
-  for (const NodeId node : selection_.nodes()) {
-    const auto outline = outlineOf(node);
-    if (outline && outline->w >= kLeastOutline && outline->h >= kLeastOutline) {
-      selected_.push_back(*outline);
-    }
-  }
   findHovered();
   if (card_.shown()) fillCard();
 }
@@ -246,23 +233,6 @@ std::optional<NodeId> TreemapView::firstNode() const {
   return std::nullopt;
 }
 
-void TreemapView::paintSelected(ui::Canvas& canvas) const {
-  // Colour by colour: requests of one colour that follow each other are sent as one, and a light
-  // line never cuts through the dark one of an item around it.
-  const int thickness = lineWidth();
-  const auto stroke = [&](int line, ui::Colour colour) {
-    for (int i = 0; i < thickness; ++i) {
-      const int inwards = line * thickness + i;
-      for (const ui::Rect& outline : selected_) {
-        canvas.strokeRect(grown(inWindow(outline), -inwards), colour);
-      }
-    }
-  };
-  stroke(0, kOutlineLight);
-  stroke(1, style_.palette().accent);
-  stroke(2, kOutlineDark);
-}
-
 void TreemapView::paintRing(ui::Canvas& canvas) const {
   for (int i = 0; i < lineWidth(); ++i) {
     canvas.strokeRect(grown(picture_.rect(), -i), style_.palette().accent);
@@ -273,7 +243,6 @@ void TreemapView::paint(ui::Canvas& canvas) const {
   const ui::Rect& place = picture_.rect();
   canvas.pushClip(place);
   picture_.paint(canvas);
-  paintSelected(canvas);
   if (hoveredBlock_) {
     const ui::Rect outline = inWindow(pixelRect(hoveredBlock_->rect));
     for (int i = 0; i < lineWidth(); ++i) {

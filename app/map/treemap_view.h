@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
-#include <vector>
 
 #include "app/map/hover_card.h"
 #include "app/map/treemap_picture.h"
@@ -18,9 +17,8 @@
 
 namespace app {
 
-/// The map in the window: the picture of the focused folder with the outlines of what is selected
-/// and of what the pointer is on, and the card of an item that the pointer rests on. Window thread
-/// only.
+/// The map in the window: the picture of the focused folder, the outline of what the pointer is on,
+/// and the card of an item that the pointer rests on. Window thread only.
 class TreemapView : public ui::View {
  public:
   /// This item was selected here: where it is in the tree is to be shown.
@@ -30,10 +28,9 @@ class TreemapView : public ui::View {
 
   /// All of them outlive the view.
   TreemapView(const ui::Style& style, TreemapPicture& picture, MapFocus& focus,
-              Selection& selection)
-      : style_(style), picture_(picture), focus_(focus), selection_(selection), card_(style) {}
+              Selection& selection);
 
-  /// The picture or the selection may be another one: looks at both anew, before painting.
+  /// The picture may be another one: looks at it anew, before painting.
   void refresh();
   /// Forgets pointer and card: another scan is shown.
   void reset();
@@ -79,7 +76,6 @@ class TreemapView : public ui::View {
   std::optional<sizewalk::NodeId> nodeBeyond(const ui::Rect& rect, int dx, int dy) const;
   std::optional<sizewalk::NodeId> firstNode() const;
   int lineWidth() const { return std::max(1, style_.scaled(1)); }
-  void paintSelected(ui::Canvas& canvas) const;
   void paintRing(ui::Canvas& canvas) const;
 
   struct Pointer {
@@ -107,13 +103,7 @@ class TreemapView : public ui::View {
   ui::Rect cardBounds_;
   std::optional<Pointer> pointer_;
   std::optional<TreemapBlock> hoveredBlock_;
-  /// The outlines of what is selected, on the map.
-  std::vector<ui::Rect> selected_;
   std::optional<Press> lastPress_;
 };
-
-/// The pixels that a rectangle of the map is drawn on: each edge rounded half away from zero, as
-/// the shading does it.
-ui::Rect pixelRect(const MapRect& rect);
 
 }  // namespace app

@@ -103,6 +103,22 @@ TEST_F(ServerImageTest, TakesAnotherSize) {
   expectShown(drawnAt(5, 5), smaller, {5, 5, 1, 3});
 }
 
+TEST_F(ServerImageTest, TakesOtherPixelsForAPart) {
+  const ui::Rect part{4, 3, 10, 5};
+  const std::vector<std::uint32_t> red(10 * 5, 0xFF0000);
+  image_.replace(part, red);
+  auto expected = pixels_;
+  for (int y = part.y; y < part.y + part.h; ++y) {
+    for (int x = part.x; x < part.x + part.w; ++x) {
+      expected[static_cast<std::size_t>(y * kWidth + x)] = 0xFF0000;
+    }
+  }
+  expectShown(drawnAt(50, 40), expected, {50, 40, kWidth, kHeight});
+  image_.clear();
+  image_.replace(part, red);
+  EXPECT_EQ(drawnAt(50, 40).count(0xFFFFFF), 200 * 100) << "without a picture there are no parts";
+}
+
 TEST_F(ServerImageTest, IgnoresTheTopByteAndPixelsPastTheLast) {
   std::vector<std::uint32_t> pixels = pixels_;
   for (std::uint32_t& pixel : pixels) pixel |= 0xAB000000;

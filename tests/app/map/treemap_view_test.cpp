@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <functional>
 #include <optional>
+#include <random>
 #include <vector>
 
 #include "tests/app/map/treemap_view_fixture.h"
@@ -165,6 +166,32 @@ TEST_F(TreemapViewTest, OutlinesSelectedItemsInOneAnotherWithoutCuttingALine) {
     }
   }
   EXPECT_GT(crossings, 0);
+}
+
+/// Only what has changed is sent; all together has to look as if it were drawn anew.
+TEST_F(TreemapViewTest, OutlinesTheSameWhateverWasSelectedBefore) {
+  sizewalk::FileTree tree;
+  std::vector<test::MapEntry> entries(150, file(1000));
+  entries.resize(153, folder());
+  const auto folders = test::fillRoot(tree, entries);
+  for (const NodeId dir : folders) test::fill(tree, dir, std::vector(20, file(5000)));
+  showTree(&tree);
+  std::minstd_rand random(7);
+  std::uniform_int_distribution<NodeId> anyNode(0, tree.nodeCount() - 1);
+  for (const int changes : {1, 1, 2, 3, 1, 40, 1, 5, 100, 200, 1, 1, 10}) {
+    for (int i = 0; i < changes; ++i) selection_.toggle(anyNode(random));
+    const auto followed = painted();
+    picture_.markDirty();
+    ASSERT_EQ(painted().pixels, followed.pixels) << changes << " changes";
+  }
+  picture_.setHighlight(sizewalk::kKindNoExtension + 1);
+  painted();
+  selection_.toggle(5);
+  const auto followed = painted();
+  picture_.markDirty();
+  EXPECT_EQ(painted().pixels, followed.pixels) << "on a dimmed map";
+  select({});
+  showTree(&tree_);
 }
 
 TEST_F(TreemapViewTest, TakesTheOutlinesAlongWhenTheMapMoves) {
