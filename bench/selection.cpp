@@ -7,8 +7,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -32,7 +30,6 @@ constexpr int kWidth = 1920;
 constexpr int kHeight = 1080;
 constexpr std::uint32_t kItems = 20'000;
 constexpr std::size_t kFrames = 101;
-constexpr double kBarMs = 5;
 
 /// One folder of as many files, of a few sizes.
 std::shared_ptr<sizewalk::FileTree> makeTree() {
@@ -72,33 +69,27 @@ class Frames {
   Frames(const Frames&) = delete;
   Frames& operator=(const Frames&) = delete;
 
-  /// All items, or none.
-  void select(bool all) {
-    std::vector<NodeId> nodes(all ? kItems : 0);
-    for (std::size_t i = 0; i < nodes.size(); ++i) {
-      nodes[i] = tree_->firstChild(sizewalk::kRootNode) + static_cast<NodeId>(i);
+  void selectAll() {
+    std::vector<NodeId> nodes(kItems);
+    for (std::uint32_t i = 0; i < kItems; ++i) {
+      nodes[i] = tree_->firstChild(sizewalk::kRootNode) + i;
     }
     screen_.selection().replace(nodes);
     draw();
   }
 
-  double motionMs() {
-    // From one item of the map to another.
+  /// From one item of the map to another.
+  void move() {
     const ui::Rect& map = screen_.layout().map;
     step_ = (step_ + 97) % 1000;
     const int x = map.x + 20 + step_ * (map.w - 40) / 1000;
-    return bench::timeMs([&] {
-      screen_.motion({.x = x, .y = map.y + map.h / 2});
-      draw();
-    });
+    screen_.motion({.x = x, .y = map.y + map.h / 2});
+    draw();
   }
 
-  double changeMs() {
-    const NodeId node = tree_->firstChild(sizewalk::kRootNode) + kItems / 2;
-    return bench::timeMs([&] {
-      screen_.selection().toggle(node);
-      draw();
-    });
+  void change() {
+    screen_.selection().toggle(tree_->firstChild(sizewalk::kRootNode) + kItems / 2);
+    draw();
   }
 
  private:
@@ -125,35 +116,25 @@ class Frames {
   int step_ = 0;
 };
 
-void report(const std::string& what, const std::vector<double>& selected,
-            const std::vector<double>& plain) {
-  const double ours = bench::median(selected);
-  std::fprintf(stderr, "%s: without a selection %.2f ms; the longest with it %.2f ms\n",
-               what.c_str(), bench::median(plain), bench::percentile(selected, 1));
-  bench::printRow("a frame with 20,000 items selected, 1920 x 1080, " + what,
-                  bench::milliseconds(ours), bench::milliseconds(kBarMs),
-                  bench::times(ours / kBarMs), "at most 1");
+void report(const std::string& what, const bench::PairedTiming& timing) {
+  const double ratio = 1 / timing.speedup;
+  bench::printRow("a frame with 20,000 items selected, 1920 x 1080, against one with none, " + what,
+                  bench::milliseconds(timing.candidateMs), bench::milliseconds(timing.baselineMs),
+                  bench::times(ratio), "at most 1.50");
 }
 
 }  // namespace
 
 int main() {
   const test::XServer server({.width = kWidth, .height = kHeight});
-  Frames frames;
-  std::vector<double> plainMotions;
-  std::vector<double> plainChanges;
-  std::vector<double> motions;
-  std::vector<double> changes;
-  for (std::size_t i = 0; i < kFrames; ++i) {
-    plainMotions.push_back(frames.motionMs());
-    plainChanges.push_back(frames.changeMs());
-  }
-  frames.select(true);
-  for (std::size_t i = 0; i < kFrames; ++i) {
-    motions.push_back(frames.motionMs());
-    changes.push_back(frames.changeMs());
-  }
-  report("the pointer comes onto another", motions, plainMotions);
-  report("one more or less is selected", changes, plainChanges);
+  Frames plain;
+  Frames selected;
+  selected.selectAll();
+  report("the pointer comes onto another",
+         bench::timePaired(
+             kFrames, [&] { plain.move(); }, [&] { selected.move(); }));
+  report("one more or less is selected",
+         bench::timePaired(
+             kFrames, [&] { plain.change(); }, [&] { selected.change(); }));
   return 0;
 }

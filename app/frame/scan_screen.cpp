@@ -230,7 +230,7 @@ bool ScanScreen::bringUpToDate() {
   const bool looked = std::exchange(treeDirty_, false);
   if (looked) lookAtTree();
   const bool selected = std::exchange(selectionDirty_, false);
-  if (selected) picture_.setSelected(selection_.nodes());
+  if (selected) picture_.setSelected(selection_.sorted());
   const bool drawn = picture_.update();
   if (looked || drawn) colours_ = picture_.shownColours();
   if (looked || drawn) map_.refresh();

@@ -153,9 +153,8 @@ std::span<const std::uint32_t> TreemapPicture::plainPixels() const {
   return highlight_ ? dimmed_ : rendered_.pixels;
 }
 
-void TreemapPicture::setSelected(const std::unordered_set<NodeId>& nodes) {
+void TreemapPicture::setSelected(std::span<const NodeId> nodes) {
   selected_.assign(nodes.begin(), nodes.end());
-  std::ranges::sort(selected_);
 }
 
 ui::Rect TreemapPicture::outlineOf(NodeId node) const {

@@ -5,7 +5,6 @@
 #include <memory>
 #include <optional>
 #include <span>
-#include <unordered_set>
 #include <vector>
 
 #include "app/map/background_render.h"
@@ -46,7 +45,8 @@ class TreemapPicture {
   /// Dims every block but those of `kind`; none when there is none.
   void setHighlight(std::optional<sizewalk::KindIndex> kind);
   /// Outlines these items, as far as the picture shows them and they are large enough.
-  void setSelected(const std::unordered_set<sizewalk::NodeId>& nodes);
+  /// They are in ascending order.
+  void setSelected(std::span<const sizewalk::NodeId> nodes);
   void setOutlineStyle(const OutlineStyle& style) { outlineStyle_ = style; }
   /// Something else is to be seen: the next `update` makes a new picture.
   void markDirty() { dirty_ = true; }

@@ -79,7 +79,7 @@ class TreemapViewTest : public test::WindowTest {
 
   /// As the owner does it before each frame.
   void prepareFrame() {
-    picture_.setSelected(selection_.nodes());
+    picture_.setSelected(selection_.sorted());
     picture_.update();
     view_.refresh();
   }

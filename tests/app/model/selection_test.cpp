@@ -42,6 +42,16 @@ TEST_F(SelectionTest, TogglesOneAfterAnother) {
   EXPECT_TRUE(selection.contains(7));
 }
 
+TEST_F(SelectionTest, KeepsWhatIsSelectedInOrder) {
+  selection.replace(std::vector<NodeId>{9, 2, 5, 2});
+  EXPECT_EQ(selection.sorted(), (std::vector<NodeId>{2, 5, 9}));
+  for (const NodeId node : {7, 5, 1, 9, 12}) selection.toggle(node);
+  EXPECT_EQ(selection.sorted(), (std::vector<NodeId>{1, 2, 7, 12}));
+  EXPECT_EQ(selection.nodes(), (std::unordered_set<NodeId>{1, 2, 7, 12}));
+  selection.clear();
+  EXPECT_TRUE(selection.sorted().empty());
+}
+
 TEST_F(SelectionTest, SaysNothingWhereNothingChanged) {
   selection.clear();
   selection.select(3);
@@ -66,6 +76,7 @@ TEST_F(SelectionTest, LetsGoOfWhatTheTreeDoesNotShowAnyMore) {
   ASSERT_TRUE(tree.dropContents(folders[1]));
   selection.keepVisible(tree);
   EXPECT_EQ(selection.nodes(), (std::unordered_set<NodeId>{kept, folders[1]}));
+  EXPECT_EQ(selection.sorted().size(), 2u);
   EXPECT_FALSE(selection.contains(dropped));
   EXPECT_EQ(changes, 1);
 }
