@@ -14,6 +14,8 @@ namespace {
 constexpr ui::Colour kOpaque = 0xFF000000;
 /// With more of them changed than this the whole picture is sent.
 constexpr std::size_t kMostBands = 100;
+/// After as many the picture is made on the spot, in the memory of the last one.
+constexpr int kMostFailures = 3;
 }  // namespace
 
 using sizewalk::NodeId;
@@ -33,7 +35,9 @@ TreemapPicture::TreemapPicture(ui::Connection& connection, const KindColours& co
       background_(std::move(post)) {
   background_.onEnded = [this](auto picture, BackgroundRender::Duration took) {
     pacer_.pauseAfter(took);
-    take(std::move(picture));
+    if (!picture) return noteFailure();
+    failures_ = 0;
+    take(std::move(*picture));
     if (onRendered) onRendered();
   };
 }
@@ -46,6 +50,7 @@ void TreemapPicture::show(std::shared_ptr<const sizewalk::FileTree> tree, sizewa
   background_.drop();
   spare_ = std::exchange(rendered_, {});  // its blocks name nodes of the other tree
   image_.clear();
+  refused_ = false;
 }
 
 void TreemapPicture::setMeasure(const MeasureSettings& measure) {
@@ -79,7 +84,9 @@ bool TreemapPicture::behind() const {
   return background_.busy() || (outdated_ && tree_ && !rect_.empty());
 }
 
-bool TreemapPicture::due() const {
+bool TreemapPicture::due() const { return refused_ || renderDue(); }
+
+bool TreemapPicture::renderDue() const {
   if (!behind() || background_.busy()) return false;
   return !growing_ || pacer_.due(RefreshPacer::Clock::now());
 }
@@ -88,10 +95,14 @@ bool TreemapPicture::update() {
   if (!tree_ || rect_.empty()) return false;
   if (dirty_ || !fits()) {
     renderNow();
-  } else if (due()) {
-    renderInBackground();
+  } else if (renderDue()) {
+    if (failures_ < kMostFailures) {
+      renderInBackground();
+    } else {
+      renderNow();
+    }
   }
-  if (!std::exchange(unsent_, false)) {
+  if (!std::exchange(unsent_, false) && !refused_) {
     if (selected_ != sentSelected_) sendWhereSelectionChanged();
     return false;
   }
@@ -108,6 +119,7 @@ void TreemapPicture::renderNow() {
                             std::move(recycled));
   dirty_ = false;
   outdated_ = false;
+  failures_ = 0;
   overtaken_ = background_.busy();
   unsent_ = true;
 }
@@ -126,14 +138,21 @@ void TreemapPicture::renderInBackground() {
   if (!begun) renderNow();
 }
 
+/// There was no memory for a picture in the background. Nothing says that the tree will change once
+/// more, so that it is tried again: the next tick finds it due.
+void TreemapPicture::noteFailure() {
+  if (overtaken_) return;
+  outdated_ = true;
+  ++failures_;
+}
+
 /// Shows a picture from the background, unless something else is to be seen meanwhile.
-void TreemapPicture::take(std::optional<RenderedTreemap> picture) {
-  if (!picture) return;
+void TreemapPicture::take(RenderedTreemap picture) {
   if (overtaken_ || dirty_) {
-    spare_ = std::move(*picture);
+    spare_ = std::move(picture);
     return;
   }
-  spare_ = std::exchange(rendered_, std::move(*picture));
+  spare_ = std::exchange(rendered_, std::move(picture));
   unsent_ = true;
 }
 
@@ -147,6 +166,7 @@ void TreemapPicture::send() {
     pixels = outlined_;
   }
   image_.set(pixels, rendered_.width, rendered_.height);
+  refused_ = !pixels.empty() && image_.width() == 0;
 }
 
 std::span<const std::uint32_t> TreemapPicture::plainPixels() const {

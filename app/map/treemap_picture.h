@@ -55,7 +55,8 @@ class TreemapPicture {
   void markOutdated() { outdated_ = true; }
   /// While the tree keeps growing, pauses between pictures leave two thirds of the time to others.
   void setGrowing(bool growing) { growing_ = growing; }
-  /// An `update` would begin a picture in the background.
+  /// An `update` would begin a picture in the background, or send again what the server had no room
+  /// for.
   bool due() const;
   /// A picture is being made in the background, or to be made.
   bool behind() const;
@@ -80,9 +81,11 @@ class TreemapPicture {
 
  private:
   bool fits() const;
+  bool renderDue() const;
   void renderNow();
   void renderInBackground();
-  void take(std::optional<RenderedTreemap> picture);
+  void noteFailure();
+  void take(RenderedTreemap picture);
   void send();
   void sendWhereSelectionChanged();
   std::span<const std::uint32_t> plainPixels() const;
@@ -104,6 +107,8 @@ class TreemapPicture {
   bool outdated_ = false;
   /// The pixels with the server are not those to be seen.
   bool unsent_ = false;
+  /// The server had no room for the pixels that were sent last.
+  bool refused_ = false;
   RenderedTreemap rendered_;
   /// Memory for the next picture; shows nothing.
   RenderedTreemap spare_;
@@ -121,6 +126,8 @@ class TreemapPicture {
   BackgroundRender background_;
   /// What is being made in the background shows less than the last picture.
   bool overtaken_ = false;
+  /// Pictures in the background, one after the other, for which there was no memory.
+  int failures_ = 0;
   bool growing_ = false;
   RefreshPacer pacer_;
 };

@@ -1,19 +1,24 @@
 #include "app/map/treemap_picture.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
+#include <fstream>
 #include <functional>
 #include <limits>
 #include <memory>
 #include <mutex>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 #include "app/map/cushion_shading.h"
 #include "base/detached_threads.h"
 #include "tests/app/map/map_tree.h"
+#include "tests/app/map/memory_elsewhere.h"
 #include "tests/support/eventually.h"
 #include "tests/support/waiting_thread.h"
 #include "tests/ui/window_test_base.h"
@@ -149,6 +154,60 @@ TEST_F(TreemapPictureTest, KeepsAPictureDueThatCouldNotBeMade) {
     picture_.setRect(kPlace);
     EXPECT_TRUE(picture_.update());
   }
+}
+
+/// The server has no memory for more than it has.
+class ServerWithoutMemory {
+ public:
+  explicit ServerWithoutMemory(pid_t server) : server_(server) {
+    rlimit limit{};
+    prlimit(server_, RLIMIT_AS, nullptr, &usual_);
+    limit = usual_;
+    limit.rlim_cur = addressSpace();
+    prlimit(server_, RLIMIT_AS, &limit, nullptr);
+  }
+  ~ServerWithoutMemory() { prlimit(server_, RLIMIT_AS, &usual_, nullptr); }
+  ServerWithoutMemory(const ServerWithoutMemory&) = delete;
+  ServerWithoutMemory& operator=(const ServerWithoutMemory&) = delete;
+
+ private:
+  rlim_t addressSpace() const {
+    std::ifstream statm("/proc/" + std::to_string(server_) + "/statm");
+    rlim_t pages = 0;
+    statm >> pages;
+    return pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE)) + (1 << 20);
+  }
+
+  const pid_t server_;
+  rlimit usual_{};
+};
+
+TEST_F(TreemapPictureTest, SendsAPictureAgainThatTheServerHadNoRoomFor) {
+  constexpr ui::Rect kLarge{0, 0, 2000, 1500};
+  picture_.setRect(kLarge);
+  picture_.show(shownTree_, kRootNode);
+  {
+    const ServerWithoutMemory none(server.pid());
+    picture_.update();
+    ASSERT_EQ(painted().count(kMapBackground), 200 * 100) << "there was room for it";
+    EXPECT_TRUE(picture_.due()) << "so that a frame is asked for";
+    picture_.update();
+    EXPECT_TRUE(picture_.due());
+  }
+  const std::vector<std::uint32_t> pixels = picture_.rendered().pixels;
+  picture_.update();
+  EXPECT_FALSE(picture_.due());
+  EXPECT_EQ(picture_.rendered().pixels, pixels) << "it was only to be sent";
+  EXPECT_EQ(painted().at(100, 50), pixels[50 * 2000 + 100]);
+  EXPECT_FALSE(picture_.update()) << "once";
+}
+
+TEST_F(TreemapPictureTest, HasNothingToSendAgainWhereNothingIsToBeSeen) {
+  picture_.show(std::make_shared<sizewalk::FileTree>(), kRootNode);
+  picture_.update();
+  EXPECT_FALSE(picture_.due());
+  EXPECT_FALSE(picture_.update());
+  picture_.show(nullptr, kRootNode);
 }
 
 TEST_F(TreemapPictureTest, ForgetsItsPictureWhenNothingIsShownAnyMore) {
@@ -379,6 +438,56 @@ TEST_F(BackgroundPictureTest, IsNotMisledByThePostOfAPictureThatWasForgotten) {
   EXPECT_EQ(picture_.rendered().pixels,
             renderTreemap(*next, kRootNode, kPlace.w, kPlace.h, colours_, {}, {}).pixels);
   picture_.show(nullptr, kRootNode);
+}
+
+/// Large enough for a picture, and for nothing else that its thread needs.
+constexpr std::size_t kPictureBytes = std::size_t{4} * kPlace.w * kPlace.h;
+
+TEST_F(BackgroundPictureTest, TriesAgainWhereThereWasNoMemoryForThePicture) {
+  growTree();
+  {
+    const test::NoMemoryElsewhere none(kPictureBytes);
+    ASSERT_FALSE(picture_.update());
+    ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
+    ASSERT_TRUE(picturesHaveEnded());
+  }
+  runTasks();
+  EXPECT_EQ(told_, 0) << "there is nothing new to be shown";
+  ASSERT_TRUE(picture_.due());
+  EXPECT_FALSE(picture_.update());
+  ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
+  runTasks();
+  EXPECT_EQ(told_, 1);
+  EXPECT_EQ(picture_.rendered().pixels, drawnAtOnce(kPlace, kRootNode));
+  EXPECT_FALSE(picture_.behind());
+}
+
+TEST_F(BackgroundPictureTest, DrawsAtOnceInTheEndWhereThereIsNoMemoryInTheBackground) {
+  const test::NoMemoryElsewhere none(kPictureBytes);
+  const std::vector<std::uint32_t> last = picture_.rendered().pixels;
+  growTree();
+  int tries = 0;
+  while (picture_.due() && !picture_.update()) {
+    ASSERT_LT(++tries, 10);
+    ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
+    EXPECT_EQ(picture_.rendered().pixels, last);
+    runTasks();
+  }
+  EXPECT_GT(tries, 1);
+  EXPECT_EQ(picture_.rendered().pixels, drawnAtOnce(kPlace, kRootNode));
+  EXPECT_NE(picture_.rendered().pixels, last);
+  EXPECT_FALSE(picture_.behind());
+}
+
+TEST_F(BackgroundPictureTest, DoesNotTryAgainWhatWasOvertaken) {
+  const test::NoMemoryElsewhere none(kPictureBytes);
+  growTree();
+  ASSERT_FALSE(picture_.update());
+  picture_.markDirty();
+  ASSERT_TRUE(picture_.update());
+  ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
+  runTasks();
+  EXPECT_FALSE(picture_.behind());
 }
 
 TEST_F(BackgroundPictureTest, EndsWithoutAPictureWhereThereIsNoMemoryForOne) {

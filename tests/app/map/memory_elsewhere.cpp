@@ -1,0 +1,40 @@
+// Replaces the allocation of the whole test program.
+
+#include "tests/app/map/memory_elsewhere.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <limits>
+#include <new>
+
+namespace {
+
+constexpr std::size_t kNothingFails = std::numeric_limits<std::size_t>::max();
+/// Read by every allocation on any thread.
+std::atomic<std::size_t> failsFrom = kNothingFails;
+thread_local bool isExempt = false;
+
+}  // namespace
+
+void* operator new(std::size_t bytes) {
+  if (bytes >= failsFrom.load() && !isExempt) throw std::bad_alloc();
+  void* const memory = std::malloc(bytes == 0 ? 1 : bytes);
+  if (!memory) throw std::bad_alloc();
+  return memory;
+}
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t /*bytes*/) noexcept { std::free(memory); }
+
+namespace test {
+
+NoMemoryElsewhere::NoMemoryElsewhere(std::size_t bytes) {
+  isExempt = true;
+  failsFrom = bytes;
+}
+
+NoMemoryElsewhere::~NoMemoryElsewhere() {
+  failsFrom = kNothingFails;
+  isExempt = false;
+}
+
+}  // namespace test
