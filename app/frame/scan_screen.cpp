@@ -167,6 +167,7 @@ void ScanScreen::setSettings(const ScanScreenSettings& settings) {
 void ScanScreen::setScanStatus(const ScanStatus& status) {
   status_ = status;
   picture_.setGrowing(status.scanning);
+  map_.setScanStatus(status);
   changed();
 }
 

@@ -113,6 +113,7 @@ class ScanScreen : public Screen {
   const FolderList& list() const { return list_; }
   const KindsTable& kinds() const { return kinds_; }
   const TreemapPicture& picture() const { return picture_; }
+  const TreemapView& map() const { return map_; }
   const PendingPanel& pending() const { return pending_; }
   const StatusLine& statusLine() const { return statusLine_; }
   /// The item that a command without a place of its own is about: the one that is selected, of

@@ -1,6 +1,7 @@
 #include "app/map/treemap_view.h"
 
 #include "app/map/map_card.h"
+#include "app/map/map_notice.h"
 #include "ui/keys.h"
 
 namespace app {
@@ -28,7 +29,12 @@ bool isSameItem(const std::optional<TreemapBlock>& a, const std::optional<Treema
 
 TreemapView::TreemapView(const ui::Style& style, TreemapPicture& picture, MapFocus& focus,
                          Selection& selection)
-    : style_(style), picture_(picture), focus_(focus), selection_(selection), card_(style) {
+    : style_(style),
+      picture_(picture),
+      focus_(focus),
+      selection_(selection),
+      card_(style),
+      notice_(style) {
   picture_.setOutlineStyle({.thickness = lineWidth(), .accent = style_.palette().accent});
 }
 
@@ -63,11 +69,25 @@ ui::Rect TreemapView::inWindow(const ui::Rect& onMap) const {
 void TreemapView::layOut() {
   picture_.setRect(rect());
   findHovered();  // the map may have moved under a pointer at rest
+  findNotice();
 }
 
 void TreemapView::refresh() {
   findHovered();
+  findNotice();
   if (card_.shown()) fillCard();
+}
+
+void TreemapView::setScanStatus(const ScanStatus& status) {
+  status_ = status;
+  findNotice();
+}
+
+void TreemapView::findNotice() {
+  const sizewalk::FileTree* tree = picture_.tree();
+  notice_.set(tree ? mapNotice(picture_.rendered(), *tree, picture_.measure(), status_)
+                   : std::string_view(),
+              picture_.rect());
 }
 
 void TreemapView::reset() {
@@ -243,6 +263,7 @@ void TreemapView::paint(ui::Canvas& canvas) const {
   const ui::Rect& place = picture_.rect();
   canvas.pushClip(place);
   picture_.paint(canvas);
+  notice_.paint(canvas);
   if (hoveredBlock_) {
     const ui::Rect outline = inWindow(pixelRect(hoveredBlock_->rect));
     for (int i = 0; i < lineWidth(); ++i) {

@@ -4,10 +4,13 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <string>
 
 #include "app/map/hover_card.h"
+#include "app/map/notice_card.h"
 #include "app/map/treemap_picture.h"
 #include "app/model/map_focus.h"
+#include "app/model/scan_status.h"
 #include "app/model/selection.h"
 #include "ui/canvas.h"
 #include "ui/geometry.h"
@@ -34,6 +37,8 @@ class TreemapView : public ui::View {
   void refresh();
   /// Forgets pointer and card: another scan is shown.
   void reset();
+  /// Of the scan that is shown: what the map says where it has nothing to show depends on it.
+  void setScanStatus(const ScanStatus& status);
   /// The room that the card may take.
   void setCardBounds(const ui::Rect& bounds) { cardBounds_ = bounds; }
 
@@ -53,6 +58,8 @@ class TreemapView : public ui::View {
   /// The item under the pointer; nothing on merged items, on what is beside the tree, and on what
   /// has ceased to be visible since the picture was made.
   std::optional<sizewalk::NodeId> hovered() const;
+  /// What the map says where it has nothing to show; empty where it has.
+  const std::string& notice() const { return notice_.text(); }
 
  protected:
   void layOut() override;
@@ -66,6 +73,7 @@ class TreemapView : public ui::View {
   std::optional<ui::Rect> outlineOf(sizewalk::NodeId node) const;
   ui::Rect inWindow(const ui::Rect& onMap) const;
   void findHovered();
+  void findNotice();
   void pick(const ui::MouseEvent& event);
   void goTowards(const ui::MouseEvent& event);
   void openContextMenu(const ui::MouseEvent& event);
@@ -100,6 +108,8 @@ class TreemapView : public ui::View {
   MapFocus& focus_;
   Selection& selection_;
   HoverCard card_;
+  NoticeCard notice_;
+  ScanStatus status_;
   ui::Rect cardBounds_;
   std::optional<Pointer> pointer_;
   std::optional<TreemapBlock> hoveredBlock_;

@@ -91,7 +91,8 @@ ScanStatus ScanSession::status() const {
           .hardLinks = static_cast<std::int64_t>(summary().hardLinks),
           .hardLinkBytes = static_cast<std::int64_t>(summary().hardLinkBytes),
           .unreadable = static_cast<std::int64_t>(summary().errors),
-          .stopped = summary().cancelled};
+          .stopped = summary().cancelled,
+          .scannedBefore = summary().lastScanTime != 0};
 }
 
 }  // namespace app

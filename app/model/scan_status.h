@@ -20,6 +20,8 @@ struct ScanStatus {
   std::int64_t hardLinkBytes = 0;
   std::int64_t unreadable = 0;
   bool stopped = false;
+  /// It is known when the folder was scanned before.
+  bool scannedBefore = false;
 };
 
 }  // namespace app

@@ -290,6 +290,28 @@ TEST_F(ScanScreenTest, LaysTheMapOutAnewOnlyForWhatTheMapShows) {
   EXPECT_FALSE(sets(settings));
 }
 
+TEST_F(ScanScreenTest, SaysWhatAMapWithoutBlocksMeansOnceTheScanHasEnded) {
+  screen_.setScanStatus({.scanning = true});
+  screen_.setMeasure({.measure = Measure::AddedSinceLastScan});
+  screen_.prepare();
+  EXPECT_EQ(screen_.map().notice(), "");
+  screen_.setScanStatus({});
+  EXPECT_EQ(screen_.map().notice(), "This folder was not scanned before");
+  screen_.setScanStatus({.scannedBefore = true});
+  EXPECT_EQ(screen_.map().notice(), "Nothing here was added since the last scan");
+  screen_.setMeasure({});
+  screen_.prepare();
+  EXPECT_EQ(screen_.map().notice(), "");
+  const auto nothing = std::make_shared<sizewalk::FileTree>();
+  nothing->createRoot("/nothing");
+  screen_.show(nothing);
+  screen_.prepare();
+  EXPECT_EQ(screen_.map().notice(), "This folder is empty");
+  screen_.show(nullptr);
+  screen_.prepare();
+  EXPECT_EQ(screen_.map().notice(), "");
+}
+
 // A tree that grows.
 
 TEST_F(ScanScreenTest, KeepsTheRowUnderThePointerAndTheSelectedOnesWhereTheyAre) {

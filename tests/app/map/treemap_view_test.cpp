@@ -229,6 +229,51 @@ TEST_F(TreemapViewTest, HasARingWhileKeysComeHere) {
   EXPECT_EQ(painted().pixels, plain.pixels);
 }
 
+// Nothing to show.
+
+TEST_F(TreemapViewTest, SaysInItsMiddleThatThereIsNothingToShow) {
+  const auto before = painted();
+  picture_.setMeasure({Measure::AddedLastMonth});
+  view_.setScanStatus({.scanning = true});
+  const auto plain = painted();
+  EXPECT_EQ(view_.notice(), "");
+  view_.setScanStatus({});
+  EXPECT_EQ(view_.notice(), "Nothing here was added in the last month");
+  const auto said = painted();
+  int left = kWindow.w, right = -1, top = kWindow.h, bottom = -1;
+  for (int y = 0; y < kWindow.h; ++y) {
+    for (int x = 0; x < kWindow.w; ++x) {
+      if (said.at(x, y) == plain.at(x, y)) continue;
+      left = std::min(left, x);
+      right = std::max(right, x);
+      top = std::min(top, y);
+      bottom = std::max(bottom, y);
+    }
+  }
+  ASSERT_LT(left, right);
+  EXPECT_NEAR(left - kPlace.x, kPlace.x + kPlace.w - 1 - right, 1);
+  EXPECT_NEAR(top - kPlace.y, kPlace.y + kPlace.h - 1 - bottom, 1);
+  EXPECT_GT(left, kPlace.x) << "in lines that fit";
+  picture_.setMeasure({});
+  EXPECT_EQ(painted().pixels, before.pixels);
+  EXPECT_EQ(view_.notice(), "");
+}
+
+TEST_F(TreemapViewTest, TakesWhatItSaysAlongWhenTheMapMovesAndWrapsItAnew) {
+  picture_.setMeasure({Measure::AddedLastSixMonths});
+  const auto before = painted().part(kPlace.x, kPlace.y, kPlace.w, kPlace.h);
+  const ui::Rect next = {kPlace.x + 30, kPlace.y + 40, kPlace.w, kPlace.h};
+  view_.setRect(next);
+  const auto after = onGround([&](ui::Canvas& canvas) { view_.paint(canvas); });
+  EXPECT_EQ(after.part(next.x, next.y, next.w, next.h), before);
+  for (const ui::Rect& tiny : {ui::Rect{40, 30, 30, 12}, ui::Rect{40, 30, 3, 100}}) {
+    view_.setRect(tiny);
+    const auto picture = painted();
+    EXPECT_EQ(picture.count(without(kGround)), kWindow.w * kWindow.h - tiny.w * tiny.h)
+        << "all of it stays inside the map";
+  }
+}
+
 // Hovering.
 
 TEST_F(TreemapViewTest, TellsWhenThePointerComesOntoAnotherItem) {

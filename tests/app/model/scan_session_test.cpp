@@ -118,6 +118,13 @@ TEST_F(Session, TellsOfTheEndOnce) {
   EXPECT_EQ(session_.path(), folder_);
 }
 
+TEST_F(Session, KnowsWhetherTheFolderWasScannedBefore) {
+  scanToTheEnd(folder_);
+  EXPECT_FALSE(session_.status().scannedBefore);
+  scanToTheEnd(folder_);
+  EXPECT_TRUE(session_.status().scannedBefore);
+}
+
 TEST_F(Session, FollowsTheGrowingTree) {
   HeldFolder held("folder");
   session_.start(folder_);

@@ -1,0 +1,140 @@
+#include "app/map/map_notice.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/app/map/map_tree.h"
+#include "tests/sizewalk/tree_model.h"
+
+namespace app {
+namespace {
+
+using sizewalk::FileTree;
+using sizewalk::kRootNode;
+using sizewalk::NodeId;
+using test::add;
+using test::Listing;
+
+constexpr Measure kMeasures[] = {Measure::CurrentSize, Measure::AddedLastMonth,
+                                 Measure::AddedLastSixMonths, Measure::AddedSinceLastScan};
+
+/// What a map of 200 x 100 of a tree says.
+class MapNoticeTest : public ::testing::Test {
+ protected:
+  MapNoticeTest() {
+    tree_.createRoot("/map");
+    status_.scannedBefore = true;
+  }
+
+  RenderedTreemap draw() const {
+    return renderTreemap(tree_, focus_, 200, 100, KindColours(true), extraBlocks_, measure_);
+  }
+  std::string on(const RenderedTreemap& map) const {
+    return std::string(mapNotice(map, tree_, measure_, status_));
+  }
+  std::string notice() const { return on(draw()); }
+  std::string noticeUnder(Measure measure) {
+    measure_.measure = measure;
+    return notice();
+  }
+
+  FileTree tree_{test::mapTreeOptions()};
+  NodeId focus_ = kRootNode;
+  MeasureSettings measure_;
+  ScanStatus status_;
+  std::vector<ExtraBlock> extraBlocks_;
+};
+
+TEST_F(MapNoticeTest, SaysUnderEachMeasureThatNothingWasAdded) {
+  add(tree_, Listing(0).file("old", 5000, 5000, 1));
+  EXPECT_EQ(noticeUnder(Measure::CurrentSize), "");
+  EXPECT_EQ(noticeUnder(Measure::AddedLastMonth), "Nothing here was added in the last month");
+  EXPECT_EQ(noticeUnder(Measure::AddedLastSixMonths),
+            "Nothing here was added in the last six months");
+  EXPECT_EQ(noticeUnder(Measure::AddedSinceLastScan), "Nothing here was added since the last scan");
+  status_.scannedBefore = false;
+  EXPECT_EQ(noticeUnder(Measure::AddedSinceLastScan), "This folder was not scanned before");
+  EXPECT_EQ(noticeUnder(Measure::AddedLastMonth), "Nothing here was added in the last month");
+}
+
+TEST_F(MapNoticeTest, SaysNothingWhereSomethingIsSeen) {
+  add(tree_, Listing(0).file("new", 5000, 5000, test::kLastScan));
+  for (const Measure measure : kMeasures) EXPECT_EQ(noticeUnder(measure), "");
+}
+
+TEST_F(MapNoticeTest, SaysNothingWhereOnlyFreeSpaceIsSeen) {
+  add(tree_, Listing(0).file("old", 5000, 5000, 1));
+  extraBlocks_ = {{kFreeSpaceBlock, "Free space", 500, 0x2B3648}};
+  EXPECT_EQ(noticeUnder(Measure::AddedLastMonth), "");
+}
+
+TEST_F(MapNoticeTest, SaysThatAFolderIsEmpty) {
+  const auto folders = add(tree_, Listing(0).folder("empty").file("a", 5000, 5000));
+  EXPECT_EQ(notice(), "");
+  focus_ = folders.front();
+  EXPECT_EQ(notice(), "This folder is empty");
+  EXPECT_EQ(noticeUnder(Measure::AddedLastMonth), "Nothing here was added in the last month");
+}
+
+TEST_F(MapNoticeTest, TellsAFolderOfEmptyFilesFromAnEmptyOne) {
+  add(tree_, Listing(0).file("a", 0).file("b", 0));
+  EXPECT_EQ(notice(), "Nothing in this folder takes up space");
+  const NodeId first = tree_.firstChild(kRootNode);
+  tree_.removeSubtree(first);
+  EXPECT_EQ(notice(), "Nothing in this folder takes up space");
+  tree_.removeSubtree(first + 1);
+  EXPECT_EQ(notice(), "This folder is empty") << "all in it waits to be deleted";
+}
+
+TEST_F(MapNoticeTest, SaysThatAFolderCannotBeRead) {
+  const auto folders = add(tree_, Listing(0).folder("locked").file("a", 5000, 5000));
+  add(tree_, Listing(folders.front()).unreadable());
+  focus_ = folders.front();
+  for (const Measure measure : kMeasures) {
+    EXPECT_EQ(noticeUnder(measure), "This folder cannot be read");
+  }
+}
+
+TEST_F(MapNoticeTest, SaysNothingOfADiskThatWasNotEntered) {
+  add(tree_, Listing(0).mountPoint("disk").file("a", 5000, 5000));
+  focus_ = tree_.firstChild(kRootNode);
+  ASSERT_TRUE(tree_.flags(focus_).has(sizewalk::NodeFlag::MountPoint));
+  for (const Measure measure : kMeasures) EXPECT_EQ(noticeUnder(measure), "");
+}
+
+TEST_F(MapNoticeTest, SaysNothingWhileTheScanMayFindSomething) {
+  status_.scanning = true;
+  for (const Measure measure : kMeasures) EXPECT_EQ(noticeUnder(measure), "");
+  add(tree_, Listing(0).file("old", 0, 0, 1));
+  for (const Measure measure : kMeasures) EXPECT_EQ(noticeUnder(measure), "");
+}
+
+TEST_F(MapNoticeTest, SaysNothingOfWhatAStoppedScanHasNotRead) {
+  add(tree_, Listing(0).folder("not read").file("old", 5000, 5000, 1));
+  focus_ = tree_.firstChild(kRootNode);
+  status_.stopped = true;
+  for (const Measure measure : kMeasures) EXPECT_EQ(noticeUnder(measure), "");
+  focus_ = kRootNode;
+  for (const Measure measure : kMeasures) EXPECT_EQ(noticeUnder(measure), "");
+  status_.scannedBefore = false;
+  EXPECT_EQ(noticeUnder(Measure::AddedSinceLastScan), "This folder was not scanned before");
+}
+
+TEST_F(MapNoticeTest, SaysNothingThatTheTreeKnowsBetter) {
+  const RenderedTreemap before = draw();
+  ASSERT_EQ(on(before), "This folder is empty");
+  add(tree_, Listing(0).file("a", 5000, 5000));
+  EXPECT_EQ(on(before), "") << "the next picture shows it";
+}
+
+TEST_F(MapNoticeTest, SaysNothingWithoutAPicture) {
+  EXPECT_EQ(on({}), "");
+  const FileTree none;
+  EXPECT_EQ(mapNotice(renderTreemap(none, 0, 200, 100, KindColours(true), {}, {}), none, {}, {}),
+            "");
+}
+
+}  // namespace
+}  // namespace app
