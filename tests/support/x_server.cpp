@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <fstream>
 #include <stdexcept>
 
 namespace test {
@@ -73,6 +74,13 @@ XServer::XServer(const XServerOptions& options) {
   display_ = ":" + number;
   environment_.set("DISPLAY", display_);
   if (!options.resources.empty()) publishResources(options.resources);
+}
+
+std::size_t XServer::memory() const {
+  std::ifstream statm("/proc/" + std::to_string(pid_) + "/statm");
+  std::size_t pages = 0;
+  if (!(statm >> pages)) throw std::runtime_error("the X server tells no size");
+  return pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
 }
 
 XServer::~XServer() {

@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,8 @@ class XServer {
   /// Such as ":3".
   const std::string& display() const { return display_; }
   pid_t pid() const { return pid_; }
+  /// The size of its address space in bytes, which holds the pixmaps of its clients.
+  std::size_t memory() const;
 
  private:
   void start(const std::vector<std::string>& arguments, int displayPipe);

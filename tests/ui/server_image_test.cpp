@@ -103,6 +103,20 @@ TEST_F(ServerImageTest, TakesAnotherSize) {
   expectShown(drawnAt(5, 5), smaller, {5, 5, 1, 3});
 }
 
+TEST_F(ServerImageTest, GivesTheServerTheMemoryOfEachPictureBack) {
+  constexpr int kPictures = 30;
+  const auto pixels = someColours(1100 * 700);
+  image_.set(pixels, 1000, 700);
+  drawnAt(0, 0);
+  const std::size_t before = server.memory();
+  for (int i = 0; i < kPictures; ++i) {
+    if (i % 2 == 0) image_.clear();
+    image_.set(pixels, 1000 + i, 700);
+  }
+  drawnAt(0, 0);  // waits for the server
+  EXPECT_LT(server.memory(), before + kPictures / 3 * std::size_t{4} * 1000 * 700);
+}
+
 TEST_F(ServerImageTest, TakesOtherPixelsForAPart) {
   const ui::Rect part{4, 3, 10, 5};
   const std::vector<std::uint32_t> red(10 * 5, 0xFF0000);

@@ -215,6 +215,20 @@ TEST_F(WindowTest, ResizedTellsItsSizeAndRepaintsAtThatSize) {
   EXPECT_EQ(capture().height, 120);
 }
 
+TEST_F(WindowTest, GivesTheServerTheMemoryOfEachSizeBack) {
+  constexpr int kSizes = 30;
+  constexpr std::size_t kBuffer = std::size_t{4} * 1000 * 700;
+  show(1000, 700);
+  settle();
+  const std::size_t before = server.memory();
+  for (int i = 1; i <= kSizes; ++i) {
+    other.resizeWindow(window.xid(), 1000 + i, 700);
+    settle();
+    ASSERT_EQ(window.width(), 1000 + i);
+  }
+  EXPECT_LT(server.memory(), before + kSizes / 3 * kBuffer);
+}
+
 TEST_F(WindowTest, OnlyMovedNeitherTellsASizeNorRepaints) {
   show(200, 100);
   settle();

@@ -2,17 +2,14 @@
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
-#include <fstream>
 #include <functional>
 #include <limits>
 #include <memory>
 #include <mutex>
 #include <stdexcept>
-#include <string>
 #include <vector>
 
 #include "app/map/cushion_shading.h"
@@ -159,11 +156,10 @@ TEST_F(TreemapPictureTest, KeepsAPictureDueThatCouldNotBeMade) {
 /// The server has no memory for more than it has.
 class ServerWithoutMemory {
  public:
-  explicit ServerWithoutMemory(pid_t server) : server_(server) {
-    rlimit limit{};
+  explicit ServerWithoutMemory(const test::XServer& server) : server_(server.pid()) {
     prlimit(server_, RLIMIT_AS, nullptr, &usual_);
-    limit = usual_;
-    limit.rlim_cur = addressSpace();
+    rlimit limit = usual_;
+    limit.rlim_cur = server.memory() + kSmallThings;
     prlimit(server_, RLIMIT_AS, &limit, nullptr);
   }
   ~ServerWithoutMemory() { prlimit(server_, RLIMIT_AS, &usual_, nullptr); }
@@ -171,12 +167,7 @@ class ServerWithoutMemory {
   ServerWithoutMemory& operator=(const ServerWithoutMemory&) = delete;
 
  private:
-  rlim_t addressSpace() const {
-    std::ifstream statm("/proc/" + std::to_string(server_) + "/statm");
-    rlim_t pages = 0;
-    statm >> pages;
-    return pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE)) + (1 << 20);
-  }
+  static constexpr rlim_t kSmallThings = 1 << 20;
 
   const pid_t server_;
   rlimit usual_{};
@@ -187,7 +178,7 @@ TEST_F(TreemapPictureTest, SendsAPictureAgainThatTheServerHadNoRoomFor) {
   picture_.setRect(kLarge);
   picture_.show(shownTree_, kRootNode);
   {
-    const ServerWithoutMemory none(server.pid());
+    const ServerWithoutMemory none(server);
     picture_.update();
     ASSERT_EQ(painted().count(kMapBackground), 200 * 100) << "there was room for it";
     EXPECT_TRUE(picture_.due()) << "so that a frame is asked for";
