@@ -28,7 +28,7 @@ using sizewalk::kRootNode;
 using sizewalk::NodeId;
 
 constexpr MeasureSettings kLengths;
-constexpr std::size_t kFolders = 3000;
+constexpr std::size_t kFolders = 20'000;
 
 /// A tree of `kFolders` folders of three folders each, whose files a thread adds, here and there.
 class GrowingTreeTest : public testing::Test {
@@ -105,7 +105,7 @@ TEST_F(GrowingTreeTest, HasItsRowsInOrderWhateverChangedWhileTheyWereSorted) {
   startGrowing();
   writer_.join();
   startChanging();
-  std::vector<FolderRows> all(200);
+  std::vector<FolderRows> all(60);
   for (FolderRows& rows : all) {
     rows.show(&tree_);
     rows.refresh();
