@@ -38,6 +38,11 @@ TEST(CommandFor, KnowsTheShortcuts) {
   EXPECT_EQ(commandOf('w', true), byKey(Action::Close));
 }
 
+TEST(CommandFor, KnowsLettersWithShiftOrCapsLock) {
+  EXPECT_EQ(commandOf('Z', true), byKey(Action::PutBackLast));
+  EXPECT_EQ(commandOf('C', true), byKey(Action::CopyPath));
+}
+
 TEST(CommandFor, TakesLettersInEitherCaseAndTheNumberPad) {
   EXPECT_EQ(commandOf('O', true), byKey(Action::LeaveScan));
   EXPECT_EQ(commandOf(ui::key::kKeypadHome, true), byKey(Action::GoToScannedFolder));

@@ -94,6 +94,21 @@ TEST_F(Controller, RunsAScanToItsEndAndSumsItUp) {
   EXPECT_GE(progressReports_, 1);
 }
 
+TEST_F(Controller, IsUnfinishedWhileAFolderIsReadAgain) {
+  writeFile(dir_ / "held/file", "x");
+  scan(dir_.path());
+  HeldFolder held("held");
+  ASSERT_TRUE(controller_.readAgain(sizewalk::kRootNode));
+  ASSERT_TRUE(held.waitUntilReached());
+  EXPECT_FALSE(controller_.finished());
+  EXPECT_TRUE(controller_.scanning());
+  EXPECT_EQ(controller_.summary().files, 0U) << "there is none yet";
+  EXPECT_FALSE(controller_.readAgain(sizewalk::kRootNode)) << "not before it has ended";
+  held.release();
+  waitForEnd();
+  EXPECT_EQ(controller_.summary().files, 1U);
+}
+
 TEST_F(Controller, SumsUpWhereTheTimeWent) {
   test::makeBushyTree(dir_.path(), 1, 30, 5);
   scan(dir_.path());

@@ -1,10 +1,15 @@
 #include "app/model/scan_turns.h"
 
 #include <gtest/gtest.h>
+#include <sys/types.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <string>
 #include <thread>
+
+#include "tests/support/eventually.h"
+#include "tests/support/waiting_thread.h"
 
 namespace app {
 namespace {
@@ -21,6 +26,41 @@ class ScanTurnsTest : public testing::Test {
   sizewalk::TreeScanner scanner_{sizewalk::ScanOptions()};
 };
 
+/// A scan of the folder whose turn has not come, on a thread of its own.
+class Waiting {
+ public:
+  Waiting(ScanTurns* turns, sizewalk::TreeScanner* scanner)
+      : turns_(*turns), scanner_(*scanner), thread_([this] {
+          id_ = gettid();
+          hasTurn_ = turns_.take(kFolder, scanner_);
+          ended_ = true;
+        }) {}
+  /// Whoever still waits is let go.
+  ~Waiting() {
+    scanner_.cancel();
+    if (!ended_) turns_.giveBack(kFolder);
+    thread_.join();
+  }
+  Waiting(const Waiting&) = delete;
+  Waiting& operator=(const Waiting&) = delete;
+
+  bool waits() const {
+    return test::eventually([&] { return id_ != 0 && test::waits(id_); }) && !ended_;
+  }
+  bool ends() const {
+    return test::eventually([&] { return ended_.load(); });
+  }
+  bool hasTurn() const { return hasTurn_; }
+
+ private:
+  ScanTurns& turns_;
+  sizewalk::TreeScanner& scanner_;
+  std::atomic<pid_t> id_{0};
+  std::atomic<bool> hasTurn_{false};
+  std::atomic<bool> ended_{false};
+  std::thread thread_;  // below what it uses
+};
+
 TEST_F(ScanTurnsTest, HoldNoOtherFolderUp) {
   takeAll();
   EXPECT_TRUE(turns_.take("/other", scanner_));
@@ -28,14 +68,11 @@ TEST_F(ScanTurnsTest, HoldNoOtherFolderUp) {
 
 TEST_F(ScanTurnsTest, ComeWhenOneOfThoseBeforeHasEnded) {
   takeAll();
-  std::atomic<bool> givenBack = false;
-  std::thread next([&] {
-    EXPECT_TRUE(turns_.take(kFolder, scanner_));
-    EXPECT_TRUE(givenBack);
-  });
-  givenBack = true;
+  Waiting next(&turns_, &scanner_);
+  ASSERT_TRUE(next.waits());
   turns_.giveBack(kFolder);
-  next.join();
+  EXPECT_TRUE(next.ends());
+  EXPECT_TRUE(next.hasTurn());
 }
 
 TEST_F(ScanTurnsTest, AreNotTakenByAScanThatWasCancelledBefore) {
@@ -46,10 +83,12 @@ TEST_F(ScanTurnsTest, AreNotTakenByAScanThatWasCancelledBefore) {
 TEST_F(ScanTurnsTest, AreGivenUpByAScanThatIsCancelledWhileItWaits) {
   takeAll();
   sizewalk::TreeScanner waiting{sizewalk::ScanOptions()};
-  std::thread next([&] { EXPECT_FALSE(turns_.take(kFolder, waiting)); });
+  Waiting next(&turns_, &waiting);
+  ASSERT_TRUE(next.waits());
   waiting.cancel();
   turns_.cancelled();
-  next.join();
+  EXPECT_TRUE(next.ends());
+  EXPECT_FALSE(next.hasTurn());
 }
 
 TEST_F(ScanTurnsTest, CanBeTakenOftenOneAfterTheOther) {
