@@ -108,7 +108,6 @@ class NaiveModel {
     };
     nodes[folder].children.clear();
     nodes[folder].read = false;
-    nodes[folder].brokenListing = false;
     std::erase_if(countedAt_, [&](const auto& entry) { return isDropped(entry.second); });
     std::erase_if(displaced_, [&](const auto& entry) {
       return isDropped(entry.second) || countedAt_.try_emplace(entry.first, entry.second).second;
