@@ -310,9 +310,9 @@ TEST(SettingsStore, WaitsForNoDiskThatHangs) {
   store.setBool("B", true);
   EXPECT_FALSE(store.getBool("A", true));
   EXPECT_FALSE(store.awaitSaved(Clock::now()));
-  // The disk comes back, with a file of its own.
-  fs::remove(configuration.file());
-  configuration.write("[Heapgauge]\nC=true\n");
+  // The disk comes back, with a file of its own. At no time there is none.
+  test::writeFile(configuration.home() + "/other", "[Heapgauge]\nC=true\n");
+  fs::rename(configuration.home() + "/other", configuration.file());
   disk.release();
   ASSERT_TRUE(saved(store));
   setAndSave(store, "D", true);
