@@ -227,7 +227,7 @@ bool Window::capture(const std::string& path) const {
                 static_cast<unsigned>(height_), AllPlanes, ZPixmap));
   if (!image) return false;
   return writePpm(path, width_, height_, connection_.native().pixelFormat,
-                  [&](int x, int y) { return XGetPixel(image.get(), x, y); });
+                  [image = image.get()](int x, int y) { return XGetPixel(image, x, y); });
 }
 
 }  // namespace ui

@@ -8,11 +8,20 @@
 
 namespace test {
 
-std::uint32_t Picture::at(int x, int y) const {
-  if (x < 0 || y < 0 || x >= width || y >= height) throw std::runtime_error("outside the picture");
-  return pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
-                static_cast<std::size_t>(x)];
+namespace {
+
+/// The index of a pixel. Throws std::runtime_error outside the picture.
+std::size_t indexIn(const Picture& picture, int x, int y) {
+  if (x < 0 || y < 0 || x >= picture.width || y >= picture.height) {
+    throw std::runtime_error("outside the picture");
+  }
+  return static_cast<std::size_t>(y) * static_cast<std::size_t>(picture.width) +
+         static_cast<std::size_t>(x);
 }
+
+}  // namespace
+
+std::uint32_t Picture::at(int x, int y) const { return pixels[indexIn(*this, x, y)]; }
 
 long Picture::count(std::uint32_t rgb) const {
   return static_cast<long>(std::count(pixels.begin(), pixels.end(), rgb));
@@ -20,8 +29,10 @@ long Picture::count(std::uint32_t rgb) const {
 
 Picture Picture::part(int x, int y, int w, int h) const {
   Picture part{w, h, {}};
-  for (int row = y; row < y + h; ++row) {
-    for (int column = x; column < x + w; ++column) part.pixels.push_back(at(column, row));
+  for (int row = y; row < y + h && w > 0; ++row) {
+    const std::uint32_t* first = &pixels[indexIn(*this, x, row)];
+    const std::uint32_t* last = &pixels[indexIn(*this, x + w - 1, row)];
+    part.pixels.insert(part.pixels.end(), first, last + 1);
   }
   return part;
 }
@@ -38,11 +49,11 @@ Picture readPpm(const std::string& path) {
   const auto count =
       static_cast<std::size_t>(picture.width) * static_cast<std::size_t>(picture.height);
   if (bytes.size() != header + count * 3) throw std::runtime_error("wrong length of a PPM");
-  for (std::size_t i = header; i < bytes.size(); i += 3) {
-    const auto byte = [&](std::size_t k) {
-      return std::uint32_t{static_cast<unsigned char>(bytes[i + k])};
-    };
-    picture.pixels.push_back(byte(0) << 16 | byte(1) << 8 | byte(2));
+  picture.pixels.resize(count);
+  const auto* samples = reinterpret_cast<const unsigned char*>(bytes.data() + header);
+  for (std::uint32_t& pixel : picture.pixels) {
+    pixel = std::uint32_t{samples[0]} << 16 | std::uint32_t{samples[1]} << 8 | samples[2];
+    samples += 3;
   }
   return picture;
 }

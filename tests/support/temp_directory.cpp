@@ -6,8 +6,9 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 #include <system_error>
+#include <utility>
 
 namespace test {
 
@@ -54,7 +55,9 @@ void writeSparseFile(const std::string& path, std::uint64_t length) {
 std::string readFile(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   if (!file) fail(path);
-  return {std::istreambuf_iterator<char>(file), {}};
+  std::ostringstream bytes;
+  bytes << file.rdbuf();
+  return std::move(bytes).str();
 }
 
 void makeDirectory(const std::string& path) { fs::create_directories(path); }
