@@ -7,6 +7,9 @@ namespace ui {
 /// 0xAARRGGBB, not premultiplied; an alpha of 0xFF is opaque, 0 invisible.
 using Colour = std::uint32_t;
 
+/// The alpha of a colour that hides what is below it.
+inline constexpr Colour kOpaque = 0xFF000000;
+
 constexpr std::uint32_t alphaOf(Colour colour) { return colour >> 24; }
 
 /// A colour as XRender takes it: 16 bits a channel, the colour channels multiplied by alpha.

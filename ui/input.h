@@ -8,6 +8,13 @@ namespace ui {
 /// What the pointer looks like.
 enum class PointerShape : int { Arrow = 0, Hand = 1, ResizeHorizontal = 2, ResizeVertical = 3 };
 
+/// X's numbers of the buttons that choose, and open a context menu.
+inline constexpr int kPrimaryButton = 1;
+inline constexpr int kSecondaryButton = 3;
+
+/// X's key symbol of the space bar.
+inline constexpr unsigned long kSpaceKey = ' ';
+
 /// Something the pointer did.
 struct MouseEvent {
   /// Position in window pixels.

@@ -11,7 +11,6 @@ namespace app {
 
 namespace {
 
-constexpr int kPrimaryButton = 1;
 constexpr std::size_t kMostMessageLines = 4;
 
 // Logical pixels.
@@ -186,7 +185,7 @@ void AboutDialog::tick(std::int64_t nowMs) {
 
 void AboutDialog::press(const ui::MouseEvent& event) {
   pointer_ = event;
-  if (event.button != kPrimaryButton) return;
+  if (event.button != ui::kPrimaryButton) return;
   if (scroller_.press(event.x, event.y)) {
     changed();
     return;
@@ -209,7 +208,7 @@ void AboutDialog::motion(const ui::MouseEvent& event) {
 }
 
 void AboutDialog::release(const ui::MouseEvent& event) {
-  if (event.button == kPrimaryButton) scroller_.release();
+  if (event.button == ui::kPrimaryButton) scroller_.release();
   ui::Dialog::release(event);
 }
 

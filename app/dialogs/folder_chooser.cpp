@@ -13,14 +13,13 @@ namespace app {
 
 namespace {
 
-constexpr int kPrimaryButton = 1;
 /// A folder that has not answered by then is said to be waited for.
 constexpr std::int64_t kSlowMs = 300;
 
 // Logical pixels.
 constexpr double kWidth = 720;
 constexpr double kHeight = 480;
-constexpr double kGap = 8;
+constexpr double kChooserGap = 8;
 constexpr double kPlacesWidth = 170;
 constexpr double kBoxRadius = 5;
 constexpr double kBoxExtraHeight = 10;  // of the path, over its text
@@ -98,7 +97,7 @@ ui::Rect FolderChooser::wantedPanel(int /*width*/, int /*height*/) const {
 }
 
 void FolderChooser::layOutContent(const ui::Rect& content) {
-  const int gap = style().scaled(kGap);
+  const int gap = style().scaled(kChooserGap);
   heading_ = {content.x, content.y, content.w, style().heading().height};
   const int pathTop = heading_.y + heading_.h + gap;
   const int pathHeight = style().lineHeight() + style().scaled(kBoxExtraHeight);
@@ -123,7 +122,7 @@ ui::PressTracker::Control FolderChooser::controlAt(int x, int y) const {
 // The pointer.
 
 void FolderChooser::press(const ui::MouseEvent& event) {
-  if (event.button == kPrimaryButton && pressColumns(event)) {
+  if (event.button == ui::kPrimaryButton && pressColumns(event)) {
     listColumn_.forgetTyped();
   } else {
     ui::Dialog::press(event);

@@ -12,15 +12,14 @@ namespace {
 
 constexpr std::string_view kHeading = "Settings";
 constexpr ui::Colour kKnob = 0xFFFFFFFF;
-constexpr int kPrimaryButton = 1;
 
 // Points.
 constexpr double kSmallSize = 8.5;
 
 // Logical pixels.
-constexpr double kPanelWidth = 520;
-constexpr double kFrame = 2 * 12;  // margin of the panel, both sides
-constexpr double kHeadingGap = 8;
+constexpr double kSettingsWidth = 520;
+constexpr double kSettingsFrame = 2 * 12;  // margin of the panel, both sides
+constexpr double kTitleGap = 8;
 constexpr double kRowRadius = 6;
 constexpr double kRowPadding = 10;
 constexpr double kRowPaddingAbove = 6;  // and below
@@ -28,8 +27,8 @@ constexpr double kSwitchGap = 16;
 constexpr double kSwitchWidth = 36;
 constexpr double kSwitchHeight = 20;
 constexpr double kKnobGap = 2;
-constexpr double kBarGap = 4;
-constexpr double kWheelStep = 48;
+constexpr double kScrollBarGap = 4;
+constexpr double kSettingsWheelStep = 48;
 
 int heightOf(const auto& places) {
   return places.empty() ? 0 : places.back().top + places.back().height;
@@ -51,7 +50,7 @@ SettingsDialog::SettingsDialog(ui::Connection& connection, const ui::Style& styl
 // Places.
 
 int SettingsDialog::headingHeight() const {
-  return style().heading().height + style().scaled(kHeadingGap);
+  return style().heading().height + style().scaled(kTitleGap);
 }
 
 int SettingsDialog::explanationWidth(int rowWidth) const {
@@ -77,7 +76,7 @@ std::vector<SettingsDialog::RowPlace> SettingsDialog::rowPlaces(int width) const
 }
 
 ui::Rect SettingsDialog::wantedPanel(int width, int /*height*/) const {
-  const int w = std::min(style().scaled(kPanelWidth), width - style().scaled(kFrame));
+  const int w = std::min(style().scaled(kSettingsWidth), width - style().scaled(kSettingsFrame));
   const int rows = heightOf(rowPlaces(w - 2 * padding()));
   return {0, 0, w, headingHeight() + rows + buttonRowHeight() + 2 * padding()};
 }
@@ -88,7 +87,7 @@ void SettingsDialog::layOutContent(const ui::Rect& content) {
   const ui::Rect list = {content.x, content.y + above, content.w, std::max(0, content.h - above)};
   places_ = rowPlaces(content.w);
   if (heightOf(places_) > list.h) {
-    places_ = rowPlaces(content.w - ui::Scroller::kBarWidth - style().scaled(kBarGap));
+    places_ = rowPlaces(content.w - ui::Scroller::kBarWidth - style().scaled(kScrollBarGap));
   }
   scroller_.setView(list);
   scroller_.setContentHeight(heightOf(places_));
@@ -97,7 +96,7 @@ void SettingsDialog::layOutContent(const ui::Rect& content) {
 
 ui::Rect SettingsDialog::rowRect(std::size_t row) const {
   const ui::Rect& list = scroller_.view();
-  const int bar = scroller_.hasBar() ? scroller_.barWidth() + style().scaled(kBarGap) : 0;
+  const int bar = scroller_.hasBar() ? scroller_.barWidth() + style().scaled(kScrollBarGap) : 0;
   const RowPlace& place = places_[row];
   return {list.x, list.y + place.top - scroller_.offset(), list.w - bar, place.height};
 }
@@ -138,7 +137,7 @@ void SettingsDialog::settingsChanged() {
 }
 
 void SettingsDialog::press(const ui::MouseEvent& event) {
-  if (event.button == kPrimaryButton && scroller_.press(event.x, event.y)) {
+  if (event.button == ui::kPrimaryButton && scroller_.press(event.x, event.y)) {
     changed();
   } else {
     ui::Dialog::press(event);
@@ -155,7 +154,7 @@ void SettingsDialog::motion(const ui::MouseEvent& event) {
 }
 
 void SettingsDialog::release(const ui::MouseEvent& event) {
-  if (event.button == kPrimaryButton) scroller_.release();
+  if (event.button == ui::kPrimaryButton) scroller_.release();
   ui::Dialog::release(event);
 }
 
@@ -165,7 +164,7 @@ void SettingsDialog::leave() {
 }
 
 void SettingsDialog::wheel(const ui::MouseEvent& /*event*/, int dy) {
-  scroller_.scrollBy(dy * style().scaled(kWheelStep));
+  scroller_.scrollBy(dy * style().scaled(kSettingsWheelStep));
   hoverAnew();
   changed();
 }

@@ -4,10 +4,6 @@
 
 namespace app {
 
-namespace {
-constexpr int kPrimaryButton = 1;
-}
-
 void Divider::setPanes(Direction direction, const ui::Rect& before, const ui::Rect& after) {
   direction_ = direction;
   before_ = before;
@@ -19,7 +15,7 @@ void Divider::moveTo(std::optional<double> share) const {
 }
 
 void Divider::press(const ui::MouseEvent& event) {
-  if (event.button != kPrimaryButton) return;
+  if (event.button != ui::kPrimaryButton) return;
   if (event.clicks == 2) {
     grabbedAt_.reset();
     moveTo(std::nullopt);
@@ -36,7 +32,7 @@ void Divider::motion(const ui::MouseEvent& event) {
 }
 
 void Divider::release(const ui::MouseEvent& event) {
-  if (event.button == kPrimaryButton) grabbedAt_.reset();
+  if (event.button == ui::kPrimaryButton) grabbedAt_.reset();
 }
 
 ui::PointerShape Divider::pointer() const {

@@ -15,8 +15,6 @@ namespace {
 constexpr std::int64_t kUndeleteAll = -1;
 constexpr std::int64_t kDeleteNow = -2;
 
-constexpr unsigned long kSpace = ' ';
-
 std::int64_t controlOf(const PendingRow& row) { return static_cast<std::int64_t>(row.id); }
 
 }  // namespace
@@ -119,7 +117,7 @@ void PendingPanel::act(Control control) {
 bool PendingPanel::key(const ui::KeyEvent& event) {
   if (rows_.empty() || event.ctrl) return false;
   const unsigned long keysym = ui::key::plain(event.keysym);
-  if (keysym == ui::key::kReturn || keysym == kSpace) {
+  if (keysym == ui::key::kReturn || keysym == ui::kSpaceKey) {
     act(current_);
     return true;
   }

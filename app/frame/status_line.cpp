@@ -11,7 +11,7 @@ namespace {
 
 // Logical pixels.
 constexpr double kPadding = 8;
-constexpr double kGap = 24;
+constexpr double kPathGap = 24;
 /// Less room than for a few characters: a path cut down to that tells nothing.
 constexpr double kLeastRightWidth = 48;
 
@@ -26,7 +26,7 @@ StatusLayout layOutStatus(const std::string& left, const std::string& right, con
   if (!left.empty()) {
     const int width = std::min(measure(left), room.w);
     layout.left = {room.x, room.y, width, room.h};
-    taken = width + ui::scaled(kGap, scale);
+    taken = width + ui::scaled(kPathGap, scale);
   }
   const int free = room.w - taken;
   const int wanted = right.empty() ? 0 : measure(right);

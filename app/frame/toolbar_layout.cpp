@@ -9,12 +9,12 @@ namespace app {
 namespace {
 
 // Logical pixels.
-constexpr double kPadding = 8;
+constexpr double kToolRowPadding = 8;
 constexpr double kTextPadding = 20;  // of a button around its text, both sides together
 
 // Device pixels: gaps that stay as thin on large screens.
-constexpr int kGap = 6;
-constexpr int kButtonExtraHeight = 6;
+constexpr int kToolbarGap = 6;
+constexpr int kToolButtonExtraHeight = 6;
 constexpr int kGlyphExtraWidth = 10;
 
 /// Hands out places from left to right.
@@ -25,7 +25,7 @@ class Lane {
 
   ui::Rect take(int width) {
     const ui::Rect place = {next_, y_, width, height_};
-    next_ += width + kGap;
+    next_ += width + kToolbarGap;
     return place;
   }
   ui::Rect at(int x, int width) const { return {x, y_, width, height_}; }
@@ -64,9 +64,9 @@ ui::Rect ToolbarLayout::place(Action action) const {
 
 ToolbarLayout layOutToolbar(const ToolbarState& state, const ui::Rect& bar, int lineHeight,
                             double scale, const std::function<int(std::string_view)>& measureText) {
-  const int padding = ui::scaled(kPadding, scale);
+  const int padding = ui::scaled(kToolRowPadding, scale);
   const int glyphWidth = lineHeight + kGlyphExtraWidth;
-  Lane lane(bar, lineHeight + kButtonExtraHeight, bar.x + padding);
+  Lane lane(bar, lineHeight + kToolButtonExtraHeight, bar.x + padding);
   ToolbarLayout layout;
   const int menuLeft = bar.x + bar.w - padding - glyphWidth;
   layout.buttons.push_back({Action::OpenApplicationMenu,
@@ -87,7 +87,7 @@ ToolbarLayout layOutToolbar(const ToolbarState& state, const ui::Rect& bar, int 
   add(Action::OpenMeasureMenu, true);
   if (!shown) return layout;
 
-  layout.breadcrumb = lane.at(lane.next(), std::max(menuLeft - kGap - lane.next(), 0));
+  layout.breadcrumb = lane.at(lane.next(), std::max(menuLeft - kToolbarGap - lane.next(), 0));
   if (!layout.breadcrumb.empty()) {
     layout.segments = breadcrumb(*state.tree, state.focus, layout.breadcrumb.w, measureText);
   }

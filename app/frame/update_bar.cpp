@@ -14,17 +14,15 @@ constexpr std::int64_t kDownload = 0;
 constexpr std::int64_t kDismiss = 1;
 constexpr char kDismissText[] = "✕";
 
-constexpr unsigned long kSpace = ' ';
-
 // How much of the accent colour the ground has, so that the line is not taken for a toolbar.
 constexpr double kTint = 0.14;
 
 // Logical pixels.
-constexpr double kPadding = 10;      // at both ends
+constexpr double kBarPadding = 10;   // at both ends
 constexpr double kPaddingAbove = 4;  // and below
-constexpr double kGap = 8;
-constexpr double kButtonPadding = 20;  // around a text, both sides together
-constexpr double kButtonExtraHeight = 6;
+constexpr double kBarGap = 8;
+constexpr double kBarButtonPadding = 20;  // around a text, both sides together
+constexpr double kBarButtonExtraHeight = 6;
 
 }  // namespace
 
@@ -41,17 +39,17 @@ void UpdateBar::setMessage(const std::optional<std::string>& message) {
 
 int UpdateBar::wantedHeight() const {
   if (!message_) return 0;
-  return style_.lineHeight() + style_.scaled(kButtonExtraHeight) +
+  return style_.lineHeight() + style_.scaled(kBarButtonExtraHeight) +
          2 * style_.scaled(kPaddingAbove) + 1;
 }
 
 void UpdateBar::layOut() {
   const ui::Rect& bar = rect();
-  const int gap = style_.scaled(kGap);
-  const int height = style_.lineHeight() + style_.scaled(kButtonExtraHeight);
+  const int gap = style_.scaled(kBarGap);
+  const int height = style_.lineHeight() + style_.scaled(kBarButtonExtraHeight);
   const int y = bar.y + style_.scaled(kPaddingAbove);
-  const int left = bar.x + style_.scaled(kPadding);
-  int right = bar.x + bar.w - style_.scaled(kPadding);
+  const int left = bar.x + style_.scaled(kBarPadding);
+  int right = bar.x + bar.w - style_.scaled(kBarPadding);
   const auto takeFromRight = [&](int width) {
     const int w = std::clamp(width, 0, std::max(0, right - left));
     right -= w;
@@ -60,7 +58,8 @@ void UpdateBar::layOut() {
     return taken;
   };
   dismissRect_ = takeFromRight(height);
-  downloadRect_ = takeFromRight(style_.textWidth(kDownloadLabel) + style_.scaled(kButtonPadding));
+  downloadRect_ =
+      takeFromRight(style_.textWidth(kDownloadLabel) + style_.scaled(kBarButtonPadding));
   messageRect_ = {left, y, std::max(0, right - left), height};
 }
 
@@ -89,7 +88,7 @@ bool UpdateBar::key(const ui::KeyEvent& event) {
       current_ = kDismiss;
       break;
     case ui::key::kReturn:
-    case kSpace:
+    case ui::kSpaceKey:
       act(current_);
       return true;
     default:

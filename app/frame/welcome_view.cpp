@@ -12,9 +12,6 @@ namespace app {
 
 namespace {
 
-constexpr int kPrimaryButton = 1;
-constexpr unsigned long kSpace = ' ';
-
 // Device pixels at every scale.
 constexpr int kCardRadius = 8;
 constexpr int kTrackRadius = 3;
@@ -93,7 +90,7 @@ ui::PressTracker::Control WelcomeView::controlAt(int x, int y) const {
 }
 
 void WelcomeView::press(const ui::MouseEvent& event) {
-  if (event.button != kPrimaryButton) return;
+  if (event.button != ui::kPrimaryButton) return;
   pointer_ = event;
   if (scroller_.press(event.x, event.y)) return changed();
   if (presses_.press(controlAt(event.x, event.y))) changed();
@@ -106,8 +103,8 @@ void WelcomeView::motion(const ui::MouseEvent& event) {
 }
 
 void WelcomeView::release(const ui::MouseEvent& event) {
-  if (event.button == kPrimaryButton) scroller_.release();
-  if (event.button != kPrimaryButton || !presses_.holding()) return;
+  if (event.button == ui::kPrimaryButton) scroller_.release();
+  if (event.button != ui::kPrimaryButton || !presses_.holding()) return;
   const auto control = presses_.release(controlAt(event.x, event.y));
   changed();
   if (control) act(*control);
@@ -149,7 +146,7 @@ bool WelcomeView::key(const ui::KeyEvent& event) {
       changed();
       return true;
     case ui::key::kReturn:
-    case kSpace:
+    case ui::kSpaceKey:
       if (focusedControl_) act(*focusedControl_);
       return focusedControl_.has_value();
     default:

@@ -12,11 +12,6 @@ namespace app {
 using sizewalk::kRootNode;
 using sizewalk::NodeId;
 
-namespace {
-constexpr int kPrimaryButton = 1;
-constexpr ui::Colour kOpaque = 0xFF000000;
-}  // namespace
-
 FolderList::FolderList(const ui::Style& style, const KindColours* colours, Selection& selection)
     : ui::RowList(style), colours_(colours), selection_(selection) {}
 
@@ -170,7 +165,7 @@ void FolderList::paintRow(ui::Canvas& canvas, std::size_t row, const ui::Rect& /
   const std::string name = displayName(tree_->name(node));
   const std::string size = formatSize(measureValue(*tree_, node, measure_));
   FolderRowLook look = {rows_.rows()[row], std::nullopt, name, size, isSelected(row)};
-  if (colours_) look.swatch = kOpaque | colours_->colourForKind(tree_->kind(node));
+  if (colours_) look.swatch = ui::kOpaque | colours_->colourForKind(tree_->kind(node));
   paintFolderRow(canvas, style(), placesOf(row), look);
 }
 
@@ -242,9 +237,9 @@ void FolderList::press(const ui::MouseEvent& event) {
   if (pressBar(event)) return;
   const auto row = rowAt(event.x, event.y);
   if (!row) return;
-  if (event.button == 3) {
+  if (event.button == ui::kSecondaryButton) {
     pressSecondary(*row, event);
-  } else if (event.button == kPrimaryButton) {
+  } else if (event.button == ui::kPrimaryButton) {
     const NodeId node = nodeAt(*row);
     pressRow(*row, event);
     if (event.clicks == 2 && pressed_ == node && pressedBefore == node && onActivate) {

@@ -15,18 +15,15 @@ namespace app {
 namespace {
 
 // Device pixels.
-constexpr int kSwatchPlace = 8;
-constexpr int kNamePlace = 24;
-constexpr int kSwatchSize = 9;
+constexpr int kTableSwatchPlace = 8;
+constexpr int kTableNamePlace = 24;
+constexpr int kTableSwatchSize = 9;
 constexpr int kMargin = 8;
 
 // At a row height of 22.
 constexpr double kFilesWidth = 70;
 constexpr double kSizeWidth = 90;
 constexpr double kUsualRowHeight = 22;
-
-constexpr int kPrimaryButton = 1;
-constexpr ui::Colour kOpaque = 0xFF000000;
 
 ui::Rect withRow(const ui::Rect& column, const ui::Rect& row) {
   return {column.x, row.y, column.w, row.h};
@@ -40,8 +37,8 @@ KindColumns kindColumns(int left, int right, int rowHeight) {
   const int sizeWidth = static_cast<int>(std::lround(kSizeWidth * scale));
   const int filesX = right - filesWidth - kMargin;
   const int sizeX = filesX - sizeWidth;
-  const int nameX = left + kNamePlace;
-  return {left + kSwatchPlace,
+  const int nameX = left + kTableNamePlace;
+  return {left + kTableSwatchPlace,
           {nameX, 0, sizeX - nameX - kMargin, 0},
           {sizeX, 0, sizeWidth - kMargin, 0},
           {filesX, 0, filesWidth, 0}};
@@ -129,8 +126,8 @@ void KindsTable::paintRow(ui::Canvas& canvas, std::size_t row, const ui::Rect& p
   const KindRow& kind = rows_[row];
   const KindColumns places = columns();
   if (colours_) {
-    canvas.fillRect({places.swatchX, place.y + place.h / 2 - 4, kSwatchSize, kSwatchSize},
-                    kOpaque | colours_->colourForKind(kind.kind));
+    canvas.fillRect({places.swatchX, place.y + place.h / 2 - 4, kTableSwatchSize, kTableSwatchSize},
+                    ui::kOpaque | colours_->colourForKind(kind.kind));
   }
   const ui::Palette& palette = style().palette();
   const ui::Colour colour = isSelected(row) ? palette.accentText : palette.text;
@@ -157,7 +154,7 @@ std::optional<std::size_t> KindsTable::find(std::optional<sizewalk::KindIndex> k
 // The pointer.
 
 void KindsTable::press(const ui::MouseEvent& event) {
-  if (event.button != kPrimaryButton || !rect().contains(event.x, event.y)) return;
+  if (event.button != ui::kPrimaryButton || !rect().contains(event.x, event.y)) return;
   if (event.y < view().y) {
     pressHeader(event.x);
   } else if (const auto row = rowAt(event.x, event.y)) {

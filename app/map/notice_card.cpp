@@ -13,7 +13,7 @@ namespace {
 constexpr double kPaddingAcross = 16;
 constexpr double kPaddingDown = 10;
 constexpr double kMargin = 12;
-constexpr double kRadius = 6;
+constexpr double kNoticeRadius = 6;
 
 }  // namespace
 
@@ -45,7 +45,7 @@ void NoticeCard::paint(ui::Canvas& canvas) const {
   if (rect_.empty()) return;
   const ui::Palette& palette = style_.palette();
   canvas.pushClip(bounds_);
-  const int radius = style_.scaled(kRadius);
+  const int radius = style_.scaled(kNoticeRadius);
   canvas.fillRoundRect(rect_, radius, palette.border);
   canvas.fillRoundRect({rect_.x + 1, rect_.y + 1, rect_.w - 2, rect_.h - 2}, radius - 1,
                        palette.view);

@@ -11,7 +11,6 @@
 namespace app {
 
 namespace {
-constexpr ui::Colour kOpaque = 0xFF000000;
 /// With more of them changed than this the whole picture is sent.
 constexpr std::size_t kMostBands = 100;
 /// After as many the picture is made on the spot, in the memory of the last one.
@@ -241,7 +240,7 @@ void TreemapPicture::sendPart(const ui::Rect& part) {
 
 void TreemapPicture::paint(ui::Canvas& canvas) const {
   if (image_.width() != rect_.w || image_.height() != rect_.h) {
-    canvas.fillRect(rect_, kOpaque | kMapBackground);
+    canvas.fillRect(rect_, ui::kOpaque | kMapBackground);
     return;
   }
   image_.draw(canvas, rect_.x, rect_.y);

@@ -10,8 +10,6 @@ namespace ui {
 namespace {
 
 constexpr Colour kDim = 0x66000000;
-constexpr int kPrimaryButton = 1;
-constexpr unsigned long kSpace = ' ';
 
 // Logical pixels.
 constexpr double kRadius = 10;
@@ -130,7 +128,7 @@ bool Dialog::key(const KeyEvent& event) {
     case key::kReturn:
       if (!actOn(focusedControl_)) actOnDefault();
       break;
-    case kSpace:
+    case kSpaceKey:
       actOn(focusedControl_);
       break;
     case key::kEscape:

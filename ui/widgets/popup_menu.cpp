@@ -13,12 +13,10 @@ namespace ui {
 namespace {
 
 constexpr std::string_view kTick = "✓";
-constexpr int kPrimaryButton = 1;
-constexpr unsigned long kSpace = ' ';
 
 // Logical pixels.
-constexpr double kRadius = 6;
-constexpr double kPadding = 4;  // between the outline and the entries
+constexpr double kMenuRadius = 6;
+constexpr double kMenuPadding = 4;  // between the outline and the entries
 constexpr double kEntryRadius = 4;
 constexpr double kEntryExtraHeight = 4;  // above that of a row
 constexpr double kTextPadding = 12;
@@ -63,7 +61,7 @@ int PopupMenu::wantedWidth() const {
   for (const MenuEntry& entry : entries_) {
     widest = std::max(widest, style_.textWidth(entry.label));
   }
-  const int around = 2 * (style_.scaled(kTextPadding) + style_.scaled(kPadding));
+  const int around = 2 * (style_.scaled(kTextPadding) + style_.scaled(kMenuPadding));
   return std::max(widest + tickWidth() + around, style_.scaled(kLeastWidth));
 }
 
@@ -71,7 +69,7 @@ void PopupMenu::layOut() {
   const int windowWidth = rect().w;
   const int windowHeight = rect().h;
   const int margin = style_.scaled(kWindowMargin);
-  const int inner = style_.scaled(kPadding);
+  const int inner = style_.scaled(kMenuPadding);
   const int content = contentHeight();
   const int h = std::clamp(content + 2 * inner, 1, std::max(1, windowHeight - 2 * margin));
   const int bar = content + 2 * inner > h ? Scroller::kBarWidth : 0;
@@ -178,7 +176,7 @@ bool PopupMenu::key(const KeyEvent& event) {
       close();
       return true;
     case key::kReturn:
-    case kSpace:
+    case kSpaceKey:
       if (current_) choose(*current_);
       return true;
     default:
@@ -190,7 +188,7 @@ bool PopupMenu::key(const KeyEvent& event) {
 
 void PopupMenu::paint(Canvas& canvas) const {
   const Palette& palette = style_.palette();
-  fillOutlined(canvas, panel_, style_.scaled(kRadius), 1, palette.border, palette.view);
+  fillOutlined(canvas, panel_, style_.scaled(kMenuRadius), 1, palette.border, palette.view);
   canvas.pushClip(scroller_.view());
   for (std::size_t i = 0; i < entries_.size(); ++i) paintEntry(canvas, i);
   canvas.popClip();

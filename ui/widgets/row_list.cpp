@@ -8,7 +8,6 @@ namespace ui {
 
 namespace {
 constexpr int kWheelRows = 3;
-constexpr int kPrimaryButton = 1;
 }  // namespace
 
 // Rows and places.
