@@ -10,12 +10,12 @@
 namespace app {
 namespace {
 
-using Action = CommandLine::Action;
+using Answer = CommandLine::Action;
 
 CommandLine parse(const std::vector<const char*>& arguments) { return parseCommandLine(arguments); }
 
 void expectDefaults(const CommandLine& line) {
-  EXPECT_EQ(line.action, Action::Run);
+  EXPECT_EQ(line.action, Answer::Run);
   EXPECT_EQ(line.path, "");
   EXPECT_EQ(line.capturePath, "");
   EXPECT_EQ(line.captureDelay, 1.0);
@@ -27,7 +27,7 @@ TEST(ParseCommandLine, RunsWithoutArguments) { expectDefaults(parse({})); }
 
 TEST(ParseCommandLine, TakesAPath) {
   const CommandLine line = parse({"/tmp"});
-  EXPECT_EQ(line.action, Action::Run);
+  EXPECT_EQ(line.action, Answer::Run);
   EXPECT_EQ(line.path, "/tmp");
   EXPECT_EQ(line.capturePath, "");
 }
@@ -56,31 +56,31 @@ TEST(ParseCommandLine, AcceptsOptionsByTheirWholeTextOnly) {
 }
 
 TEST(ParseCommandLine, AnswersVersion) {
-  EXPECT_EQ(parse({"--version"}).action, Action::PrintVersion);
-  EXPECT_EQ(parse({"/tmp", "--version"}).action, Action::PrintVersion);
+  EXPECT_EQ(parse({"--version"}).action, Answer::PrintVersion);
+  EXPECT_EQ(parse({"/tmp", "--version"}).action, Answer::PrintVersion);
 }
 
 TEST(ParseCommandLine, AnswersHelp) {
-  EXPECT_EQ(parse({"--help"}).action, Action::PrintUsage);
-  EXPECT_EQ(parse({"-h"}).action, Action::PrintUsage);
+  EXPECT_EQ(parse({"--help"}).action, Answer::PrintUsage);
+  EXPECT_EQ(parse({"-h"}).action, Answer::PrintUsage);
 }
 
 TEST(ParseCommandLine, StopsAtTheFirstQuestion) {
-  EXPECT_EQ(parse({"--version", "--help"}).action, Action::PrintVersion);
-  EXPECT_EQ(parse({"-h", "--version"}).action, Action::PrintUsage);
+  EXPECT_EQ(parse({"--version", "--help"}).action, Answer::PrintVersion);
+  EXPECT_EQ(parse({"-h", "--version"}).action, Answer::PrintUsage);
   EXPECT_EQ(parse({"--help", "/tmp"}).path, "");
 }
 
 TEST(ParseCommandLine, TakesACaptureFile) {
   const CommandLine line = parse({"--capture", "out.ppm", "/tmp"});
-  EXPECT_EQ(line.action, Action::Run);
+  EXPECT_EQ(line.action, Answer::Run);
   EXPECT_EQ(line.capturePath, "out.ppm");
   EXPECT_EQ(line.path, "/tmp");
   EXPECT_EQ(line.captureDelay, 1.0);
 }
 
 TEST(ParseCommandLine, TakesWhateverFollowsCaptureAsItsFile) {
-  EXPECT_EQ(parse({"--capture", "--version"}).action, Action::Run);
+  EXPECT_EQ(parse({"--capture", "--version"}).action, Answer::Run);
   EXPECT_EQ(parse({"--capture", "--version"}).capturePath, "--version");
   EXPECT_EQ(parse({"--capture", "--capture-after", "3"}).capturePath, "--capture-after");
   EXPECT_EQ(parse({"--capture", "--capture-after", "3"}).path, "3");
@@ -89,7 +89,7 @@ TEST(ParseCommandLine, TakesWhateverFollowsCaptureAsItsFile) {
 
 TEST(ParseCommandLine, AnswersVersionAfterACaptureFile) {
   const CommandLine line = parse({"--capture", "out.ppm", "--version"});
-  EXPECT_EQ(line.action, Action::PrintVersion);
+  EXPECT_EQ(line.action, Answer::PrintVersion);
   EXPECT_EQ(line.capturePath, "out.ppm");
 }
 
@@ -118,7 +118,7 @@ TEST(ParseCommandLine, TakesADelayThatIsNoNumberForZero) {
 
 TEST(ParseCommandLine, ConsumesTheValueOfTheDelay) {
   EXPECT_EQ(parse({"--capture-after", "/tmp"}).path, "");
-  EXPECT_EQ(parse({"--capture-after", "--help"}).action, Action::Run);
+  EXPECT_EQ(parse({"--capture-after", "--help"}).action, Answer::Run);
 }
 
 TEST(CommandLineTexts, GiveTheVersion) { EXPECT_EQ(versionText(), "1.1.1\n"); }

@@ -1,5 +1,6 @@
 // The main window under real keys and presses, which a second client makes.
 
+#include <array>
 #include <atomic>
 #include <string>
 #include <thread>
@@ -118,7 +119,7 @@ TEST_F(MainWindowInputTest, ShowsTheMeasureOfAKey) {
   window_->scanPath(folder_);
   runWith([&](WindowUser& user) {
     ASSERT_TRUE(user.comesToTheWholeMap());
-    for (const unsigned long digit : {'2', '3', '4', '1'}) {
+    for (const unsigned long digit : std::array<unsigned long, 4>{'2', '3', '4', '1'}) {
       const Pixels before = user.toolbar();
       user.pressWithControl(digit);
       EXPECT_TRUE(eventually([&] { return user.toolbar() != before; })) << digit;

@@ -21,6 +21,8 @@ namespace {
 
 using test::BlockingFileSystem;
 using test::eventually;
+using test::kDimmed;
+using test::kGround;
 using test::Running;
 using Clock = std::chrono::steady_clock;
 
@@ -29,9 +31,6 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::seconds kLongest{5};
 
 constexpr unsigned long kShift = 0xFFE1;
-/// The ground of the welcome view and of lists, as it is and dimmed by a dialog.
-constexpr unsigned long kGround = 0xFFFFFF;
-constexpr unsigned long kDimmed = 0x999999;
 
 class ProgramHang : public testing::Test {
  protected:

@@ -16,11 +16,9 @@
 namespace {
 
 using test::eventually;
+using test::kDimmed;
+using test::kGround;
 using Colours = std::vector<unsigned long>;
-
-/// The ground of the welcome view and of lists, as it is and dimmed by a dialog.
-constexpr unsigned long kGround = 0xFFFFFF;
-constexpr unsigned long kDimmed = 0x999999;
 
 /// Where the toolbar has its buttons in a window of the first size.
 struct Place {

@@ -14,6 +14,10 @@ namespace test {
 /// 960 lines at 96 dpi are 254 mm to the line, so that the interface scale is exactly 1.
 inline const XServerOptions kPlainScreen = {.height = 960};
 
+/// The light ground of the welcome view and of lists, 0xRRGGBB, as it is and dimmed by a dialog.
+inline constexpr unsigned long kGround = 0xFFFFFF;
+inline constexpr unsigned long kDimmed = 0x999999;
+
 /// The built program and its arguments.
 std::vector<std::string> programWith(std::vector<std::string> arguments);
 

@@ -21,13 +21,13 @@ namespace {
 
 namespace fs = std::filesystem;
 using test::eventually;
+using test::kDimmed;
+using test::kGround;
 using Names = std::vector<std::string>;
 
 /// The ground of the kinds table below its one row, as it is and dimmed by a dialog.
 constexpr int kBesideX = 250;
 constexpr int kBesideY = 505;
-constexpr unsigned long kGround = 0xFFFFFF;
-constexpr unsigned long kDimmed = 0x999999;
 
 /// A home with a folder in which three files lie, the largest first in the list.
 class ProgramTrash : public testing::Test {

@@ -20,10 +20,8 @@
 namespace {
 
 using test::eventually;
-
-/// The ground of the welcome view just below the toolbar, at its left edge and in its middle.
-constexpr unsigned long kGround = 0xFFFFFF;
-constexpr unsigned long kDimmed = 0x999999;
+using test::kDimmed;
+using test::kGround;
 
 class ProgramUpdate : public testing::Test {
  protected:

@@ -562,11 +562,11 @@ TEST(FileTreeVisibility, BeginsWithPublication) {
 TEST(FileTreeVisibility, EndsForAllThatLiesInWhatIsTakenOutAndComesBackWithIt) {
   SmallTree small;
   const RemovedSubtree record = small.tree.removeSubtree(1);
-  for (const NodeId node : {1, 3, 4}) EXPECT_FALSE(small.tree.isVisible(node)) << node;
+  for (const NodeId node : {1u, 3u, 4u}) EXPECT_FALSE(small.tree.isVisible(node)) << node;
   EXPECT_TRUE(small.tree.isVisible(2));
   EXPECT_TRUE(small.tree.isVisible(kRootNode));
   small.tree.restoreSubtree(record);
-  for (const NodeId node : {1, 2, 3, 4}) EXPECT_TRUE(small.tree.isVisible(node)) << node;
+  for (const NodeId node : {1u, 2u, 3u, 4u}) EXPECT_TRUE(small.tree.isVisible(node)) << node;
 }
 
 TEST(FileTreeVisibility, WaitsForTheOuterOfTwoThatAreTakenOut) {

@@ -147,7 +147,7 @@ TEST_F(HardLinkLedgerTest, KeepsTheBytesOfOtherDuplicatesWhenSomeAreForgotten) {
   enter(10);
   for (NodeId node = 20; node < 30; ++node) enter(node, kFile, node);
   forget({20, 22, 29});
-  for (const NodeId node : {21, 23, 28}) EXPECT_EQ(ledger_.duplicateBytes(node), node);
+  for (const NodeId node : {21u, 23u, 28u}) EXPECT_EQ(ledger_.duplicateBytes(node), node);
 }
 
 }  // namespace

@@ -25,7 +25,7 @@ namespace {
 
 using Entries = std::vector<MountEntry>;
 
-Entries read(std::string_view table) {
+Entries parsed(std::string_view table) {
   const test::TempDirectory directory;
   test::writeFile(directory / "mounts", table);
   return readMounts(directory / "mounts");
@@ -33,14 +33,14 @@ Entries read(std::string_view table) {
 
 /// The mount point that the table writes as `escaped`.
 std::string mountPointOf(const std::string& escaped) {
-  const Entries entries = read("/dev/sda1 " + escaped + " ext4 rw 0 0\n");
+  const Entries entries = parsed("/dev/sda1 " + escaped + " ext4 rw 0 0\n");
   return entries.size() == 1 ? entries[0].mountPoint : "not one entry";
 }
 
 TEST(ReadMounts, GivesTheFieldsOfEveryLineInOrder) {
-  EXPECT_EQ(read("proc /proc proc rw,nosuid 0 0\n"
-                 "/dev/sda2 / ext4 rw,relatime 0 1\n"
-                 "nas:/photos /mnt/photos nfs4 rw,vers=4.2 0 0\n"),
+  EXPECT_EQ(parsed("proc /proc proc rw,nosuid 0 0\n"
+                   "/dev/sda2 / ext4 rw,relatime 0 1\n"
+                   "nas:/photos /mnt/photos nfs4 rw,vers=4.2 0 0\n"),
             (Entries{{"proc", "/proc", "proc", "rw,nosuid"},
                      {"/dev/sda2", "/", "ext4", "rw,relatime"},
                      {"nas:/photos", "/mnt/photos", "nfs4", "rw,vers=4.2"}}));
@@ -50,22 +50,23 @@ TEST(ReadMounts, GivesNothingWithoutATable) {
   const test::TempDirectory directory;
   EXPECT_EQ(readMounts(directory / "missing"), Entries{});
   EXPECT_EQ(readMounts(directory.path()), Entries{}) << "a directory";
-  EXPECT_EQ(read(""), Entries{});
+  EXPECT_EQ(parsed(""), Entries{});
 }
 
 TEST(ReadMounts, SkipsShortLinesAndGoesOnBehindThem) {
-  EXPECT_EQ(read("\n"
-                 "   \n"
-                 "/dev/sda1\n"
-                 "/dev/sda1 /a\n"
-                 "/dev/sda1 /b ext4\n"
-                 "/dev/sda1 /c ext4 rw\n"
-                 "/dev/sda1 /d ext4 rw"),
+  EXPECT_EQ(parsed("\n"
+                   "   \n"
+                   "/dev/sda1\n"
+                   "/dev/sda1 /a\n"
+                   "/dev/sda1 /b ext4\n"
+                   "/dev/sda1 /c ext4 rw\n"
+                   "/dev/sda1 /d ext4 rw"),
             (Entries{{"/dev/sda1", "/c", "ext4", "rw"}, {"/dev/sda1", "/d", "ext4", "rw"}}));
 }
 
 TEST(ReadMounts, TakesAnyWhiteSpaceBetweenFields) {
-  EXPECT_EQ(read(" \t/dev/sda1 \t /a\text4\t\trw\n"), (Entries{{"/dev/sda1", "/a", "ext4", "rw"}}));
+  EXPECT_EQ(parsed(" \t/dev/sda1 \t /a\text4\t\trw\n"),
+            (Entries{{"/dev/sda1", "/a", "ext4", "rw"}}));
 }
 
 TEST(ReadMounts, DecodesTheMountPoint) {
@@ -75,7 +76,7 @@ TEST(ReadMounts, DecodesTheMountPoint) {
 }
 
 TEST(ReadMounts, DecodesNothingButTheMountPoint) {
-  EXPECT_EQ(read("//nas/My\\040Disk /a fuse\\040x rw,x=\\040\n"),
+  EXPECT_EQ(parsed("//nas/My\\040Disk /a fuse\\040x rw,x=\\040\n"),
             (Entries{{"//nas/My\\040Disk", "/a", "fuse\\040x", "rw,x=\\040"}}));
 }
 
@@ -98,18 +99,18 @@ TEST(ReadMounts, ChecksOnlyTheFirstOctalDigit) {
 
 TEST(ReadMounts, CutsLongFieldsAndTakesTheRestForTheNext) {
   const std::string device(1023, 'd'), mountPoint(2047, 'm'), type(255, 't'), options(500, 'o');
-  EXPECT_EQ(read(device + "1 " + "/a ext4 rw\n"), (Entries{{device, "1", "/a", "ext4"}}));
-  EXPECT_EQ(read("/dev/sda1 " + mountPoint + "1 ext4 rw\n"),
+  EXPECT_EQ(parsed(device + "1 " + "/a ext4 rw\n"), (Entries{{device, "1", "/a", "ext4"}}));
+  EXPECT_EQ(parsed("/dev/sda1 " + mountPoint + "1 ext4 rw\n"),
             (Entries{{"/dev/sda1", mountPoint, "1", "ext4"}}));
-  EXPECT_EQ(read("/dev/sda1 /a " + type + "1 rw\n"), (Entries{{"/dev/sda1", "/a", type, "1"}}));
-  EXPECT_EQ(read(device + mountPoint + type + options + "\n"),
+  EXPECT_EQ(parsed("/dev/sda1 /a " + type + "1 rw\n"), (Entries{{"/dev/sda1", "/a", type, "1"}}));
+  EXPECT_EQ(parsed(device + mountPoint + type + options + "\n"),
             (Entries{{device, mountPoint, type, options}}));
 }
 
 TEST(ReadMounts, CutsLongOptions) {
   const std::string options(2047, 'o');
-  EXPECT_EQ(read("/dev/sda1 /a ext4 " + options + "\n/dev/sda1 /b ext4 " + options +
-                 "1 0 0\n/dev/sda1 /c ext4 rw 0 0\n"),
+  EXPECT_EQ(parsed("/dev/sda1 /a ext4 " + options + "\n/dev/sda1 /b ext4 " + options +
+                   "1 0 0\n/dev/sda1 /c ext4 rw 0 0\n"),
             (Entries{{"/dev/sda1", "/a", "ext4", options},
                      {"/dev/sda1", "/b", "ext4", options},
                      {"/dev/sda1", "/c", "ext4", "rw"}}));
@@ -120,11 +121,11 @@ TEST(ReadMounts, TakesAnOverLongLineForSeveral) {
   const std::string first = start + std::string(4095 - start.size(), 'o');
   const Entries root = {{"overlay", "/", "overlay", std::string(2047, 'o')}};
   const MountEntry next{"/dev/sda1", "/a", "ext4", "rw"};
-  EXPECT_EQ(read(first + "ooo 0 0\n/dev/sda1 /a ext4 rw 0 0\n"), (Entries{root[0], next}))
+  EXPECT_EQ(parsed(first + "ooo 0 0\n/dev/sda1 /a ext4 rw 0 0\n"), (Entries{root[0], next}))
       << "the rest has too few fields";
-  EXPECT_EQ(read(first + "w /x y z\n/dev/sda1 /a ext4 rw 0 0\n"),
+  EXPECT_EQ(parsed(first + "w /x y z\n/dev/sda1 /a ext4 rw 0 0\n"),
             (Entries{root[0], {"w", "/x", "y", "z"}, next}));
-  EXPECT_EQ(read(first + "\n/dev/sda1 /a ext4 rw 0 0\n"), (Entries{root[0], next}));
+  EXPECT_EQ(parsed(first + "\n/dev/sda1 /a ext4 rw 0 0\n"), (Entries{root[0], next}));
 }
 
 TEST(ReadMounts, SeesWhatIsMounted) {

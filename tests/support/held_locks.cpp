@@ -12,7 +12,7 @@ std::atomic<bool> counting = false;
 std::atomic<int> mostHeld = 0;
 }  // namespace
 
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#ifndef HEAPGAUGE_SANITIZED
 namespace {
 thread_local int held = 0;
 

@@ -7,7 +7,7 @@ namespace test {
 /// for builds with a sanitizer, which stands there itself.
 class HeldLocks {
  public:
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef HEAPGAUGE_SANITIZED
   static constexpr bool kCounts = false;
 #else
   static constexpr bool kCounts = true;

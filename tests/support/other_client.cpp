@@ -281,7 +281,7 @@ struct Property {
   ~Property() { XFree(data); }
 };
 
-void read(Display* display, ::Window window, Atom name, Property& property) {
+void readProperty(Display* display, ::Window window, Atom name, Property& property) {
   unsigned long rest = 0;
   XGetWindowProperty(display, window, name, 0, 1 << 20, False, AnyPropertyType, &property.type,
                      &property.format, &property.length, &rest, &property.data);
@@ -292,7 +292,7 @@ void read(Display* display, ::Window window, Atom name, Property& property) {
 std::string OtherClient::textProperty(unsigned long window, const std::string& name,
                                       const std::string& type) {
   Property property;
-  read(native_->display, window, native_->atom(name), property);
+  readProperty(native_->display, window, native_->atom(name), property);
   if (property.type != native_->atom(type) || property.format != 8) return {};
   return {reinterpret_cast<const char*>(property.data), property.length};
 }
@@ -300,7 +300,7 @@ std::string OtherClient::textProperty(unsigned long window, const std::string& n
 std::vector<unsigned long> OtherClient::longProperty(unsigned long window,
                                                      const std::string& name) {
   Property property;
-  read(native_->display, window, native_->atom(name), property);
+  readProperty(native_->display, window, native_->atom(name), property);
   if (property.format != 32) return {};
   const auto* items = reinterpret_cast<const unsigned long*>(property.data);
   return {items, items + property.length};

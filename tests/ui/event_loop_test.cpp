@@ -35,6 +35,7 @@ TEST_F(EventLoopTest, RunsTasksInTheOrderOfTheirPosting) {
 
 /// Notes on which thread it ends.
 struct Token {
+  explicit Token(std::thread::id& ended) : endedOn(ended) {}
   ~Token() { endedOn = std::this_thread::get_id(); }
   std::thread::id& endedOn;
 };

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -216,7 +217,7 @@ TEST_F(InputTest, TellsControlWithALetter) {
 
 TEST_F(InputTest, TellsKeysWithoutText) {
   other.focus(window.xid());
-  for (const unsigned long key : {XK_F5, XK_Page_Down, XK_Escape}) {
+  for (const unsigned long key : std::array<unsigned long, 3>{XK_F5, XK_Page_Down, XK_Escape}) {
     other.pressKey(key);
     other.releaseKey(key);
   }
@@ -292,7 +293,7 @@ TEST(InputMethods, MayBeMissingForAsciiAndLatin1) {
   std::string typed;
   there.window.onKey = [&](const ui::KeyEvent& event) { typed += event.typed; };
   there.other.focus(there.window.xid());
-  for (const unsigned long keysym : {XK_a, XK_eacute, XK_F5}) {
+  for (const unsigned long keysym : std::array<unsigned long, 3>{XK_a, XK_eacute, XK_F5}) {
     there.other.typeForeignKey(keysym);
     there.settle();
   }

@@ -18,7 +18,7 @@ namespace {
 using ui::Align;
 using ui::FontWeight;
 
-constexpr ui::Colour kWhite = 0xFFFFFFFF;
+constexpr ui::Colour kLetters = 0xFFFFFFFF;
 constexpr ui::Colour kBlack = 0xFF000000;
 constexpr ui::Rect kAll{0, 0, 200, 100};
 
@@ -50,7 +50,7 @@ class TextTest : public WindowTest {
   /// Fails when the server takes offence at anything drawn.
   Picture onWhite(const Draw& draw) {
     return paint([&](ui::Canvas& canvas) {
-      canvas.fillRect(kAll, kWhite);
+      canvas.fillRect(kAll, kLetters);
       ui::ErrorTrap trap(connection->native().display);
       draw(canvas);
       EXPECT_FALSE(trap.caught());
@@ -276,7 +276,7 @@ TEST(TextWithoutFonts, IsNothingAndHarmless) {
   WindowOnServer screen;
   const ui::Font font = screen.connection->font(9, FontWeight::Regular);
   const Picture picture = screen.paint([&](ui::Canvas& canvas) {
-    canvas.fillRect(kAll, kWhite);
+    canvas.fillRect(kAll, kLetters);
     EXPECT_EQ(ui::drawRun(canvas, 10, 40, "label", font, kBlack), 0);
     ui::drawText(canvas, {10, 10, 100, 30}, "label", font, kBlack, Align::Centre);
     ui::Paragraph(canvas.connection(), "two\nlines", font, 50).draw(canvas, 0, 0, kBlack);
@@ -296,7 +296,7 @@ TEST(ColourEmoji, AreDrawnInTheirColoursHoweverMany) {
   WindowOnServer screen;
   const ui::Font font = screen.connection->font(9, FontWeight::Regular);
   const Picture picture = screen.paint([&](ui::Canvas& canvas) {
-    canvas.fillRect(kAll, kWhite);
+    canvas.fillRect(kAll, kLetters);
     ui::ErrorTrap trap(screen.connection->native().display);
     for (int row = 0; row < 5; ++row) {
       ui::drawText(canvas, {0, row * 20, 200, 20}, "🚀🚁🚂🚃🚄🚅🚆🚇🚈🚉", font, kBlack);
@@ -315,7 +315,7 @@ Picture withResources(const std::string& resources) {
   WindowOnServer screen({.resources = resources});
   const ui::Font font = screen.connection->font(9, FontWeight::Regular);
   return screen.paint([&](ui::Canvas& canvas) {
-    canvas.fillRect(kAll, kWhite);
+    canvas.fillRect(kAll, kLetters);
     ui::drawRun(canvas, 10, 40, "Some label", font, kBlack);
   });
 }
@@ -333,7 +333,7 @@ TEST(DeepScreen, ShowsTextInItsColour) {
   WindowOnServer deep({.depth = 30});
   const ui::Font font = deep.connection->font(60, FontWeight::Regular);
   deep.paint([&](ui::Canvas& canvas) {
-    canvas.fillRect(kAll, kWhite);
+    canvas.fillRect(kAll, kLetters);
     ui::drawRun(canvas, 0, 90, "█", font, 0xFFFF0000);
   });
   EXPECT_EQ(deep.other.screenPixel(deep.window.xid(), 20, 60), 0x3FFul << 20);

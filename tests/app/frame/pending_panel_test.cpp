@@ -17,7 +17,7 @@ using test::at;
 using test::rgb;
 using Told = std::vector<std::string>;
 
-constexpr int kWidth = 640;
+constexpr int kPanelWidth = 640;
 constexpr int kBottom = 400;
 
 std::vector<PendingRow> rowsOf(const std::vector<std::uint64_t>& ids) {
@@ -39,7 +39,7 @@ class PendingPanelTest : public testing::Test, protected test::ViewsOnWindow {
   void showRows(std::vector<PendingRow> rows) {
     panel_.setRows(std::move(rows));
     const int height = panel_.wantedHeight();
-    panel_.setRect({0, kBottom - height, kWidth, height});
+    panel_.setRect({0, kBottom - height, kPanelWidth, height});
     panel_.prepare();
   }
   void show(const std::vector<std::uint64_t>& ids) { showRows(rowsOf(ids)); }
@@ -68,7 +68,7 @@ class PendingPanelTest : public testing::Test, protected test::ViewsOnWindow {
   Told taken() { return std::exchange(told_, {}); }
   test::Picture picture() {
     panel_.prepare();
-    return ViewsOnWindow::picture(kWidth, kBottom, [&](ui::Canvas& c) { panel_.paint(c); });
+    return ViewsOnWindow::picture(kPanelWidth, kBottom, [&](ui::Canvas& c) { panel_.paint(c); });
   }
 
   PendingPanel panel_{style};

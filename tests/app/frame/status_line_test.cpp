@@ -10,7 +10,7 @@ namespace {
 using ui::Rect;
 
 /// Ten pixels for every character, whatever it is.
-int tenEach(std::string_view text) {
+int tenForEach(std::string_view text) {
   int characters = 0;
   for (const char c : text) characters += (c & 0xC0) != 0x80;
   return 10 * characters;
@@ -19,7 +19,7 @@ int tenEach(std::string_view text) {
 constexpr Rect kBar = {0, 700, 500, 24};
 
 StatusLayout layOut(const std::string& left, const std::string& right, const Rect& bar = kBar) {
-  return layOutStatus(left, right, bar, 1, tenEach);
+  return layOutStatus(left, right, bar, 1, tenForEach);
 }
 
 TEST(StatusLayout, PutsATextAtEachEnd) {
@@ -80,7 +80,7 @@ TEST(StatusLayout, HoldsNothingWithoutTexts) {
 }
 
 TEST(StatusLayout, ScalesItsPaddings) {
-  const StatusLayout layout = layOutStatus("left", "right", kBar, 2, tenEach);
+  const StatusLayout layout = layOutStatus("left", "right", kBar, 2, tenForEach);
   EXPECT_EQ(layout.left.x, 16);
   EXPECT_EQ(layout.right.x + layout.right.w, 500 - 16);
 }

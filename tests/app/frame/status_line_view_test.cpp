@@ -8,7 +8,7 @@ namespace {
 
 using test::rgb;
 
-constexpr ui::Rect kBar = {0, 60, 400, 24};
+constexpr ui::Rect kStatusPlace = {0, 60, 400, 24};
 
 class StatusLineTest : public testing::Test, protected test::ViewsOnWindow {
  protected:
@@ -27,7 +27,7 @@ class StatusLineTest : public testing::Test, protected test::ViewsOnWindow {
 };
 
 TEST_F(StatusLineTest, FillsItsRectUnderALineInTheBorderColour) {
-  line.setRect(kBar);
+  line.setRect(kStatusPlace);
   const test::Picture shown = picture();
   EXPECT_EQ(shown.count(rgb(style.palette().border)), 400);
   EXPECT_EQ(shown.at(0, 60), rgb(style.palette().border));
@@ -38,7 +38,7 @@ TEST_F(StatusLineTest, FillsItsRectUnderALineInTheBorderColour) {
 }
 
 TEST_F(StatusLineTest, DrawsBothTexts) {
-  line.setRect(kBar);
+  line.setRect(kStatusPlace);
   line.setTexts("1.20 GB in 12,345 items", "/home/u");
   const test::Picture shown = picture();
   int left = 0;
@@ -53,15 +53,15 @@ TEST_F(StatusLineTest, DrawsBothTexts) {
 }
 
 TEST_F(StatusLineTest, SaysWhetherItChanged) {
-  EXPECT_TRUE(changedBy([&] { line.setRect(kBar); }));
-  EXPECT_FALSE(changedBy([&] { line.setRect(kBar); }));
+  EXPECT_TRUE(changedBy([&] { line.setRect(kStatusPlace); }));
+  EXPECT_FALSE(changedBy([&] { line.setRect(kStatusPlace); }));
   EXPECT_TRUE(changedBy([&] { line.setTexts("left", "right"); }));
   EXPECT_FALSE(changedBy([&] { line.setTexts("left", "right"); }));
   EXPECT_TRUE(changedBy([&] { line.setTexts("left", "other"); }));
 }
 
 TEST_F(StatusLineTest, MakesAPathOfBrokenBytesReadable) {
-  line.setRect(kBar);
+  line.setRect(kStatusPlace);
   line.setTexts("", "/caf\xe9");
   EXPECT_EQ(line.layout().rightText, "/caf\\351");
 }

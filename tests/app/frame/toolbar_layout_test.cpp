@@ -14,19 +14,19 @@ using test::add;
 using test::Listing;
 using ui::Rect;
 
-int tenEach(std::string_view text) {
+int tenPixelsEach(std::string_view text) {
   int characters = 0;
   for (const char c : text) characters += (c & 0xC0) != 0x80;
   return 10 * characters;
 }
 
-constexpr Rect kBar = {0, 0, 1000, 34};
+constexpr Rect kBarPlace = {0, 0, 1000, 34};
 constexpr int kLineHeight = 16;
 
 struct Bar {
   Bar() { tree.createRoot("/r"); }
   ToolbarLayout layOut(double scale = 1) const {
-    return layOutToolbar(state, kBar, kLineHeight, scale, tenEach);
+    return layOutToolbar(state, kBarPlace, kLineHeight, scale, tenPixelsEach);
   }
   FileTree tree;
   ToolbarState state;
@@ -82,7 +82,8 @@ TEST(ToolbarLayout, GivesTheBreadcrumbWhatIsLeft) {
 TEST(ToolbarLayout, DropsTheBreadcrumbWhereThereIsNoRoom) {
   Bar bar;
   bar.state.tree = &bar.tree;
-  const ToolbarLayout layout = layOutToolbar(bar.state, {0, 0, 300, 34}, kLineHeight, 1, tenEach);
+  const ToolbarLayout layout =
+      layOutToolbar(bar.state, {0, 0, 300, 34}, kLineHeight, 1, tenPixelsEach);
   EXPECT_TRUE(layout.breadcrumb.empty());
   EXPECT_TRUE(layout.segments.empty());
 }

@@ -19,14 +19,14 @@ using test::at;
 using test::Listing;
 using test::rgb;
 
-constexpr ui::Rect kBar = {0, 0, 900, 36};
+constexpr ui::Rect kToolbarPlace = {0, 0, 900, 36};
 
 class ToolbarTest : public testing::Test, protected test::ViewsOnWindow {
  protected:
   ToolbarTest() {
     tree.createRoot("/home/u");
     folder = add(tree, Listing(0).folder("Pictures")).front();
-    bar.setRect(kBar);
+    bar.setRect(kToolbarPlace);
     bar.onChanged = [&] { ++changes; };
     bar.onCommand = [&](const Command& command) { told.push_back(wordFor(command)); };
   }
@@ -212,7 +212,7 @@ TEST_F(ToolbarTest, NamesTheFolderOnceTheTreeHasIt) {
 
 TEST_F(ToolbarTest, IsLaidOutAnewForAnotherSize) {
   bar.update(finished());
-  EXPECT_FALSE(changedBy([&] { bar.setRect(kBar); }));
+  EXPECT_FALSE(changedBy([&] { bar.setRect(kToolbarPlace); }));
   EXPECT_TRUE(changedBy([&] { bar.setRect({0, 0, 700, 36}); }));
   EXPECT_LT(bar.layout().place(Action::OpenApplicationMenu).x, 700);
 }
@@ -253,7 +253,7 @@ TEST_F(ToolbarTest, DoesNotRescanWhenTheScanEndsJustBeforeAPressOnStop) {
 TEST_F(ToolbarTest, TakesPressesAtOnceOnWhatTookNobodysPlace) {
   Toolbar fresh{style};
   fresh.onCommand = bar.onCommand;
-  fresh.setRect(kBar);
+  fresh.setRect(kToolbarPlace);
   fresh.prepare();
   const ui::MouseEvent event = eventAt(fresh.layout().place(Action::OpenApplicationMenu));
   fresh.press(event);

@@ -16,7 +16,7 @@ using test::at;
 using test::rgb;
 using Told = std::vector<std::string>;
 
-constexpr int kWidth = 640;
+constexpr int kBarWidth = 640;
 constexpr int kTop = 34;
 constexpr char kMessage[] = "Version 1.2.0 is there.";
 
@@ -29,7 +29,7 @@ class UpdateBarIn : protected test::ViewsOnWindow {
     bar_.onChanged = [this] { ++changes_; };
   }
 
-  void show(const std::string& message, int width = kWidth) {
+  void show(const std::string& message, int width = kBarWidth) {
     bar_.setMessage(message);
     bar_.setRect({0, kTop, width, bar_.wantedHeight()});
     bar_.prepare();
@@ -51,7 +51,7 @@ class UpdateBarIn : protected test::ViewsOnWindow {
   }
   bool key(unsigned long keysym) { return bar_.key({.keysym = keysym, .text = {}}); }
   Told taken() { return std::exchange(told_, {}); }
-  test::Picture picture(int width = kWidth) {
+  test::Picture picture(int width = kBarWidth) {
     bar_.prepare();
     return ViewsOnWindow::picture(width, 200, [&](ui::Canvas& c) { bar_.paint(c); });
   }
@@ -81,7 +81,7 @@ TEST_F(UpdateBarTest, HasAHeightOnlyWithAMessage) {
 TEST_F(UpdateBarTest, CoversItsPlaceAndNoMore) {
   show(kMessage);
   const auto shown = picture();
-  EXPECT_EQ(shown.count(rgb(test::kNothingDrawn)), long{kWidth} * (200 - bar_.rect().h));
+  EXPECT_EQ(shown.count(rgb(test::kNothingDrawn)), long{kBarWidth} * (200 - bar_.rect().h));
   const auto& message = bar_.messageRect();
   EXPECT_GT(shown.part(message.x, message.y, message.w, message.h).count(rgb(style.palette().text)),
             0);
@@ -104,7 +104,7 @@ TEST_F(UpdateBarTest, TakesNoPressAtOnceWhenItAppearsUnderThePointer) {
   show(kMessage);
   const ui::Rect download = bar_.downloadRect();
   bar_.setMessage(std::nullopt);
-  bar_.setRect({0, kTop, kWidth, 0});
+  bar_.setRect({0, kTop, kBarWidth, 0});
   bar_.prepare();
   bar_.pointerSeen(download.x + download.w / 2, download.y + download.h / 2);
   show(kMessage);

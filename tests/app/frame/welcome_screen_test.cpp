@@ -15,8 +15,8 @@ namespace {
 using test::at;
 using Told = std::vector<std::string>;
 
-constexpr int kWidth = 900;
-constexpr int kHeight = 600;
+constexpr int kWelcomeWidth = 900;
+constexpr int kWelcomeHeight = 600;
 
 class WelcomeScreenTest : public testing::Test, protected test::ViewsOnWindow {
  protected:
@@ -25,7 +25,7 @@ class WelcomeScreenTest : public testing::Test, protected test::ViewsOnWindow {
     screen_.onVolume = [this](const std::string& path) { told_.push_back(path); };
     screen_.onChooseFolder = [this] { told_.emplace_back("choose"); };
     screen_.onCommand = [this](const Command& command) { commands_.push_back(command); };
-    screen_.setRect({0, 0, kWidth, kHeight});
+    screen_.setRect({0, 0, kWelcomeWidth, kWelcomeHeight});
     screen_.setCards({card("/a"), card("/b")});
     changes_ = 0;
   }
@@ -38,7 +38,7 @@ class WelcomeScreenTest : public testing::Test, protected test::ViewsOnWindow {
   }
   const ui::Rect& button() const { return screen_.view().layout().button; }
   /// The menu button, whose place only a press tells.
-  ui::MouseEvent onMenu() const { return {.x = kWidth - 15, .y = 15, .button = 1}; }
+  ui::MouseEvent onMenu() const { return {.x = kWelcomeWidth - 15, .y = 15, .button = 1}; }
   void click(const ui::MouseEvent& event) {
     screen_.press(event);
     screen_.release(event);
@@ -47,7 +47,8 @@ class WelcomeScreenTest : public testing::Test, protected test::ViewsOnWindow {
   Told taken() { return std::exchange(told_, {}); }
   int takenChanges() { return std::exchange(changes_, 0); }
   test::Picture picture() {
-    return ViewsOnWindow::picture(kWidth, kHeight, [&](ui::Canvas& c) { screen_.paint(c); });
+    return ViewsOnWindow::picture(kWelcomeWidth, kWelcomeHeight,
+                                  [&](ui::Canvas& c) { screen_.paint(c); });
   }
 
   ui::Icon icon_;
@@ -183,7 +184,7 @@ TEST_F(WelcomeScreenUpdateTest, HasALineUnderTheToolbarOnlyWhileThereIsAnUpdate)
   EXPECT_TRUE(bar().rect().empty());
   tell();
   EXPECT_GT(takenChanges(), 0);
-  EXPECT_EQ(bar().rect(), (ui::Rect{0, before.y, kWidth, bar().wantedHeight()}));
+  EXPECT_EQ(bar().rect(), (ui::Rect{0, before.y, kWelcomeWidth, bar().wantedHeight()}));
   EXPECT_EQ(screen_.view().rect().y, before.y + bar().rect().h);
   EXPECT_EQ(picture().count(test::rgb(test::kNothingDrawn)), 0);
   screen_.setUpdate(std::nullopt);

@@ -16,8 +16,8 @@ using test::at;
 using test::rgb;
 using Told = std::vector<std::string>;
 
-constexpr int kWidth = 640;
-constexpr int kHeight = 420;
+constexpr int kViewWidth = 640;
+constexpr int kViewHeight = 420;
 
 VolumeCard card(const std::string& path, std::int64_t used = 10, std::int64_t total = 100) {
   return {"Volume " + path, path, VolumeFigures{used, total}};
@@ -27,7 +27,7 @@ class WelcomeViewTest : public testing::Test, protected test::ViewsOnWindow {
  protected:
   explicit WelcomeViewTest(const ui::Palette& palette = ui::kLightPalette)
       : ViewsOnWindow(palette) {
-    view.setRect({0, 0, kWidth, kHeight});
+    view.setRect({0, 0, kViewWidth, kViewHeight});
     view.onVolume = [&](const std::string& path) { told.push_back(path); };
     view.onChooseFolder = [&] { told.emplace_back("choose"); };
   }
@@ -60,7 +60,8 @@ class WelcomeViewTest : public testing::Test, protected test::ViewsOnWindow {
   }
   Told taken() { return std::exchange(told, {}); }
   test::Picture picture() {
-    return ViewsOnWindow::picture(kWidth, kHeight, [&](ui::Canvas& canvas) { view.paint(canvas); });
+    return ViewsOnWindow::picture(kViewWidth, kViewHeight,
+                                  [&](ui::Canvas& canvas) { view.paint(canvas); });
   }
 
   ui::Icon icon;
@@ -337,9 +338,9 @@ TEST_F(WelcomeViewTest, KeepsTheKeyboardOnItsButton) {
   focusAfter(ui::key::kTab, true);
   setCards(5);
   EXPECT_EQ(view.focusedControl(), 5);
-  view.setRect({0, 0, kWidth, 230});
+  view.setRect({0, 0, kViewWidth, 230});
   EXPECT_EQ(view.focusedControl(), 5);
-  view.setRect({0, 0, kWidth, 100});  // no room for a card
+  view.setRect({0, 0, kViewWidth, 100});  // no room for a card
   EXPECT_EQ(view.focusedControl(), 0);
   EXPECT_TRUE(view.layout().cards.empty());
 }
@@ -364,7 +365,7 @@ TEST_F(WelcomeViewTest, KeepsTheCardWithTheKeyboardInSight) {
   while (focusAfter(ui::key::kUp) > 1) EXPECT_TRUE(isSeen(*view.focusedControl()));
   key(ui::key::kDown);
   key(ui::key::kDown);
-  view.setRect({0, 0, kWidth, 230});
+  view.setRect({0, 0, kViewWidth, 230});
   EXPECT_TRUE(isSeen(*view.focusedControl())) << "in a lower view";
 }
 

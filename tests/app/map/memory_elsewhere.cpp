@@ -22,6 +22,11 @@ void* operator new(std::size_t bytes) {
   if (!memory) throw std::bad_alloc();
   return memory;
 }
+// What sorts asks for by this one comes back through the one below.
+void* operator new(std::size_t bytes, const std::nothrow_t& /*tag*/) noexcept {
+  if (bytes >= failsFrom.load() && !isExempt) return nullptr;
+  return std::malloc(bytes == 0 ? 1 : bytes);
+}
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t /*bytes*/) noexcept { std::free(memory); }
 

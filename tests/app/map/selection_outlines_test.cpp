@@ -23,9 +23,9 @@ namespace {
 using Pixels = std::vector<std::uint32_t>;
 using Rects = std::vector<ui::Rect>;
 
-constexpr int kWidth = 60;
-constexpr int kHeight = 40;
-constexpr ui::Rect kMap{0, 0, kWidth, kHeight};
+constexpr int kMapWidth = 60;
+constexpr int kMapHeight = 40;
+constexpr ui::Rect kMap{0, 0, kMapWidth, kMapHeight};
 constexpr std::uint32_t kAccent = 0x3366CC;
 
 class Drawing {
@@ -61,8 +61,8 @@ Rects someOutlines(std::minstd_rand& random, std::size_t count) {
 
 TEST(DrawOutlines, DrawsThreeLinesInsideTheEdge) {
   const Drawing drawing({{10, 5, 20, 12}});
-  for (int y = 0; y < kHeight; ++y) {
-    for (int x = 0; x < kWidth; ++x) {
+  for (int y = 0; y < kMapHeight; ++y) {
+    for (int x = 0; x < kMapWidth; ++x) {
       const int depth = std::min({x - 10, y - 5, 29 - x, 16 - y});
       const std::uint32_t plain = Drawing::plain(x, y);
       if (depth == 0) {
@@ -123,8 +123,8 @@ TEST(OutlineBands, HoldEveryPixelThatAnOutlineChanges) {
     Rects bands;
     addOutlineBands(outline, {.thickness = thickness}, &bands);
     const Drawing with({outline}, thickness);
-    for (int y = 0; y < kHeight; ++y) {
-      for (int x = 0; x < kWidth; ++x) {
+    for (int y = 0; y < kMapHeight; ++y) {
+      for (int x = 0; x < kMapWidth; ++x) {
         const auto holds = [&](const ui::Rect& band) { return band.contains(x, y); };
         const bool changes = with.at(x, y) != Drawing::plain(x, y);
         ASSERT_TRUE(!changes || std::ranges::any_of(bands, holds)) << x << "," << y;

@@ -19,8 +19,8 @@ using test::fill;
 using test::fillRoot;
 using test::folder;
 
-constexpr std::uint16_t kPdf = 5;
-constexpr std::uint16_t kJpeg = 8;
+constexpr std::uint16_t kPdfKind = 5;
+constexpr std::uint16_t kJpegKind = 8;
 constexpr MeasureSettings kLengths;
 const KindColours kColours(true);
 
@@ -121,7 +121,7 @@ TEST(TreemapRender, OfANodeThatIsNotPublishedIsEmptyEvenIntoAUsedRender) {
 
 TEST(TreemapRender, HitsTheBlockWhosePixelItIs) {
   FileTree tree;
-  fillRoot(tree, {file(300, kPdf), file(100, kJpeg)});
+  fillRoot(tree, {file(300, kPdfKind), file(100, kJpegKind)});
   const RenderedTreemap map = draw(tree, 40, 20);
   ASSERT_NE(map.blockUnder(0, 19), nullptr);
   EXPECT_EQ(map.blockUnder(0, 19)->id, 1);
@@ -153,17 +153,17 @@ TEST(TreemapRender, ColoursAFolderAtTheDepthLimitByWhatFillsIt) {
   tree.createRoot("/map");
   NodeId node = kRootNode;
   for (int level = 1; level <= 65; ++level) node = fill(tree, node, {folder()}).front();
-  fill(tree, node, {file(9, kPdf)});
+  fill(tree, node, {file(9, kPdfKind)});
   const RenderedTreemap map = draw(tree, 50, 40);
   ASSERT_EQ(map.blocks.back().depth, 64);
   ASSERT_EQ(map.blocks.back().reason, BlockReason::depthLimit);
-  EXPECT_EQ(map.colours.back() & 0xFFFFFF, colour(kPdf));
+  EXPECT_EQ(map.colours.back() & 0xFFFFFF, colour(kPdfKind));
 }
 
 TEST(TreemapRender, OutlinesAFolderAroundItsContents) {
   FileTree tree;
-  const std::vector<NodeId> folders = fillRoot(tree, {folder(), file(100, kPdf)});
-  fill(tree, folders[0], {file(150, kJpeg), file(150, kJpeg)});
+  const std::vector<NodeId> folders = fillRoot(tree, {folder(), file(100, kPdfKind)});
+  fill(tree, folders[0], {file(150, kJpegKind), file(150, kJpegKind)});
   const RenderedTreemap map = draw(tree, 40, 20);
   ASSERT_NE(map.outlineRect(folders[0]), nullptr);
   EXPECT_EQ(*map.outlineRect(folders[0]), (MapRect{0, 0, 30, 20}));
@@ -187,7 +187,7 @@ TEST(TreemapRender, GivesRestAndExtraBlocksNoOutline) {
 
 TEST(TreemapRender, ColoursExtraBlocksAsTheyAsk) {
   FileTree tree;
-  fillRoot(tree, {file(1, kPdf)});
+  fillRoot(tree, {file(1, kPdfKind)});
   const RenderedTreemap map = draw(tree, 60, 30,
                                    {{kFreeSpaceBlock, "Free space", 1000000, 0x2B3648},
                                     {kOtherSpaceBlock, "Other space in use", 0, 0x4A4458}});
@@ -223,23 +223,23 @@ NodeId addSmallFolder(FileTree& tree, const std::vector<test::MapEntry>& entries
 
 TEST(DominantKind, IsThatOfTheLargestFile) {
   FileTree tree;
-  const NodeId node = addSmallFolder(tree, {file(10), file(30, kPdf), file(30, kJpeg)});
-  EXPECT_EQ(colourOfSmallFolder(tree, node), colour(kPdf));  // the first of equal ones
+  const NodeId node = addSmallFolder(tree, {file(10), file(30, kPdfKind), file(30, kJpegKind)});
+  EXPECT_EQ(colourOfSmallFolder(tree, node), colour(kPdfKind));  // the first of equal ones
 }
 
 TEST(DominantKind, DescendsIntoTheLargestFolder) {
   FileTree tree;
-  const NodeId node = addSmallFolder(tree, {file(20, kPdf), folder(), file(15)});
-  fill(tree, node + 3, {file(12, kPdf), file(13, kJpeg)});
-  EXPECT_EQ(dominantKind(tree, node, kLengths), kJpeg);
+  const NodeId node = addSmallFolder(tree, {file(20, kPdfKind), folder(), file(15)});
+  fill(tree, node + 3, {file(12, kPdfKind), file(13, kJpegKind)});
+  EXPECT_EQ(dominantKind(tree, node, kLengths), kJpegKind);
 }
 
 TEST(DominantKind, LooksAtTheFirst256ChildrenOnly) {
   std::vector<test::MapEntry> entries(256, file(1));
-  entries[255] = file(5, kPdf);
-  entries.push_back(file(100, kJpeg));
+  entries[255] = file(5, kPdfKind);
+  entries.push_back(file(100, kJpegKind));
   FileTree tree;
-  EXPECT_EQ(dominantKind(tree, addSmallFolder(tree, entries), kLengths), kPdf);
+  EXPECT_EQ(dominantKind(tree, addSmallFolder(tree, entries), kLengths), kPdfKind);
 }
 
 TEST(DominantKind, GivesUpAfterEightLevels) {
@@ -248,15 +248,16 @@ TEST(DominantKind, GivesUpAfterEightLevels) {
     tree.createRoot("/map");
     NodeId node = kRootNode;
     for (int i = 0; i < levels; ++i) node = fill(tree, node, {folder()}).front();
-    fill(tree, node, {file(9, kPdf)});
-    EXPECT_EQ(dominantKind(tree, kRootNode, kLengths), levels == 7 ? kPdf : sizewalk::kKindFolder);
+    fill(tree, node, {file(9, kPdfKind)});
+    EXPECT_EQ(dominantKind(tree, kRootNode, kLengths),
+              levels == 7 ? kPdfKind : sizewalk::kKindFolder);
   }
 }
 
 TEST(DominantKind, OfAFolderWithoutSizesIsTheFallback) {
   FileTree tree;
   const NodeId node = fillRoot(tree, {folder(), file(5)}).front();
-  fill(tree, node, {file(0, kPdf)});
+  fill(tree, node, {file(0, kPdfKind)});
   EXPECT_EQ(dominantKind(tree, node, kLengths), sizewalk::kKindFolder);
   const RenderedTreemap map = renderTreemap(tree, node, 10, 10, kColours, {}, kLengths);
   EXPECT_EQ(map.blocks.at(0).reason, BlockReason::nothingVisible);
@@ -265,23 +266,24 @@ TEST(DominantKind, OfAFolderWithoutSizesIsTheFallback) {
 
 TEST(DominantKind, GoesByLengthEvenWhereSizesOnDiskAreShown) {
   FileTree tree;
-  const NodeId node = addSmallFolder(tree, {{kPdf, 100, 10, 0, false}, {kJpeg, 10, 100, 0, false}});
-  EXPECT_EQ(colourOfSmallFolder(tree, node, {Measure::CurrentSize, true}), colour(kPdf));
+  const NodeId node =
+      addSmallFolder(tree, {{kPdfKind, 100, 10, 0, false}, {kJpegKind, 10, 100, 0, false}});
+  EXPECT_EQ(colourOfSmallFolder(tree, node, {Measure::CurrentSize, true}), colour(kPdfKind));
 }
 
 TEST(DominantKind, GoesByTheMeasureShown) {
   FileTree tree(test::mapTreeOptions());
-  const NodeId node = addSmallFolder(tree, {{kPdf, 100, 100, test::kSixMonthsAgo, false},
-                                            {kJpeg, 10, 10, test::kMonthAgo, false}});
-  EXPECT_EQ(dominantKind(tree, node, {Measure::AddedLastSixMonths, true}), kPdf);
-  EXPECT_EQ(dominantKind(tree, node, {Measure::AddedLastMonth, true}), kJpeg);
+  const NodeId node = addSmallFolder(tree, {{kPdfKind, 100, 100, test::kSixMonthsAgo, false},
+                                            {kJpegKind, 10, 10, test::kMonthAgo, false}});
+  EXPECT_EQ(dominantKind(tree, node, {Measure::AddedLastSixMonths, true}), kPdfKind);
+  EXPECT_EQ(dominantKind(tree, node, {Measure::AddedLastMonth, true}), kJpegKind);
 }
 
 TEST(DominantKind, PassesOverWhatIsTakenOut) {
   FileTree tree;
-  const NodeId node = addSmallFolder(tree, {file(20, kPdf), file(10, kJpeg)});
+  const NodeId node = addSmallFolder(tree, {file(20, kPdfKind), file(10, kJpegKind)});
   tree.removeSubtree(node + 2);
-  EXPECT_EQ(dominantKind(tree, node, kLengths), kJpeg);
+  EXPECT_EQ(dominantKind(tree, node, kLengths), kJpegKind);
 }
 
 TEST(OutlineRects, KeepTheLargestBlockOfANodeAndTheFirstOfEqualOnes) {

@@ -20,7 +20,7 @@ TEST(ForEachOnThreads, DoesEveryPieceOnce) {
   }
 }
 
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#ifndef HEAPGAUGE_SANITIZED
 /// A list of so many threads is larger than the 64 megabytes of addresses that a heap of a thread
 /// that has ended may still hold.
 constexpr unsigned kMany = 5000000;
@@ -38,7 +38,7 @@ constexpr unsigned kMany = 5000000;
 #endif
 
 TEST(ForEachOnThreads, DoesEveryPieceWhereNoMemoryCanBeHadForThreads) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef HEAPGAUGE_SANITIZED
   GTEST_SKIP() << "the sanitizers end a program that runs out of memory";
 #else
   EXPECT_EXIT(doPiecesWithoutMemory(2), testing::ExitedWithCode(0), "");

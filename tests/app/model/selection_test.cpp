@@ -45,7 +45,7 @@ TEST_F(SelectionTest, TogglesOneAfterAnother) {
 TEST_F(SelectionTest, KeepsWhatIsSelectedInOrder) {
   selection.replace(std::vector<NodeId>{9, 2, 5, 2});
   EXPECT_EQ(selection.sorted(), (std::vector<NodeId>{2, 5, 9}));
-  for (const NodeId node : {7, 5, 1, 9, 12}) selection.toggle(node);
+  for (const NodeId node : {7u, 5u, 1u, 9u, 12u}) selection.toggle(node);
   EXPECT_EQ(selection.sorted(), (std::vector<NodeId>{1, 2, 7, 12}));
   EXPECT_EQ(selection.nodes(), (std::unordered_set<NodeId>{1, 2, 7, 12}));
   selection.clear();
