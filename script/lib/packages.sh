@@ -10,7 +10,7 @@ packages() {
         libpng-dev fonts-dejavu-core xvfb x11-utils netpbm
       ;;
     debian-test)
-      echo libgtest-dev libxtst-dev libfuse3-dev fuse3 clang shellcheck ccache xclip openbox \
+      echo libgtest-dev libxtst-dev libfuse3-dev fuse3 clang lld shellcheck ccache xclip openbox \
         trash-cli curl wget python3 fonts-noto-color-emoji
       ;;
     debian-screenshots) echo xdotool fonts-noto-color-emoji ;;
@@ -20,7 +20,7 @@ packages() {
         fontconfig-devel libpng-devel dejavu-sans-fonts xorg-x11-server-Xvfb xdpyinfo netpbm-progs
       ;;
     fedora-test)
-      echo gtest-devel libXtst-devel fuse3-devel fuse3 clang ShellCheck ccache xclip openbox \
+      echo gtest-devel libXtst-devel fuse3-devel fuse3 clang lld ShellCheck ccache xclip openbox \
         trash-cli curl wget python3 dejavu-sans-mono-fonts google-noto-color-emoji-fonts
       ;;
     fedora-screenshots) echo xdotool google-noto-color-emoji-fonts ;;
@@ -30,7 +30,7 @@ packages() {
         xorg-server-xvfb xorg-xdpyinfo netpbm
       ;;
     arch-test)
-      echo gtest libxtst fuse3 clang shellcheck ccache xclip openbox trash-cli curl wget python \
+      echo gtest libxtst fuse3 clang lld shellcheck ccache xclip openbox trash-cli curl wget python \
         noto-fonts-emoji
       ;;
     arch-screenshots) echo xdotool noto-fonts-emoji ;;
@@ -40,7 +40,7 @@ packages() {
         fontconfig-devel libpng16-devel dejavu-fonts xorg-x11-server-Xvfb xdpyinfo netpbm
       ;;
     suse-test)
-      echo gtest libXtst-devel fuse3-devel fuse3 clang ShellCheck ccache xclip openbox \
+      echo gtest libXtst-devel fuse3-devel fuse3 clang lld ShellCheck ccache xclip openbox \
         trash-cli curl wget python3 google-noto-coloremoji-fonts
       ;;
     suse-bench) echo libXtst-devel ;;

@@ -86,59 +86,105 @@ tap_tests() {
   fi
 }
 
-# Reads what ctest --output-junit wrote; prints a line for each test: "passed NAME", "failed NAME" or
-# "skipped NAME: reason". The counts in the file's head will not do: there, a test whose program could not
-# be found counts as skipped.
+# What the readers of reports share: text(LINE) without XML's entities, attribute(LINE, NAME).
+awk_xml='
+  function text(line) {
+    gsub(/&lt;/, "<", line); gsub(/&gt;/, ">", line); gsub(/&quot;/, "\"", line); gsub(/&apos;/, "\047", line)
+    gsub(/&#x0A;/, " ", line); gsub(/&amp;/, "\\&", line)
+    return line
+  }
+  function attribute(line, name) {
+    if (!match(line, " " name "=\"[^\"]*\"")) return ""
+    return text(substr(line, RSTART + length(name) + 3, RLENGTH - length(name) - 4))
+  }'
+
+# Reads what ctest --output-junit wrote; prints a line for each program: "passed NAME", "failed NAME" or "skipped NAME".
+# The counts in the file's head will not do: there, a test whose program could not be found counts as skipped.
 read_junit() {
   # shellcheck disable=SC2016  # the program is awk's
-  awk '
-    function text(line) {
-      gsub(/&lt;/, "<", line); gsub(/&gt;/, ">", line); gsub(/&quot;/, "\"", line)
-      gsub(/&apos;/, "\047", line); gsub(/&amp;/, "\\&", line)
-      return line
-    }
-    function attribute(line, name) {
-      if (!match(line, " " name "=\"[^\"]*\"")) return ""
-      return text(substr(line, RSTART + length(name) + 3, RLENGTH - length(name) - 4))
-    }
+  awk "$awk_xml"'
     /^\t<testcase / {
-      name = attribute($0, "name"); status = attribute($0, "status")
-      reason = ""; in_reason = 0; told_to_skip = 0
-    }
-    /^\t\t<skipped message="SKIP_/ { told_to_skip = 1 }
-    /^\[  SKIPPED \]/ { in_reason = 0 }
-    in_reason { reason = reason (reason == "" ? "" : " ") text($0) }
-    /^[^ ]*:[0-9]+: Skipped$/ { in_reason = 1 }
-    /^\t<\/testcase>/ {
-      if (status == "run") print "passed " name
-      else if (status == "disabled") print "skipped " name ": disabled"
-      else if (status == "notrun" && told_to_skip) print "skipped " name ": " (reason == "" ? "no reason given" : reason)
-      else print "failed " name
+      status = attribute($0, "status")
+      print (status == "run" ? "passed" : status == "disabled" ? "skipped" : "failed") " " attribute($0, "name")
     }' "$1"
 }
 
-# ctest_tests NAME BUILD_DIRECTORY [CTEST ARGUMENT]...: counts each test that ctest knows.
+# Reads the list of tests that a GoogleTest program wrote; prints a line for each: "passed NAME", "failed NAME" or
+# "skipped NAME: reason".
+read_gtest() {
+  # shellcheck disable=SC2016  # the program is awk's
+  awk "$awk_xml"'
+    function report() {
+      if (name == "") return
+      if (result == "skipped") print "skipped " name ": " (reason == "" ? "no reason given" : reason)
+      else if (result == "suppressed") print "skipped " name ": disabled"
+      else print (broken ? "failed " : "passed ") name
+      name = ""
+    }
+    /^ *<testcase / {
+      report()
+      name = attribute($0, "classname") "." attribute($0, "name"); result = attribute($0, "result")
+      reason = ""; broken = 0
+    }
+    /^ *<failure / { broken = 1 }
+    # "file:line", then the reason.
+    /^ *<skipped / { reason = attribute($0, "message"); sub(/^[^ ]*:[0-9]+ /, "", reason); sub(/ +$/, "", reason) }
+    END { report() }' "$1"
+}
+
+# count_ctest NAME JUNIT RESULTS: counts each test of the programs that ctest ran, and says how many failed in
+# `failed_here`. A program that left no list of its tests in RESULTS, or failed beside them, counts as one.
+count_ctest() {
+  local name=$1 program outcome line own
+  failed_here=0
+  while read -r outcome program; do
+    own=$failed_here
+    if [[ -f $3/$program.xml ]]; then
+      while IFS= read -r line; do
+        case $line in
+          'passed '*) passed=$((passed + 1)) ;;
+          'skipped '*) count_skipped "$name: ${line#skipped }" ;;
+          'failed '*)
+            failed_here=$((failed_here + 1))
+            count_failed "$name: ${line#failed }"
+            ;;
+        esac
+      done < <(read_gtest "$3/$program.xml")
+      [[ $outcome == failed && $own == "$failed_here" ]] || continue
+    fi
+    case $outcome in
+      passed) passed=$((passed + 1)) ;;
+      skipped) count_skipped "$name: $program" ;;
+      failed)
+        failed_here=$((failed_here + 1))
+        count_failed "$name: $program"
+        ;;
+    esac
+  done < <(read_junit "$2")
+}
+
+# Leaves out of a log of ctest what passed: lines of ctest, and the two lines of each test of a GoogleTest program.
+without_passed() {
+  awk '
+    /^ *([0-9]+\/[0-9]+ Test +#.* (Passed|\*\*\*Skipped) |Start +[0-9]+:)/ { next }
+    /^\[ RUN      \] / { held = $0; next }
+    /^\[       OK \] / { held = ""; next }
+    held != "" { print held; held = "" }
+    { print }
+    END { if (held != "") print held }' "$1"
+}
+
+# ctest_tests NAME BUILD_DIRECTORY [CTEST ARGUMENT]...: counts each test of the programs that ctest knows. Some of them
+# wait more than they work, so that there is one more at a time than there are processors.
 ctest_tests() {
-  local name=$1 junit=$log_directory/junit.xml line bad=0
-  rm -f -- "$junit"
-  step "$name" "${without_aslr[@]}" ctest --test-dir "$2" --parallel 2 --no-tests=error \
+  local name=$1 junit=$log_directory/junit.xml failed_here=0
+  rm -rf -- "$junit" "$2/results"
+  step "$name" "${without_aslr[@]}" ctest --test-dir "$2" --parallel "$(($(nproc) + 1))" --no-tests=error \
     --output-on-failure --output-junit "$junit" "${@:3}"
-  if [[ -f $junit ]]; then
-    while IFS= read -r line; do
-      case $line in
-        'passed '*) passed=$((passed + 1)) ;;
-        'skipped '*) count_skipped "$name: ${line#skipped }" ;;
-        'failed '*)
-          bad=$((bad + 1))
-          count_failed "$name: ${line#failed }"
-          ;;
-      esac
-    done < <(read_junit "$junit")
-  fi
+  [[ ! -f $junit ]] || count_ctest "$name" "$junit" "$2/results"
   if ((step_status != 0)); then
-    # The output of failed tests stands between the lines that say what started and what passed.
-    grep -vE '^ *([0-9]+/[0-9]+ Test +#.* (Passed|\*\*\*Skipped) |Start +[0-9]+:)' -- "$step_log" | sed 's/^/    | /' || :
-    ((bad)) || count_failed "$name: ctest ended with status $step_status"
+    without_passed "$step_log" | sed 's/^/    | /'
+    ((failed_here)) || count_failed "$name: ctest ended with status $step_status"
   fi
 }
 

@@ -21,6 +21,41 @@ cpp_files() {
   done | sed 's|^[.]/||' | sort
 }
 
+# changed_files: what differs from the branch that work starts from (the upstream of this one, else origin/main, else
+# the last commit), committed or not, relative to the tree. Fails where there is no repository to ask.
+changed_files() (
+  cd -- "$root" || return
+  local start
+  git rev-parse --is-inside-work-tree >/dev/null 2>&1 || return
+  start=$(git merge-base HEAD '@{upstream}' 2>/dev/null) || start=$(git merge-base HEAD origin/main 2>/dev/null) ||
+    start=$(git rev-parse HEAD) || return
+  git diff --name-only "$start" && git ls-files --others --exclude-standard
+)
+
+# depending_on CHANGED SOURCE...: those of the sources that are in CHANGED, a list of lines, or include a file of it,
+# however far away. An include names a header from the top of the tree.
+depending_on() {
+  local changed=$1
+  shift
+  { grep -rHo --include='*.h' --include='*.cpp' '^#include "[^"]*"' base sizewalk ui app || :; } |
+    sed 's/:#include "/\t/; s/"$//' |
+    awk -F '\t' -v changed="$changed" -v sources="$(printf '%s\n' "$@")" '
+      { includes[$1] = includes[$1] "\n" $2 }
+      function reaches(file, parts, count, i) {
+        if (file in known) return known[file]
+        known[file] = file in is_changed
+        count = split(includes[file], parts, "\n")
+        for (i = 1; i <= count && !known[file]; ++i) if (parts[i] != "" && reaches(parts[i])) known[file] = 1
+        return known[file]
+      }
+      END {
+        count = split(changed, names, "\n")
+        for (i = 1; i <= count; ++i) is_changed[names[i]] = 1
+        count = split(sources, names, "\n")
+        for (i = 1; i <= count; ++i) if (reaches(names[i])) print names[i]
+      }'
+}
+
 # expect_some FILE...: ends the check as failed where it found nothing to look at, since it would pass
 # without having looked.
 expect_some() {

@@ -49,6 +49,7 @@ show() { printf 'status %s\n--- stdout\n%s\n--- stderr\n%s\n' "$status" "$out" "
 expect_status() { [[ $status == "$1" ]] || { show && fail "status is not $1"; }; }
 expect_failure() { [[ $status != 0 ]] || { show && fail "it succeeded"; }; }
 expect_out() { [[ $out == *"$1"* ]] || { show && fail "stdout lacks: $1"; }; }
+expect_no_out() { [[ $out != *"$1"* ]] || { show && fail "stdout has: $1"; }; }
 expect_err() { [[ $err == *"$1"* ]] || { show && fail "stderr lacks: $1"; }; }
 expect_equal() { [[ $1 == "$2" ]] || { show && fail "is '$1', not '$2'"; }; }
 expect_file() { [[ -s $1 ]] || { show && fail "no file $1"; }; }
