@@ -2,26 +2,27 @@
 // each step against the least that it could cost done plainly:
 //
 //   layout    one pass that sums the children of every laid-out folder and sorts what of them is
-//   drawn; shading   the plain scalar loop over the same blocks in the same colours, on one thread;
+//             drawn;
+//   shading   the plain scalar loop over the same blocks in the same colours, on one thread, with
+//             nothing called for a pixel, and the same picture in the end;
 //   render    layout, colours, shading and outlines together, in the memory of the last render as
-//   the view
-//             does it, against fresh memory.
+//             the view does it, against fresh memory.
 
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
 #include <random>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "app/map/cushion_kernel.h"
 #include "app/map/cushion_shading.h"
 #include "app/map/treemap_layout.h"
 #include "app/map/treemap_render.h"
 #include "app/model/parallel.h"
 #include "bench/support/million_files.h"
 #include "bench/support/paired_timing.h"
+#include "bench/support/plain_shading.h"
 #include "bench/support/row.h"
 #include "sizewalk/file_kinds.h"
 #include "sizewalk/file_tree.h"
@@ -166,28 +167,16 @@ void benchLayout(const FileTree& tree, const std::string& what) {
   if (check < 0) std::abort();  // never; it makes the sums count
 }
 
-/// Block after block, pixel after pixel.
-void shadePlainly(const std::vector<TreemapBlock>& blocks,
-                  const std::vector<std::uint32_t>& colours, const app::MapImage& image) {
-  const auto pixels =
-      static_cast<std::size_t>(image.width) * static_cast<std::size_t>(image.height);
-  std::fill_n(image.pixels, pixels, app::kMapBackground);
-  std::fill_n(image.blockAt, pixels, app::kNoBlock);
-  for (std::size_t i = 0; i < blocks.size(); ++i) {
-    const TreemapBlock& block = blocks[i];
-    if (!block.painted) continue;
-    const auto bounds = app::pixelBounds(block.rect, image.width, {0, image.height});
-    for (std::int32_t row = bounds.top; row < bounds.bottom; ++row) {
-      const std::size_t start =
-          static_cast<std::size_t>(row) * static_cast<std::size_t>(image.width);
-      for (std::int32_t column = bounds.left; column < bounds.right; ++column) {
-        const std::size_t at = start + static_cast<std::size_t>(column);
-        image.pixels[at] = app::shadePixel(block.cushion, colours[i], column, row);
-        image.blockAt[at] = static_cast<std::uint32_t>(i);
-      }
-    }
-  }
-}
+/// The two images of a map, with the memory that they lie in.
+class ImageMemory {
+ public:
+  app::MapImage image() { return {pixels_.data(), blockAt_.data(), kWidth, kHeight}; }
+  friend bool operator==(const ImageMemory&, const ImageMemory&) = default;
+
+ private:
+  std::vector<std::uint32_t> pixels_ = std::vector<std::uint32_t>(std::size_t{kWidth} * kHeight);
+  std::vector<std::uint32_t> blockAt_ = pixels_;
+};
 
 void benchShading(const FileTree& tree, const std::string& what) {
   const app::KindColours kinds(true);
@@ -198,13 +187,15 @@ void benchShading(const FileTree& tree, const std::string& what) {
   }
   std::vector<app::RunRows> rows(app::runCount(blocks.size()));
   app::findRunRows(blocks, rows);
-  std::vector<std::uint32_t> pixels(std::size_t{kWidth} * kHeight);
-  std::vector<std::uint32_t> blockAt(pixels.size());
-  const app::MapImage image = {pixels.data(), blockAt.data(), kWidth, kHeight};
-  const auto plain = [&] { shadePlainly(blocks, colours, image); };
+  ImageMemory memory;
+  const auto plain = [&] { bench::shadePlainly(blocks, colours, memory.image()); };
   const auto shading = [&](unsigned threads) {
-    return bench::timePaired(kPairs, plain,
-                             [&] { app::shadeBlocks(blocks, colours, rows, image, threads); });
+    const bench::PairedTiming timing = bench::timePaired(
+        kPairs, plain, [&] { app::shadeBlocks(blocks, colours, rows, memory.image(), threads); });
+    const ImageMemory shaded = memory;
+    plain();
+    if (shaded != memory) throw std::runtime_error("the plain loop makes another picture");
+    return timing;
   };
   const std::string question = "Treemap shading, " + what + ", ";
   report(question + "against the plain loop", shading(app::hardwareThreads()), kShadingBar);
