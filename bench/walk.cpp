@@ -117,7 +117,7 @@ void compareWithProgram(const Place& place, const Capture& capture,
 void compare(const Place& place) {
   compareWithBareWalker(place);
   const Capture capture;
-  compareWithProgram(place, capture, {"du", "-s"});
+  compareWithProgram(place, capture, {"du", "-sx"});
   compareWithProgram(place, capture, {"ncdu", "-0xo", "/dev/null"});
   compareWithProgram(place, capture, {"gdu", "-npx"});
 }
