@@ -73,6 +73,23 @@ TEST_F(PopupMenuTest, OpensAtThePointer) {
   EXPECT_TRUE(isInside(menu->panel(), kWidth, kHeight));
 }
 
+TEST_F(PopupMenuTest, IsAsWideAsItsWidestTextAndTheRoomBesideIt) {
+  const std::string widest(40, 'm');
+  openWith({entry(widest), entry("second")});
+  const int text = style.textWidth(widest);
+  ASSERT_GT(text, style.scaled(160)) << "wider than the least menu";
+  EXPECT_EQ(menu->panel().w, text + 2 * style.scaled(4) + 2 * style.scaled(12));
+  EXPECT_EQ(menu->entryRect(0).w, text + 2 * style.scaled(12));
+}
+
+TEST_F(PopupMenuTest, IsAsHighAsItsEntriesAndTheRoomAroundThem) {
+  const ui::Rect panel = menu->panel();
+  const ui::Rect first = menu->entryRect(0);
+  const ui::Rect last = menu->entryRect(4);
+  EXPECT_EQ(first.y - panel.y, style.scaled(4));
+  EXPECT_EQ(panel.y + panel.h - (last.y + last.h), style.scaled(4));
+}
+
 TEST_F(PopupMenuTest, OpensInsideTheWindowWhereverThePointerIs) {
   for (const int x : {0, 1, 320, 600, 639}) {
     for (const int y : {0, 1, 200, 400, 419}) {
