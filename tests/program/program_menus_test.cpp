@@ -137,7 +137,27 @@ TEST_F(ProgramMenus, CloseTheSettingsWithEscapeEnterAndAPressOutside) {
   EXPECT_EQ(settings(), "");
 }
 
-TEST_F(ProgramMenus, KeepKeysAndQuickSecondPressesFromTheScanBelow) {
+TEST_F(ProgramMenus, KeepKeysFromTheScanBelow) {
+  test::Running program({folder()});
+  ASSERT_TRUE(waitForTheScan(program));
+  const Colours before = settledToolbar(program);
+  const Colours scanned = around(program);
+  // A scan from here on shows another map.
+  test::writeFile(dir_ / "scanned/late.zip", std::string(3'000'000, 'x'));
+  program.ctrlKey(',');
+  ASSERT_TRUE(opens(program, kInList));
+  program.ctrlKey('2');
+  program.key(ui::key::kF5);
+  program.key(ui::key::kEscape);
+  ASSERT_TRUE(closes(program, kInList));
+  EXPECT_TRUE(settledToolbar(program) == before);
+  ASSERT_TRUE(program.comesToTheEndOfItsScan());
+  EXPECT_TRUE(around(program) == scanned);
+  program.key(ui::key::kF5);
+  EXPECT_TRUE(eventually([&] { return around(program) != scanned; })) << "now it is the scan's";
+}
+
+TEST_F(ProgramMenus, KeepQuickSecondPressesFromTheScanBelow) {
   // A double press anywhere on its map would go into the folder.
   test::writeFile(dir_ / "scanned/inner/file.mp3", std::string(1'000'000, 'x'));
   test::Running program({dir_ / "scanned"});
@@ -145,8 +165,6 @@ TEST_F(ProgramMenus, KeepKeysAndQuickSecondPressesFromTheScanBelow) {
   const Colours before = settledToolbar(program);
   program.ctrlKey(',');
   ASSERT_TRUE(opens(program, kInList));
-  program.ctrlKey('2');
-  program.key(ui::key::kF5);
   // Outside the panel, over the map: the first press closes the dialog, the second is nobody's.
   program.click(1050, 650);
   program.click(1050, 650);
