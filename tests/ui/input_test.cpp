@@ -96,6 +96,7 @@ TEST_F(InputTest, TellsPressAndReleaseWithPlaceAndButton) {
 }
 
 TEST_F(InputTest, CountsADoubleClick) {
+  const SlowSpans slow;
   click(1);
   click(1);
   settle();
@@ -104,6 +105,7 @@ TEST_F(InputTest, CountsADoubleClick) {
 }
 
 TEST_F(InputTest, CountsALeftAndAQuickRightClickAsOneSeries) {
+  const SlowSpans slow;
   click(1);
   click(3);
   settle();
@@ -118,6 +120,7 @@ TEST_F(InputTest, TellsExtraButtonsAsPresses) {
 }
 
 TEST_F(InputTest, TellsHeldKeysWithAPressButNotWithARelease) {
+  const SlowSpans slow;
   click(1);
   other.pressKey(0xffe1);  // Shift_L
   other.pressKey(XK_Control_L);
@@ -148,6 +151,7 @@ TEST_F(InputTest, TellsHeldKeysWithTheWheel) {
 }
 
 TEST_F(InputTest, WheelDoesNotDisturbADoubleClick) {
+  const SlowSpans slow;
   click(1);
   click(4);
   click(1);
@@ -359,6 +363,7 @@ TEST_F(InputTest, TicksOnWhenTheClockIsSetBack) {
 }
 
 TEST_F(InputTest, CountsAPressThatNoCallableIsSetFor) {
+  const SlowSpans slow;
   const auto onPress = window.onPress;
   window.onPress = nullptr;
   click(1);

@@ -14,4 +14,15 @@ class WallClock {
   WallClock& operator=(const WallClock&) = delete;
 };
 
+/// Has the clock that nobody sets, by which spans are measured, go fifty times slower during a
+/// scope, so that what a test does quickly is quick also on a machine that stands still for a
+/// while. One at a time.
+class SlowSpans {
+ public:
+  SlowSpans();
+  ~SlowSpans();
+  SlowSpans(const SlowSpans&) = delete;
+  SlowSpans& operator=(const SlowSpans&) = delete;
+};
+
 }  // namespace test
