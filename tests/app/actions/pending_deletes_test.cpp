@@ -426,6 +426,17 @@ class PendingOnASilentDisk : public PendingDeletesTest {
   void letGo() {
     if (!std::exchange(answers_, true)) answer_.set_value();
   }
+  /// So many that a second for each is longer than any machine stands still.
+  std::vector<NodeId> manyItems() {
+    constexpr int kItems = 30;
+    Listing listing(late_);
+    for (int i = 0; i < kItems; ++i) listing.file(std::to_string(i), 0);
+    test::add(tree_, listing);
+    std::vector<NodeId> items;
+    for (NodeId i = 0; i < kItems; ++i) items.push_back(tree_.firstChild(late_) + i);
+    return items;
+  }
+  static constexpr std::chrono::seconds kNotOneByOne{20};
 
   std::promise<void> answer_;
   bool answers_ = false;
@@ -436,22 +447,24 @@ class PendingOnASilentDisk : public PendingDeletesTest {
 };
 
 TEST_F(PendingOnASilentDisk, WaitsForNothingWhenAnItemIsAddedOrPutBack) {
+  const std::vector<NodeId> items = manyItems();
   const auto start = Clock::now();
-  silent_.add(std::vector{photo_, song_});
+  silent_.add(items);
   silent_.undelete(0);
   silent_.undeleteAll();
-  EXPECT_LT(Clock::now() - start, std::chrono::milliseconds(500));
+  EXPECT_LT(Clock::now() - start, kNotOneByOne);
   EXPECT_EQ(total(), 150u);
 }
 
 TEST_F(PendingOnASilentDisk, TrashesNothingAndWaitsASecondInAll) {
-  silent_.add(std::vector{photo_, song_, late_});
+  const std::vector<NodeId> items = manyItems();
+  silent_.add(items);
   const auto start = Clock::now();
   silent_.deleteAllNow();
-  EXPECT_LT(Clock::now() - start, std::chrono::seconds(2));
+  EXPECT_LT(Clock::now() - start, kNotOneByOne);
   EXPECT_EQ(trashed_, Texts{});
-  ASSERT_EQ(failures_.size(), 3u);
-  EXPECT_EQ(failures_[0], "/r/photo: The disk that it is on does not answer.");
+  ASSERT_EQ(failures_.size(), items.size());
+  EXPECT_EQ(failures_[0], "/r/late/0: The disk that it is on does not answer.");
   EXPECT_EQ(total(), 150u);
 }
 
