@@ -78,6 +78,8 @@ struct stat statusOf(const Entry& entry) {
   return status;
 }
 
+}  // namespace
+
 /// A process that unmounts should this one be killed, so that no dead mount stays behind.
 class Undertaker {
  public:
@@ -119,8 +121,6 @@ class Undertaker {
   pid_t child_ = -1;
   int alive_ = -1;
 };
-
-}  // namespace
 
 /// Answers what the kernel asks, on a thread of its own.
 class BlockingFileSystem::Server {
