@@ -182,6 +182,7 @@ void benchShading(const FileTree& tree, const std::string& what) {
   const app::KindColours kinds(true);
   const std::vector<TreemapBlock> blocks = layOut(tree);
   std::vector<std::uint32_t> colours;
+  colours.reserve(blocks.size());
   for (const TreemapBlock& block : blocks) {
     colours.push_back(kinds.colourForKind(tree.kind(static_cast<NodeId>(block.id))));
   }
