@@ -77,6 +77,13 @@ TEST_F(FolderListTest, ActivatesOnADoublePress) {
   EXPECT_EQ(activated_.size(), 1u);
 }
 
+TEST_F(FolderListTest, CountsNoPressOnTheListBeforeAsTheFirstOfTwo) {
+  press(1);
+  list_.show(&tree_);
+  press(1, {.button = 1, .clicks = 2});
+  EXPECT_TRUE(activated_.empty());
+}
+
 TEST_F(FolderListTest, TakesNoPressOnAnotherRowOrButtonForADoubleOne) {
   press(1);
   press(2, {.button = 1, .clicks = 2});
