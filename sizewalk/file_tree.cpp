@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <utility>
 
 #include "sizewalk/fatal.h"
@@ -40,11 +41,12 @@ void FileTree::createRoot(std::string rootPath, std::uint32_t birthTime) {
   const base::MutexLock lock(writeMutex_);
   rootPath_ = std::move(rootPath);
   growTo(1);
+  writeName(kRootNode, lastComponent(rootPath_));
   end_ = 1;
   EntryRecord root;
   root.kind = kKindFolder;
   root.birthTime = birthTime;
-  writeNode(kRootNode, kRootNode, root, lastComponent(rootPath_), NodeFlag::Directory, {});
+  writeNode(kRootNode, kRootNode, root, NodeFlag::Directory, {});
   publish();
 }
 
@@ -87,22 +89,25 @@ void FileTree::addChildren(const DirectoryResult& result, std::vector<NodeId>* s
   const base::MutexLock lock(writeMutex_);
   const NodeId directory = result.directory;
   const HardLinkLedger::TakenOutTest inTakenOut = takenOutTest();
+  bool complete = true;
   Tally tally;
   noteErrors(result, &tally);
   totals_.addSystemCalls(result.systemCalls);
   if (!result.entries.empty()) {
     const auto first = static_cast<NodeId>(end_);
     growTo(end_ + result.entries.size());
-    const NodeSums batch = appendEntries(result, first, inTakenOut, &tally);
-    end_ += result.entries.size();
+    subdirectories->reserve(result.subdirectories.size());
+    rollUp(directory, appendEntries(result, inTakenOut, &tally));
     setChildren(directory, {first, static_cast<NodeId>(end_)});
-    rollUp(directory, batch);
     for (const std::uint32_t position : result.subdirectories) {
-      subdirectories->push_back(first + position);
+      if (first + position < end_) subdirectories->push_back(first + position);
     }
+    tally.scan.directories += subdirectories->size();
+    complete = end_ == first + result.entries.size();
   }
   if (!inTakenOut(directory)) totals_.add(tally);
   publish();
+  if (!complete) throw std::bad_alloc();
 }
 
 /// Each error has a node whose flag stands for it: an entry's own, or the directory's, which could
@@ -118,30 +123,40 @@ void FileTree::noteErrors(const DirectoryResult& result, Tally* tally) {
   setFlags(result.directory, flags(result.directory).with(NodeFlag::Unreadable));
 }
 
-/// Writes the nodes from `first` on and returns their sums.
-NodeSums FileTree::appendEntries(const DirectoryResult& result, NodeId first,
+/// Writes the entries as the next nodes and returns their sums. Where memory runs out those before
+/// stay, and are all that is counted.
+NodeSums FileTree::appendEntries(const DirectoryResult& result,
                                  const HardLinkLedger::TakenOutTest& inTakenOut, Tally* tally) {
   NodeSums batch;
-  NodeId node = first;
-  for (const EntryRecord& entry : result.entries) {
-    NodeFlags flags = entry.flags;
-    NodeSums sums;
-    if (enterName(entry, node, result.directory, inTakenOut) == HardLinkLedger::Role::Duplicate) {
-      flags = flags.with(NodeFlag::HardLinkDuplicate);
-      tally->scan.hardLinks += 1;
-      tally->scan.hardLinkBytes += entry.allocatedSize;
-    } else {
-      sums = entrySums(entry);
+  try {
+    for (const EntryRecord& entry : result.entries) {
+      batch.add(appendEntry(result, entry, inTakenOut, tally));
+      ++end_;
     }
-    writeNode(node, result.directory, entry, result.nameOf(entry), flags, sums);
-    tally->scan.datedEntries += entry.birthTime != 0;
-    if (!flags.has(NodeFlag::Directory)) tally->addToKind(entry.kind, sums);
-    batch.add(sums);
-    ++node;
+  } catch (const std::bad_alloc&) {  // the caller sees where it ended
   }
   tally->scan.files += batch.itemCount;
-  tally->scan.directories += result.subdirectories.size();
   return batch;
+}
+
+/// What may find no memory comes first, so that an entry counts as a whole or not at all.
+NodeSums FileTree::appendEntry(const DirectoryResult& result, const EntryRecord& entry,
+                               const HardLinkLedger::TakenOutTest& inTakenOut, Tally* tally) {
+  const auto node = static_cast<NodeId>(end_);
+  writeName(node, result.nameOf(entry));
+  NodeFlags flags = entry.flags;
+  NodeSums sums;
+  if (enterName(entry, node, result.directory, inTakenOut) == HardLinkLedger::Role::Duplicate) {
+    flags = flags.with(NodeFlag::HardLinkDuplicate);
+    tally->scan.hardLinks += 1;
+    tally->scan.hardLinkBytes += entry.allocatedSize;
+  } else {
+    sums = entrySums(entry);
+  }
+  writeNode(node, result.directory, entry, flags, sums);
+  tally->scan.datedEntries += entry.birthTime != 0;
+  if (!flags.has(NodeFlag::Directory)) tally->addToKind(entry.kind, sums);
+  return sums;
 }
 
 HardLinkLedger::Role FileTree::enterName(const EntryRecord& entry, NodeId node, NodeId folder,
@@ -166,11 +181,14 @@ NodeSums FileTree::entrySums(const EntryRecord& entry) const {
   return sums;
 }
 
-void FileTree::writeNode(NodeId node, NodeId parent, const EntryRecord& entry,
-                         std::string_view name, NodeFlags flags, const NodeSums& sums) {
-  parent_[node] = parent;
+void FileTree::writeName(NodeId node, std::string_view name) {
   nameOffset_[node] = storeName(name);
   nameLength_[node] = static_cast<std::uint16_t>(name.size());
+}
+
+void FileTree::writeNode(NodeId node, NodeId parent, const EntryRecord& entry, NodeFlags flags,
+                         const NodeSums& sums) {
+  parent_[node] = parent;
   kind_[node] = entry.kind;
   flags_[node] = flags.bits();
   apparentSize_[node] = sums.apparentSize;

@@ -75,8 +75,8 @@ class FileTree {
   /// Beneath a taken-out node sums go no further than that node and no total changes. A directory
   /// is added once, and again only after `dropContents`.
   ///
-  /// Ends the program when a limit is passed. Throws std::bad_alloc when there is no memory for
-  /// another page; the tree is then fit only to be destroyed.
+  /// Ends the program when a limit is passed. Throws std::bad_alloc when memory runs out: the
+  /// entries before that are children and count, the others are not there.
   void addChildren(const DirectoryResult& result, std::vector<NodeId>* subdirectories);
 
   /// Drops what `folder` holds, before it is read anew: its contents leave every sum and total
@@ -170,15 +170,19 @@ class FileTree {
   void growTo(std::uint64_t nodes) REQUIRES(writeMutex_);
   std::uint32_t storeName(std::string_view name) REQUIRES(writeMutex_);
   void noteErrors(const DirectoryResult& result, Tally* tally) REQUIRES(writeMutex_);
-  NodeSums appendEntries(const DirectoryResult& result, NodeId first,
+  NodeSums appendEntries(const DirectoryResult& result,
                          const HardLinkLedger::TakenOutTest& inTakenOut, Tally* tally)
+      REQUIRES(writeMutex_);
+  NodeSums appendEntry(const DirectoryResult& result, const EntryRecord& entry,
+                       const HardLinkLedger::TakenOutTest& inTakenOut, Tally* tally)
       REQUIRES(writeMutex_);
   HardLinkLedger::Role enterName(const EntryRecord& entry, NodeId node, NodeId folder,
                                  const HardLinkLedger::TakenOutTest& inTakenOut)
       REQUIRES(writeMutex_);
   NodeSums entrySums(const EntryRecord& entry) const;
-  void writeNode(NodeId node, NodeId parent, const EntryRecord& entry, std::string_view name,
-                 NodeFlags flags, const NodeSums& sums) REQUIRES(writeMutex_);
+  void writeName(NodeId node, std::string_view name) REQUIRES(writeMutex_);
+  void writeNode(NodeId node, NodeId parent, const EntryRecord& entry, NodeFlags flags,
+                 const NodeSums& sums) REQUIRES(writeMutex_);
   void setChildren(NodeId node, NodeRange range) REQUIRES(writeMutex_);
   void setFlags(NodeId node, NodeFlags flags) REQUIRES(writeMutex_);
   void publish() REQUIRES(writeMutex_);

@@ -12,8 +12,8 @@ HardLinkLedger::Role HardLinkLedger::enter(const Name& name, const TakenOutTest&
     duplicates_.push_back({name.node, name.allocatedBytes});
     return Role::Duplicate;
   }
+  displaced_.push_back({name.key, counted});  // first: for this there may be no memory
   counted_.assign(name.key, name.node);
-  displaced_.push_back({name.key, counted});
   return Role::Counted;
 }
 

@@ -35,9 +35,11 @@ void HardLinkSet::assign(std::uint64_t key, NodeId node) { nodes_[slotOf(key)] =
 void HardLinkSet::eraseIf(const std::function<bool(NodeId)>& gone) { rebuild(keys_.size(), gone); }
 
 void HardLinkSet::rebuild(std::uint64_t capacity, const std::function<bool(NodeId)>& dropped) {
-  const std::vector<std::uint64_t> oldKeys =
-      std::exchange(keys_, std::vector<std::uint64_t>(capacity, 0));
-  const std::vector<NodeId> oldNodes = std::exchange(nodes_, std::vector<NodeId>(capacity, 0));
+  // Both first: without memory for one of them the old table stays.
+  std::vector<std::uint64_t> keys(capacity, 0);
+  std::vector<NodeId> nodes(capacity, 0);
+  const std::vector<std::uint64_t> oldKeys = std::exchange(keys_, std::move(keys));
+  const std::vector<NodeId> oldNodes = std::exchange(nodes_, std::move(nodes));
   count_ = 0;
   for (std::uint64_t i = 0; i < oldKeys.size(); ++i) {
     if (oldKeys[i] == 0 || dropped(oldNodes[i])) continue;

@@ -32,13 +32,15 @@ std::uint64_t nanoseconds(Clock::duration duration) {
       std::chrono::duration_cast<std::chrono::nanoseconds>(duration).count());
 }
 
-/// A thread of `work`; none where none is to be had, or no memory for one.
+/// A thread of `work`; none, and `error` says why, where none is to be had, or no memory for one.
 template <typename Work>
-std::thread threadOf(Work work) {
+std::thread threadOf(Work work, int* error) {
   try {
     return std::thread(std::move(work));
   } catch (const std::system_error&) {
+    *error = EAGAIN;
   } catch (const std::bad_alloc&) {
+    *error = ENOMEM;
   }
   return {};
 }
@@ -175,11 +177,13 @@ void TreeScanner::readAll(WorkList* workList) {
     const base::MutexLock lock(statisticsMutex_);
     statistics_ = {};
   }
-  std::thread progressThread = startProgress(workList);
+  std::thread progressThread = startProgress();
   // First, so that where threads are scarce the readers do not take its.
-  std::thread integrator = startIntegrator(workList);
-  std::vector<std::thread> readers = startReaders(workList);
-  if (readers.empty() || !integrator.joinable()) breakOff(EAGAIN, workList);
+  int error = 0;
+  std::vector<std::thread> readers;
+  std::thread integrator = startIntegrator(workList, &error);
+  if (integrator.joinable()) readers = startReaders(workList, &error);
+  if (readers.empty()) breakOff(error, workList);
 
   for (std::thread& reader : readers) reader.join();
   results_->close();
@@ -199,25 +203,26 @@ int TreeScanner::readerCount() const {
   return chooseReaderCount(options_.threads, probe, std::thread::hardware_concurrency());
 }
 
-/// As many as are wanted and can be had.
-std::vector<std::thread> TreeScanner::startReaders(WorkList* workList) {
+std::vector<std::thread> TreeScanner::startReaders(WorkList* workList, int* error) {
   std::vector<std::thread> readers;
   try {
     const auto wanted = static_cast<std::size_t>(readerCount());
     readers.reserve(wanted);
     while (readers.size() < wanted) {
       std::thread reader =
-          threadOf([this, workList] { runThread(workList, [&] { runReader(workList); }); });
+          threadOf([this, workList] { runThread(workList, [&] { runReader(workList); }); }, error);
       if (!reader.joinable()) break;
       readers.push_back(std::move(reader));
     }
   } catch (const std::bad_alloc&) {  // before the first of them
+    *error = ENOMEM;
   }
   return readers;
 }
 
-std::thread TreeScanner::startIntegrator(WorkList* workList) {
-  return threadOf([this, workList] { runThread(workList, [&] { runIntegrator(workList); }); });
+std::thread TreeScanner::startIntegrator(WorkList* workList, int* error) {
+  return threadOf([this, workList] { runThread(workList, [&] { runIntegrator(workList); }); },
+                  error);
 }
 
 /// Has the readers take no new directories, and nobody wait for the integrator, which may be gone.
@@ -239,13 +244,14 @@ void TreeScanner::runThread(WorkList* workList, Work work) noexcept {
   }
 }
 
-std::thread TreeScanner::startProgress(WorkList* workList) {
+std::thread TreeScanner::startProgress() {
   if (!onProgress) return {};
   {
     const base::MutexLock lock(progressMutex_);
     stopProgress_ = false;
   }
-  return threadOf([this, workList] { runThread(workList, [this] { runProgress(); }); });
+  int error = 0;
+  return threadOf([this] { runProgress(); }, &error);
 }
 
 void TreeScanner::stopProgress(std::thread* progressThread) {
@@ -289,7 +295,10 @@ void TreeScanner::runIntegrator(WorkList* workList) {
 
 void TreeScanner::runProgress() {
   while (true) {
-    onProgress(progress());
+    try {
+      onProgress(progress());
+    } catch (const std::bad_alloc&) {  // a report that is left out harms nothing
+    }
     const base::MutexLock lock(progressMutex_);
     const Clock::time_point next = Clock::now() + kProgressInterval;
     while (!stopProgress_ && Clock::now() < next) progressStopped_.waitUntil(progressMutex_, next);

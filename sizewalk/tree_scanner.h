@@ -64,7 +64,8 @@ class TreeScanner {
   TreeScanner& operator=(const TreeScanner&) = delete;
 
   /// Called about every 100 ms while a walk runs, on a thread of its own, and once when it starts.
-  /// Set it before `walk`; while it is empty there is no such thread.
+  /// Set it before `walk`; while it is empty there is no such thread. One that
+  /// throws std::bad_alloc is left out.
   std::function<void(const ScanProgress&)> onProgress;
 
   /// As `ScanOptions::setLastScanTime`, for an owner that has to ask a disk for the time. Before
@@ -83,7 +84,7 @@ class TreeScanner {
   ///
   /// Returns 0, or the errno for which the walk was broken off: EAGAIN, before anything was read,
   /// where not even one reader and the integrator find threads (fewer readers than wanted do), and
-  /// ENOMEM. After ENOMEM the tree can be read but is not to be changed or walked any more.
+  /// ENOMEM. After ENOMEM the tree holds what was read before, as after a cancel.
   int walk(NodeId start);
 
   /// Forgets that an earlier walk was cancelled. A cancel that comes from now on stops the next
@@ -110,13 +111,14 @@ class TreeScanner {
 
   void readAll(WorkList* workList);
   int readerCount() const;
-  std::vector<std::thread> startReaders(WorkList* workList);
-  std::thread startIntegrator(WorkList* workList);
+  /// As many as are wanted and can be had. Where that is none, `error` says why.
+  std::vector<std::thread> startReaders(WorkList* workList, int* error);
+  std::thread startIntegrator(WorkList* workList, int* error);
   void breakOff(int error, WorkList* workList);
   template <typename Work>
   void runThread(WorkList* workList, Work work) noexcept;
   /// None when there is nobody to report to, or no thread to be had.
-  std::thread startProgress(WorkList* workList);
+  std::thread startProgress();
   void stopProgress(std::thread* progressThread);
   void runReader(WorkList* workList);
   void runIntegrator(WorkList* workList);

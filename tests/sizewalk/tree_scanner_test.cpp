@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/mount.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -12,8 +13,11 @@
 #include <ctime>
 #include <filesystem>
 #include <functional>
+#include <limits>
 #include <map>
 #include <mutex>
+#include <new>
+#include <optional>
 #include <string>
 #include <thread>
 #include <tuple>
@@ -537,12 +541,12 @@ TEST(TreeScanner, SaysThatItFoundNoThreads) {
 }
 
 /// So many names that they need a second map of memory.
-void makeManyNames(const std::string& path) {
+void makeManyNames(const std::string& path, int folders = 20) {
   constexpr int kNames = 4300;
   for (int i = 0; i < kNames; ++i) {
     std::string name = std::to_string(i);
     name.resize(250, 'x');
-    writeFile(path + "/folder" + std::to_string(i % 20) + "/" + name);
+    writeFile(path + "/folder" + std::to_string(i % folders) + "/" + name);
   }
 }
 
@@ -558,6 +562,31 @@ TEST(TreeScanner, SaysThatMemoryRanOut) {
   EXPECT_GE(scanner.tree().nodeCount(), 1U);
 }
 
+TEST(TreeScanner, KeepsWhatItReadBeforeMemoryRanOut) {
+  const TempDirectory dir(TempDirectory::Place::Memory);
+  makeManyNames(dir.path(), 1);
+  const std::string linked = dir / "folder0/" + std::string(250, 'y');
+  for (int i = 0; i < 300; ++i) {  // of those that are listed last and first
+    const std::string name = linked.substr(0, linked.size() - 3) + std::to_string(100 + i);
+    writeFile(name, "12345");
+    ASSERT_EQ(
+        link(name.c_str(), (name.substr(0, name.size() - 3) + "z" + std::to_string(i)).c_str()), 0);
+  }
+  TreeScanner scanner(withThreads(2));
+  scanner.setRoot(dir.path());
+  {
+    const test::FewPages none(0);
+    ASSERT_EQ(scanner.walk(kRootNode), ENOMEM);
+  }
+  const FileTree& tree = scanner.tree();
+  EXPECT_GT(tree.nodeCount(), 3000U);
+  EXPECT_EQ(tree.childCount(1), tree.nodeCount() - 2);
+  test::expectSumsMatchRecount(tree);
+  EXPECT_EQ(scanner.walk(kRootNode), 0) << "there is memory again";
+  EXPECT_EQ(describe(tree), describe(Scan(dir.path()).tree()));
+  test::expectSumsMatchRecount(tree);
+}
+
 TEST(TreeScanner, SaysThatAReaderFoundNoMemory) {
 #ifdef HEAPGAUGE_SANITIZED
   GTEST_SKIP() << "the sanitizers end a program that runs out of memory";
@@ -568,6 +597,61 @@ TEST(TreeScanner, SaysThatAReaderFoundNoMemory) {
   options.readBufferSize = std::uint64_t{1} << 46;
   TreeScanner scanner(options);
   scanner.setRoot(dir.path());
+  EXPECT_EQ(scanner.walk(kRootNode), ENOMEM);
+#endif
+}
+
+TEST(TreeScanner, GoesOnWhereItsReportsFindNoMemory) {
+  const TempDirectory dir;
+  writeFile(dir / "file", "12345");
+  TreeScanner scanner(withThreads(1));
+  scanner.setRoot(dir.path());
+  scanner.onProgress = [](const ScanProgress&) { throw std::bad_alloc(); };
+  EXPECT_EQ(scanner.walk(kRootNode), 0);
+  EXPECT_EQ(scanner.tree().apparentSize(kRootNode), 5U);
+}
+
+TEST(TreeScanner, ReportsAgainOnceThereIsMemory) {
+  const TempDirectory dir;
+  writeFile(dir / "held/file", "12345");
+  TreeScanner scanner(withThreads(1));
+  scanner.setRoot(dir.path());
+  std::optional<test::HeldFolder> held("held");
+  std::atomic<int> reports = 0;
+  scanner.onProgress = [&](const ScanProgress&) {
+    if (++reports == 1) throw std::bad_alloc();
+  };
+  std::thread walking([&] { EXPECT_EQ(scanner.walk(kRootNode), 0); });
+  EXPECT_TRUE(test::eventually([&] { return reports > 1; }));
+  held.reset();
+  walking.join();
+}
+
+/// This process gets no more than 8 GiB of addresses.
+class FewAddresses {
+ public:
+  FewAddresses() {
+    getrlimit(RLIMIT_AS, &usual_);
+    rlimit limit = usual_;
+    limit.rlim_cur = std::min<rlim_t>(rlim_t{8} << 30, usual_.rlim_max);
+    setrlimit(RLIMIT_AS, &limit);
+  }
+  ~FewAddresses() { setrlimit(RLIMIT_AS, &usual_); }
+  FewAddresses(const FewAddresses&) = delete;
+  FewAddresses& operator=(const FewAddresses&) = delete;
+
+ private:
+  rlimit usual_{};
+};
+
+TEST(TreeScanner, TellsWantOfMemoryForItsReadersFromWantOfThreads) {
+#ifdef HEAPGAUGE_SANITIZED
+  GTEST_SKIP() << "the sanitizers need more addresses";
+#else
+  const TempDirectory dir;
+  TreeScanner scanner(withThreads(std::numeric_limits<int>::max()));  // 16 GiB to list them
+  scanner.setRoot(dir.path());
+  const FewAddresses few;
   EXPECT_EQ(scanner.walk(kRootNode), ENOMEM);
 #endif
 }
