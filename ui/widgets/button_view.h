@@ -141,7 +141,7 @@ void ButtonView<Base>::tick(std::int64_t nowMs) {
 
 template <typename Base>
 void ButtonView<Base>::pointerSeen(int x, int y) {
-  placeButtons();
+  if (placeButtons()) this->changed();
   guard_.pointerAt(x, y);
 }
 
