@@ -31,9 +31,8 @@ std::string historyPath();
 ScanHistory loadHistory();
 
 /// Replaces the file, and creates its directory (mode 0700, as every missing one above it) if need
-/// be. A path that the format cannot give back, one
-/// that holds a line feed or ends in a carriage return, is left out: its line would stand for
-/// another folder.
+/// be. A path that the format cannot give back, one that holds a line feed or ends in a carriage
+/// return, is left out: its line would stand for another folder.
 void saveHistory(const ScanHistory& history);
 
 /// When exactly `path` was last scanned; 0 when that is not known.

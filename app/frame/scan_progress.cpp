@@ -8,7 +8,7 @@ double scanProgress(const ScanStatus& status, const std::optional<VolumeSpace>& 
                     std::uint64_t foundBytes) {
   if (!status.scanning || status.readingAgain) return 0;
   if (!volume || !volume->isWhole || volume->usedBytes == 0) return 0;
-  // More than is in use: what others write meanwhile, and what lies on disks mounted inside.
+  // More than was in use: others write meanwhile.
   return std::min(1.0, static_cast<double>(foundBytes) / static_cast<double>(volume->usedBytes));
 }
 
