@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <new>
 #include <utility>
 
 #include "app/map/cushion_shading.h"
@@ -92,6 +93,16 @@ bool TreemapPicture::renderDue() const {
 
 bool TreemapPicture::update() {
   if (!tree_ || rect_.empty()) return false;
+  try {
+    return makeAndSend();
+  } catch (const std::bad_alloc&) {  // the next tick finds it due
+    outdated_ = true;
+    unsent_ = !rendered_.pixels.empty();
+    return false;
+  }
+}
+
+bool TreemapPicture::makeAndSend() {
   if (dirty_ || !fits()) {
     renderNow();
   } else if (renderDue()) {

@@ -67,7 +67,7 @@ class TreemapPicture {
 
   /// Makes or begins a new picture if one is due, and sends it when it is there; of the last one
   /// sends what another selection has changed. Call it before painting. True when it sent a whole
-  /// one.
+  /// one. Without memory for that the picture stays due.
   bool update();
   /// Draws the last picture.
   void paint(ui::Canvas& canvas) const;
@@ -82,6 +82,7 @@ class TreemapPicture {
  private:
   bool fits() const;
   bool renderDue() const;
+  bool makeAndSend();
   void renderNow();
   void renderInBackground();
   void noteFailure();

@@ -42,4 +42,8 @@ NoMemoryElsewhere::~NoMemoryElsewhere() {
   isExempt = false;
 }
 
+NoMemory::NoMemory(std::size_t bytes) { failsFrom = bytes; }
+
+NoMemory::~NoMemory() { failsFrom = kNothingFails; }
+
 }  // namespace test

@@ -14,4 +14,13 @@ class NoMemoryElsewhere {
   NoMemoryElsewhere& operator=(const NoMemoryElsewhere&) = delete;
 };
 
+/// The same on all threads.
+class NoMemory {
+ public:
+  explicit NoMemory(std::size_t bytes);
+  ~NoMemory();
+  NoMemory(const NoMemory&) = delete;
+  NoMemory& operator=(const NoMemory&) = delete;
+};
+
 }  // namespace test

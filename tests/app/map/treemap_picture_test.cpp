@@ -470,6 +470,34 @@ TEST_F(BackgroundPictureTest, DrawsAtOnceInTheEndWhereThereIsNoMemoryInTheBackgr
   EXPECT_FALSE(picture_.behind());
 }
 
+TEST_F(TreemapPictureTest, TriesAgainLaterWhereThereWasNoMemoryOnTheSpot) {
+  picture_.show(shownTree_, kRootNode);
+  {
+    const test::NoMemory none(kPictureBytes);
+    EXPECT_FALSE(picture_.update());
+    EXPECT_TRUE(picture_.due());
+    EXPECT_FALSE(picture_.update());
+  }
+  EXPECT_TRUE(picture_.due());
+  EXPECT_TRUE(picture_.update());
+  EXPECT_NE(picture_.rendered().blockUnder(0, 0), nullptr);
+  EXPECT_FALSE(picture_.behind());
+}
+
+TEST_F(TreemapPictureTest, SendsItsPictureLaterWhereThereIsNoMemoryToOutlineTheSelection) {
+  picture_.show(shownTree_, kRootNode);
+  ASSERT_TRUE(picture_.update());
+  const test::Picture plain = painted();
+  picture_.setHighlight(sizewalk::KindIndex{6});
+  {
+    const test::NoMemory none(kPictureBytes);
+    EXPECT_FALSE(picture_.update());
+    EXPECT_TRUE(picture_.due());
+  }
+  EXPECT_TRUE(picture_.update());
+  EXPECT_NE(painted().at(100, 50), plain.at(100, 50));
+}
+
 TEST_F(BackgroundPictureTest, DoesNotTryAgainWhatWasOvertaken) {
   const test::NoMemoryElsewhere none(kPictureBytes);
   growTree();
