@@ -56,11 +56,15 @@ SettingsStore& SettingsStore::instance() {
 
 /// What is still to reach the file.
 struct SettingsStore::Saver {
-  explicit Saver(const std::string& path) : file(path, base::SharedFile::Incomplete::Stays) {}
+  Saver(const std::string& path, Values loaded)
+      : file(path, base::SharedFile::Incomplete::Stays), known(std::move(loaded)) {}
 
   /// Has a thread save what is unsaved, unless one is at it. Where none is to be had the next
   /// change tries again.
   static void start(const std::shared_ptr<Saver>& self) EXCLUDES(self->mutex);
+  /// Waits for the thread, until `deadline` at most. False when it has not ended then.
+  bool awaitEnd(std::chrono::steady_clock::time_point deadline) EXCLUDES(mutex);
+  bool hasUnsaved() EXCLUDES(mutex);
   /// The work of the thread.
   void run() EXCLUDES(mutex);
   /// The changes to be saved next; nothing, and the thread has ended, when there are none.
@@ -68,12 +72,15 @@ struct SettingsStore::Saver {
   /// `changes` could not be saved. False, and the thread has ended, unless newer ones have come
   /// meanwhile that are yet to be tried.
   bool putBack(Values changes) EXCLUDES(mutex);
-  bool write(const Values& changes) const;
+  bool write(const Values& changes) EXCLUDES(mutex);
+  /// What the file is to hold when another program has changed nothing in it.
+  Values all() EXCLUDES(mutex);
   void end() REQUIRES(mutex);
 
   const base::SharedFile file;
   base::Mutex mutex;  // guards the members below
   base::CondVar ended;
+  Values known GUARDED_BY(mutex);  // loaded, and changed since
   Values unsaved GUARDED_BY(mutex);
   bool saving GUARDED_BY(mutex) = false;
 };
@@ -82,7 +89,7 @@ SettingsStore::SettingsStore(const std::string& configHome) {
   if (configHome.empty()) return;
   base::OwedAnswers<std::string, Values> disk(&SettingsStore::load, {});
   values_ = disk.ask(configHome, kLongestLoad).value_or(Values());
-  saver_ = std::make_shared<Saver>(settingsFile(configHome));
+  saver_ = std::make_shared<Saver>(settingsFile(configHome), values_);
 }
 
 SettingsStore::Values SettingsStore::load(const std::string& configHome) {
@@ -133,6 +140,7 @@ void SettingsStore::setBool(std::string_view key, bool value) {
   if (!saver_) return;
   {
     const base::MutexLock lock(saver_->mutex);
+    saver_->known[std::string(key)] = word(value);
     saver_->unsaved[std::string(key)] = word(value);
   }
   Saver::start(saver_);
@@ -140,10 +148,22 @@ void SettingsStore::setBool(std::string_view key, bool value) {
 
 bool SettingsStore::awaitSaved(std::chrono::steady_clock::time_point deadline) const {
   if (!saver_) return true;
-  const base::MutexLock lock(saver_->mutex);
-  while (saver_->saving && saver_->ended.waitUntil(saver_->mutex, deadline)) {
+  if (!saver_->awaitEnd(deadline)) return false;
+  // What could not be saved: perhaps it can by now.
+  if (saver_->hasUnsaved()) Saver::start(saver_);
+  return saver_->awaitEnd(deadline);
+}
+
+bool SettingsStore::Saver::awaitEnd(std::chrono::steady_clock::time_point deadline) {
+  const base::MutexLock lock(mutex);
+  while (saving && ended.waitUntil(mutex, deadline)) {
   }
-  return !saver_->saving;
+  return !saving;
+}
+
+bool SettingsStore::Saver::hasUnsaved() {
+  const base::MutexLock lock(mutex);
+  return !unsaved.empty();
 }
 
 void SettingsStore::Saver::start(const std::shared_ptr<Saver>& self) {
@@ -187,9 +207,14 @@ bool SettingsStore::Saver::putBack(Values changes) {
   return newer;
 }
 
-bool SettingsStore::Saver::write(const Values& changes) const {
+SettingsStore::Values SettingsStore::Saver::all() {
+  const base::MutexLock lock(mutex);
+  return known;
+}
+
+bool SettingsStore::Saver::write(const Values& changes) {
   return file.change([&](const std::string& text) {
-    Values values = parsed(text);
+    Values values = text.empty() ? all() : parsed(text);  // the file is gone
     for (const auto& [key, value] : changes) values.insert_or_assign(key, value);
     return textOf(values);
   });

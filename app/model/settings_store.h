@@ -46,11 +46,12 @@ class SettingsStore {
 
   /// Stores the value and has the file replaced at once, beside the caller; does neither when just
   /// that is stored already. When the file cannot be replaced (one that is there and cannot be read
-  /// is not) the old one stays and the value holds for this run; the next change tries both.
+  /// is not) the old one stays and the value holds for this run; the next change tries both, and so
+  /// does `awaitSaved`. Where the file is gone it is written with all that is stored here.
   void setBool(std::string_view key, bool value);
 
-  /// Waits until nothing is on its way to the file, `deadline` at most. False when something still
-  /// is then.
+  /// Tries once more to save what could not be saved, and waits until nothing is on its way to the
+  /// file, `deadline` at most. False when something still is then.
   bool awaitSaved(std::chrono::steady_clock::time_point deadline) const;
 
  private:

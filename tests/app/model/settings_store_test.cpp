@@ -337,6 +337,31 @@ TEST(SettingsStore, WaitsForNoProcessThatKeepsTheLock) {
   EXPECT_EQ(test::readFile(configuration.file()), "[Heapgauge]\nA=true\nB=true\nC=true\n");
 }
 
+TEST(SettingsStore, TriesOnceMoreAtTheEndWhatCouldNotBeSaved) {
+  const Configuration configuration;
+  SettingsStore store = configuration.open();
+  {
+    const base::FileLock kept(base::FileDescriptor(
+        open((configuration.file() + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)));
+    ASSERT_TRUE(kept.held());
+    setAndSave(store, "A", true);
+  }
+  ASSERT_FALSE(fs::exists(configuration.file()));
+  ASSERT_TRUE(saved(store));
+  EXPECT_EQ(test::readFile(configuration.file()), "[Heapgauge]\nA=true\n");
+}
+
+TEST(SettingsStore, WritesAllThatItKnowsWhereTheFileIsGone) {
+  const Configuration configuration;
+  configuration.write("[Heapgauge]\nA=true\nOther=text\n");
+  SettingsStore store = configuration.open();
+  setAndSave(store, "B", true);
+  fs::remove(configuration.file());
+  setAndSave(store, "C", false);
+  EXPECT_EQ(test::readFile(configuration.file()),
+            "[Heapgauge]\nA=true\nB=true\nC=false\nOther=text\n");
+}
+
 TEST(SettingsStore, LivesInMemoryWithoutAConfigurationDirectory) {
   const test::TempDirectory directory;
   test::writeFile(directory / ".tmp", "not ours");
