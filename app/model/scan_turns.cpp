@@ -3,28 +3,36 @@
 namespace app {
 
 bool ScanTurns::take(const std::string& folder, const sizewalk::TreeScanner& scanner) {
-  const base::MutexLock lock(mutex_);
+  std::uint64_t seen = changes();
   while (!scanner.cancelRequested()) {
+    const base::MutexLock lock(mutex_);
     int& taken = taken_[folder];
     if (taken < kScansOfAFolder) {
       ++taken;
       return true;
     }
-    changed_.wait(mutex_);
+    while (changes_ == seen) changed_.wait(mutex_);
+    seen = changes_;
   }
   return false;
+}
+
+std::uint64_t ScanTurns::changes() {
+  const base::MutexLock lock(mutex_);
+  return changes_;
 }
 
 void ScanTurns::giveBack(const std::string& folder) {
   const base::MutexLock lock(mutex_);
   const auto taken = taken_.find(folder);
   if (--taken->second == 0) taken_.erase(taken);
+  ++changes_;
   changed_.notifyAll();
 }
 
-// With the lock: a scan that has looked but does not wait yet would miss it.
 void ScanTurns::cancelled() {
   const base::MutexLock lock(mutex_);
+  ++changes_;
   changed_.notifyAll();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <string>
 
@@ -26,9 +27,14 @@ class ScanTurns {
   void cancelled() EXCLUDES(mutex_);
 
  private:
+  std::uint64_t changes() EXCLUDES(mutex_);
+
   base::Mutex mutex_;  // guards the members below
   base::CondVar changed_;
   std::map<std::string, int> taken_ GUARDED_BY(mutex_);  // by folder
+  /// A scanner is asked without the lock, as its own would be held beneath it: this tells one that
+  /// has asked and does not wait yet that the answer may be another by now.
+  std::uint64_t changes_ GUARDED_BY(mutex_) = 0;
 };
 
 }  // namespace app

@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "tests/support/eventually.h"
+#include "tests/support/held_locks.h"
 #include "tests/support/waiting_thread.h"
 
 namespace app {
@@ -89,6 +90,20 @@ TEST_F(ScanTurnsTest, AreGivenUpByAScanThatIsCancelledWhileItWaits) {
   turns_.cancelled();
   EXPECT_TRUE(next.ends());
   EXPECT_FALSE(next.hasTurn());
+}
+
+TEST_F(ScanTurnsTest, HoldOneMutexAtATime) {
+  if (!test::HeldLocks::kCounts) GTEST_SKIP() << "a sanitizer has the mutexes";
+  const test::HeldLocks locks;
+  takeAll();
+  {
+    Waiting next(&turns_, &scanner_);
+    ASSERT_TRUE(next.waits());
+    turns_.cancelled();
+    turns_.giveBack(kFolder);
+    ASSERT_TRUE(next.ends());
+  }
+  EXPECT_EQ(locks.most(), 1);
 }
 
 TEST_F(ScanTurnsTest, CanBeTakenOftenOneAfterTheOther) {
