@@ -50,9 +50,11 @@ std::string_view mapNotice(const RenderedTreemap& map, const FileTree& tree,
   if (flags.has(NodeFlag::Unreadable)) return "This folder cannot be read";
   const bool holdsAnything = holdsSomething(tree, map.root);
   if (flags.has(NodeFlag::MountPoint) && !holdsAnything) return {};
-  const bool neverScanned = measure.measure == Measure::AddedSinceLastScan && !status.scannedBefore;
+  const bool sinceLastScan = measure.measure == Measure::AddedSinceLastScan;
+  if (sinceLastScan && !status.scannedBefore) return {};
+  const bool neverScanned = sinceLastScan && !*status.scannedBefore;
   if (status.stopped && !neverScanned) return {};
-  return noticeUnder(measure.measure, status.scannedBefore, holdsAnything);
+  return noticeUnder(measure.measure, !neverScanned, holdsAnything);
 }
 
 }  // namespace app

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 namespace app {
 
@@ -20,8 +21,8 @@ struct ScanStatus {
   std::int64_t hardLinkBytes = 0;
   std::int64_t unreadable = 0;
   bool stopped = false;
-  /// It is known when the folder was scanned before.
-  bool scannedBefore = false;
+  /// Whether it is known when the folder was scanned before; nothing until the disk has said so.
+  std::optional<bool> scannedBefore = std::nullopt;
 };
 
 }  // namespace app

@@ -122,6 +122,14 @@ TEST_F(MapNoticeTest, SaysNothingOfWhatAStoppedScanHasNotRead) {
   EXPECT_EQ(noticeUnder(Measure::AddedSinceLastScan), "This folder was not scanned before");
 }
 
+TEST_F(MapNoticeTest, SaysNothingOfAnEarlierScanBeforeThatIsKnown) {
+  add(tree_, Listing(0).file("old", 5000, 5000, 1));
+  status_.scannedBefore = {};
+  EXPECT_EQ(noticeUnder(Measure::AddedSinceLastScan), "");
+  status_.stopped = true;
+  EXPECT_EQ(noticeUnder(Measure::AddedSinceLastScan), "");
+}
+
 TEST_F(MapNoticeTest, SaysNothingThatTheTreeKnowsBetter) {
   const RenderedTreemap before = draw();
   ASSERT_EQ(on(before), "This folder is empty");
