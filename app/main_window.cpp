@@ -265,6 +265,11 @@ void MainWindow::showScanEnd() {
   }
   scanScreen_.setScanStatus(session_.status());
   scanScreen_.treeChanged();
+  // What was found stays, and with it what waits to be deleted.
+  if (session_.summary().failure != 0) {
+    showMessage("This folder was not read to the end",
+                scanFailureText(session_.path(), session_.summary().failureText));
+  }
 }
 
 void MainWindow::prepareFrame() {

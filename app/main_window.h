@@ -113,7 +113,7 @@ class MainWindow {
   void leaveScan();
 
   void scanPathFound();
-  /// Shows the scan to its end, or why there was none.
+  /// Shows the scan to its end, and what broke it off; leaves one that has found nothing.
   void showScanEnd();
   void capture(const std::string& file);
 

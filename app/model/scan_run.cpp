@@ -61,7 +61,7 @@ bool ScanRun::readAgain(const std::shared_ptr<ScanRun>& run, sizewalk::NodeId fo
   const auto read = [run, folder, incomplete] {
     run->run([&] {
       const int error = run->scanner_.walk(folder);
-      if (error == ENOMEM) return summaryOfFailure(error);
+      if (error == ENOMEM) return summaryOfBreak(run->scanner_, error);
       ScanSummary summary = summaryOf(run->scanner_);
       summary.cancelled = summary.cancelled || incomplete || error != 0;
       return summary;
@@ -123,7 +123,7 @@ ScanSummary ScanRun::scan() {
   if (folder.error != 0) return summaryOfFailure(folder.error);
   scanner_.setRoot(std::move(folder.path), folder.birthTime);
   if (const int error = scanner_.walk(sizewalk::kRootNode); error != 0) {
-    return summaryOfFailure(error);
+    return summaryOfBreak(scanner_, error);
   }
   ScanSummary summary = summaryOf(scanner_);
   if (!summary.cancelled) sizewalk::recordScan(path, 0);

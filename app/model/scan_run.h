@@ -34,7 +34,7 @@ class ScanRun {
 
   /// Has `run`, which has finished, read one of its folders again, whose contents are forgotten at
   /// once, on another thread. Until that has ended the run is not finished, and then it has a new
-  /// summary: that of a stopped scan where no threads are to be had, that of a failed one where
+  /// summary: that of a stopped scan where no threads are to be had, that of a broken one where
   /// memory ran out. Returns false, changing nothing, when the tree shows no such folder.
   static bool readAgain(const std::shared_ptr<ScanRun>& run, sizewalk::NodeId folder);
 

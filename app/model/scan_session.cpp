@@ -71,8 +71,13 @@ sizewalk::FileTree* ScanSession::treeToChange() {
 void ScanSession::lookAtEnd() {
   if (!underWay() || !controller_.finished()) return;
   lookAtPath();
-  phase_ = summary().failure == 0 ? ScanPhase::Ended : ScanPhase::Failed;
+  phase_ = summary().failure == 0 || foundSomething() ? ScanPhase::Ended : ScanPhase::Failed;
   if (onEnded) onEnded();
+}
+
+/// Items of a tree may wait to be deleted: it is not to be taken away by itself.
+bool ScanSession::foundSomething() const {
+  return readingAgain_ || controller_.scanner()->tree().nodeCount() > 1;
 }
 
 ScanStatus ScanSession::status() const {
@@ -91,7 +96,7 @@ ScanStatus ScanSession::status() const {
           .hardLinks = static_cast<std::int64_t>(summary().hardLinks),
           .hardLinkBytes = static_cast<std::int64_t>(summary().hardLinkBytes),
           .unreadable = static_cast<std::int64_t>(summary().errors),
-          .stopped = summary().cancelled,
+          .stopped = summary().cancelled || summary().failure != 0,
           .scannedBefore = summary().lastScanTime != 0};
 }
 

@@ -18,9 +18,10 @@ enum class ScanPhase {
   Scanning,
   /// The user has stopped it, but its threads may still wait for a disk.
   Stopping,
-  /// All that was found is there, and the summary.
+  /// All that was found is there, and the summary; when that tells of a failure, more could not be
+  /// found.
   Ended,
-  /// The folder could not be scanned; the summary says why.
+  /// Nothing was found; the summary says why.
   Failed,
 };
 
@@ -73,6 +74,7 @@ class ScanSession {
   void lookAtPath();
   void lookAtTree();
   void lookAtEnd();
+  bool foundSomething() const;
 
   const Now now_;
   RefreshPacer pacer_;

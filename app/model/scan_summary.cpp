@@ -45,6 +45,14 @@ ScanSummary summaryOf(const sizewalk::TreeScanner& scanner) {
   return summary;
 }
 
+ScanSummary summaryOfBreak(const sizewalk::TreeScanner& scanner, int error) {
+  ScanSummary summary = summaryOf(scanner);
+  summary.cancelled = true;
+  summary.failure = static_cast<std::uint32_t>(error);
+  summary.failureText = textOf(error);
+  return summary;
+}
+
 ScanSummary summaryOfFailure(int error) {
   ScanSummary summary;
   summary.failure = static_cast<std::uint32_t>(error);

@@ -38,7 +38,7 @@ struct ScanSummary {
   double integratorElapsedSeconds = 0;
   /// The listing strategy that was used, a `sizewalk::ListingStrategy`.
   std::uint32_t method = 0;
-  /// The errno for which the folder could not be scanned at all, 0 when it could.
+  /// The errno for which the folder could not be scanned, or only in part; otherwise 0.
   std::uint32_t failure = 0;
   /// What `failure` means, for the user.
   std::string failureText;
@@ -46,6 +46,10 @@ struct ScanSummary {
 
 /// Of a scan that has read what it could, but for `elapsedSeconds`. Call it when no walk runs.
 ScanSummary summaryOf(const sizewalk::TreeScanner& scanner);
+
+/// Of a scan that `error`, an errno, broke off in the middle: that of a stopped one, with the
+/// failure. Call it when no walk runs.
+ScanSummary summaryOfBreak(const sizewalk::TreeScanner& scanner, int error);
 
 /// Of a scan that was not made for `error`, an errno.
 ScanSummary summaryOfFailure(int error);
