@@ -1,6 +1,8 @@
 #include "app/lists/folder_list.h"
 
 #include <algorithm>
+#include <iterator>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -26,7 +28,7 @@ void FolderList::show(const sizewalk::FileTree* tree) {
   if (count() > 0) cursor_.setCurrent(kRootNode);
   pending_.reset();
   pressed_.reset();
-  pointer_.reset();
+  seenAt_.reset();
   held_.reset();
   orderWaits_ = orderDue_ = false;
   returning_ = {};
@@ -41,7 +43,7 @@ void FolderList::setMeasure(const MeasureSettings& measure) {
 
 void FolderList::refresh() {
   const auto held = heldRow();
-  if (held && refreshAround(*held)) return;
+  if (held && !orderDue_ && refreshAround(*held)) return;
   changeRows([this] { rows_.refresh(); });
 }
 
@@ -50,14 +52,24 @@ bool FolderList::refreshAround(std::size_t held) {
   std::vector<FolderRow> rows = rows_.look();
   const auto found = std::ranges::find(rows, nodeAt(held), &FolderRow::node);
   const auto row = static_cast<std::size_t>(found - rows.begin());
-  if (!canPutAt(row, placeInView(held), rows.size()) && rows_.refreshInPlace()) {
+  const bool stays = canPutAt(row, placeInView(held), rows.size());
+  if (!stays && (growing_ || !showsOthers(rows)) && rows_.refreshInPlace()) {
     orderWaits_ = true;
-    orderDue_ = false;
     changed();
   } else {
     changeRows([&] { rows_.take(std::move(rows)); });
   }
   return true;
+}
+
+bool FolderList::showsOthers(const std::vector<FolderRow>& rows) const {
+  const auto nodes = [](std::span<const FolderRow> of) {
+    std::vector<NodeId> sorted;
+    std::ranges::transform(of, std::back_inserter(sorted), &FolderRow::node);
+    std::ranges::sort(sorted);
+    return sorted;
+  };
+  return rows.size() != count() || nodes(rows) != nodes(rows_.rows());
 }
 
 std::optional<std::size_t> FolderList::heldRow() const {
@@ -123,7 +135,11 @@ std::optional<std::size_t> FolderList::rowToKeep() const {
 
 void FolderList::revealNode(NodeId node) {
   std::optional<std::size_t> row;
-  changeRows([&] { row = rows_.reveal(node); });
+  const bool stale = orderWaits_;
+  changeRows([&] {
+    if (stale) rows_.refresh();
+    row = rows_.reveal(node);
+  });
   if (!row) return;
   cursor_.setCurrent(node);
   returning_.currentRow = returning_.scroll = false;
@@ -197,9 +213,9 @@ std::optional<std::size_t> FolderList::parentRow(std::size_t row) const {
 void FolderList::motion(const ui::MouseEvent& event) {
   covered_ = false;
   const Pointer now{event.x, event.y};
-  const bool moved = held_ || (pointer_ && *pointer_ != now);
-  pointer_ = now;
-  const auto before = hoveredRow();
+  const bool moved = held_ || (seenAt_ && *seenAt_ != now);
+  seenAt_ = now;
+  const auto before = heldRow();
   ui::RowList::motion(event);
   const auto row = hoveredRow();
   if (moved && row) {
@@ -207,9 +223,7 @@ void FolderList::motion(const ui::MouseEvent& event) {
   } else {
     held_.reset();
   }
-  if (row == before || !orderWaits_) return;
-  orderDue_ = true;
-  changed();
+  if (row != before) endWait();
 }
 
 void FolderList::leave() {
@@ -219,12 +233,16 @@ void FolderList::leave() {
 
 void FolderList::pointerSeen(int x, int y) {
   if (rect().contains(x, y)) return;
-  pointer_ = Pointer{x, y};
+  seenAt_ = Pointer{x, y};
   if (std::exchange(covered_, false)) letGoOfRow();
 }
 
 void FolderList::letGoOfRow() {
   held_.reset();
+  endWait();
+}
+
+void FolderList::endWait() {
   if (!orderWaits_) return;
   orderDue_ = true;
   changed();
@@ -236,6 +254,8 @@ void FolderList::press(const ui::MouseEvent& event) {
   cursor_.forgetTyped();
   if (pressBar(event)) return;
   const auto row = rowAt(event.x, event.y);
+  // The row under the pointer may be pressed twice.
+  if (row != heldRow()) endWait();
   if (!row) return;
   if (event.button == ui::kSecondaryButton) {
     pressSecondary(*row, event);
@@ -288,22 +308,24 @@ void FolderList::wheel(const ui::MouseEvent& event, int dy) {
   returning_.scroll = false;
   scrollIfDue();
   ui::RowList::wheel(event, dy);
+  endWait();
 }
 
 // Opening and selecting.
 
 void FolderList::openRow(std::size_t row) {
-  returning_.openRows = returning_.scroll = false;
+  returning_.scroll = false;
   rows_.open(row);
   countRows();
 }
 
 void FolderList::closeRow(std::size_t row) {
-  returning_.openRows = returning_.scroll = false;
+  returning_.scroll = false;
   const NodeId node = nodeAt(row);
   rows_.close(row);
   countRows();
   if (!currentRow()) cursor_.setCurrent(node);
+  if (onClosed) onClosed(node);
 }
 
 void FolderList::selectOnly(NodeId node) {
@@ -333,7 +355,7 @@ void FolderList::selectSiblings(std::size_t row) {
 // Keys.
 
 bool FolderList::key(const ui::KeyEvent& event) {
-  const auto row = currentRow();
+  const auto row = rowForKey();
   if (!row) return false;
   if (typeAhead(event, *row)) return true;
   const bool handled = event.ctrl ? keyWithCtrl(event, *row) : keyOnRow(event, *row);
@@ -342,14 +364,20 @@ bool FolderList::key(const ui::KeyEvent& event) {
 }
 
 bool FolderList::keyFromElsewhere(const ui::KeyEvent& event) {
-  const auto row = currentRow();
+  const auto row = rowForKey();
   return row && (typeAhead(event, *row) || askForMenu(event, *row));
+}
+
+std::optional<std::size_t> FolderList::rowForKey() {
+  if (orderWaits_ && !currentRow()) changeRows([this] { rows_.refresh(); });
+  return currentRow();
 }
 
 bool FolderList::keyWithCtrl(const ui::KeyEvent& event, std::size_t row) {
   const bool isA = event.keysym == 'a' || event.keysym == 'A';  // the latter with Caps Lock
   if (!isA || event.shift) return false;
   selectSiblings(row);
+  endWait();
   return true;
 }
 
@@ -363,6 +391,7 @@ void FolderList::moveTo(std::size_t row, bool extend) {
   }
   cursor_.setCurrent(node);
   scrollToRow(row);
+  endWait();
   changed();
 }
 
@@ -394,6 +423,7 @@ void FolderList::goRight(std::size_t row, bool extend) {
   } else if (folder.expandable) {
     openRow(row);
     scrollToRow(row);
+    endWait();
     changed();
   }
 }
@@ -402,6 +432,7 @@ void FolderList::goLeft(std::size_t row, bool extend) {
   if (rows_.rows()[row].expanded) {
     closeRow(row);
     scrollToRow(row);
+    endWait();
     changed();
   } else if (const auto above = parentRow(row)) {
     moveTo(*above, extend);

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <vector>
 
 #include "app/lists/folder_row_painting.h"
 #include "app/lists/folder_rows.h"
@@ -37,6 +38,8 @@ class FolderList : public ui::RowList {
   std::function<void(sizewalk::NodeId)> onActivate;
   /// The context menu was asked for at a place; the row's item is among the selected ones.
   std::function<void(sizewalk::NodeId, int x, int y, Command::By by)> onContextMenu;
+  /// The user has closed a folder.
+  std::function<void(sizewalk::NodeId)> onClosed;
 
   /// All outlive the list. Without `colours` rows have no swatches.
   FolderList(const ui::Style& style, const KindColours* colours, Selection& selection);
@@ -48,12 +51,16 @@ class FolderList : public ui::RowList {
   /// Looks at the tree anew, after it has grown or something was taken out or put back. Of the rows
   /// that remain, the one under the pointer stays where it is on the screen, once the pointer has
   /// moved in the list; else the current row, a selected one or the topmost, the first of them in
-  /// view. Where the list cannot scroll so far, all rows wait until the pointer is elsewhere.
+  /// view. Where the list cannot scroll so far the order of the rows waits until the pointer is on
+  /// another row, the wheel turns or a key is used; while the tree grows so do new rows.
   void refresh();
+  /// Whether a walk adds to the tree. At first none does.
+  void setGrowing(bool growing) { growing_ = growing; }
 
   ListPlace place() const;
   /// A tree that fills is to be shown as another one was: everything is closed, for `returnTo` to
-  /// open. Each part ends when the user does something about it.
+  /// open. Each part ends when the user does something about it; opening and closing a row says
+  /// nothing about others that were open.
   void beginReturn();
   /// Takes up what is known by now of the place to return to, with the next `refresh`.
   void returnTo(const ListPlace& place);
@@ -116,7 +123,13 @@ class FolderList : public ui::RowList {
   std::optional<std::size_t> heldRow() const;
   /// As `refresh`, unless the held row could not stay in its place.
   bool refreshAround(std::size_t held);
+  /// Rows come or go, which does not wait.
+  bool showsOthers(const std::vector<FolderRow>& rows) const;
   void letGoOfRow();
+  /// The rows take the order that waits with the next `prepare`.
+  void endWait();
+  /// The row that a key acts on. Shows the rows that wait when it is among them.
+  std::optional<std::size_t> rowForKey();
   /// Which row `changeRows` leaves where it is on the screen.
   std::optional<std::size_t> rowToKeep() const;
   void countRows() { setCount(rows_.rows().size()); }
@@ -153,13 +166,15 @@ class FolderList : public ui::RowList {
     int y;
     friend bool operator==(const Pointer&, const Pointer&) = default;
   };
-  std::optional<Pointer> pointer_;
+  std::optional<Pointer> seenAt_;
   /// It has moved, and is on this place of the rows.
   std::optional<Pointer> held_;
   bool covered_ = false;
   /// The rows are not in the order that the tree has by now.
   bool orderWaits_ = false;
+  /// They wait no more, whichever row is held.
   bool orderDue_ = false;
+  bool growing_ = false;
   Returning returning_;
   /// While it returns to a scroll position: a row and its place in view.
   std::optional<sizewalk::NodeId> top_;

@@ -1,9 +1,11 @@
 // What the folder list does with the row under the pointer while results arrive.
 
 #include <string>
+#include <vector>
 
 #include "app/lists/folder_list.h"
 #include "tests/app/lists/folder_list_fixture.h"
+#include "ui/keys.h"
 
 namespace app {
 namespace {
@@ -118,6 +120,141 @@ TEST_F(FolderListPointerTest, OpensAFolderThatWasFilledWhileTheOrderWaits) {
   ASSERT_TRUE(list_.rows().rows()[4].expandable);
   press(4, {.button = 1}, 20 + 6 + 16 + 4);
   EXPECT_EQ(names(), std::string(kBefore) + "f1000 ");
+}
+
+TEST_F(FolderListPointerTest, BringsTheOrderUpWhenThePointerMovesToARowThatCannotStayInItsPlace) {
+  moveOnto(2);
+  growEmpty();
+  ASSERT_EQ(names(), kBefore);
+  moveOnto(3);
+  list_.prepare();
+  EXPECT_EQ(names(), kAfter);
+}
+
+TEST_F(FolderListPointerTest, BringsTheOrderUpWithTheNextRefreshOnceThePointerHasMovedOn) {
+  moveOnto(2);
+  growEmpty();
+  moveOnto(3);
+  list_.refresh();
+  EXPECT_EQ(names(), kAfter);
+}
+
+TEST_F(FolderListPointerTest, HasTheNextOrderWaitForTheRowThatThePointerMovedTo) {
+  moveOnto(2);
+  growEmpty();
+  moveOnto(3);
+  list_.prepare();
+  ASSERT_EQ(names(), kAfter);
+  ASSERT_EQ(list_.hovered(), small_);
+  ASSERT_TRUE(tree_.dropContents(empty_));
+  list_.refresh();
+  EXPECT_EQ(names(), kAfter);
+}
+
+TEST_F(FolderListPointerTest, BringsTheOrderUpWithTheWheelThoughNothingCanScroll) {
+  moveOnto(2);
+  growEmpty();
+  ASSERT_EQ(names(), kBefore);
+  changes_ = 0;
+  list_.wheel({.x = 100, .y = rowY(2)}, 1);
+  EXPECT_GT(changes_, 0);
+  list_.prepare();
+  EXPECT_EQ(names(), kAfter);
+}
+
+TEST_F(FolderListPointerTest, BringsTheOrderUpAfterAKeyThatActsOnTheRowsAsTheyAreSeen) {
+  press(2);
+  moveOnto(2);
+  growEmpty();
+  ASSERT_EQ(names(), kBefore);
+  key(ui::key::kUp);
+  EXPECT_EQ(list_.current(), big_);
+  list_.prepare();
+  EXPECT_EQ(names(), kAfter);
+  EXPECT_EQ(list_.current(), big_);
+}
+
+TEST_F(FolderListPointerTest, HasTheOrderWaitAfterAKeyThatItDoesNotKnow) {
+  moveOnto(2);
+  growEmpty();
+  ASSERT_FALSE(key(ui::key::kEscape));
+  list_.prepare();
+  EXPECT_EQ(names(), kBefore);
+}
+
+TEST_F(FolderListPointerTest, LeavesTheRowWhereItIsUnderAContextMenuOfTheKeyboard) {
+  moveOnto(2);
+  growEmpty();
+  list_.onContextMenu = [this](NodeId, int, int, Command::By) {
+    list_.cover();
+    list_.leave();
+  };
+  ASSERT_TRUE(key(ui::key::kMenu));
+  list_.prepare();
+  EXPECT_EQ(names(), kBefore);
+}
+
+TEST_F(FolderListPointerTest, BringsTheOrderUpWhenARowIsRevealed) {
+  moveOnto(2);
+  growEmpty();
+  ASSERT_EQ(names(), kBefore);
+  list_.revealNode(big_);
+  EXPECT_EQ(names(), kAfter);
+}
+
+TEST_F(FolderListPointerTest, HasTheOrderWaitBetweenTheTwoPressesOfADoubleOne) {
+  moveOnto(2);
+  growEmpty();
+  press(2, {.button = 1}, 100);
+  list_.prepare();
+  press(2, {.button = 1, .clicks = 2}, 100);
+  EXPECT_EQ(activated_, std::vector{small_});
+}
+
+TEST_F(FolderListPointerTest, BringsTheOrderUpWithAPressElsewhere) {
+  moveOnto(2);
+  growEmpty();
+  press(3, {.button = 1}, 100);
+  EXPECT_EQ(selected(), Nodes{other_});
+  list_.prepare();
+  EXPECT_EQ(names(), kAfter);
+}
+
+// Rows that come and go.
+
+TEST_F(FolderListPointerTest, ShowsWhatIsPutBackAtOnceThoughTheOrderChanges) {
+  auto taken = tree_.removeSubtree(other_);
+  ASSERT_TRUE(taken.valid);
+  list_.refresh();
+  moveOnto(2);
+  growEmpty();
+  ASSERT_EQ(names(), "r big small.txt empty ");
+  tree_.restoreSubtree(taken);
+  list_.refresh();
+  EXPECT_EQ(names(), kAfter);
+}
+
+TEST_F(FolderListPointerTest, ShowsWhatAFolderThatWasReadAgainHolds) {
+  fillEmpty(1, 1);
+  list_.refresh();
+  press(4, {.button = 1}, 20 + 6 + 16 + 4);
+  ASSERT_TRUE(tree_.dropContents(empty_));
+  list_.refresh();
+  moveOnto(2);
+  add(tree_, Listing(empty_).file("read", 1000));
+  list_.refresh();
+  EXPECT_EQ(names(), "r empty read big small.txt Other ");
+}
+
+TEST_F(FolderListPointerTest, TakesKeysWhenTheCurrentRowIsNotShownYet) {
+  moveOnto(2);
+  list_.beginReturn();
+  growEmpty();
+  const NodeId inside = tree_.children(empty_).first;
+  list_.returnTo({.open = {kRootNode, empty_}, .current = inside, .top = {}, .topAt = 0});
+  list_.refresh();
+  EXPECT_TRUE(key(ui::key::kUp));
+  EXPECT_EQ(list_.current(), empty_);
 }
 
 }  // namespace

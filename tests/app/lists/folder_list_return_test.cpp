@@ -79,14 +79,25 @@ TEST_F(FolderListReturnTest, StaysWhereTheUserScrollsAndStillOpensWhatWasOpen) {
   EXPECT_TRUE(isOpen(folders_[9]));
 }
 
-TEST_F(FolderListReturnTest, OpensNothingMoreOnceTheUserOpensAFolder) {
+TEST_F(FolderListReturnTest, StaysWhereTheUserOpensAFolderAndStillOpensWhatWasOpen) {
   list_.returnTo({.open = {kRootNode}, .current = {}, .top = {}, .topAt = 0});
   list_.refresh();
   press(1, {.button = 1}, 20 + 6 + 16 + 4);
   ASSERT_TRUE(isOpen(folders_[0]));
   comeBack();
-  EXPECT_FALSE(isOpen(folders_[9]));
+  EXPECT_TRUE(isOpen(folders_[0]));
+  EXPECT_TRUE(isOpen(folders_[9]));
   EXPECT_EQ(list_.scrollOffset(), 0);
+}
+
+TEST_F(FolderListReturnTest, StillOpensWhatWasOpenOnceTheUserClosesAFolder) {
+  list_.returnTo({.open = {kRootNode, folders_[0]}, .current = {}, .top = {}, .topAt = 0});
+  list_.refresh();
+  ASSERT_TRUE(isOpen(folders_[0]));
+  press(1, {.button = 1}, 20 + 6 + 16 + 4);
+  comeBack();
+  EXPECT_FALSE(isOpen(folders_[0]));
+  EXPECT_TRUE(isOpen(folders_[9]));
 }
 
 TEST_F(FolderListReturnTest, KeepsTheRowThatTheUserMovesTo) {
