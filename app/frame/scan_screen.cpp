@@ -61,6 +61,7 @@ void ScanScreen::connectList() {
   list_.onContextMenu = [this](NodeId node, int x, int y, Command::By by) {
     if (onContextMenu) onContextMenu(node, x, y, by);
   };
+  list_.onClosed = [this](NodeId node) { place_.rememberClosed(*tree_, node); };
 }
 
 void ScanScreen::connectKinds() {
@@ -166,6 +167,7 @@ void ScanScreen::setSettings(const ScanScreenSettings& settings) {
 
 void ScanScreen::setScanStatus(const ScanStatus& status) {
   status_ = status;
+  list_.setGrowing(status.scanning);
   picture_.setGrowing(status.scanning);
   map_.setScanStatus(status);
   changed();

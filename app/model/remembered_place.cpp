@@ -71,6 +71,32 @@ void RememberedPlace::remember(const FileTree& tree, const MapFocus::Way& focus,
   if (!before.steps_.empty()) goOnSeeking(before);
 }
 
+/// By name, since the folder may not have been looked for yet.
+auto RememberedPlace::find(const FileTree& tree, NodeId node) const -> std::optional<StepId> {
+  if (steps_.empty()) return std::nullopt;
+  std::vector<NodeId> way;
+  for (; node != kRootNode; node = tree.parent(node)) way.push_back(node);
+  StepId step = 0;
+  for (; !way.empty(); way.pop_back()) {
+    const auto known = steps_[step].below.find(tree.name(way.back()));
+    if (known == steps_[step].below.end()) return std::nullopt;
+    step = known->second;
+  }
+  return step;
+}
+
+void RememberedPlace::rememberClosed(const FileTree& tree, NodeId folder) {
+  const auto closed = find(tree, folder);
+  if (!closed) return;
+  std::vector<StepId> steps = {*closed};
+  while (!steps.empty()) {
+    Step& step = steps_[steps.back()];
+    steps.pop_back();
+    step.open = false;
+    for (const auto& [name, below] : step.below) steps.push_back(below);
+  }
+}
+
 /// Of the steps, those that lead to something that is sought and was not shown yet, for all that is
 /// known.
 std::vector<bool> RememberedPlace::stillNeeded() const {

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -19,7 +21,7 @@ struct ListPlace {
   /// In any order.
   std::vector<sizewalk::NodeId> open;
   std::optional<sizewalk::NodeId> current;
-  /// The topmost row in view and how far below the upper edge it begins, in device pixels; above 0
+  /// The topmost row in view and how far below the upper edge it begins, in device pixels; below 0
   /// for a row that is cut off.
   std::optional<sizewalk::NodeId> top;
   std::int64_t topAt = 0;
@@ -44,6 +46,8 @@ class RememberedPlace {
   void remember(const sizewalk::FileTree& tree, const MapFocus::Way& focus, const ListPlace& list);
   /// Seeks a part no more.
   void giveUp(Part part) { sought(part) = false; }
+  /// Remembers a folder, and all below it, as closed.
+  void rememberClosed(const sizewalk::FileTree& tree, sizewalk::NodeId folder);
   bool seeks(Part part) const { return sought_[static_cast<std::size_t>(part)]; }
 
   /// Looks for what `tree`, always the same one since `remember`, holds by now.
@@ -74,6 +78,8 @@ class RememberedPlace {
   StepId below(StepId step, std::string_view name);
   std::optional<StepId> stepOf(const sizewalk::FileTree& tree, sizewalk::NodeId node,
                                std::unordered_map<sizewalk::NodeId, StepId>* known);
+  /// The step that names lead to; nothing when nothing was remembered there.
+  std::optional<StepId> find(const sizewalk::FileTree& tree, sizewalk::NodeId node) const;
   void goOnSeeking(const RememberedPlace& before);
   std::vector<bool> stillNeeded() const;
   void found(StepId step, sizewalk::NodeId node);
@@ -90,7 +96,7 @@ class RememberedPlace {
   std::optional<StepId> current_;
   std::optional<StepId> top_;
   std::int64_t topAt_ = 0;
-  bool sought_[4] = {};
+  std::array<bool, 4> sought_ = {};  // by part
   /// Found, but not read when last looked at, and something is sought inside.
   std::vector<StepId> unread_;
   std::vector<sizewalk::NodeId> newlyOpen_;

@@ -193,5 +193,44 @@ TEST_F(ScanScreenReturnTest, ComesBackToTheScrollPosition) {
   EXPECT_EQ(list().scrollOffset() % style.rowHeight(), offset % style.rowHeight());
 }
 
+TEST_F(ScanScreenReturnTest, StillOpensWhatWasOpenOnceTheUserOpensAnotherFolder) {
+  scanAgain();
+  readRoot();
+  add(*again_, Listing(late2_).file("x", 5));
+  look();
+  click(onTriangle(late2_));
+  ASSERT_TRUE(isOpen(late2_));
+  readBig();
+  readInner();
+  EXPECT_TRUE(isOpen(late2_));
+  EXPECT_TRUE(isOpen(inner2_));
+}
+
+TEST_F(ScanScreenReturnTest, ForgetsWhatIsBelowAFolderThatTheUserCloses) {
+  scanAgain();
+  readRoot();
+  readBig();
+  ASSERT_TRUE(isOpen(big2_));
+  click(onTriangle(big2_));
+  ASSERT_FALSE(isOpen(big2_));
+  readInner();
+  EXPECT_FALSE(isOpen(big2_));
+  click(onTriangle(big2_));
+  ASSERT_TRUE(isOpen(big2_));
+}
+
+TEST_F(ScanScreenReturnTest, DoesNotOpenAgainWhatTheUserHasOpenedAndClosedBeforeItWasFound) {
+  scanAgain();
+  again_->createRoot("/r");
+  const auto folders = add(*again_, Listing(0).folder("big").folder("late"));
+  add(*again_, Listing(folders[0]).folder("inner"));
+  look();
+  ASSERT_TRUE(isOpen(folders[0]));
+  click(onTriangle(folders[0]));
+  screen_.rememberPlace();
+  look();
+  EXPECT_FALSE(isOpen(folders[0]));
+}
+
 }  // namespace
 }  // namespace app
