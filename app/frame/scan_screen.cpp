@@ -12,6 +12,20 @@ namespace app {
 using sizewalk::kRootNode;
 using sizewalk::NodeId;
 
+namespace {
+
+/// The window takes such a key; the current row goes with the focus.
+bool movesFocus(const ui::KeyEvent& event) {
+  const auto command = commandFor(event);
+  if (!command) return false;
+  using enum Action;
+  const Action action = command->action;
+  return action == GoOut || action == GoToScannedFolder || action == GoToPrevious ||
+         action == GoToNext;
+}
+
+}  // namespace
+
 ScanScreenSettings ScanScreenSettings::of(const SettingsStore& store) {
   return {.listAboveMap = store.get(setting::kSplitHorizontally),
           .showKinds = store.get(setting::kShowFileKinds),
@@ -339,10 +353,12 @@ std::optional<NodeId> ScanScreen::lookedAt() const {
 }
 
 bool ScanScreen::key(const ui::KeyEvent& event) {
-  if (!keyOfParts(event)) return false;
-  keyed_ = true;
-  changed();
-  return true;
+  const bool used = keyOfParts(event);
+  if (used || movesFocus(event)) {
+    keyed_ = true;
+    changed();
+  }
+  return used;
 }
 
 bool ScanScreen::keyOfParts(const ui::KeyEvent& event) {

@@ -516,5 +516,18 @@ TEST_F(ScanScreenUpdateTest, TakesNoPressAtOnceWhereAMenuWasPressed) {
   EXPECT_EQ(told_, std::vector<std::string>{});
 }
 
+TEST_F(ScanScreenTest, TellsOfTheCurrentRowAfterAKeyThatIsACommand) {
+  screen_.focus().go(big_);
+  screen_.prepare();
+  point(screen_.layout().status);
+  point(onMap(song_));
+  ASSERT_NE(right().find("song.mp3"), std::string::npos);
+  EXPECT_FALSE(key(ui::key::kBackSpace)) << "the window goes out then";
+  screen_.focus().goOut();
+  screen_.prepare();
+  EXPECT_EQ(list().current(), kRootNode);
+  EXPECT_EQ(right().find("song.mp3"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace app
