@@ -246,7 +246,24 @@ TEST_F(FolderListPointerTest, ShowsWhatAFolderThatWasReadAgainHolds) {
   EXPECT_EQ(names(), "r empty read big small.txt Other ");
 }
 
+TEST_F(FolderListPointerTest, HasNewRowsWaitOnlyWhileTheTreeGrows) {
+  fillEmpty(1, 1);
+  list_.refresh();
+  press(4, {.button = 1}, 20 + 6 + 16 + 4);
+  ASSERT_TRUE(tree_.dropContents(empty_));
+  list_.refresh();
+  moveOnto(2);
+  list_.setGrowing(true);
+  add(tree_, Listing(empty_).file("read", 1000));
+  list_.refresh();
+  EXPECT_EQ(names(), kBefore);
+  list_.setGrowing(false);
+  list_.refresh();
+  EXPECT_EQ(names(), "r empty read big small.txt Other ");
+}
+
 TEST_F(FolderListPointerTest, TakesKeysWhenTheCurrentRowIsNotShownYet) {
+  list_.setGrowing(true);
   moveOnto(2);
   list_.beginReturn();
   growEmpty();
