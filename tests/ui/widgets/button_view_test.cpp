@@ -5,7 +5,7 @@
 namespace ui {
 namespace {
 
-constexpr Rect kPlace = {10, 10, 50, 20};
+constexpr Rect kButtonPlace = {10, 10, 50, 20};
 
 /// One button, that comes and goes.
 class OneButton : public ButtonView<> {
@@ -16,7 +16,7 @@ class OneButton : public ButtonView<> {
 
  private:
   void paint(Canvas& /*canvas*/) const override {}
-  Places buttonPlaces() const override { return there ? Places{{1, kPlace}} : Places{}; }
+  Places buttonPlaces() const override { return there ? Places{{1, kButtonPlace}} : Places{}; }
   void act(Control /*control*/) override {}
 };
 
