@@ -295,7 +295,7 @@ TEST_F(ScanScreenTest, SaysWhatAMapWithoutBlocksMeansOnceTheScanHasEnded) {
   screen_.setMeasure({.measure = Measure::AddedSinceLastScan});
   screen_.prepare();
   EXPECT_EQ(screen_.map().notice(), "");
-  screen_.setScanStatus({});
+  screen_.setScanStatus({.scannedBefore = false});
   EXPECT_EQ(screen_.map().notice(), "This folder was not scanned before");
   screen_.setScanStatus({.scannedBefore = true});
   EXPECT_EQ(screen_.map().notice(), "Nothing here was added since the last scan");
