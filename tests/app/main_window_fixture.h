@@ -38,8 +38,8 @@ constexpr char kWelcomeTitle[] = "Heap Gauge · 1.1.1";
 /// A user: a second client at the window. All that it looks at is what is on the screen.
 class WindowUser {
  public:
-  explicit WindowUser(const FrameLayout& frame)
-      : frame_(frame), window_(client.shownWindow("Heapgauge")) {
+  WindowUser(const FrameLayout& frame, const test::ScanEnd& end)
+      : frame_(frame), window_(client.shownWindow("Heapgauge")), end_(end) {
     client.focus(window_);
   }
 
@@ -112,7 +112,7 @@ class WindowUser {
  private:
   const FrameLayout frame_;
   const unsigned long window_;
-  const test::ScanEnd end_ = test::ScanEnd::find();
+  const test::ScanEnd end_;
 };
 
 class MainWindowInputTest : public testing::Test {
@@ -163,8 +163,9 @@ class MainWindowInputTest : public testing::Test {
   /// Runs the window until it ends while `act` does what a user does, on a thread of its own.
   void runWith(const std::function<void(WindowUser&)>& act) {
     const FrameLayout parts = frame();
+    const test::ScanEnd end = test::ScanEnd::find();  // the fonts are not for two threads
     const std::jthread thread([&] {
-      WindowUser user(parts);
+      WindowUser user(parts, end);
       try {
         act(user);
       } catch (const std::exception& problem) {

@@ -174,8 +174,9 @@ TEST_F(MainWindowInputTest, ClosesWithAKey) {
   window_->scanPath(folder_);
   std::atomic<bool> closed = false;
   const FrameLayout parts = frame();
+  const test::ScanEnd end = test::ScanEnd::find();
   const std::jthread thread([&] {
-    WindowUser user(parts);
+    WindowUser user(parts, end);
     user.pressWithControl('q');
     const bool done = eventually([&] { return closed.load(); });
     EXPECT_TRUE(done);
