@@ -75,7 +75,7 @@ requirements() {
       echo c++ cmake ninja pkg-config pc:x11 pc:xrender pc:xft pc:fontconfig pc:libpng font \
         Xvfb xdpyinfo pnmtopng
       ;;
-    test) echo pc:gtest pc:xtst clang++ shellcheck ccache xclip openbox ;;
+    test) echo pc:gtest pc:xtst clang++ ld.lld shellcheck ccache xclip openbox ;;
     bench) echo pc:xtst ;;
     screenshots) echo xdotool ;;
   esac
