@@ -39,6 +39,14 @@ class MapNoticeTest : public ::testing::Test {
     measure_.measure = measure;
     return notice();
   }
+  void expectUnderEveryMeasure(const std::string& text) {
+    for (const Measure measure : kMeasures) {
+      EXPECT_EQ(noticeUnder(measure), text) << "under measure " << static_cast<int>(measure);
+    }
+  }
+  void expectNothingUnderAnyMeasure() { expectUnderEveryMeasure({}); }
+  /// Puts a file into the scanned folder that counts for no added measure.
+  void addOldFile() { add(tree_, Listing(0).file("old", 5000, 5000, 1)); }
 
   FileTree tree_{test::mapTreeOptions()};
   NodeId focus_ = kRootNode;
@@ -48,7 +56,7 @@ class MapNoticeTest : public ::testing::Test {
 };
 
 TEST_F(MapNoticeTest, SaysUnderEachMeasureThatNothingWasAdded) {
-  add(tree_, Listing(0).file("old", 5000, 5000, 1));
+  addOldFile();
   EXPECT_EQ(noticeUnder(Measure::CurrentSize), "");
   EXPECT_EQ(noticeUnder(Measure::AddedLastMonth), "Nothing here was added in the last month");
   EXPECT_EQ(noticeUnder(Measure::AddedLastSixMonths),
@@ -61,11 +69,11 @@ TEST_F(MapNoticeTest, SaysUnderEachMeasureThatNothingWasAdded) {
 
 TEST_F(MapNoticeTest, SaysNothingWhereSomethingIsSeen) {
   add(tree_, Listing(0).file("new", 5000, 5000, test::kLastScan));
-  for (const Measure measure : kMeasures) EXPECT_EQ(noticeUnder(measure), "");
+  expectNothingUnderAnyMeasure();
 }
 
 TEST_F(MapNoticeTest, SaysNothingWhereOnlyFreeSpaceIsSeen) {
-  add(tree_, Listing(0).file("old", 5000, 5000, 1));
+  addOldFile();
   extraBlocks_ = {{kFreeSpaceBlock, "Free space", 500, 0x2B3648}};
   EXPECT_EQ(noticeUnder(Measure::AddedLastMonth), "");
 }
@@ -92,38 +100,36 @@ TEST_F(MapNoticeTest, SaysThatAFolderCannotBeRead) {
   const auto folders = add(tree_, Listing(0).folder("locked").file("a", 5000, 5000));
   add(tree_, Listing(folders.front()).unreadable());
   focus_ = folders.front();
-  for (const Measure measure : kMeasures) {
-    EXPECT_EQ(noticeUnder(measure), "This folder cannot be read");
-  }
+  expectUnderEveryMeasure("This folder cannot be read");
 }
 
 TEST_F(MapNoticeTest, SaysNothingOfADiskThatWasNotEntered) {
   add(tree_, Listing(0).mountPoint("disk").file("a", 5000, 5000));
   focus_ = tree_.firstChild(kRootNode);
   ASSERT_TRUE(tree_.flags(focus_).has(sizewalk::NodeFlag::MountPoint));
-  for (const Measure measure : kMeasures) EXPECT_EQ(noticeUnder(measure), "");
+  expectNothingUnderAnyMeasure();
 }
 
 TEST_F(MapNoticeTest, SaysNothingWhileTheScanMayFindSomething) {
   status_.scanning = true;
-  for (const Measure measure : kMeasures) EXPECT_EQ(noticeUnder(measure), "");
+  expectNothingUnderAnyMeasure();
   add(tree_, Listing(0).file("old", 0, 0, 1));
-  for (const Measure measure : kMeasures) EXPECT_EQ(noticeUnder(measure), "");
+  expectNothingUnderAnyMeasure();
 }
 
 TEST_F(MapNoticeTest, SaysNothingOfWhatAStoppedScanHasNotRead) {
   add(tree_, Listing(0).folder("not read").file("old", 5000, 5000, 1));
   focus_ = tree_.firstChild(kRootNode);
   status_.stopped = true;
-  for (const Measure measure : kMeasures) EXPECT_EQ(noticeUnder(measure), "");
+  expectNothingUnderAnyMeasure();
   focus_ = kRootNode;
-  for (const Measure measure : kMeasures) EXPECT_EQ(noticeUnder(measure), "");
+  expectNothingUnderAnyMeasure();
   status_.scannedBefore = false;
   EXPECT_EQ(noticeUnder(Measure::AddedSinceLastScan), "This folder was not scanned before");
 }
 
 TEST_F(MapNoticeTest, SaysNothingOfAnEarlierScanBeforeThatIsKnown) {
-  add(tree_, Listing(0).file("old", 5000, 5000, 1));
+  addOldFile();
   status_.scannedBefore = {};
   EXPECT_EQ(noticeUnder(Measure::AddedSinceLastScan), "");
   status_.stopped = true;
