@@ -11,6 +11,8 @@ using sizewalk::NodeId;
 namespace {
 
 constexpr std::int64_t kRestMs = 400;
+/// A wheel that spins freely and a touchpad send dozens of notches a second.
+constexpr std::int64_t kBetweenLevelsMs = 150;
 constexpr ui::Colour kOutlineLight = 0xFFFFFFFF;
 constexpr ui::Colour kOutlineDark = 0xC0000000;
 
@@ -192,8 +194,11 @@ void TreemapView::openContextMenu(const ui::MouseEvent& event) {
 
 void TreemapView::wheel(const ui::MouseEvent& event, int dy) {
   hideCard();
+  if (lastLevelMs_ && event.timeMs - *lastLevelMs_ < kBetweenLevelsMs) return;
+  const NodeId before = focus_.current();
   if (dy > 0) focus_.goOut();
   if (dy < 0) goTowards(event);
+  if (focus_.current() != before) lastLevelMs_ = event.timeMs;
 }
 
 void TreemapView::goTowards(const ui::MouseEvent& event) {

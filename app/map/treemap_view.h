@@ -49,6 +49,8 @@ class TreemapView : public ui::View {
   void press(const ui::MouseEvent& event) override;
   void motion(const ui::MouseEvent& event) override;
   void leave() override;
+  /// One level however many steps, and none so soon after the last one that a burst of steps would
+  /// fall through all of them.
   void wheel(const ui::MouseEvent& event, int dy) override;
   bool key(const ui::KeyEvent& event) override;
   void tick(std::int64_t nowMs) override;
@@ -114,6 +116,8 @@ class TreemapView : public ui::View {
   std::optional<Pointer> pointer_;
   std::optional<TreemapBlock> hoveredBlock_;
   std::optional<Press> lastPress_;
+  /// When the wheel last led to another level.
+  std::optional<std::int64_t> lastLevelMs_;
 };
 
 }  // namespace app

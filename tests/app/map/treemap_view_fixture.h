@@ -142,6 +142,9 @@ class TreemapViewTest : public test::WindowTest {
     press(rect, first, 1);
     press(rect, second, 2);
   }
+  void turnWheel(const ui::Rect& rect, int dy, std::int64_t nowMs) {
+    view_.wheel(atTime(nowMs, middleOf(rect)), dy);
+  }
   void restOn(const ui::Rect& rect) {
     point(rect, 0);
     view_.tick(400);

@@ -136,7 +136,8 @@ TEST_F(TreemapViewTest, GoesOutAndBackInWithTheOtherButtons) {
 }
 
 TEST_F(TreemapViewTest, GoesInAndOutWithTheWheel) {
-  const auto turn = [&](const ui::Rect& rect, int dy) { view_.wheel(middleOf(rect), dy); };
+  std::int64_t nowMs = 0;
+  const auto turn = [&](const ui::Rect& rect, int dy) { turnWheel(rect, dy, nowMs += 1000); };
   turn(placeOf(deep_), -1);
   EXPECT_EQ(focus_.current(), dir_);
   showFocus();
@@ -154,6 +155,28 @@ TEST_F(TreemapViewTest, GoesInAndOutWithTheWheel) {
   turn(placeOfSmallItems(), -1);
   turn({kOutside, 50, 0, 0}, -1);
   EXPECT_EQ(focus_.current(), kRootNode);
+}
+
+TEST_F(TreemapViewTest, GoesOneLevelWithABurstOfTheWheel) {
+  for (int i = 0; i < 10; ++i) turnWheel(placeOf(deep_), -1, 1000 + 14 * i);
+  turnWheel(placeOf(deep_), -1, 1149);
+  EXPECT_EQ(focus_.current(), dir_);
+  turnWheel(placeOf(deep_), -7, 1150);
+  EXPECT_EQ(focus_.current(), inner_) << "several steps at once are one notch";
+  turnWheel(kPlace, 1, 1299);
+  EXPECT_EQ(focus_.current(), inner_) << "whichever way";
+  for (int i = 0; i < 10; ++i) turnWheel(kPlace, 1, 1300 + 14 * i);
+  EXPECT_EQ(focus_.current(), dir_);
+  turnWheel(kPlace, 9, 1450);
+  EXPECT_EQ(focus_.current(), kRootNode);
+}
+
+TEST_F(TreemapViewTest, DoesNotWaitAfterANotchThatWentNowhere) {
+  turnWheel(kPlace, 1, 1000);
+  turnWheel(placeOf(c_), -1, 1001);
+  EXPECT_EQ(focus_.current(), kRootNode);
+  turnWheel(placeOf(deep_), -1, 1002);
+  EXPECT_EQ(focus_.current(), dir_);
 }
 
 TEST_F(TreemapViewTest, TakesNoSecondPressOnAnotherItemForADoubleOne) {
