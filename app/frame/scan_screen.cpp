@@ -229,7 +229,6 @@ void ScanScreen::layOut() {
   list_.setRect(layout_.list);
   kinds_.setRect(layout_.kinds);
   map_.setRect(layout_.map);
-  map_.setCardBounds(rect());
   pending_.setRect(layout_.pending);
   statusLine_.setRect(layout_.status);
   mainDivider_.setRect(layout_.mainDivider);

@@ -18,19 +18,41 @@ constexpr double kRadius = 5;
 /// A text wider than this is shortened.
 constexpr double kWidestText = 360;
 
-/// Along one axis.
-int placeBesideAlong(int pointer, int length, int distance, int first, int end) {
-  const int after = pointer + distance;
-  if (after + length <= end) return after;
-  const int before = pointer - distance - length;
-  return before >= first ? before : std::max(first, end - length);
+/// Along one axis: as near to `wanted` as the bounds allow.
+int slid(int wanted, int length, int first, int end) {
+  return std::max(first, std::min(wanted, end - length));
+}
+
+/// Right of the pointer and below, slid into the bounds.
+ui::Rect slidInside(int x, int y, int width, int height, int distance, const ui::Rect& bounds) {
+  return {slid(x + distance, width, bounds.x, bounds.x + bounds.w),
+          slid(y + distance, height, bounds.y, bounds.y + bounds.h), width, height};
+}
+
+/// Nothing where every place at that distance covers the pointer.
+std::optional<ui::Rect> placeClearOf(int x, int y, int width, int height, int distance,
+                                     const ui::Rect& bounds) {
+  ui::Rect place = slidInside(x, y, width, height, distance, bounds);
+  if (place.x == x + distance || place.y == y + distance) return place;
+  const int above = y - distance - height;
+  const int left = x - distance - width;
+  if (above >= bounds.y) {
+    place.y = above;
+  } else if (left >= bounds.x) {
+    place.x = left;
+  } else {
+    return std::nullopt;
+  }
+  return place;
 }
 
 }  // namespace
 
 ui::Rect placeBeside(int x, int y, int width, int height, int distance, const ui::Rect& bounds) {
-  return {placeBesideAlong(x, width, distance, bounds.x, bounds.x + bounds.w),
-          placeBesideAlong(y, height, distance, bounds.y, bounds.y + bounds.h), width, height};
+  for (const int tried : {distance, 1}) {
+    if (const auto place = placeClearOf(x, y, width, height, tried, bounds)) return *place;
+  }
+  return slidInside(x, y, width, height, distance, bounds);
 }
 
 int HoverCard::labelWidth() const {

@@ -36,10 +36,11 @@ class HoverCard {
   int labels_ = 0;
 };
 
-/// Where a panel of `width` x `height` goes so that it stands beside a pointer at (x, y), inside
-/// `bounds`, and not under the pointer: right of it and below, else on the other side. Where there
-/// is no room on either side it ends at the bounds' far edge, or begins at the near one if it is
-/// larger than they are.
+/// Where a panel of `width` x `height` goes beside a pointer at (x, y), inside `bounds`: right of
+/// it and below. Where one of the two has no room it slides along that edge; where both have none
+/// it goes above the pointer, else to its left, else as near as a pixel. It covers the pointer only
+/// where nothing else is possible, and begins at the bounds' near edge if it is larger than they
+/// are.
 ui::Rect placeBeside(int x, int y, int width, int height, int distance, const ui::Rect& bounds);
 
 }  // namespace app

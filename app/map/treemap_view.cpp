@@ -138,7 +138,7 @@ void TreemapView::tick(std::int64_t nowMs) {
 
 void TreemapView::fillCard() {
   card_.show(mapCard(picture_.rendered(), *hoveredBlock_, *picture_.tree(), picture_.measure()),
-             pointer_->x, pointer_->y, cardBounds_);
+             pointer_->x, pointer_->y, rect());
 }
 
 void TreemapView::press(const ui::MouseEvent& event) {

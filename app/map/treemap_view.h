@@ -39,8 +39,6 @@ class TreemapView : public ui::View {
   void reset();
   /// Of the scan that is shown: what the map says where it has nothing to show depends on it.
   void setScanStatus(const ScanStatus& status);
-  /// The room that the card may take.
-  void setCardBounds(const ui::Rect& bounds) { cardBounds_ = bounds; }
 
   bool takesKeyboard() const override { return true; }
   void paint(ui::Canvas& canvas) const override;
@@ -112,7 +110,6 @@ class TreemapView : public ui::View {
   HoverCard card_;
   NoticeCard notice_;
   ScanStatus status_;
-  ui::Rect cardBounds_;
   std::optional<Pointer> pointer_;
   std::optional<TreemapBlock> hoveredBlock_;
   std::optional<Press> lastPress_;

@@ -21,37 +21,59 @@ TEST(PlaceBeside, IsRightOfThePointerAndBelow) {
   EXPECT_EQ(place(200, 150), (ui::Rect{216, 166, kWidth, kHeight}));
 }
 
-TEST(PlaceBeside, ChangesSidesWhereThereIsNoRoom) {
-  EXPECT_EQ(place(400, 30), (ui::Rect{284, 46, kWidth, kHeight})) << "upper right";
-  EXPECT_EQ(place(20, 310), (ui::Rect{36, 234, kWidth, kHeight})) << "lower left";
-  EXPECT_EQ(place(400, 310), (ui::Rect{284, 234, kWidth, kHeight})) << "lower right";
+TEST(PlaceBeside, SlidesAlongTheEdgeWhereThereIsNoRoom) {
+  EXPECT_EQ(place(400, 30), (ui::Rect{310, 46, kWidth, kHeight})) << "upper right";
+  EXPECT_EQ(place(20, 310), (ui::Rect{36, 260, kWidth, kHeight})) << "lower left";
 }
 
 TEST(PlaceBeside, TakesTheLastPixelThatThereIs) {
   EXPECT_EQ(place(410 - kWidth - kDistance, 100).x, 410 - kWidth);
-  EXPECT_EQ(place(410 - kWidth - kDistance + 1, 100).x, 410 - kWidth + 1 - 2 * kDistance - kWidth);
+  EXPECT_EQ(place(410 - kWidth - kDistance + 1, 100).x, 410 - kWidth);
   EXPECT_EQ(place(100, 320 - kHeight - kDistance).y, 320 - kHeight);
+  EXPECT_EQ(place(100, 320 - kHeight - kDistance + 1).y, 320 - kHeight);
 }
 
-TEST(PlaceBeside, EndsAtTheFarEdgeWhereThereIsRoomOnNoSide) {
-  const ui::Rect narrow{10, 20, 150, 300};
-  EXPECT_EQ(place(80, 100, narrow), (ui::Rect{60, 116, kWidth, kHeight}));
+TEST(PlaceBeside, IsAboveOrLeftOfAPointerInTheFarCorner) {
+  EXPECT_EQ(place(400, 310), (ui::Rect{310, 234, kWidth, kHeight}));
   const ui::Rect low{10, 20, 400, 90};
-  EXPECT_EQ(place(80, 60, low), (ui::Rect{96, 50, kWidth, kHeight}));
+  EXPECT_EQ(place(400, 60, low), (ui::Rect{284, 50, kWidth, kHeight})) << "no room above";
+}
+
+TEST(PlaceBeside, ComesNearerWhereThatKeepsItFromUnderThePointer) {
+  const ui::Rect low{10, 20, 150, 90};
+  EXPECT_EQ(place(80, 81, low), (ui::Rect{60, 20, kWidth, kHeight})) << "above, at 1 pixel";
+  EXPECT_EQ(place(80, 49, low), (ui::Rect{60, 50, kWidth, kHeight})) << "below";
+}
+
+TEST(PlaceBeside, StaysInsideWhereItCannotButCoverThePointer) {
+  const ui::Rect low{10, 20, 150, 90};
+  EXPECT_EQ(place(80, 60, low), (ui::Rect{60, 50, kWidth, kHeight}));
 }
 
 TEST(PlaceBeside, BeginsAtTheNearEdgeOfBoundsThatAreTooSmall) {
   EXPECT_EQ(place(30, 40, {10, 20, 50, 40}), (ui::Rect{10, 20, kWidth, kHeight}));
 }
 
+/// There is a place in `bounds` with a pixel between the panel and (x, y).
+bool hasRoomBeside(int x, int y, const ui::Rect& bounds) {
+  return x - bounds.x > kWidth || bounds.x + bounds.w - x > kWidth || y - bounds.y > kHeight ||
+         bounds.y + bounds.h - y > kHeight;
+}
+
 TEST(PlaceBeside, IsInsideAndNotUnderThePointerWhereThereIsRoom) {
-  for (int x = kBounds.x; x < kBounds.x + kBounds.w; x += 3) {
-    for (int y = kBounds.y; y < kBounds.y + kBounds.h; y += 3) {
-      const ui::Rect rect = place(x, y);
-      ASSERT_EQ(ui::intersect(rect, kBounds), rect) << x << "," << y;
-      ASSERT_FALSE(rect.contains(x, y)) << x << "," << y;
+  int covers = 0;
+  for (const ui::Rect& bounds :
+       {kBounds, ui::Rect{10, 20, 130, 300}, {10, 20, 400, 70}, {10, 20, 150, 90}}) {
+    for (int x = bounds.x; x < bounds.x + bounds.w; ++x) {
+      for (int y = bounds.y; y < bounds.y + bounds.h; ++y) {
+        const ui::Rect rect = place(x, y, bounds);
+        ASSERT_EQ(ui::intersect(rect, bounds), rect) << x << "," << y;
+        ASSERT_EQ(rect.contains(x, y), !hasRoomBeside(x, y, bounds)) << x << "," << y;
+        covers += rect.contains(x, y) ? 1 : 0;
+      }
     }
   }
+  EXPECT_GT(covers, 0);
 }
 
 class HoverCardTest : public test::WindowTest {

@@ -60,7 +60,6 @@ class TreemapViewTest : public test::WindowTest {
     };
     focus_.onChanged = [this] { ++focusChanges_; };
     view_.setRect(kPlace);
-    view_.setCardBounds(kWindow);
     changes_ = 0;
     showTree(&tree_);
     show(kWindow.w, kWindow.h);

@@ -387,15 +387,14 @@ TEST_F(TreemapViewTest, ShowsNoCardWhereThereIsNothing) {
   EXPECT_FALSE(cardIsSeen());
 }
 
-TEST_F(TreemapViewTest, KeepsTheCardInsideItsRoom) {
-  point(placeOf(c_), 0);
-  const ui::Rect room{0, 0, 260, 200};
-  view_.setCardBounds(room);
-  view_.tick(400);
-  const auto picture = onGround([&](ui::Canvas& canvas) { view_.paintOver(canvas); });
-  for (int y = 0; y < kWindow.h; ++y) {
-    for (int x = 0; x < kWindow.w; ++x) {
-      ASSERT_TRUE(room.contains(x, y) || picture.at(x, y) == without(kGround)) << x << "," << y;
+TEST_F(TreemapViewTest, KeepsTheCardInsideTheMap) {
+  for (const NodeId node : {a_, c_, deep_}) {
+    restOn(placeOf(node));
+    const auto picture = onGround([&](ui::Canvas& canvas) { view_.paintOver(canvas); });
+    for (int y = 0; y < kWindow.h; ++y) {
+      for (int x = 0; x < kWindow.w; ++x) {
+        ASSERT_TRUE(kPlace.contains(x, y) || picture.at(x, y) == without(kGround)) << x << "," << y;
+      }
     }
   }
 }
