@@ -25,9 +25,13 @@ class HoverCard {
   void paint(ui::Canvas& canvas) const;
 
  private:
+  int titleIndent() const;
   int labelWidth() const;
   int textWidth() const;
-  void shortenPaths(int width);
+  void shortenFacts(int width);
+  void paintPanel(ui::Canvas& canvas) const;
+  void paintTitle(ui::Canvas& canvas, ui::Rect line) const;
+  void paintFact(ui::Canvas& canvas, const ui::Rect& line, const MapCard::Fact& fact) const;
 
   const ui::Style& style_;
   std::optional<MapCard> card_;

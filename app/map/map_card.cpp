@@ -39,6 +39,7 @@ class CardBuilder {
 
   MapCard ofNode(NodeId node) {
     card_.title = displayName(tree_.name(node));
+    card_.swatch = map_.kindColours.colourForKind(tree_.kind(node));
     if (node != sizewalk::kRootNode) addFolder(tree_.parent(node));
     addSizes(node);
     addShare(measureValue(tree_, node, measure_), measureValue(tree_, map_.root, measure_));
@@ -58,17 +59,19 @@ class CardBuilder {
   }
 
   void addSizes(NodeId node) {
-    const std::uint64_t onDisk = tree_.allocatedSize(node);
-    const std::uint64_t length = tree_.apparentSize(node);
-    add(onDisk == length ? "Size" : "Size on disk", sizeText(onDisk));
-    if (onDisk != length) add("Length", sizeText(length));
+    const std::string onDisk = sizeText(tree_.allocatedSize(node));
+    const std::string length = sizeText(tree_.apparentSize(node));
+    add(onDisk == length ? "Size" : "Size on disk", onDisk);
+    if (onDisk != length) add("Length", length);
     if (measure_.measure == Measure::CurrentSize) return;
     add(kMeasureHeadings[static_cast<std::size_t>(measure_.measure)],
         formatSize(measureValue(tree_, node, measure_)));
   }
 
   void addShare(std::int64_t size, std::int64_t whole) {
-    add("Share", shareText(size, whole) + " of " + displayName(tree_.name(map_.root)));
+    card_.facts.push_back(
+        {"Share", shareText(size, whole) + " of “" + displayName(tree_.name(map_.root)) + "”",
+         MapCard::Keeps::BeginningAndQuote});
   }
 
   const RenderedTreemap& map_;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,8 +13,8 @@ namespace app {
 
 /// What the map tells of an item when the pointer rests on it.
 struct MapCard {
-  /// What stays of a text that is too long.
-  enum class Keeps { Beginning, End };
+  /// What stays of a text that is too long; of one that ends in a quotation its closing mark, too.
+  enum class Keeps { Beginning, End, BeginningAndQuote };
 
   struct Fact {
     std::string label;
@@ -24,6 +25,8 @@ struct MapCard {
 
   std::string title;
   std::vector<Fact> facts;
+  /// The colour of the item's kind in the picture, 0xFFRRGGBB; nothing where there is no one kind.
+  std::optional<std::uint32_t> swatch = std::nullopt;
   friend bool operator==(const MapCard&, const MapCard&) = default;
 };
 

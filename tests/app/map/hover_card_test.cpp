@@ -2,7 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
+#include "tests/ui/contrast.h"
 #include "tests/ui/window_test_base.h"
+#include "ui/text.h"
 
 namespace app {
 namespace {
@@ -11,6 +15,8 @@ constexpr ui::Rect kBounds{10, 20, 400, 300};
 constexpr int kWidth = 100;
 constexpr int kHeight = 60;
 constexpr int kDistance = 16;
+constexpr int kPaddingOfCard = 8;
+constexpr ui::Palette kCardPalette = ui::kLightPalette;
 
 ui::Rect place(int x, int y, const ui::Rect& bounds = kBounds) {
   return placeBeside(x, y, kWidth, kHeight, kDistance, bounds);
@@ -94,7 +100,11 @@ class HoverCardTest : public test::WindowTest {
     }
   }
 
-  ui::Style style_{*connection, ui::kLightPalette};
+  static test::Picture partOf(const test::Picture& picture, const ui::Rect& rect) {
+    return picture.part(rect.x, rect.y, rect.w, rect.h);
+  }
+
+  ui::Style style_{*connection, kCardPalette};
   HoverCard card_{style_};
   const ui::Rect bounds_{0, 0, 600, 400};
 };
@@ -117,7 +127,7 @@ TEST_F(HoverCardTest, IsSeenBesideThePointerUntilItIsHidden) {
   const auto picture = painted();
   expectNothingOutside(picture, card_.rect());
   EXPECT_EQ(picture.at(card_.rect().x + card_.rect().w / 2, card_.rect().y + 3), 0xFFFFFFu);
-  EXPECT_GT(picture.count(ui::kLightPalette.text & 0xFFFFFF), 0) << "there is text";
+  EXPECT_GT(picture.count(kCardPalette.text & 0xFFFFFF), 0) << "there is text";
   EXPECT_TRUE(card_.hide());
   EXPECT_FALSE(card_.shown());
   EXPECT_EQ(painted().count(0x00FF00), 600 * 400);
@@ -130,10 +140,59 @@ TEST_F(HoverCardTest, HasALineForTheTitleAndOneForEachFact) {
   EXPECT_EQ(card_.rect().h, two + 2 * style_.lineHeight());
 }
 
-TEST_F(HoverCardTest, IsWideEnoughForItsTitle) {
+TEST_F(HoverCardTest, HasItsTitleInBold) {
+  show(600, 400);
   const std::string title = "A title that is wider than all of its facts";
   card_.show({title, {{"Size", "1 B"}}}, 0, 0, bounds_);
-  EXPECT_GT(card_.rect().w, style_.textWidth(title));
+  const int width = style_.textWidth(title, style_.strong());
+  ASSERT_GT(width, style_.textWidth(title));
+  EXPECT_EQ(card_.rect().w, width + 2 * kPaddingOfCard);
+  const ui::Rect line{card_.rect().x + kPaddingOfCard, card_.rect().y + kPaddingOfCard, width,
+                      style_.lineHeight()};
+  const auto bold = paint([&](ui::Canvas& canvas) {
+    canvas.fillRect({0, 0, 600, 400}, kCardPalette.view);
+    ui::drawText(canvas, line, title, style_.strong(), kCardPalette.text);
+  });
+  EXPECT_EQ(partOf(painted(), line), partOf(bold, line));
+}
+
+TEST_F(HoverCardTest, HasTheSwatchOfItsKindBesideTheTitle) {
+  show(600, 400);
+  constexpr std::uint32_t kKind = 0xFF123456;
+  const std::string title = "A title that is wider than all of its facts";
+  card_.show({title, {{"Size", "1 B"}}}, 0, 0, bounds_);
+  const int plainWidth = card_.rect().w;
+  card_.show({title, {{"Size", "1 B"}}, kKind}, 0, 0, bounds_);
+  const int indent = card_.rect().w - plainWidth;
+  ASSERT_GT(indent, 0);
+  const auto picture = painted();
+  const ui::Rect place{card_.rect().x + kPaddingOfCard, card_.rect().y + kPaddingOfCard, indent,
+                       style_.lineHeight()};
+  const auto beside = partOf(picture, place);
+  EXPECT_EQ(beside.count(kKind & 0xFFFFFF), picture.count(kKind & 0xFFFFFF));
+  EXPECT_EQ(beside.count(kKind & 0xFFFFFF), 9 * 9);
+  EXPECT_EQ(beside.count(kKind & 0xFFFFFF) + beside.count(kCardPalette.view & 0xFFFFFF),
+            long{place.w} * place.h)
+      << "the title begins beside it";
+  EXPECT_EQ(beside.at(0, place.h / 2), kKind & 0xFFFFFF);
+}
+
+TEST_F(HoverCardTest, HasABorderThatIsSeenInBothThemes) {
+  show(600, 400);
+  for (const ui::Palette& palette : {ui::kLightPalette, ui::kDarkPalette}) {
+    const ui::Style style(*connection, palette);
+    HoverCard card(style);
+    card.show(cardWithFolder("/map"), 50, 40, bounds_);
+    const auto picture = paint([&](ui::Canvas& canvas) { card.paint(canvas); });
+    const ui::Rect& rect = card.rect();
+    const int middle = rect.y + rect.h / 2;
+    const std::uint32_t border = picture.at(rect.x, middle);
+    EXPECT_EQ(picture.at(rect.x + 1, middle), palette.view & 0xFFFFFF);
+    EXPECT_EQ(picture.at(rect.x + rect.w - 1, middle), border);
+    EXPECT_EQ(picture.at(rect.x + rect.w / 2, rect.y), border);
+    EXPECT_EQ(picture.at(rect.x + rect.w / 2, rect.y + rect.h - 1), border);
+    EXPECT_GE(test::contrast(border, palette.view), 3) << (palette.dark ? "dark" : "light");
+  }
 }
 
 /// What is drawn differs only in the path's beginning, which is not seen.
@@ -157,6 +216,40 @@ TEST_F(HoverCardTest, KeepsTheBeginningOfOtherLongTexts) {
   };
   EXPECT_EQ(pictureOf("1 % of " + middle + "one"), pictureOf("1 % of " + middle + "two"));
   EXPECT_NE(pictureOf("1 % of " + middle), pictureOf("2 % of " + middle));
+}
+
+TEST_F(HoverCardTest, KeepsTheClosingMarkOfALongQuotation) {
+  show(600, 400);
+  const std::string begin = "1 % of “" + std::string(300, 'm');
+  const auto pictureOf = [&](const std::string& share, MapCard::Keeps keeps) {
+    card_.show({"a", {{"Share", share, keeps}}}, 0, 0, bounds_);
+    return painted().pixels;
+  };
+  using enum MapCard::Keeps;
+  EXPECT_EQ(pictureOf(begin + "one”", BeginningAndQuote),
+            pictureOf(begin + "two”", BeginningAndQuote));
+  EXPECT_NE(pictureOf(begin + "one”", BeginningAndQuote), pictureOf(begin + "one”", Beginning));
+  EXPECT_EQ(pictureOf("1 % of “m”", BeginningAndQuote), pictureOf("1 % of “m”", Beginning));
+}
+
+TEST_F(HoverCardTest, KeepsOddNamesInOneLine) {
+  show(600, 400);
+  const auto below = [&](const std::string& name) {
+    card_.show({name, {{"Folder", "/m/" + name, MapCard::Keeps::End}, {"Size", "1 B"}}}, 0, 0,
+               bounds_);
+    const ui::Rect rect = card_.rect();
+    const int line = rect.y + kPaddingOfCard + 2 * style_.lineHeight();
+    return std::pair(rect.h, partOf(painted(), {0, line, 60, rect.h - line}));
+  };
+  const auto usual = below("a b");
+  for (const char* name : {"a\nb", "\n\n\n", "a\r\nb", "a\tb", "caf\xe9"}) {
+    EXPECT_TRUE(below(name) == usual) << name;
+  }
+}
+
+TEST_F(HoverCardTest, ShortensLongTitles) {
+  card_.show({std::string(255, 'W'), {{"Size", "1 B"}}}, 0, 0, {0, 0, 5000, 400});
+  EXPECT_LE(card_.rect().w, 460);
 }
 
 TEST_F(HoverCardTest, StaysInsideItsBoundsWhateverItsTexts) {

@@ -26,6 +26,10 @@ using Facts = std::vector<MapCard::Fact>;
 constexpr auto kEnd = MapCard::Keeps::End;
 constexpr std::uint32_t kBirth = 1774969559;  // 2026-03-31 15:05:59 UTC
 
+MapCard::Fact share(const std::string& text) {
+  return {"Share", text, MapCard::Keeps::BeginningAndQuote};
+}
+
 /// A zone two hours east of Greenwich all year round.
 class LocalTime {
  public:
@@ -79,13 +83,35 @@ class MapCardTest : public ::testing::Test {
   std::vector<ExtraBlock> extraBlocks_;
 };
 
+TEST_F(MapCardTest, HasTheColourThatTheMapHasForTheKind) {
+  add(tree_, Listing(0).file("a.pdf", 1000, 1000).folder("empty"));
+  RenderedTreemap map = draw();
+  KindColours byRank(false);
+  byRank.setKindSlots({{tree_.kind(tree_.firstChild(kRootNode)), 3}});
+  map.kindColours = byRank;
+  const NodeId file = tree_.firstChild(kRootNode);
+  const auto isFile = [&](const TreemapBlock& block) { return block.id == std::int32_t(file); };
+  EXPECT_EQ(cardOn(map, isFile).swatch, byRank.colourForKind(tree_.kind(file)));
+  EXPECT_NE(cardOn(map, isFile).swatch, cardOn(draw(), isFile).swatch);
+}
+
+TEST_F(MapCardTest, HasNoColourWhereThereIsNoKind) {
+  Listing listing(0);
+  for (int i = 0; i < 100; ++i) listing.file("small", 30, 30);
+  add(tree_, listing.file("large", 1'000'000, 1'000'000));
+  extraBlocks_ = {{kFreeSpaceBlock, "Free space", 500'000, 0x2B3648}};
+  EXPECT_EQ(cardOfRest().swatch, std::nullopt);
+  const auto isFree = [](const TreemapBlock& block) { return block.id == kFreeSpaceBlock; };
+  EXPECT_EQ(cardOf(isFree).swatch, std::nullopt);
+}
+
 TEST_F(MapCardTest, TellsAllOfAFile) {
   add(tree_, Listing(0).file("a.pdf", 1000, 1000, kBirth).file("b", 3000, 3000));
   const MapCard card = cardOfFirst();
   EXPECT_EQ(card.title, "a.pdf");
   EXPECT_EQ(card.facts, (Facts{{"Folder", "/map", kEnd},
                                {"Size", "1.00 kB"},
-                               {"Share", "25.0 % of map"},
+                               share("25.0 % of “map”"),
                                {"Kind", "PDF document"},
                                {"Added", "2026-03-31 17:05"}}));
 }
@@ -96,13 +122,20 @@ TEST_F(MapCardTest, TellsSizeOnDiskAndLengthWhereTheyDiffer) {
   EXPECT_EQ(byLength.facts, (Facts{{"Folder", "/map", kEnd},
                                    {"Size on disk", "4.10 kB"},
                                    {"Length", "1.00 kB"},
-                                   {"Share", "50.0 % of map"},
+                                   share("50.0 % of “map”"),
                                    {"Kind", "PDF document"}}));
   measure_.physicalSize = true;
   MapCard onDisk = cardOfFirst();
-  EXPECT_EQ(onDisk.facts[3].text, "25.0 % of map");
+  EXPECT_EQ(onDisk.facts[3].text, "25.0 % of “map”");
   onDisk.facts[3] = byLength.facts[3];
   EXPECT_EQ(onDisk, byLength) << "nothing but the share depends on what the map shows";
+}
+
+TEST_F(MapCardTest, TellsTwoSizesThatReadTheSameOnce) {
+  add(tree_, Listing(0).file("a.pdf", 1'200'000, 1'204'224).file("b.pdf", 1'200'000, 1'204'225));
+  const MapCard card = cardOfFirst();
+  EXPECT_EQ(card.facts[1], (MapCard::Fact{"Size", "1.20 MB"}));
+  EXPECT_EQ(card.facts[2].label, "Share");
 }
 
 TEST_F(MapCardTest, TellsTheSharedMeasureWhereItIsNotTheSize) {
@@ -122,7 +155,7 @@ TEST_F(MapCardTest, TellsTheSharedMeasureWhereItIsNotTheSize) {
     EXPECT_EQ(card.facts, (Facts{{"Folder", "/map", kEnd},
                                  {"Size", "2.20 kB"},
                                  {headings[i], formatSize(added)},
-                                 {"Share", "100.0 % of map"},
+                                 share("100.0 % of “map”"),
                                  {"Kind", "Folder"}}));
   }
 }
@@ -133,7 +166,7 @@ TEST_F(MapCardTest, TellsTheShareOfTheFolderInFocus) {
   focus_ = dir;
   const MapCard card = cardOfFirst();
   EXPECT_EQ(card.facts[0], (MapCard::Fact{"Folder", "/map/dir", kEnd}));
-  EXPECT_EQ(card.facts[2].text, "25.0 % of dir");
+  EXPECT_EQ(card.facts[2].text, "25.0 % of “dir”");
 }
 
 TEST_F(MapCardTest, SaysThatAFolderCannotBeRead) {
@@ -147,7 +180,7 @@ TEST_F(MapCardTest, SaysThatAFolderCannotBeRead) {
 TEST_F(MapCardTest, TellsNoFolderAroundTheScannedOne) {
   const MapCard card = cardOfNode(kRootNode);
   EXPECT_EQ(card.title, "map");
-  EXPECT_EQ(card.facts, (Facts{{"Size", "0 B"}, {"Share", "0 % of map"}, {"Kind", "Folder"}}));
+  EXPECT_EQ(card.facts, (Facts{{"Size", "0 B"}, share("0 % of “map”"), {"Kind", "Folder"}}));
 }
 
 TEST_F(MapCardTest, TellsCountAndSizeOfMergedItems) {
@@ -158,7 +191,7 @@ TEST_F(MapCardTest, TellsCountAndSizeOfMergedItems) {
   const MapCard card = cardOfRest();
   EXPECT_EQ(card.title, "617 smaller items") << "what has no size is not on the map";
   EXPECT_EQ(card.facts,
-            (Facts{{"Folder", "/map/dir", kEnd}, {"Size", "18.5 kB"}, {"Share", "2.0 % of map"}}));
+            (Facts{{"Folder", "/map/dir", kEnd}, {"Size", "18.5 kB"}, share("2.0 % of “map”")}));
 }
 
 TEST_F(MapCardTest, TellsThousandsOfMergedItemsWithAComma) {
@@ -179,7 +212,7 @@ TEST_F(MapCardTest, TellsOfMergedItemsAsTheyWereWhenTheMapWasMade) {
   const MapCard before = cardOn(map, isRest);
   ASSERT_EQ(before.title, "11 smaller items");
   ASSERT_EQ(before.facts[1].text, "230 B");
-  ASSERT_EQ(before.facts[2].text, "less than 0.1 % of map");
+  ASSERT_EQ(before.facts[2].text, "less than 0.1 % of “map”");
   add(tree_, Listing(folders[1]).file("inside", 40'000, 40'000));
   tree_.removeSubtree(folders[0]);
   EXPECT_EQ(cardOn(map, isRest), before);
@@ -220,16 +253,15 @@ TEST_F(MapCardTest, WritesBytesThatAreNoTextAsNumbers) {
   const MapCard card = cardOfFirst();
   EXPECT_EQ(card.title, "\\376\n.pdf");
   EXPECT_EQ(card.facts[0].text, "/map/d\\377");
-  EXPECT_EQ(card.facts[2].text, "100.0 % of d\\377");
+  EXPECT_EQ(card.facts[2].text, "100.0 % of “d\\377”");
 }
 
 TEST_F(MapCardTest, TellsSizesThatNoDoubleHolds) {
   constexpr std::uint64_t kHuge = (std::uint64_t{1} << 53) + 1;
   add(tree_, Listing(0).file("a", kHuge, kHuge - 1).file("b", kHuge, kHuge));
   const MapCard card = cardOfFirst();
-  EXPECT_EQ(card.facts[1], (MapCard::Fact{"Size on disk", formatSize(std::int64_t{1} << 53)}));
-  EXPECT_EQ(card.facts[2].label, "Length") << "a difference of one byte is one";
-  EXPECT_EQ(card.facts[3].text, "50.0 % of map");
+  EXPECT_EQ(card.facts[1], (MapCard::Fact{"Size", formatSize(std::int64_t{1} << 53)}));
+  EXPECT_EQ(card.facts[2].text, "50.0 % of “map”");
 }
 
 TEST(ShareText, HasOneDecimalPlace) {
