@@ -29,6 +29,8 @@ struct MouseEvent {
   bool ctrl = false;
   /// When the window handed it on, as `steadyMs` tells.
   std::int64_t timeMs = 0;
+  /// False for a motion that only tells where the pointer rests, once what lay over it is gone.
+  bool moved = true;
 };
 
 /// A key that was pressed.

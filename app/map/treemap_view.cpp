@@ -106,7 +106,7 @@ void TreemapView::findHovered() {
 }
 
 void TreemapView::motion(const ui::MouseEvent& event) {
-  pointer_ = Pointer{event.x, event.y, event.timeMs};
+  pointer_ = Pointer{event.x, event.y, event.timeMs, event.moved};
   const bool hadCard = card_.hide();
   const auto before = hoveredBlock_;
   findHovered();

@@ -52,6 +52,7 @@ class TreemapView : public ui::View {
   void wheel(const ui::MouseEvent& event, int dy) override;
   bool key(const ui::KeyEvent& event) override;
   void tick(std::int64_t nowMs) override;
+  bool cardShown() const { return card_.shown(); }
   /// No card is shown until the pointer moves again. True when there was one to hide.
   bool hideCard();
 
@@ -91,8 +92,9 @@ class TreemapView : public ui::View {
     int y;
     /// Since when it has been there, in milliseconds.
     std::int64_t sinceMs;
-    /// A card comes when it has been there for long enough.
-    bool awaitsCard = true;
+    /// A card comes when it has been there for long enough: it has moved since something else, a
+    /// menu or another scan, was there.
+    bool awaitsCard;
   };
 
   /// The second of two quick ones counts as double only on the same item: a running scan may have

@@ -113,7 +113,9 @@ void InputStack::wheel(const MouseEvent& event, int dy) {
 
 void InputStack::tellPointer() {
   told_ = top()->serial();
-  top()->motion(*pointer_);
+  const MouseEvent event = *pointer_;
+  pointer_->moved = false;  // when it is told once more
+  top()->motion(event);
 }
 
 /// What has the input by now may be news to it, and to the pointer's shape.

@@ -437,6 +437,22 @@ TEST_F(TreemapViewTest, ShowsNoCardAfterAPressThatCameBeforeIt) {
   EXPECT_FALSE(cardIsSeen()) << "it would lie over the menu";
 }
 
+TEST_F(TreemapViewTest, ShowsNoCardToAPointerThatHasNotMoved) {
+  ui::MouseEvent rest = middleOf(placeOf(c_));
+  rest.moved = false;
+  view_.motion(rest);
+  EXPECT_EQ(view_.hovered(), c_);
+  view_.tick(5000);
+  EXPECT_FALSE(cardIsSeen());
+  point(placeOf(c_), 5000);
+  view_.tick(5400);
+  EXPECT_TRUE(cardIsSeen());
+  view_.motion(rest);
+  EXPECT_FALSE(cardIsSeen()) << "something came between";
+  view_.tick(9000);
+  EXPECT_FALSE(cardIsSeen());
+}
+
 TEST_F(TreemapViewTest, SaysWhetherThereWasACardToHide) {
   EXPECT_FALSE(view_.hideCard());
   restOn(placeOf(c_));

@@ -11,7 +11,8 @@ namespace {
 
 using Log = std::vector<std::string>;
 
-/// Writes down what it is told. Knows the key 'k', and closes at 'x'.
+/// Writes down what it is told: of a pointer at rest not that it moved but where it "rests". Knows
+/// the key 'k', and closes at 'x'.
 template <typename Base>
 class Layer : public Base {
  public:
@@ -20,7 +21,7 @@ class Layer : public Base {
 
   void paint(Canvas& /*canvas*/) const override {}
   void press(const MouseEvent& event) override { note("press" + std::to_string(event.clicks)); }
-  void motion(const MouseEvent& /*event*/) override { note("motion"); }
+  void motion(const MouseEvent& event) override { note(event.moved ? "motion" : "rests"); }
   void release(const MouseEvent& /*event*/) override { note("release"); }
   void leave() override { note("leave"); }
   void wheel(const MouseEvent& /*event*/, int /*dy*/) override { note("wheel"); }
@@ -177,11 +178,15 @@ TEST_F(InputStackTest, ClosesAMenuWhenSomethingElseIsShown) {
 TEST_F(InputStackTest, TellsWhatComesUnderTheRestingPointerWhereItIs) {
   stack_.motion({.x = 5, .y = 5});
   openDialog();
-  EXPECT_EQ(taken(), (Log{"screen motion", "screen covered", "dialog motion"}));
+  EXPECT_EQ(taken(), (Log{"screen motion", "screen covered", "dialog rests"}));
   EXPECT_EQ(shape_, PointerShape::Arrow);
   key('x');
-  EXPECT_EQ(taken(), (Log{"dialog key", "dialog gone", "screen motion"}));
+  EXPECT_EQ(taken(), (Log{"dialog key", "dialog gone", "screen rests"}));
   EXPECT_EQ(shape_, PointerShape::Hand);
+  stack_.show(screen_);
+  EXPECT_EQ(taken(), Log{"screen rests"});
+  stack_.motion({.x = 5, .y = 6});
+  EXPECT_EQ(taken(), Log{"screen motion"});
   stack_.leave();
   taken();
   openDialog();
