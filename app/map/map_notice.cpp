@@ -17,12 +17,21 @@ bool isPlain(const RenderedTreemap& map) {
   return nothingInside && block.id == static_cast<std::int32_t>(map.root);
 }
 
-bool holdsSomething(const FileTree& tree, NodeId folder) {
+/// What the tree has of a folder's contents. They come all at once: where there are any, the folder
+/// itself was read.
+enum class Contents {
+  /// It was not read, or nothing is in it.
+  None,
+  AllTakenOut,
+  Some,
+};
+
+Contents contentsOf(const FileTree& tree, NodeId folder) {
   const sizewalk::NodeRange children = tree.children(folder);
   for (NodeId child = children.first; child < children.last; ++child) {
-    if (!tree.isTakenOut(child)) return true;
+    if (!tree.isTakenOut(child)) return Contents::Some;
   }
-  return false;
+  return children.empty() ? Contents::None : Contents::AllTakenOut;
 }
 
 std::string_view noticeUnder(Measure measure, bool scannedBefore, bool holdsAnything) {
@@ -44,17 +53,19 @@ std::string_view noticeUnder(Measure measure, bool scannedBefore, bool holdsAnyt
 
 std::string_view mapNotice(const RenderedTreemap& map, const FileTree& tree,
                            const MeasureSettings& measure, const ScanStatus& status) {
-  if (status.scanning || !isPlain(map) || !tree.isVisible(map.root)) return {};
+  if (!isPlain(map) || !tree.isVisible(map.root)) return {};
   if (measureValue(tree, map.root, measure) != 0) return {};  // its picture is on the way
+  const Contents contents = contentsOf(tree, map.root);
+  const bool knownEmpty = contents == Contents::AllTakenOut;
+  if (status.scanning && !knownEmpty) return {};
   const sizewalk::NodeFlags flags = tree.flags(map.root);
   if (flags.has(NodeFlag::Unreadable)) return "This folder cannot be read";
-  const bool holdsAnything = holdsSomething(tree, map.root);
-  if (flags.has(NodeFlag::MountPoint) && !holdsAnything) return {};
+  if (flags.has(NodeFlag::MountPoint) && contents == Contents::None) return {};
   const bool sinceLastScan = measure.measure == Measure::AddedSinceLastScan;
   if (sinceLastScan && !status.scannedBefore) return {};
   const bool neverScanned = sinceLastScan && !*status.scannedBefore;
-  if (status.stopped && !neverScanned) return {};
-  return noticeUnder(measure.measure, !neverScanned, holdsAnything);
+  if (status.stopped && !neverScanned && !knownEmpty) return {};
+  return noticeUnder(measure.measure, !neverScanned, contents == Contents::Some);
 }
 
 }  // namespace app

@@ -290,6 +290,25 @@ TEST_F(ScanScreenTest, LaysTheMapOutAnewOnlyForWhatTheMapShows) {
   EXPECT_FALSE(sets(settings));
 }
 
+TEST_F(ScanScreenTest, SaysThatTheFolderInFocusIsEmptyWhileItsOnlyItemIsTakenOut) {
+  screen_.focus().go(inner_);
+  for (const bool scanning : {false, true}) {
+    screen_.setScanStatus({.scanning = scanning});
+    screen_.prepare();
+    ASSERT_EQ(screen_.map().notice(), "");
+    const auto record = tree_->removeSubtree(deep_);
+    screen_.treeChanged();
+    screen_.prepare();
+    EXPECT_EQ(focus(), inner_);
+    EXPECT_EQ(screen_.map().notice(), "This folder is empty") << scanning;
+    tree_->restoreSubtree(record);
+    screen_.treeChanged();
+    screen_.prepare();
+    EXPECT_EQ(screen_.map().notice(), "");
+    EXPECT_NE(map().outlineRect(deep_), nullptr);
+  }
+}
+
 TEST_F(ScanScreenTest, SaysWhatAMapWithoutBlocksMeansOnceTheScanHasEnded) {
   screen_.setScanStatus({.scanning = true});
   screen_.setMeasure({.measure = Measure::AddedSinceLastScan});

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/app/map/map_tree.h"
@@ -94,6 +95,40 @@ TEST_F(MapNoticeTest, TellsAFolderOfEmptyFilesFromAnEmptyOne) {
   EXPECT_EQ(notice(), "Nothing in this folder takes up space");
   tree_.removeSubtree(first + 1);
   EXPECT_EQ(notice(), "This folder is empty") << "all in it waits to be deleted";
+}
+
+TEST_F(MapNoticeTest, SaysThatAFolderIsEmptyWhoseItemsWereAllTakenOutWhateverElseIsRead) {
+  const NodeId dir = add(tree_, Listing(0).folder("dir").folder("not read")).front();
+  add(tree_, Listing(dir).file("a", 5000, 5000).folder("inside"));
+  focus_ = dir;
+  const NodeId first = tree_.firstChild(dir);
+  for (const auto& [scanning, stopped] : {std::pair(true, false), {false, true}}) {
+    status_.scanning = scanning;
+    status_.stopped = stopped;
+    const auto file = tree_.removeSubtree(first);
+    EXPECT_EQ(notice(), "") << "what is inside is not known";
+    const auto folder = tree_.removeSubtree(first + 1);
+    EXPECT_EQ(notice(), "This folder is empty");
+    tree_.restoreSubtree(folder);
+    EXPECT_EQ(notice(), "");
+    tree_.restoreSubtree(file);
+    EXPECT_EQ(notice(), "");
+  }
+  status_ = {.scanning = true, .scannedBefore = true};
+  tree_.removeSubtree(first);
+  tree_.removeSubtree(first + 1);
+  EXPECT_EQ(noticeUnder(Measure::AddedLastMonth), "Nothing here was added in the last month");
+  measure_ = {};
+  tree_.dropContents(dir);
+  EXPECT_EQ(notice(), "") << "it is read again";
+}
+
+TEST_F(MapNoticeTest, SaysThatADiskIsEmptyWhoseItemsWereAllTakenOut) {
+  add(tree_, Listing(0).mountPoint("disk").file("a", 5000, 5000));
+  focus_ = tree_.firstChild(kRootNode);
+  add(tree_, Listing(focus_).file("b", 5000, 5000));
+  tree_.removeSubtree(tree_.firstChild(focus_));
+  EXPECT_EQ(notice(), "This folder is empty");
 }
 
 TEST_F(MapNoticeTest, SaysThatAFolderCannotBeRead) {
