@@ -101,6 +101,13 @@ class BlockPainter {
   std::array<std::uint32_t, sizewalk::kKindCount> table_;
 };
 
+void findExtras(RenderedTreemap* map) {
+  for (std::uint32_t i = 0; i < map->blocks.size(); ++i) {
+    const TreemapBlock& block = map->blocks[i];
+    if (block.id < 0 && block.restCount == 0) map->extras.push_back(i);
+  }
+}
+
 }  // namespace
 
 KindIndex dominantKind(const FileTree& tree, NodeId folder, const MeasureSettings& measure) {
@@ -139,6 +146,7 @@ RenderedTreemap renderTreemap(const FileTree& tree, NodeId root, std::int32_t wi
   map.rests.clear();
   map.colours.clear();
   map.kinds.clear();
+  map.extras.clear();
   map.extraColours.clear();
   const bool nothingToShow = width < 1 || height < 1 || root >= tree.nodeCount();
   const std::size_t pixels =
@@ -150,6 +158,7 @@ RenderedTreemap renderTreemap(const FileTree& tree, NodeId root, std::int32_t wi
     layoutTreemap(tree, root, {0, 0, static_cast<double>(width), static_cast<double>(height)}, 0,
                   measure, extraBlocks, {}, kRidgeHeight, &map.blocks, &map.rests);
     for (const ExtraBlock& extra : extraBlocks) map.extraColours.insert_or_assign(extra.id, extra);
+    if (!extraBlocks.empty()) findExtras(&map);
     std::vector<RunRows> rows;
     BlockPainter(tree, measure, colours, map.extraColours).chooseColours(&map, &rows);
     shadeBlocks(map.blocks, map.colours, rows,

@@ -41,6 +41,9 @@ struct RenderedTreemap {
   std::vector<std::uint32_t> pixels;
   /// For every pixel the index of its block in `blocks`, or `kNoBlock`.
   std::vector<std::uint32_t> blockAt;
+  /// The blocks of what is beside the tree, by their places in `blocks`, but for those merged with
+  /// others.
+  std::vector<std::uint32_t> extras;
   /// By the extra blocks' ids.
   std::unordered_map<std::int32_t, ExtraBlock> extraColours;
   OutlineRects outlineRects;

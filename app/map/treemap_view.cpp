@@ -3,6 +3,7 @@
 #include "app/map/map_card.h"
 #include "app/map/map_notice.h"
 #include "ui/keys.h"
+#include "ui/text.h"
 
 namespace app {
 
@@ -13,6 +14,9 @@ namespace {
 constexpr std::int64_t kRestMs = 400;
 /// A wheel that spins freely and a touchpad send dozens of notches a second.
 constexpr std::int64_t kBetweenLevelsMs = 150;
+// Logical pixels.
+constexpr double kLabelPadding = 6;
+constexpr double kLeastLabelWidth = 48;
 constexpr ui::Colour kOutlineLight = 0xFFFFFFFF;
 constexpr ui::Colour kOutlineDark = 0xC0000000;
 
@@ -71,12 +75,12 @@ ui::Rect TreemapView::inWindow(const ui::Rect& onMap) const {
 void TreemapView::layOut() {
   picture_.setRect(rect());
   findHovered();  // the map may have moved under a pointer at rest
-  findNotice();
+  findTexts();
 }
 
 void TreemapView::refresh() {
   findHovered();
-  findNotice();
+  findTexts();
   if (card_.shown()) fillCard();
 }
 
@@ -85,11 +89,24 @@ void TreemapView::setScanStatus(const ScanStatus& status) {
   findNotice();
 }
 
+void TreemapView::findTexts() {
+  findNotice();
+  findSpaceLabels();
+}
+
 void TreemapView::findNotice() {
   const sizewalk::FileTree* tree = picture_.tree();
   notice_.set(tree ? mapNotice(picture_.rendered(), *tree, picture_.measure(), status_)
                    : std::string_view(),
               picture_.rect());
+}
+
+void TreemapView::findSpaceLabels() {
+  const auto measure = [this](std::string_view text) { return style_.textWidth(text); };
+  spaceLabels_ = spaceLabels(picture_.rendered(), {.lineHeight = style_.lineHeight(),
+                                                   .padding = style_.scaled(kLabelPadding),
+                                                   .leastWidth = style_.scaled(kLeastLabelWidth),
+                                                   .measure = measure});
 }
 
 void TreemapView::reset() {
@@ -264,18 +281,29 @@ void TreemapView::paintRing(ui::Canvas& canvas) const {
   }
 }
 
-void TreemapView::paint(ui::Canvas& canvas) const {
-  const ui::Rect& place = picture_.rect();
-  canvas.pushClip(place);
-  picture_.paint(canvas);
-  notice_.paint(canvas);
-  if (hoveredBlock_) {
-    const ui::Rect outline = inWindow(pixelRect(hoveredBlock_->rect));
-    for (int i = 0; i < lineWidth(); ++i) {
-      canvas.strokeRect(grown(outline, i + 1), kOutlineDark);
-      canvas.strokeRect(grown(outline, -i), kOutlineLight);
-    }
+/// In every frame, as texts and not as pixels: the server has the letters.
+void TreemapView::paintSpaceLabels(ui::Canvas& canvas) const {
+  for (const SpaceLabel& label : spaceLabels_) {
+    ui::drawText(canvas, inWindow(label.line), label.text, style_.body(), kSpaceLabelColour,
+                 ui::Align::Centre);
   }
+}
+
+void TreemapView::paintHovered(ui::Canvas& canvas) const {
+  if (!hoveredBlock_) return;
+  const ui::Rect outline = inWindow(pixelRect(hoveredBlock_->rect));
+  for (int i = 0; i < lineWidth(); ++i) {
+    canvas.strokeRect(grown(outline, i + 1), kOutlineDark);
+    canvas.strokeRect(grown(outline, -i), kOutlineLight);
+  }
+}
+
+void TreemapView::paint(ui::Canvas& canvas) const {
+  canvas.pushClip(picture_.rect());
+  picture_.paint(canvas);
+  paintSpaceLabels(canvas);
+  notice_.paint(canvas);
+  paintHovered(canvas);
   if (focused()) paintRing(canvas);
   canvas.popClip();
 }

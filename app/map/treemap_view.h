@@ -5,9 +5,11 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "app/map/hover_card.h"
 #include "app/map/notice_card.h"
+#include "app/map/space_labels.h"
 #include "app/map/treemap_picture.h"
 #include "app/model/map_focus.h"
 #include "app/model/scan_status.h"
@@ -74,7 +76,10 @@ class TreemapView : public ui::View {
   std::optional<ui::Rect> outlineOf(sizewalk::NodeId node) const;
   ui::Rect inWindow(const ui::Rect& onMap) const;
   void findHovered();
+  /// What is written on the map.
+  void findTexts();
   void findNotice();
+  void findSpaceLabels();
   void pick(const ui::MouseEvent& event);
   void goTowards(const ui::MouseEvent& event);
   void openContextMenu(const ui::MouseEvent& event);
@@ -85,6 +90,8 @@ class TreemapView : public ui::View {
   std::optional<sizewalk::NodeId> nodeBeyond(const ui::Rect& rect, int dx, int dy) const;
   std::optional<sizewalk::NodeId> firstNode() const;
   int lineWidth() const { return std::max(1, style_.scaled(1)); }
+  void paintSpaceLabels(ui::Canvas& canvas) const;
+  void paintHovered(ui::Canvas& canvas) const;
   void paintRing(ui::Canvas& canvas) const;
 
   struct Pointer {
@@ -111,6 +118,7 @@ class TreemapView : public ui::View {
   Selection& selection_;
   HoverCard card_;
   NoticeCard notice_;
+  std::vector<SpaceLabel> spaceLabels_;
   ScanStatus status_;
   std::optional<Pointer> pointer_;
   std::optional<TreemapBlock> hoveredBlock_;
