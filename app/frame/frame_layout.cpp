@@ -1,6 +1,7 @@
 #include "app/frame/frame_layout.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace app {
 
@@ -11,10 +12,13 @@ constexpr double kToolbarPadding = 6;
 constexpr double kButtonPadding = 6;
 constexpr double kStatusPadding = 8;
 constexpr double kDivider = 5;
-constexpr double kLeastColumn = 220;
-constexpr double kKindsWidth = 260;
-/// No drag of a divider makes a part smaller than this.
-constexpr double kLeastPart = 80;
+/// Of their own accord the list and the kinds table are this wide at least.
+constexpr double kColumnWidth = 300;
+constexpr double kKindsWidth = 320;
+// Where dividers stop: below that names, rows or blocks are not told from each other any more.
+constexpr double kLeastRowWidth = 220;
+constexpr double kLeastRowsHeight = 80;
+constexpr double kLeastMapSide = 160;
 
 // Shares of what is divided.
 constexpr double kColumnShare = 0.34;
@@ -28,10 +32,18 @@ struct Split {
   ui::Rect second;
 };
 
-/// Keeps a part, of a room of `length` with the divider taken off, from crowding the other out.
-int fitted(int wanted, int length, int least) {
-  const int most = std::max(length - least, length / 2);
-  return std::clamp(wanted, std::min(least, length / 2), most);
+/// How short the two parts of a room may become, in device pixels.
+struct Least {
+  int first;
+  int second;
+};
+
+/// The length of the first part of a room of `length` with the divider taken off. Where both cannot
+/// have their least each gets its share of what there is.
+int fitted(int wanted, int length, const Least& least) {
+  const int both = least.first + least.second;
+  if (length < both) return static_cast<int>(std::int64_t{length} * least.first / both);
+  return std::clamp(wanted, least.first, length - least.second);
 }
 
 int scaledShare(double share, int length) { return static_cast<int>(share * length + 0.5); }
@@ -55,7 +67,11 @@ Split splitDown(const ui::Rect& room, int firstHeight, int dividerHeight) {
 class FrameBuilder {
  public:
   explicit FrameBuilder(const FrameRequest& request)
-      : request_(request), divider_(scaled(kDivider)), leastPart_(scaled(kLeastPart)) {}
+      : request_(request),
+        divider_(scaled(kDivider)),
+        leastRowWidth_(scaled(kLeastRowWidth)),
+        leastRowsHeight_(scaled(kLeastRowsHeight)),
+        leastMapSide_(scaled(kLeastMapSide)) {}
 
   FrameLayout build() {
     frame_.toolbar =
@@ -81,20 +97,23 @@ class FrameBuilder {
  private:
   int scaled(double logical) const { return ui::scaled(logical, request_.scale); }
 
-  int part(const std::optional<double>& dragged, int ownPlace, int length) const {
+  int part(const std::optional<double>& dragged, int ownPlace, int length,
+           const Least& least) const {
     const int usable = std::max(length - divider_, 0);
-    return fitted(dragged ? scaledShare(*dragged, usable) : ownPlace, usable, leastPart_);
+    return fitted(dragged ? scaledShare(*dragged, usable) : ownPlace, usable, least);
   }
 
   void putListBeside(const ui::Rect& room) {
-    const int own = std::max(scaledShare(kColumnShare, room.w), scaled(kLeastColumn));
-    const Split sides = splitAcross(room, part(request_.dividers.column, own, room.w), divider_);
+    const int own = std::max(scaledShare(kColumnShare, room.w), scaled(kColumnWidth));
+    const int width = part(request_.dividers.column, own, room.w, {leastRowWidth_, leastMapSide_});
+    const Split sides = splitAcross(room, width, divider_);
     frame_.mainDivider = sides.divider;
     frame_.map = sides.second;
     frame_.list = sides.first;
     if (!request_.showKinds) return;
-    const int list = part(request_.dividers.listOverKinds,
-                          scaledShare(kListOverKindsShare, room.h - divider_), room.h);
+    const int list =
+        part(request_.dividers.listOverKinds, scaledShare(kListOverKindsShare, room.h - divider_),
+             room.h, {leastRowsHeight_, leastRowsHeight_});
     const Split column = splitDown(sides.first, list, divider_);
     frame_.list = column.first;
     frame_.kindsDivider = column.divider;
@@ -103,13 +122,15 @@ class FrameBuilder {
 
   void putListAbove(const ui::Rect& room) {
     const int own = scaledShare(kListHeightShare, room.h);
-    const Split halves = splitDown(room, part(request_.dividers.listHeight, own, room.h), divider_);
+    const int height =
+        part(request_.dividers.listHeight, own, room.h, {leastRowsHeight_, leastMapSide_});
+    const Split halves = splitDown(room, height, divider_);
     frame_.list = halves.first;
     frame_.mainDivider = halves.divider;
     frame_.map = halves.second;
     if (!request_.showKinds) return;
-    const int map =
-        part(request_.dividers.mapBesideKinds, room.w - divider_ - scaled(kKindsWidth), room.w);
+    const int map = part(request_.dividers.mapBesideKinds, room.w - divider_ - scaled(kKindsWidth),
+                         room.w, {leastMapSide_, leastRowWidth_});
     const Split below = splitAcross(halves.second, map, divider_);
     frame_.map = below.first;
     frame_.kindsDivider = below.divider;
@@ -118,7 +139,9 @@ class FrameBuilder {
 
   const FrameRequest& request_;
   const int divider_;
-  const int leastPart_;
+  const int leastRowWidth_;
+  const int leastRowsHeight_;
+  const int leastMapSide_;
   FrameLayout frame_;
 };
 

@@ -7,7 +7,8 @@
 namespace app {
 
 /// Where the user has put the dividers, as shares of the room that they divide; nothing where a
-/// divider stands at its own place.
+/// divider stands at its own place. A window with too little room for one lays it out elsewhere: it
+/// stops where a pane would become unusable.
 struct DividerPlaces {
   /// List beside the map: the left column's share of the width, the list's share of that column.
   std::optional<double> column;

@@ -9,11 +9,15 @@ namespace {
 
 using ui::Rect;
 
-FrameRequest requestOf(int width, int height) {
+constexpr double kScales[] = {0.75, 1.0, 1.5, 2.0, 4.0};
+
+/// For a window of that many logical pixels.
+FrameRequest requestOf(int width, int height, double scale = 1) {
   FrameRequest request;
-  request.width = width;
-  request.height = height;
-  request.lineHeight = 16;
+  request.width = ui::scaled(width, scale);
+  request.height = ui::scaled(height, scale);
+  request.scale = scale;
+  request.lineHeight = ui::scaled(16, scale);
   return request;
 }
 
@@ -36,21 +40,28 @@ void expectTiling(const FrameRequest& request) {
   EXPECT_EQ(area, long{request.width} * request.height);
 }
 
+void expectUsable(const FrameLayout& frame, double scale) {
+  EXPECT_GE(frame.list.w, ui::scaled(220, scale));
+  EXPECT_GE(frame.list.h, ui::scaled(80, scale));
+  EXPECT_GE(frame.map.w, ui::scaled(160, scale));
+  EXPECT_GE(frame.map.h, ui::scaled(160, scale));
+  if (frame.kinds.empty()) return;
+  EXPECT_GE(frame.kinds.w, ui::scaled(220, scale));
+  EXPECT_GE(frame.kinds.h, ui::scaled(80, scale));
+}
+
 TEST(FrameLayout, CoversTheWindowAtEverySizeAndScale) {
-  for (const double scale : {0.75, 1.0, 1.5, 2.0, 4.0}) {
+  for (const double scale : kScales) {
     for (const bool above : {false, true}) {
       for (const bool kinds : {false, true}) {
         for (const auto& [width, height] : {std::pair{640, 420}, {1100, 720}, {1600, 1000}}) {
-          FrameRequest request = requestOf(ui::scaled(width, scale), ui::scaled(height, scale));
-          request.scale = scale;
-          request.lineHeight = ui::scaled(16, scale);
+          FrameRequest request = requestOf(width, height, scale);
           request.listAboveMap = above;
           request.showKinds = kinds;
           SCOPED_TRACE(testing::Message() << width << "x" << height << " scale " << scale);
           expectTiling(request);
           const FrameLayout frame = layOutFrame(request);
-          EXPECT_GE(frame.map.w, ui::scaled(80, scale));
-          EXPECT_GE(frame.map.h, ui::scaled(80, scale));
+          expectUsable(frame, scale);
           EXPECT_EQ(frame.kinds.empty(), !kinds);
           EXPECT_EQ(frame.kindsDivider.empty(), !kinds);
         }
@@ -72,7 +83,11 @@ TEST(FrameLayout, PutsTheListOverTheKindsBesideTheMap) {
 }
 
 TEST(FrameLayout, KeepsTheColumnReadableInANarrowWindow) {
-  EXPECT_EQ(layOutFrame(requestOf(640, 420)).list.w, 220);
+  for (const double scale : kScales) {
+    const FrameRequest request = requestOf(640, 420, scale);
+    EXPECT_EQ(layOutFrame(request).list.w, ui::scaled(300, scale));
+    EXPECT_EQ(layOutFrame(request).kinds.w, ui::scaled(300, scale));
+  }
 }
 
 TEST(FrameLayout, PutsTheListAboveTheMapAndTheKindsAtItsRight) {
@@ -80,8 +95,8 @@ TEST(FrameLayout, PutsTheListAboveTheMapAndTheKindsAtItsRight) {
   request.listAboveMap = true;
   const FrameLayout frame = layOutFrame(request);
   EXPECT_EQ(frame.list, (Rect{0, 34, 1000, 244}));
-  EXPECT_EQ(frame.kinds, (Rect{740, 283, 260, 393}));
-  EXPECT_EQ(frame.map, (Rect{0, 283, 735, 393}));
+  EXPECT_EQ(frame.kinds, (Rect{680, 283, 320, 393}));
+  EXPECT_EQ(frame.map, (Rect{0, 283, 675, 393}));
 }
 
 TEST(FrameLayout, GivesTheRoomOfTheKindsToTheirNeighbour) {
@@ -92,21 +107,63 @@ TEST(FrameLayout, GivesTheRoomOfTheKindsToTheirNeighbour) {
   EXPECT_EQ(layOutFrame(request).map, (Rect{0, 283, 1000, 393}));
 }
 
-TEST(FrameLayout, FollowsDraggedDividersAndLetsNoneCrowdAPartOut) {
+TEST(FrameLayout, FollowsDraggedDividers) {
   FrameRequest request = requestOf(1000, 700);
   request.dividers.column = 0.5;
   EXPECT_EQ(layOutFrame(request).list.w, 498);
-  for (const double share : {-3.0, 0.0, 1.0, 7.0}) {
-    request.dividers = {share, share, share, share};
-    for (const bool above : {false, true}) {
-      request.listAboveMap = above;
-      expectTiling(request);
-      for (const Rect& part :
-           {layOutFrame(request).list, layOutFrame(request).kinds, layOutFrame(request).map}) {
-        EXPECT_GE(part.w, 80);
-        EXPECT_GE(part.h, 80);
+}
+
+TEST(FrameLayout, StopsDividersWhereAPaneWouldBecomeUnusable) {
+  for (const double scale : kScales) {
+    for (const auto& [width, height] : {std::pair{640, 420}, {1000, 700}}) {
+      for (const double share : {-3.0, 0.0, 1.0, 7.0}) {
+        FrameRequest request = requestOf(width, height, scale);
+        request.dividers = {share, share, share, share};
+        for (const bool above : {false, true}) {
+          request.listAboveMap = above;
+          expectTiling(request);
+          expectUsable(layOutFrame(request), scale);
+        }
       }
     }
+  }
+}
+
+TEST(FrameLayout, StopsDividersWhereTheListTheKindsAndTheMapAreLeast) {
+  FrameRequest request = requestOf(1000, 700);
+  request.dividers = {0.0, 0.0, 0.0, 0.0};
+  EXPECT_EQ(layOutFrame(request).list.w, 220);
+  EXPECT_EQ(layOutFrame(request).list.h, 80);
+  request.listAboveMap = true;
+  EXPECT_EQ(layOutFrame(request).list.h, 80);
+  EXPECT_EQ(layOutFrame(request).map.w, 160);
+  request.dividers = {1.0, 1.0, 1.0, 1.0};
+  EXPECT_EQ(layOutFrame(request).kinds.w, 220);
+  EXPECT_EQ(layOutFrame(request).map.h, 160);
+  request.listAboveMap = false;
+  EXPECT_EQ(layOutFrame(request).map.w, 160);
+  EXPECT_EQ(layOutFrame(request).kinds.h, 80);
+}
+
+TEST(FrameLayout, GivesAPlaceBackThatASmallerWindowHadNoRoomFor) {
+  FrameRequest request = requestOf(1000, 700);
+  request.dividers = {0.8, 0.8, 0.1, 0.1};
+  const FrameLayout before = layOutFrame(request);
+  request.width = 640;
+  request.height = 420;
+  EXPECT_EQ(layOutFrame(request).map.w, 160);
+  request.width = 1000;
+  request.height = 700;
+  EXPECT_EQ(partsOf(layOutFrame(request)), partsOf(before));
+}
+
+TEST(FrameLayout, SharesWhatIsTooLittleForTwoPanes) {
+  FrameRequest request = requestOf(305, 700);
+  for (const double share : {0.0, 0.5, 1.0}) {
+    request.dividers.column = share;
+    const FrameLayout frame = layOutFrame(request);
+    EXPECT_EQ(frame.list.w, 300 * 220 / (220 + 160));
+    expectTiling(request);
   }
 }
 
