@@ -1,38 +1,53 @@
 #include "app/frame/divider.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace app {
 
-void Divider::setPanes(Direction direction, const ui::Rect& before, const ui::Rect& after) {
+void Divider::setPanes(Direction direction, const ui::Rect& before, const ui::Rect& after,
+                       std::optional<double> place) {
   direction_ = direction;
   before_ = before;
   after_ = after;
+  place_ = place;
 }
 
 void Divider::moveTo(std::optional<double> share) const {
   if (onMoved) onMoved(share);
 }
 
+bool Divider::takeBack() {
+  const auto drag = std::exchange(drag_, std::nullopt);
+  if (drag && drag->moved) moveTo(drag->from);
+  return drag.has_value();
+}
+
 void Divider::press(const ui::MouseEvent& event) {
-  if (event.button != ui::kPrimaryButton) return;
-  if (event.clicks == 2) {
-    grabbedAt_.reset();
+  if (event.button != ui::kPrimaryButton) {
+    takeBack();
+  } else if (event.clicks == 2) {
+    drag_.reset();
     moveTo(std::nullopt);
   } else {
-    grabbedAt_ = along(event.x, event.y) - start(rect());
+    drag_ = Drag{along(event.x, event.y) - start(rect()), place_};
   }
 }
 
 void Divider::motion(const ui::MouseEvent& event) {
-  const int usable = length(before_) + length(after_);
-  if (!grabbedAt_ || usable < 1) return;
-  const int first = along(event.x, event.y) - *grabbedAt_ - start(before_);
-  moveTo(std::clamp(static_cast<double>(first) / usable, 0.0, 1.0));
+  if (!drag_ || usable() < 1) return;
+  const int first = along(event.x, event.y) - drag_->grabbedAt - start(before_);
+  drag_->moved = true;
+  moveTo(std::clamp(static_cast<double>(first) / usable(), 0.0, 1.0));
 }
 
+/// Where the pointer went further than the divider, the place that is seen counts.
 void Divider::release(const ui::MouseEvent& event) {
-  if (event.button == ui::kPrimaryButton) grabbedAt_.reset();
+  if (event.button != ui::kPrimaryButton) return;
+  const auto drag = std::exchange(drag_, std::nullopt);
+  if (drag && drag->moved && usable() > 0) {
+    moveTo(static_cast<double>(length(before_)) / usable());
+  }
 }
 
 ui::PointerShape Divider::pointer() const {

@@ -95,13 +95,21 @@ void ScanScreen::connectMap() {
 
 void ScanScreen::connectDividers() {
   mainDivider_.onMoved = [this](std::optional<double> share) {
-    (settings_.listAboveMap ? dividerPlaces_.listHeight : dividerPlaces_.column) = share;
+    mainPlace() = share;
     layOutAgain();
   };
   kindsDivider_.onMoved = [this](std::optional<double> share) {
-    (settings_.listAboveMap ? dividerPlaces_.mapBesideKinds : dividerPlaces_.listOverKinds) = share;
+    kindsPlace() = share;
     layOutAgain();
   };
+}
+
+std::optional<double>& ScanScreen::mainPlace() {
+  return settings_.listAboveMap ? dividerPlaces_.listHeight : dividerPlaces_.column;
+}
+
+std::optional<double>& ScanScreen::kindsPlace() {
+  return settings_.listAboveMap ? dividerPlaces_.mapBesideKinds : dividerPlaces_.listOverKinds;
 }
 
 void ScanScreen::connectPending() {
@@ -234,11 +242,12 @@ void ScanScreen::layOut() {
   mainDivider_.setRect(layout_.mainDivider);
   kindsDivider_.setRect(layout_.kindsDivider);
   using enum Divider::Direction;
-  mainDivider_.setPanes(settings_.listAboveMap ? Down : Across, layout_.list, layout_.map);
+  mainDivider_.setPanes(settings_.listAboveMap ? Down : Across, layout_.list, layout_.map,
+                        mainPlace());
   if (settings_.listAboveMap) {
-    kindsDivider_.setPanes(Across, layout_.map, layout_.kinds);
+    kindsDivider_.setPanes(Across, layout_.map, layout_.kinds, kindsPlace());
   } else {
-    kindsDivider_.setPanes(Down, layout_.list, layout_.kinds);
+    kindsDivider_.setPanes(Down, layout_.list, layout_.kinds, kindsPlace());
   }
 }
 
@@ -352,6 +361,8 @@ std::optional<NodeId> ScanScreen::lookedAt() const {
 }
 
 bool ScanScreen::key(const ui::KeyEvent& event) {
+  // What the pointer holds comes before what the keyboard is in.
+  if (ui::key::plain(event.keysym) == ui::key::kEscape && takeDividerBack()) return true;
   const bool used = keyOfParts(event);
   if (used || movesFocus(event)) {
     keyed_ = true;
@@ -366,6 +377,8 @@ bool ScanScreen::keyOfParts(const ui::KeyEvent& event) {
   // Nothing that would move or select behind the user's back.
   return keyboardOwner() != &list_ && list_.keyFromElsewhere(event);
 }
+
+bool ScanScreen::takeDividerBack() { return mainDivider_.takeBack() || kindsDivider_.takeBack(); }
 
 bool ScanScreen::dismiss() {
   if (map_.hideCard()) return true;

@@ -92,7 +92,7 @@ class ScanScreen : public Screen {
   void showAllInNextFrame();
 
   /// Letters that the view with the keyboard has no use for go to the list; Escape takes back a
-  /// card, then the highlight of a kind.
+  /// drag of a divider, else a card, then the highlight of a kind.
   bool key(const ui::KeyEvent& event) override;
   void motion(const ui::MouseEvent& event) override;
   void leave() override;
@@ -135,6 +135,10 @@ class ScanScreen : public Screen {
   void connectPending();
   void layOutAgain();
   bool keyOfParts(const ui::KeyEvent& event);
+  /// The places of the dividers in the arrangement that is shown.
+  std::optional<double>& mainPlace();
+  std::optional<double>& kindsPlace();
+  bool takeDividerBack();
   bool dismiss();
   void lookAtTree();
   void comeBack();

@@ -83,9 +83,10 @@ void ViewGroup::wheel(const MouseEvent& event, int dy) {
 void ViewGroup::releasePointer() {
   View* const held = std::exchange(held_, nullptr);
   buttonsDown_.clear();
+  // First, so that what would act by being let go anywhere knows that this is no hand's doing.
+  for (View* view : views_) view->pointerLost();
   if (held) held->release(kBesideEverything);
   enter(nullptr);
-  for (View* view : views_) view->pointerLost();
 }
 
 PointerShape ViewGroup::pointer() const {

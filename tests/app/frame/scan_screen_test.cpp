@@ -250,16 +250,77 @@ TEST_F(ScanScreenTest, HasNoResizePointerWhereAPressOnTheMapIsDraggedOverADivide
   EXPECT_EQ(screen_.pointer(), ui::PointerShape::ResizeHorizontal);
 }
 
-TEST_F(ScanScreenTest, GoesOnDraggingWhenAnotherButtonIsLetGo) {
-  const int before = screen_.layout().mainDivider.x;
-  ui::MouseEvent event = at(screen_.layout().mainDivider);
+TEST_F(ScanScreenTest, PutsADividerBackOnEscape) {
+  for (const bool above : {false, true}) {
+    set({.listAboveMap = above});
+    for (const auto divider : {&FrameLayout::mainDivider, &FrameLayout::kindsDivider}) {
+      const ui::Rect own = screen_.layout().*divider;
+      drag(own, 20, 20);
+      const ui::Rect moved = screen_.layout().*divider;
+      ASSERT_NE(moved, own);
+      ui::MouseEvent event = at(moved);
+      screen_.press(event);
+      event.x += 30;
+      event.y += 30;
+      screen_.motion(event);
+      ASSERT_NE(screen_.layout().*divider, moved);
+      EXPECT_TRUE(key(ui::key::kEscape)) << "so that no scan is stopped";
+      EXPECT_EQ(screen_.layout().*divider, moved);
+      event.x += 30;
+      screen_.motion(event);
+      screen_.release(event);
+      EXPECT_EQ(screen_.layout().*divider, moved);
+      EXPECT_FALSE(key(ui::key::kEscape));
+      clickTwice(moved);
+      EXPECT_EQ(screen_.layout().*divider, own);
+    }
+  }
+}
+
+TEST_F(ScanScreenTest, PutsADividerBackWhenTheKeyboardIsInTheKinds) {
+  click(inKinds(0));
+  ASSERT_TRUE(kinds().selectedKind());
+  const ui::Rect before = screen_.layout().mainDivider;
+  ui::MouseEvent event = at(before);
   screen_.press(event);
-  event.button = 3;
-  screen_.press(event);
-  screen_.release(event);
   event.x += 50;
   screen_.motion(event);
-  EXPECT_EQ(screen_.layout().mainDivider.x, before + 50);
+  key(ui::key::kEscape);
+  EXPECT_EQ(screen_.layout().mainDivider, before);
+  EXPECT_TRUE(kinds().selectedKind()) << "what lies below keeps until the next Escape";
+}
+
+TEST_F(ScanScreenTest, PutsADividerBackForAnotherButtonAndForALostPointer) {
+  const ui::Rect before = screen_.layout().mainDivider;
+  const auto begin = [&] {
+    ui::MouseEvent event = at(before);
+    screen_.press(event);
+    event.x += 50;
+    screen_.motion(event);
+    ASSERT_NE(screen_.layout().mainDivider, before);
+  };
+  begin();
+  screen_.press(at(screen_.layout().map, 3));
+  EXPECT_EQ(screen_.layout().mainDivider, before);
+  EXPECT_TRUE(menus_.empty());
+  screen_.release(at(screen_.layout().map, 3));
+  screen_.release(at(screen_.layout().map, 1));
+  EXPECT_EQ(screen_.layout().mainDivider, before);
+  begin();
+  screen_.releasePointer();
+  EXPECT_EQ(screen_.layout().mainDivider, before);
+}
+
+TEST_F(ScanScreenTest, GivesADividersPlaceBackWhenTheWindowIsLargeAgain) {
+  drag(screen_.layout().mainDivider, 1000, 0);
+  const FrameLayout before = screen_.layout();
+  ASSERT_EQ(before.map.w, 160);
+  screen_.setRect({0, 0, 1600, kHeight});
+  EXPECT_GT(screen_.layout().map.w, 160) << "its share of the window, not the limit it was at";
+  screen_.setRect({0, 0, 640, 420});
+  EXPECT_EQ(screen_.layout().map.w, 160);
+  screen_.setRect({0, 0, kWidth, kHeight});
+  EXPECT_EQ(screen_.layout().mainDivider, before.mainDivider);
 }
 
 TEST_F(ScanScreenTest, KeepsKeysInTheControlWithTheRing) {
