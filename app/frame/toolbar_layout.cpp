@@ -11,6 +11,8 @@ namespace {
 // Logical pixels.
 constexpr double kToolRowPadding = 8;
 constexpr double kTextPadding = 20;  // of a button around its text, both sides together
+/// Tells the way to the folder in focus from the buttons.
+constexpr double kBreadcrumbGap = 12;
 
 // Device pixels: gaps that stay as thin on large screens.
 constexpr int kToolbarGap = 6;
@@ -29,7 +31,6 @@ class Lane {
     return place;
   }
   ui::Rect at(int x, int width) const { return {x, y_, width, height_}; }
-  int next() const { return next_; }
 
  private:
   int height_;
@@ -87,7 +88,9 @@ ToolbarLayout layOutToolbar(const ToolbarState& state, const ui::Rect& bar, int 
   add(Action::OpenMeasureMenu, true);
   if (!shown) return layout;
 
-  layout.breadcrumb = lane.at(lane.next(), std::max(menuLeft - kToolbarGap - lane.next(), 0));
+  const ui::Rect measures = layout.place(Action::OpenMeasureMenu);
+  const int left = measures.x + measures.w + ui::scaled(kBreadcrumbGap, scale);
+  layout.breadcrumb = lane.at(left, std::max(menuLeft - kToolbarGap - left, 0));
   if (!layout.breadcrumb.empty()) {
     layout.segments = breadcrumb(*state.tree, state.focus, layout.breadcrumb.w, measureText);
   }
