@@ -320,6 +320,7 @@ void ScanScreen::updateToolbar() {
                    .canGoUp = focus_.canGoOut(),
                    .measure = measure_.measure,
                    .focus = focus_.current()});
+  toolbar_.setFigures(tree_ ? folderFigures(*tree_, focus_.current(), measure_) : std::nullopt);
   const bool found = tree_ && tree_->nodeCount() > 0;
   toolbar_.setProgress(scanProgress(status_, volume_, found ? tree_->allocatedSize(kRootNode) : 0));
 }

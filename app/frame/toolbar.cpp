@@ -1,14 +1,19 @@
 #include "app/frame/toolbar.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "ui/text.h"
 
 namespace app {
 
 namespace {
-constexpr double kProgressThickness = 2;  // logical pixels
-}
+
+// Logical pixels.
+constexpr double kProgressThickness = 2;
+constexpr double kFiguresGap = 12;
+
+}  // namespace
 
 void Toolbar::update(const ToolbarState& state) {
   const bool published = state.tree && state.focus < state.tree->nodeCount();
@@ -17,6 +22,27 @@ void Toolbar::update(const ToolbarState& state) {
   focusPublished_ = published;
   layOut();
   changed();
+}
+
+void Toolbar::setFigures(std::optional<FolderFigures> figures) {
+  if (figures_ == figures) return;
+  figures_ = figures;
+  placeFigures();
+  changed();
+}
+
+void Toolbar::placeFigures() {
+  shownFigures_ = {};
+  if (!figures_ || layout_.segments.empty()) return;
+  const ui::Rect& room = layout_.breadcrumb;
+  const BreadcrumbSegment& last = layout_.segments.back();
+  const int left = room.x + last.x + last.width + style_.scaled(kFiguresGap);
+  for (std::string& text : figuresTexts(*figures_)) {
+    const int width = style_.textWidth(text);
+    if (left + width > room.x + room.w) continue;
+    shownFigures_ = {std::move(text), {left, room.y, width, room.h}};
+    return;
+  }
 }
 
 void Toolbar::setProgress(double share) {
@@ -31,6 +57,7 @@ void Toolbar::layOut() {
   const bool first = layout_.buttons.empty();
   layout_ = layOutToolbar(state_, rect(), style_.lineHeight(), style_.scale(),
                           [this](std::string_view text) { return style_.textWidth(text); });
+  placeFigures();
   // The window opens: what it has takes nobody's place.
   if (first) settleButtons();
 }
@@ -82,6 +109,7 @@ void Toolbar::paint(ui::Canvas& canvas) const {
   const int thickness = std::max(1, style_.scaled(kProgressThickness));
   canvas.fillRect({bar.x, bar.y + bar.h - thickness, progressWidth(), thickness}, palette.accent);
   paintSegments(canvas);
+  ui::drawText(canvas, shownFigures_.rect, shownFigures_.text, style_.body(), palette.dimText);
   // Those that lie over others last.
   for (std::size_t i = layout_.buttons.size(); i-- > 0;) paintButton(canvas, i);
   canvas.popClip();

@@ -2,7 +2,10 @@
 
 #include <cstddef>
 #include <functional>
+#include <optional>
+#include <string>
 
+#include "app/frame/folder_figures.h"
 #include "app/frame/toolbar_layout.h"
 #include "app/model/commands.h"
 #include "ui/widgets/button_view.h"
@@ -10,8 +13,9 @@
 
 namespace app {
 
-/// The bar across the top of the window: the buttons, the measure selector and the way to the
-/// folder in focus. A button acts when it is let go over itself. Window thread only.
+/// The bar across the top of the window: the buttons, the measure selector, the way to the folder
+/// in focus and, where there is room, how much that holds. A button acts when it is let go over
+/// itself. Window thread only.
 class Toolbar : public ui::ButtonView<> {
  public:
   /// What a button does, or `GoTo` the folder of a segment; also the one in focus already.
@@ -24,6 +28,10 @@ class Toolbar : public ui::ButtonView<> {
   /// state. Cheap while nothing of it changes, however much the tree grows.
   void update(const ToolbarState& state);
 
+  /// What the folder in focus holds. No folder on the way to it gives way to that. Cheap while the
+  /// figures stay the same; nothing else is laid out again when they change.
+  void setFigures(std::optional<FolderFigures> figures);
+
   /// Draws a line along the lower edge, as long as that share of it, 0 to 1.
   void setProgress(double share);
 
@@ -32,6 +40,13 @@ class Toolbar : public ui::ButtonView<> {
   ui::PointerShape pointer() const override;
 
   const ToolbarLayout& layout() const { return layout_; }
+
+  struct ShownFigures {
+    /// Empty where there are none or no room.
+    std::string text;
+    ui::Rect rect;
+  };
+  const ShownFigures& figures() const { return shownFigures_; }
 
  protected:
   void layOut() override;
@@ -43,6 +58,7 @@ class Toolbar : public ui::ButtonView<> {
   /// folder comes under the pointer.
   Control controlOf(const BreadcrumbSegment& segment) const;
   ui::Rect segmentRect(const BreadcrumbSegment& segment) const;
+  void placeFigures();
   int progressWidth() const;
   void paintButton(ui::Canvas& canvas, std::size_t number) const;
   void paintSegments(ui::Canvas& canvas) const;
@@ -54,6 +70,8 @@ class Toolbar : public ui::ButtonView<> {
   /// once that is there.
   bool focusPublished_ = false;
   ToolbarLayout layout_;
+  std::optional<FolderFigures> figures_;
+  ShownFigures shownFigures_;
   double progress_ = 0;
 };
 

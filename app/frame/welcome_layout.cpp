@@ -9,7 +9,7 @@ namespace app {
 namespace {
 
 // Logical pixels.
-constexpr double kPadding = 16;
+constexpr double kWelcomePadding = 16;
 constexpr double kIcon = 44;
 constexpr double kIconGap = 12;
 constexpr double kMostCardWidth = 330;
@@ -21,7 +21,7 @@ constexpr double kTrackGap = 8;
 constexpr int kTrackHeight = 6;
 constexpr int kLeastFill = 3;
 constexpr int kButtonExtraWidth = 20;
-constexpr int kButtonExtraHeight = 6;
+constexpr int kWelcomeButtonExtraHeight = 6;
 
 /// Whether used / total is above 0.9, without rounding: sizes may be beyond what a double holds.
 bool isNearlyFull(const VolumeFigures& figures) {
@@ -32,7 +32,7 @@ bool isNearlyFull(const VolumeFigures& figures) {
 class WelcomeBuilder {
  public:
   explicit WelcomeBuilder(const WelcomeRequest& request)
-      : request_(request), view_(request.view), padding_(scaled(kPadding)) {}
+      : request_(request), view_(request.view), padding_(scaled(kWelcomePadding)) {}
 
   WelcomeLayout build() {
     setColumns();
@@ -46,7 +46,7 @@ class WelcomeBuilder {
  private:
   int scaled(double logical) const { return ui::scaled(logical, request_.scale); }
   int bottom() const { return view_.y + view_.h; }
-  int buttonHeight() const { return request_.lineHeight + kButtonExtraHeight; }
+  int buttonHeight() const { return request_.lineHeight + kWelcomeButtonExtraHeight; }
 
   void setColumns() {
     layout_.cardWidth = std::min((view_.w - 5 * padding_) / 2, scaled(kMostCardWidth));

@@ -77,6 +77,26 @@ TEST_F(ScanScreenTest, TellsOfTheScan) {
   EXPECT_FALSE(screen_.toolbar().layout().place(Action::Rescan).empty());
 }
 
+TEST_F(ScanScreenTest, TellsInTheToolbarWhatTheFocusedFolderHolds) {
+  const auto told = [&] { return screen_.toolbar().figures().text; };
+  EXPECT_EQ(told(), "150 kB · 3 items");
+  screen_.focus().go(inner_);
+  screen_.prepare();
+  EXPECT_EQ(told(), "60.0 kB · 1 item");
+  screen_.focus().go(big_);
+  screen_.prepare();
+  EXPECT_EQ(told(), "100 kB · 2 items");
+  add(*tree_, Listing(inner_).file("found now", 20'000, 20'000, 3000).file("and this", 5'000));
+  screen_.treeChanged();
+  screen_.prepare();
+  EXPECT_EQ(told(), "125 kB · 4 items");
+  screen_.setMeasure({.measure = Measure::AddedLastMonth});
+  screen_.prepare();
+  EXPECT_EQ(told(), "20.0 kB · 4 items");
+  screen_.show(nullptr);
+  EXPECT_EQ(told(), "");
+}
+
 TEST_F(ScanScreenTest, WaitsForTheFirstNode) {
   const auto growing = std::make_shared<sizewalk::FileTree>(treeOptions());
   screen_.show(growing);

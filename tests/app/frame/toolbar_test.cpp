@@ -372,5 +372,58 @@ TEST_F(ToolbarTest, UnderlinesTheSegmentUnderThePointerInTheLinkColour) {
   EXPECT_GE(picture().count(rgb(style.palette().link)), segment(1).w);
 }
 
+// The figures of the folder in focus.
+
+TEST_F(ToolbarTest, TellsTheFiguresOfTheFolderBehindItsName) {
+  show(finished());
+  bar.setFigures(FolderFigures{1'200'000'000, 12'345});
+  const ui::Rect last = segment(1);
+  EXPECT_EQ(bar.figures().text, "1.20 GB · 12,345 items");
+  EXPECT_EQ(bar.figures().rect.x, last.x + last.w + 12);
+  const ui::Rect place = bar.figures().rect;
+  EXPECT_GT(picture().part(place.x, place.y, place.w, place.h).count(rgb(style.palette().dimText)),
+            10);
+}
+
+TEST_F(ToolbarTest, HasFiguresThatCannotBePressed) {
+  showAtRest(finished());
+  bar.setFigures(FolderFigures{1'200'000'000, 12'345});
+  bar.motion(eventAt(bar.figures().rect, 0));
+  EXPECT_EQ(bar.pointer(), ui::PointerShape::Arrow);
+  click(bar.figures().rect);
+  EXPECT_TRUE(taken().empty());
+}
+
+TEST_F(ToolbarTest, GivesNoFolderUpForItsFigures) {
+  show(finished());
+  const auto segments = bar.layout().segments;
+  const ui::Rect last = segment(1);
+  const std::string all = "1.20 GB · 12,345 items";
+  // The breadcrumb ends 40 before the bar: the padding, the menu's button and a gap.
+  const int rest = 900 - (bar.layout().breadcrumb.x + bar.layout().breadcrumb.w);
+  const auto shownWith = [&](int room) {
+    bar.setRect({0, 0, last.x + last.w + 12 + room + rest, 36});
+    EXPECT_EQ(bar.layout().segments, segments);
+    return bar.figures().text;
+  };
+  bar.setFigures(FolderFigures{1'200'000'000, 12'345});
+  EXPECT_EQ(shownWith(style.textWidth(all)), all);
+  EXPECT_EQ(shownWith(style.textWidth(all) - 1), "1.20 GB");
+  EXPECT_EQ(shownWith(style.textWidth("1.20 GB") - 1), "");
+  EXPECT_TRUE(bar.figures().rect.empty());
+}
+
+TEST_F(ToolbarTest, AsksForAFrameOnlyWhenFiguresChange) {
+  show(finished());
+  EXPECT_TRUE(changedBy([&] { bar.setFigures(FolderFigures{1000, 2}); }));
+  EXPECT_FALSE(changedBy([&] { bar.setFigures(FolderFigures{1000, 2}); }));
+  EXPECT_TRUE(changedBy([&] { bar.setFigures(FolderFigures{1000, 3}); }));
+  EXPECT_TRUE(changedBy([&] { bar.setFigures(std::nullopt); }));
+  EXPECT_EQ(bar.figures().text, "");
+  bar.setFigures(FolderFigures{1000, 3});
+  show({});
+  EXPECT_EQ(bar.figures().text, "") << "no folder to tell of";
+}
+
 }  // namespace
 }  // namespace app
