@@ -1,6 +1,7 @@
 #include "app/menus.h"
 
 #include <string>
+#include <utility>
 
 #include "app/frame/toolbar_layout.h"
 #include "app/model/format.h"
@@ -12,15 +13,17 @@ namespace {
 constexpr Measure kMeasures[] = {Measure::CurrentSize, Measure::AddedLastMonth,
                                  Measure::AddedLastSixMonths, Measure::AddedSinceLastScan};
 
-}  // namespace
-
-namespace {
+ui::MenuEntry entryFor(std::string label, const Command& command, const PerformCommand& perform) {
+  return {.label = std::move(label),
+          .action = [perform, command] { perform(command); },
+          .key = keyOf(command)};
+}
 
 ui::MenuEntry entryFor(const Command& command, const CommandState& state,
                        const PerformCommand& perform) {
-  return {.label = std::string(labelOf(command.action)),
-          .enabled = isEnabled(command, state),
-          .action = [perform, command] { perform(command); }};
+  ui::MenuEntry entry = entryFor(std::string(labelOf(command.action)), command, perform);
+  entry.enabled = isEnabled(command, state);
+  return entry;
 }
 
 }  // namespace
@@ -53,19 +56,16 @@ std::vector<ui::MenuEntry> contextMenu(sizewalk::NodeId node, const CommandState
 }
 
 std::vector<ui::MenuEntry> selectionMenu(std::int64_t selected, const PerformCommand& perform) {
-  const Command command{.action = Action::MoveToTrash};
-  return {{.label = "Move " + formatCount(selected) + " Items to Trash",
-           .action = [perform, command] { perform(command); }}};
+  return {entryFor("Move " + formatCount(selected) + " Items to Trash",
+                   {.action = Action::MoveToTrash}, perform)};
 }
 
 std::vector<ui::MenuEntry> measureMenu(Measure current, const PerformCommand& perform) {
   std::vector<ui::MenuEntry> entries;
   for (const Measure measure : kMeasures) {
-    entries.push_back(
-        {.label = std::string(measureName(measure)),
-         .action = [perform,
-                    measure] { perform({.action = Action::ShowMeasure, .measure = measure}); },
-         .ticked = measure == current});
+    entries.push_back(entryFor(std::string(measureName(measure)),
+                               {.action = Action::ShowMeasure, .measure = measure}, perform));
+    entries.back().ticked = measure == current;
   }
   return entries;
 }

@@ -15,11 +15,12 @@ struct Shortcut {
   Measure measure = Measure::CurrentSize;
 };
 
+// All keys of commands. Of two for the same command menus show the first.
 // Letters stand in lower case: Caps Lock makes no difference, nor does Shift, but for F10.
 constexpr Shortcut kShortcuts[] = {
     {'o', true, Action::LeaveScan},
-    {'r', true, Action::Rescan},
     {ui::key::kF5, false, Action::Rescan},
+    {'r', true, Action::Rescan},
     {ui::key::kBackSpace, false, Action::GoOut},
     {ui::key::kUp, true, Action::GoOut},
     {ui::key::kHome, true, Action::GoToScannedFolder},
@@ -40,6 +41,33 @@ constexpr Shortcut kShortcuts[] = {
     {'w', true, Action::Close},
 };
 
+constexpr int kFunctionKeys = 12;
+
+/// As it stands on a keyboard; without a name of its own, its character.
+std::string nameOf(Keysym keysym) {
+  if (keysym >= ui::key::kF1 && keysym < ui::key::kF1 + kFunctionKeys) {
+    return "F" + std::to_string(keysym - ui::key::kF1 + 1);
+  }
+  switch (keysym) {
+    case ui::key::kBackSpace:
+      return "Backspace";
+    case ui::key::kUp:
+      return "Up";
+    case ui::key::kLeft:
+      return "Left";
+    case ui::key::kRight:
+      return "Right";
+    case ui::key::kHome:
+      return "Home";
+    case ui::key::kDelete:
+      return "Delete";
+    case ui::key::kEscape:
+      return "Escape";
+    default:
+      return {static_cast<char>(keysym >= 'a' && keysym <= 'z' ? keysym - 'a' + 'A' : keysym)};
+  }
+}
+
 Keysym lowered(Keysym keysym) {
   return keysym >= 'A' && keysym <= 'Z' ? keysym - 'A' + 'a' : keysym;
 }
@@ -56,6 +84,14 @@ std::optional<Command> commandFor(const ui::KeyEvent& event) {
           .action = shortcut.action, .measure = shortcut.measure, .by = Command::By::Key};
   }
   return std::nullopt;
+}
+
+std::string keyOf(const Command& command) {
+  for (const Shortcut& shortcut : kShortcuts) {
+    if (shortcut.action != command.action || shortcut.measure != command.measure) continue;
+    return (shortcut.ctrl ? "Ctrl+" : "") + nameOf(shortcut.keysym);
+  }
+  return {};
 }
 
 bool isEnabled(const Command& command, const CommandState& state) {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "app/model/measure.h"
@@ -111,6 +112,10 @@ struct Command {
 
 /// The command that a key stands for wherever the keys go; nothing for other keys.
 std::optional<Command> commandFor(const ui::KeyEvent& event);
+
+/// The key of a command as it is written beside it, such as "Ctrl+O"; of several the first one of
+/// the table that `commandFor` looks in, empty where there is none.
+std::string keyOf(const Command& command);
 
 /// What the enabling of commands depends on.
 struct CommandState {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <string>
 #include <utility>
 #include <vector>
@@ -166,6 +167,67 @@ TEST(MeasureMenu, HasTheViewsShowTheMeasureThatIsChosen) {
                 {.action = Action::ShowMeasure, .measure = Measure::AddedLastMonth},
                 {.action = Action::ShowMeasure, .measure = Measure::AddedLastSixMonths},
                 {.action = Action::ShowMeasure, .measure = Measure::AddedSinceLastScan}}));
+}
+
+// Keys.
+
+/// The labels with their keys, of the entries that have one.
+std::vector<std::string> withKeys(const std::vector<ui::MenuEntry>& entries) {
+  std::vector<std::string> found;
+  for (const ui::MenuEntry& entry : entries) {
+    if (!entry.key.empty()) found.push_back(entry.label + ": " + entry.key);
+  }
+  return found;
+}
+
+/// The key as a hand presses it that reads its name.
+ui::KeyEvent pressOf(std::string name) {
+  ui::KeyEvent event;
+  if (name.starts_with("Ctrl+")) {
+    event.ctrl = true;
+    name.erase(0, 5);
+  }
+  if (name == "Delete") {
+    event.keysym = 0xFFFF;
+  } else if (name.size() > 1 && name[0] == 'F') {
+    event.keysym = 0xFFBD + std::stoul(name.substr(1));
+  } else if (name.size() == 1) {
+    event.keysym = static_cast<unsigned char>(name[0] | (std::isalpha(name[0]) ? 0x20 : 0));
+  }
+  return event;
+}
+
+TEST(MenuKeys, StandBesideTheEntriesThatHaveOne) {
+  EXPECT_EQ(withKeys(applicationMenu(kWithScan, {})),
+            (Labels{"Open…: Ctrl+O", "Rescan: F5", "Copy Path: Ctrl+C", "Move to Trash: Delete",
+                    "Settings…: Ctrl+,", "About Heap Gauge: F1"}));
+  EXPECT_EQ(withKeys(contextMenu(5, kWithScan, {})),
+            (Labels{"Copy Path: Ctrl+C", "Move to Trash: Delete"}));
+  EXPECT_EQ(withKeys(selectionMenu(3, {})), (Labels{"Move 3 Items to Trash: Delete"}));
+  EXPECT_EQ(withKeys(measureMenu(Measure::CurrentSize, {})),
+            (Labels{"Current size: Ctrl+1", "Added in the last month: Ctrl+2",
+                    "Added in the last six months: Ctrl+3", "Added since last scan: Ctrl+4"}));
+}
+
+TEST(MenuKeys, DoWhenTheyArePressedWhatTheirEntryDoes) {
+  std::vector<Command> performed;
+  const auto perform = [&](const Command& command) { performed.push_back(command); };
+  int keys = 0;
+  for (const auto& entries :
+       {applicationMenu(kWithScan, perform), contextMenu(7, kWithScan, perform),
+        selectionMenu(3, perform), measureMenu(Measure::CurrentSize, perform)}) {
+    for (const ui::MenuEntry& entry : entries) {
+      if (entry.key.empty()) continue;
+      ++keys;
+      performed.clear();
+      entry.action();
+      const auto pressed = commandFor(pressOf(entry.key));
+      ASSERT_TRUE(pressed) << entry.key;
+      EXPECT_EQ(pressed->action, performed.at(0).action) << entry.label;
+      EXPECT_EQ(pressed->measure, performed.at(0).measure) << entry.label;
+    }
+  }
+  EXPECT_EQ(keys, 13);
 }
 
 }  // namespace

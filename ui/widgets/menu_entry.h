@@ -14,9 +14,11 @@ struct MenuEntry {
   std::string label;
   bool enabled = true;
   /// Runs when the entry is chosen; the menu is gone by then.
-  std::function<void()> action;
+  std::function<void()> action{};
   /// Is the one of several that holds.
   bool ticked = false;
+  /// The key that does the same without the menu, as it is written; empty where there is none.
+  std::string key{};
 
   bool separates() const { return label.empty(); }
   bool canBeChosen() const { return enabled && action && !separates(); }

@@ -21,6 +21,7 @@ constexpr double kEntryRadius = 4;
 constexpr double kEntryExtraHeight = 4;  // above that of a row
 constexpr double kTextPadding = 12;
 constexpr double kTickGap = 8;
+constexpr double kKeyGap = 24;
 constexpr double kSeparatorHeight = 9;
 constexpr double kLeastWidth = 160;
 constexpr double kWindowMargin = 4;
@@ -56,10 +57,14 @@ int PopupMenu::tickWidth() const {
   return style_.textWidth(kTick) + style_.scaled(kTickGap);
 }
 
+int PopupMenu::keyRoom(const MenuEntry& entry) const {
+  return entry.key.empty() ? 0 : style_.textWidth(entry.key) + style_.scaled(kKeyGap);
+}
+
 int PopupMenu::wantedWidth() const {
   int widest = 0;
   for (const MenuEntry& entry : entries_) {
-    widest = std::max(widest, style_.textWidth(entry.label));
+    widest = std::max(widest, style_.textWidth(entry.label) + keyRoom(entry));
   }
   const int around = 2 * (style_.scaled(kTextPadding) + style_.scaled(kMenuPadding));
   return std::max(widest + tickWidth() + around, style_.scaled(kLeastWidth));
@@ -207,13 +212,21 @@ void PopupMenu::paintEntry(Canvas& canvas, std::size_t entry) const {
   }
   const bool current = current_ == entry;
   if (current) canvas.fillRoundRect(rect, style_.scaled(kEntryRadius), palette.accent);
+  paintTexts(canvas, shown, {rect.x + padding, rect.y, rect.w - 2 * padding, rect.h}, current);
+}
+
+void PopupMenu::paintTexts(Canvas& canvas, const MenuEntry& entry, const Rect& line,
+                           bool current) const {
+  const Palette& palette = style_.palette();
   const Colour enabled = current ? palette.accentText : palette.text;
-  const Colour colour = shown.canBeChosen() ? enabled : palette.dimText;
-  const Rect line = {rect.x + padding, rect.y, rect.w - 2 * padding, rect.h};
-  if (shown.ticked) drawText(canvas, line, kTick, style_.body(), colour);
+  const Colour colour = entry.canBeChosen() ? enabled : palette.dimText;
+  if (entry.ticked) drawText(canvas, line, kTick, style_.body(), colour);
   const int tick = tickWidth();
-  drawText(canvas, {line.x + tick, line.y, line.w - tick, line.h}, shown.label, style_.body(),
-           colour);
+  const Rect label = {line.x + tick, line.y, line.w - tick, line.h};
+  drawText(canvas, label, entry.label, style_.body(), colour);
+  if (style_.textWidth(entry.label) + keyRoom(entry) > label.w) return;
+  drawText(canvas, line, entry.key, style_.body(), current ? colour : palette.dimText,
+           Align::Right);
 }
 
 }  // namespace ui

@@ -17,9 +17,9 @@ namespace ui {
 
 /// A menu over the window that has all input until an entry is chosen or it is closed. One entry is
 /// the current one, which both the pointer and the keys move. An entry is chosen when the primary
-/// button, pressed in the menu, is let go over it; a press outside only closes the menu. In a
-/// window that is too low for all entries they scroll. Window thread only; lengths are device
-/// pixels.
+/// button, pressed in the menu, is let go over it; a press outside only closes the menu. The keys
+/// of entries stand at their right, where the labels leave room. In a window that is too low for
+/// all entries they scroll. Window thread only; lengths are device pixels.
 class PopupMenu : public Overlay {
  public:
   /// `style` outlives the menu. It lies below and to the right of (x, y), as far as the window has
@@ -53,11 +53,14 @@ class PopupMenu : public Overlay {
   int contentHeight() const;
   int wantedWidth() const;
   int tickWidth() const;
+  /// What an entry takes for its key and the gap before it.
+  int keyRoom(const MenuEntry& entry) const;
   std::optional<std::size_t> choosableAt(int x, int y) const;
   void setCurrent(std::optional<std::size_t> entry);
   void walk(std::optional<std::size_t> from, MenuStep step);
   void choose(std::size_t entry);
   void paintEntry(Canvas& canvas, std::size_t entry) const;
+  void paintTexts(Canvas& canvas, const MenuEntry& entry, const Rect& line, bool current) const;
 
   const Style& style_;
   const std::vector<MenuEntry> entries_;

@@ -90,5 +90,24 @@ TEST(IsEnabled, GoingOutNeedsAFolderAroundTheFocusedOne) {
   EXPECT_TRUE(enabled(Action::GoOut, {.scanShown = true, .canGoOut = true}));
 }
 
+TEST(KeyOf, IsWrittenAsOnTheKeyboard) {
+  EXPECT_EQ(keyOf({.action = Action::LeaveScan}), "Ctrl+O");
+  EXPECT_EQ(keyOf({.action = Action::Rescan}), "F5") << "of two the shorter one";
+  EXPECT_EQ(keyOf({.action = Action::OpenApplicationMenu}), "F10");
+  EXPECT_EQ(keyOf({.action = Action::GoOut}), "Backspace");
+  EXPECT_EQ(keyOf({.action = Action::GoToScannedFolder}), "Ctrl+Home");
+  EXPECT_EQ(keyOf({.action = Action::GoToPrevious}), "Ctrl+Left");
+  EXPECT_EQ(keyOf({.action = Action::GoToNext}), "Ctrl+Right");
+  EXPECT_EQ(keyOf({.action = Action::StopScan}), "Escape");
+  EXPECT_EQ(keyOf({.action = Action::ShowMeasure, .measure = Measure::AddedSinceLastScan}),
+            "Ctrl+4");
+  EXPECT_EQ(keyOf({.action = Action::MoveToTrash, .target = 5}), "Delete");
+}
+
+TEST(KeyOf, IsNoneWhereNoKeyStandsForTheCommand) {
+  EXPECT_EQ(keyOf({.action = Action::ShowInFiles}), "");
+  EXPECT_EQ(keyOf({.action = Action::RescanFolder, .target = 5}), "");
+}
+
 }  // namespace
 }  // namespace app

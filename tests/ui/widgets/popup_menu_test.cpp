@@ -32,6 +32,11 @@ class PopupMenuTest : public testing::Test, protected test::ViewsOnWindow {
     entry.enabled = false;
     return entry;
   }
+  MenuEntry keyed(const std::string& label, const std::string& key) {
+    MenuEntry entry = PopupMenuTest::entry(label);
+    entry.key = key;
+    return entry;
+  }
   void openWith(std::vector<MenuEntry> entries, int x = 100, int y = 50) {
     menu = std::make_unique<PopupMenu>(style, std::move(entries), x, y);
     menu->onClosed = [this] {
@@ -254,6 +259,38 @@ TEST_F(PopupMenuTest, DoesNotChooseWhatIsScrolledOutOfItsOutline) {
   menu->setRect({0, 0, kWidth, 80});
   menu->motion({.x = 110, .y = menu->panel().y + menu->panel().h - 1});
   EXPECT_EQ(menu->current(), std::nullopt);
+}
+
+// Keys beside the entries.
+
+TEST_F(PopupMenuTest, ShowsKeysDimmedAtTheRight) {
+  const std::string longest(30, 'm');
+  openWith({keyed("first", "Ctrl+O"), keyed(longest, "F5"), entry("third")});
+  EXPECT_EQ(menu->entryRect(0).w, style.textWidth(longest) + style.scaled(24) +
+                                      style.textWidth("F5") + 2 * style.scaled(12));
+  const auto keyPart = [&](std::size_t number) {
+    const ui::Rect rect = menu->entryRect(number);
+    const int width = style.textWidth("Ctrl+O");
+    return picture().part(rect.x + rect.w - style.scaled(12) - width, rect.y, width, rect.h);
+  };
+  EXPECT_GT(keyPart(0).count(rgb(style.palette().dimText)), 10);
+  EXPECT_EQ(keyPart(2).count(rgb(style.palette().dimText)), 0);
+  menu->motion(over(0, 0));
+  EXPECT_GT(keyPart(0).count(rgb(style.palette().accentText)), 10) << "legible on the accent";
+}
+
+TEST_F(PopupMenuTest, StaysInTheWindowAndKeepsLabelsRatherThanKeys) {
+  const std::string wide(200, 'm');
+  for (const std::string& label : {std::string("short"), wide}) {
+    openWith({keyed(label, "Ctrl+O"), entry(label)}, 600, 50);
+    EXPECT_TRUE(isInside(menu->panel(), kWidth, kHeight));
+    const ui::Rect first = menu->entryRect(0);
+    const ui::Rect second = menu->entryRect(1);
+    const test::Picture frame = picture();
+    const bool same = frame.part(first.x, first.y, first.w, first.h) ==
+                      frame.part(second.x, second.y, second.w, second.h);
+    EXPECT_EQ(same, label == wide) << "the key gives way";
+  }
 }
 
 }  // namespace
