@@ -53,6 +53,11 @@ inline constexpr Palette kDarkPalette = {
     .base = 0xFF1C1C20,
 };
 
+/// The outline of a control that its own colour does not tell enough from what is around it: on
+/// every surface of the palette its contrast is 3 : 1 or more, as the Web Content Accessibility
+/// Guidelines 2.1 ask for of parts of controls (1.4.11).
+constexpr Colour controlOutline(const Palette& palette) { return palette.dimText; }
+
 /// The palette that the user or the desktop asks for. The first of these that decides:
 ///
 ///   1. HEAPGAUGE_THEME, when it is exactly "dark" or "light";

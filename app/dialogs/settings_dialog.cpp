@@ -26,6 +26,7 @@ constexpr double kRowPaddingAbove = 6;  // and below
 constexpr double kSwitchGap = 16;
 constexpr double kSwitchWidth = 36;
 constexpr double kSwitchHeight = 20;
+constexpr double kSwitchOutline = 1;
 constexpr double kKnobGap = 2;
 constexpr double kScrollBarGap = 4;
 constexpr double kSettingsWheelStep = 48;
@@ -249,7 +250,10 @@ void SettingsDialog::paintRowGround(ui::Canvas& canvas, std::size_t row) const {
 
 void SettingsDialog::paintSwitch(ui::Canvas& canvas, const ui::Rect& rect, bool on) const {
   const ui::Palette& palette = style().palette();
-  canvas.fillRoundRect(rect, rect.h / 2, on ? palette.link : palette.border);
+  const int outline = std::max(1, style().scaled(kSwitchOutline));
+  ui::fillOutlined(canvas, rect, rect.h / 2, outline,
+                   on ? palette.link : ui::controlOutline(palette),
+                   on ? palette.link : palette.border);
   const int gap = style().scaled(kKnobGap);
   const int size = rect.h - 2 * gap;
   const int x = on ? rect.x + rect.w - gap - size : rect.x + gap;

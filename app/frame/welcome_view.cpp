@@ -15,6 +15,7 @@ namespace {
 // Device pixels at every scale.
 constexpr int kCardRadius = 8;
 constexpr int kTrackRadius = 3;
+constexpr int kTrackOutline = 1;
 
 bool samePaths(const std::vector<VolumeCard>& a, const std::vector<VolumeCard>& b) {
   return std::ranges::equal(a, b, {}, &VolumeCard::path, &VolumeCard::path);
@@ -258,7 +259,10 @@ void WelcomeView::paintBar(ui::Canvas& canvas, const VolumeCard& card,
   const auto bar = usageBar(card, track.w);
   if (!bar) return;
   const ui::Palette& palette = style_.palette();
-  canvas.fillRoundRect(track, kTrackRadius, trackColour(palette.dark));
+  const ui::Rect around = {track.x - kTrackOutline, track.y - kTrackOutline,
+                           track.w + 2 * kTrackOutline, track.h + 2 * kTrackOutline};
+  ui::fillOutlined(canvas, around, kTrackRadius + kTrackOutline, kTrackOutline,
+                   ui::controlOutline(palette), trackColour(palette.dark));
   canvas.fillRoundRect({track.x, track.y, bar->fillWidth, track.h}, kTrackRadius,
                        bar->nearlyFull ? kNearlyFullColour : palette.accent);
 }

@@ -8,6 +8,7 @@
 
 #include "tests/support/environment.h"
 #include "tests/support/temp_directory.h"
+#include "tests/ui/contrast.h"
 
 namespace test {
 namespace {
@@ -243,6 +244,23 @@ TEST_F(DetectPalette, ReadsNoFileWithoutAHome) {
   EXPECT_FALSE(dark());
   unset("HOME");
   EXPECT_FALSE(dark());
+}
+
+// Contrast.
+
+TEST(Contrast, IsThatOfTheGuidelines) {
+  EXPECT_NEAR(contrast(0xFF000000, 0xFFFFFFFF), 21.0, 1e-9);
+  EXPECT_NEAR(contrast(0xFF777777, 0xFFFFFFFF), 4.48, 0.005);
+}
+
+TEST(ControlOutline, IsSeenOnEverySurface) {
+  for (const ui::Palette& palette : {ui::kLightPalette, ui::kDarkPalette}) {
+    for (const ui::Colour surface :
+         {palette.window, palette.view, palette.raised, palette.pressed, palette.base}) {
+      EXPECT_GE(contrast(ui::controlOutline(palette), surface), 3.0)
+          << std::hex << surface << (palette.dark ? " dark" : " light");
+    }
+  }
 }
 
 }  // namespace

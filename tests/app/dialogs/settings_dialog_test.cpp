@@ -218,6 +218,15 @@ TEST_F(SettingsDialogTest, DrawsARoundKnobAtTheEndThatTheSwitchStandsFor) {
   EXPECT_NE(picture().at(off.x + 3, off.y + 3), 0xFFFFFFu) << "square knob";
 }
 
+TEST_F(SettingsDialogTest, OutlinesSwitchesThatAreOff) {
+  const auto edge = [this](std::size_t row) {
+    const ui::Rect rect = dialog.switchRect(row);
+    return picture().at(rect.x + rect.w / 2, rect.y);
+  };
+  EXPECT_EQ(edge(kListAbove), rgb(ui::controlOutline(style.palette())));
+  EXPECT_EQ(edge(kOnDisk), rgb(style.palette().link));
+}
+
 TEST_F(SettingsDialogTest, GivesTheRowWithoutAnExplanationOneLine) {
   EXPECT_LT(dialog.rowRect(kKinds).h, dialog.rowRect(kListAbove).h);
   EXPECT_LT(dialog.rowRect(kKinds).h, 2 * style.lineHeight() + 8);

@@ -98,16 +98,20 @@ TEST_F(WelcomeViewTest, DrawsTheBarSixPixelsHigh) {
   const test::Picture shown = picture();
   const ui::Rect track = places().track;
   const int x = track.x + track.w / 4;
-  EXPECT_EQ(shown.at(x, track.y - 1), rgb(style.palette().raised));
+  const auto outline = rgb(ui::controlOutline(style.palette()));
+  EXPECT_EQ(shown.at(x, track.y - 2), rgb(style.palette().raised));
+  EXPECT_EQ(shown.at(x, track.y - 1), outline);
   for (int i = 0; i < 6; ++i) EXPECT_EQ(shown.at(x, track.y + i), rgb(style.palette().accent));
-  EXPECT_EQ(shown.at(x, track.y + 6), rgb(style.palette().raised));
+  EXPECT_EQ(shown.at(x, track.y + 6), outline);
+  EXPECT_EQ(shown.at(x, track.y + 7), rgb(style.palette().raised));
 }
 
 TEST_F(WelcomeViewTest, RoundsTheEndsOfTheBar) {
   showUsage(0, 2);
   const test::Picture shown = picture();
   const ui::Rect track = places().track;
-  EXPECT_EQ(shown.at(track.x + track.w - 1, track.y), rgb(style.palette().raised));
+  EXPECT_EQ(shown.at(track.x + track.w, track.y - 1), rgb(style.palette().raised));
+  EXPECT_EQ(shown.at(track.x + track.w, track.y + 3), rgb(ui::controlOutline(style.palette())));
   EXPECT_EQ(shown.at(track.x + track.w - 1, track.y + 3), 0xE2E1E0u);
 }
 
