@@ -175,7 +175,10 @@ bool MainWindow::create() {
 void MainWindow::show(Screen& screen) {
   screen_ = &screen;
   input_.show(screen);
-  if (&screen == &welcomeScreen_) refreshVolumes();
+  if (&screen == &welcomeScreen_) {
+    welcomeScreen_.arrive();
+    refreshVolumes();
+  }
   updateTitle();
 }
 

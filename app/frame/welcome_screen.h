@@ -24,6 +24,9 @@ class WelcomeScreen : public Screen {
   /// Both outlive the screen.
   WelcomeScreen(const ui::Style& style, ui::Icon& icon);
 
+  /// Is about to be shown in place of a scan.
+  void arrive() { view_.arrive(); }
+
   void setCards(std::vector<VolumeCard> cards) { view_.setCards(std::move(cards)); }
 
   ui::Rect menuButton() const override {

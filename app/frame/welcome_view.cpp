@@ -17,6 +17,8 @@ constexpr int kCardRadius = 8;
 constexpr int kTrackRadius = 3;
 constexpr int kTrackOutline = 1;
 
+constexpr std::int64_t kChooseButton = 0;
+
 bool samePaths(const std::vector<VolumeCard>& a, const std::vector<VolumeCard>& b) {
   return std::ranges::equal(a, b, {}, &VolumeCard::path, &VolumeCard::path);
 }
@@ -26,8 +28,8 @@ bool samePaths(const std::vector<VolumeCard>& a, const std::vector<VolumeCard>& 
 void WelcomeView::layOut() {
   const bool onButton = focusedControl_ == buttonControl();
   layOutCards();
-  // A view without any width has no cards, which numbers the button anew.
-  presses_ = {};
+  // A view without any width has no cards, which counts the button anew.
+  forgetPress();
   if (onButton || (focusedControl_ && *focusedControl_ > cardCount())) {
     focusedControl_ = buttonControl();
   }
@@ -39,12 +41,40 @@ void WelcomeView::setCards(std::vector<VolumeCard> cards) {
   const bool onButton = focusedControl_ == buttonControl();
   const bool onCard = focusedControl_ && !onButton;
   const std::string path = onCard ? cards_[static_cast<std::size_t>(*focusedControl_)].path : "";
-  if (!samePaths(cards_, cards)) presses_ = {};
+  if (!samePaths(cards_, cards)) forgetPress();
   cards_ = std::move(cards);
+  const bool first = numbers_.empty();
+  numberCards();
   layOutCards();
+  // The window opens: what it has takes nobody's place.
+  if (first) settleButtons();
   if (onButton) focusedControl_ = buttonControl();
   if (onCard) focusCard(path);
   changed();
+}
+
+void WelcomeView::arrive() {
+  if (!numbers_.empty()) unsettleButtons();
+}
+
+void WelcomeView::numberCards() {
+  for (const VolumeCard& card : cards_) {
+    numbers_.try_emplace(card.path, kChooseButton + 1 + static_cast<Control>(numbers_.size()));
+  }
+}
+
+ui::ArrivalGuard::Control WelcomeView::controlOf(int number) const {
+  if (number == buttonControl()) return kChooseButton;
+  return numbers_.at(cards_[static_cast<std::size_t>(number)].path);
+}
+
+ui::ArrivalGuard::Places WelcomeView::buttonPlaces() const {
+  Places places = {{kChooseButton, layout_.button}};
+  for (int i = 0; i < cardCount(); ++i) {
+    const ui::Rect seen = ui::intersect(cardRect(i), scroller_.view());
+    if (!seen.empty()) places.emplace_back(controlOf(i), seen);
+  }
+  return places;
 }
 
 void WelcomeView::layOutCards() {
@@ -66,12 +96,6 @@ void WelcomeView::revealFocus() {
   if (!focusedControl_ || focusedControl_ == buttonControl()) return;
   const ui::Rect& card = placesOf(*focusedControl_).card;
   scroller_.reveal(card.y - scroller_.view().y, card.h);
-  hoverAgain();
-}
-
-/// Another card may have come under the pointer.
-void WelcomeView::hoverAgain() {
-  if (pointer_) presses_.motion(controlAt(pointer_->x, pointer_->y));
 }
 
 void WelcomeView::focusCard(const std::string& path) {
@@ -81,39 +105,22 @@ void WelcomeView::focusCard(const std::string& path) {
   if (found != end) focusedControl_ = static_cast<int>(found - cards_.begin());
 }
 
-ui::PressTracker::Control WelcomeView::controlAt(int x, int y) const {
-  if (layout_.button.contains(x, y)) return buttonControl();
-  if (!scroller_.view().contains(x, y)) return std::nullopt;
-  for (int i = 0; i < cardCount(); ++i) {
-    if (cardRect(i).contains(x, y)) return i;
-  }
-  return std::nullopt;
-}
-
 void WelcomeView::press(const ui::MouseEvent& event) {
-  if (event.button != ui::kPrimaryButton) return;
-  pointer_ = event;
-  if (scroller_.press(event.x, event.y)) return changed();
-  if (presses_.press(controlAt(event.x, event.y))) changed();
+  if (event.button != ui::kPrimaryButton || !scroller_.press(event.x, event.y)) {
+    return ui::ButtonView<>::press(event);
+  }
+  ui::ButtonView<>::leave();  // the cards pass by below
+  changed();
 }
 
 void WelcomeView::motion(const ui::MouseEvent& event) {
-  pointer_ = event;
   if (scroller_.drag(event.y)) return changed();
-  if (presses_.motion(controlAt(event.x, event.y))) changed();
+  ui::ButtonView<>::motion(event);
 }
 
 void WelcomeView::release(const ui::MouseEvent& event) {
   if (event.button == ui::kPrimaryButton) scroller_.release();
-  if (event.button != ui::kPrimaryButton || !presses_.holding()) return;
-  const auto control = presses_.release(controlAt(event.x, event.y));
-  changed();
-  if (control) act(*control);
-}
-
-void WelcomeView::leave() {
-  pointer_.reset();
-  if (presses_.leave()) changed();
+  ui::ButtonView<>::release(event);
 }
 
 void WelcomeView::releasePointer() {
@@ -122,11 +129,10 @@ void WelcomeView::releasePointer() {
 }
 
 /// A row at a time: the cards are high.
-void WelcomeView::wheel(const ui::MouseEvent& event, int dy) {
+void WelcomeView::wheel(const ui::MouseEvent& /*event*/, int dy) {
   if (!scroller_.hasBar()) return;
-  pointer_ = event;
   scroller_.scrollBy(dy * layout_.rowStep);
-  hoverAgain();
+  settleButtons();  // the hand that presses has brought them here
   changed();
 }
 
@@ -148,7 +154,7 @@ bool WelcomeView::key(const ui::KeyEvent& event) {
       return true;
     case ui::key::kReturn:
     case ui::kSpaceKey:
-      if (focusedControl_) act(*focusedControl_);
+      if (focusedControl_) act(controlOf(*focusedControl_));
       return focusedControl_.has_value();
     default:
       return false;
@@ -203,14 +209,17 @@ void WelcomeView::moveFocusUp() {
   }
 }
 
-void WelcomeView::act(std::int64_t control) {
-  if (control == buttonControl()) {
+void WelcomeView::act(Control control) {
+  if (control == kChooseButton) {
     if (onChooseFolder) onChooseFolder();
-  } else if (onVolume) {
-    // A copy: what is called may set other cards.
-    const std::string path = cards_[static_cast<std::size_t>(control)].path;
-    onVolume(path);
+    return;
   }
+  const auto found = std::ranges::find(
+      cards_, control, [this](const VolumeCard& card) { return numbers_.at(card.path); });
+  if (found == cards_.end() || !onVolume) return;
+  // A copy: what is called may set other cards.
+  const std::string path = found->path;
+  onVolume(path);
 }
 
 void WelcomeView::paint(ui::Canvas& canvas) const {
@@ -245,7 +254,7 @@ void WelcomeView::paintCard(ui::Canvas& canvas, int number) const {
   const VolumeCard& card = cards_[static_cast<std::size_t>(number)];
   const ui::Palette& palette = style_.palette();
   const bool focused = focusedControl_ == number;
-  const ui::Colour fill = presses_.hovered(number) ? palette.pressed : palette.raised;
+  const ui::Colour fill = hovered(controlOf(number)) ? palette.pressed : palette.raised;
   ui::fillOutlined(canvas, cardRect(number), kCardRadius,
                    focused ? ui::focusRingWidth(style_.scale()) : 1,
                    focused ? palette.accent : palette.border, fill);
@@ -268,13 +277,9 @@ void WelcomeView::paintBar(ui::Canvas& canvas, const VolumeCard& card,
 }
 
 void WelcomeView::paintChooseButton(ui::Canvas& canvas) const {
-  const int number = buttonControl();
-  const ui::Button button = {.rect = layout_.button,
-                             .text = std::string(kChooseFolderText),
-                             .hovered = presses_.hovered(number),
-                             .pressed = presses_.pressed(number),
-                             .focused = focusedControl_ == number};
-  ui::paintButton(canvas, button, style_.body(), style_.palette());
+  ui::Button shown = button(kChooseButton, layout_.button, std::string(kChooseFolderText));
+  shown.focused = focusedControl_ == buttonControl();
+  ui::paintButton(canvas, shown, style_.body(), style_.palette());
 }
 
 }  // namespace app

@@ -1,25 +1,26 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "app/frame/welcome_layout.h"
-#include "ui/button.h"
 #include "ui/canvas.h"
 #include "ui/geometry.h"
 #include "ui/icon.h"
 #include "ui/input.h"
 #include "ui/scroller.h"
+#include "ui/widgets/button_view.h"
 #include "ui/widgets/style.h"
-#include "ui/widgets/view.h"
 
 namespace app {
 
 /// What the window shows while there is no scan: the volumes as cards, and the way to any other
-/// folder. Cards are buttons: they act when let go over themselves. Window thread only.
-class WelcomeView : public ui::View {
+/// folder. Cards are buttons. Window thread only.
+class WelcomeView : public ui::ButtonView<> {
  public:
   /// The path of a card.
   std::function<void(const std::string&)> onVolume;
@@ -31,12 +32,14 @@ class WelcomeView : public ui::View {
   /// Shows one card a volume; those that have no room are scrolled to. What has the keyboard keeps
   /// it by its path, and a press on a card goes on while only figures change.
   void setCards(std::vector<VolumeCard> cards);
+  /// The view comes in place of another one, perhaps under a press that was meant for that: nothing
+  /// here takes one at once.
+  void arrive();
   bool takesKeyboard() const override { return true; }
   void paint(ui::Canvas& canvas) const override;
   void press(const ui::MouseEvent& event) override;
   void motion(const ui::MouseEvent& event) override;
   void release(const ui::MouseEvent& event) override;
-  void leave() override;
   void releasePointer() override;
   void wheel(const ui::MouseEvent& event, int dy) override;
   /// Tab goes round the cards and the button, or past the last one out of the view; arrows move
@@ -58,10 +61,17 @@ class WelcomeView : public ui::View {
 
  protected:
   void layOut() override;
+  Places buttonPlaces() const override;
+  void act(Control control) override;
 
  private:
   void layOutCards();
+  void numberCards();
+  Control controlOf(int number) const;
   int cardCount() const { return static_cast<int>(layout_.cards.size()); }
+  // Cards are counted as they are shown, for the keyboard; the number that a card has for the
+  // pointer is its path's for good.
+
   /// The button's number, after the cards'.
   int buttonControl() const { return cardCount(); }
   const CardPlaces& placesOf(int number) const {
@@ -70,15 +80,12 @@ class WelcomeView : public ui::View {
   /// A place of the layout, scrolled.
   ui::Rect shown(const ui::Rect& place) const;
   void revealFocus();
-  void hoverAgain();
-  ui::PressTracker::Control controlAt(int x, int y) const;
   void focusCard(const std::string& path);
   /// False at the end of the round, where Tab leaves.
   bool cycleFocus(bool backwards);
   void moveFocus(unsigned long keysym);
   void moveFocusDown();
   void moveFocusUp();
-  void act(std::int64_t control);
   void paintHeading(ui::Canvas& canvas) const;
   void paintCards(ui::Canvas& canvas) const;
   void paintCard(ui::Canvas& canvas, int number) const;
@@ -91,11 +98,9 @@ class WelcomeView : public ui::View {
   WelcomeLayout layout_;
   /// Of the cards.
   ui::Scroller scroller_;
-  /// By number, as `focusedControl`.
-  ui::PressTracker presses_;
+  /// By path, for the pointer; of all cards that there ever were.
+  std::map<std::string, Control> numbers_;
   std::optional<int> focusedControl_;
-  /// What the pointer did last, unless it left.
-  std::optional<ui::MouseEvent> pointer_;
   bool tabLeaves_ = false;
 };
 

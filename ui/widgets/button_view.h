@@ -44,6 +44,8 @@ class ButtonView : public Base {
   bool bringUpToDate() override;
   /// The buttons that there are by now take presses at once.
   void settleButtons();
+  /// All buttons are new where they are, so that none takes a press at once.
+  void unsettleButtons();
   /// What is pressed is gone or means something else.
   void forgetPress() { presses_.cancel(); }
   bool hovered(Control control) const { return presses_.hovered(control); }
@@ -90,6 +92,12 @@ template <typename Base>
 void ButtonView<Base>::settleButtons() {
   placeButtons();
   guard_.settle();
+}
+
+template <typename Base>
+void ButtonView<Base>::unsettleButtons() {
+  guard_ = {};
+  placeButtons();
 }
 
 template <typename Base>

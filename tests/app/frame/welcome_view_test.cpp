@@ -59,7 +59,19 @@ class WelcomeViewTest : public testing::Test, protected test::ViewsOnWindow {
     return changes > 0;
   }
   Told taken() { return std::exchange(told, {}); }
+  /// A press and its release at the middle of `rect`.
+  void click(const ui::Rect& rect) {
+    ui::MouseEvent event = at(rect);
+    event.timeMs = now_;
+    view.press(event);
+    view.release(event);
+  }
+  void rest(std::int64_t ms) {
+    view.tick(now_);
+    now_ += ms;
+  }
   test::Picture picture() {
+    view.prepare();
     return ViewsOnWindow::picture(kViewWidth, kViewHeight,
                                   [&](ui::Canvas& canvas) { view.paint(canvas); });
   }
@@ -67,6 +79,7 @@ class WelcomeViewTest : public testing::Test, protected test::ViewsOnWindow {
   ui::Icon icon;
   WelcomeView view{style, icon};
   Told told;
+  std::int64_t now_ = 1'000'000;
 };
 
 class DarkWelcomeViewTest : public WelcomeViewTest {
@@ -251,6 +264,85 @@ TEST_F(WelcomeViewTest, TakesBackAPressWhenOtherVolumesCome) {
   view.setCards({card("/new"), card("/0"), card("/1")});
   view.release(at(places().card));
   EXPECT_TRUE(taken().empty());
+}
+
+// Cards that come under the pointer
+
+TEST_F(WelcomeViewTest, TakesNoPressAtOnceOnACardInThePlaceOfAnother) {
+  setCards(2);
+  const ui::Rect place = places().card;
+  view.motion(at(place, 0));
+  view.setCards({card("/1")});
+  view.prepare();
+  click(place);
+  EXPECT_TRUE(taken().empty()) << "meant for the volume that is gone";
+  rest(499);
+  click(place);
+  EXPECT_TRUE(taken().empty());
+  rest(1);
+  click(place);
+  EXPECT_EQ(taken(), Told{"/1"});
+}
+
+TEST_F(WelcomeViewTest, TakesAPressOnACardThatThePointerMovedOnTo) {
+  setCards(2);
+  const ui::Rect place = places().card;
+  view.motion(at(place, 0));
+  view.setCards({card("/1")});
+  view.motion({.x = 1, .y = 1});
+  view.motion(at(place, 0));
+  click(place);
+  EXPECT_EQ(taken(), Told{"/1"});
+}
+
+TEST_F(WelcomeViewTest, TakesNoPressAtOnceOnACardThatMovedUnderThePointer) {
+  setCards(4);
+  rest(1000);
+  const ui::Rect place = places(2).card;
+  view.motion(at(place, 0));
+  view.setRect({0, view.layout().rowStep, kViewWidth, kViewHeight});
+  ASSERT_EQ(places(0).card, place) << "a row further down, where another was";
+  click(place);
+  EXPECT_TRUE(taken().empty());
+  rest(500);
+  click(place);
+  EXPECT_EQ(taken(), Told{"/0"});
+}
+
+TEST_F(WelcomeViewTest, TakesNoPressAtOnceOnWhatJustCameIntoView) {
+  setCards(2);
+  rest(1000);
+  for (const ui::Rect& place : {places().card, view.layout().button}) {
+    view.motion(at(place, 0));
+    view.pointerLost();
+    view.arrive();
+    view.motion(at(place, 0));
+    click(place);
+    EXPECT_TRUE(taken().empty());
+    rest(500);
+    click(place);
+    EXPECT_EQ(taken().size(), 1u);
+  }
+}
+
+TEST_F(WelcomeViewTest, TakesPressesAtOnceOnTheFirstCardsAndOnThoseThatStay) {
+  setCards(2);
+  click(places().card);
+  view.setCards({card("/0"), card("/1"), card("/2")});
+  click(places().card);
+  EXPECT_EQ(taken(), (Told{"/0", "/0"}));
+}
+
+TEST_F(WelcomeViewTest, HasNoCardUnderThePointerWhileItsBarIsDragged) {
+  setCards(20);
+  view.motion(at(view.cardRect(0), 0));
+  ui::MouseEvent event = at(view.scroller().thumb());
+  view.press(event);
+  event.y += 50;
+  event.x = view.cardRect(0).x + 20;
+  view.motion(event);
+  const test::Picture shown = picture();
+  EXPECT_EQ(shown.count(rgb(style.palette().pressed)), 0);
 }
 
 TEST_F(WelcomeViewTest, MaySetOtherCardsWhileItTellsOfAPress) {
