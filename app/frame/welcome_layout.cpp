@@ -16,6 +16,7 @@ constexpr double kMostCardWidth = 330;
 constexpr double kCardPadding = 12;
 constexpr double kLineGap = 2;
 constexpr double kTrackGap = 8;
+constexpr double kHintGap = 8;
 
 // Device pixels at every scale.
 constexpr int kTrackHeight = 6;
@@ -38,6 +39,7 @@ class WelcomeBuilder {
     setColumns();
     const int below = placeHeading();
     placeButton(placeCards(below));
+    placeHint();
     // In a view too low for both, the button stays.
     if (below > layout_.button.y) layout_.icon = layout_.heading = layout_.note = {};
     return layout_;
@@ -117,6 +119,13 @@ class WelcomeBuilder {
     const int width = std::min(request_.buttonTextWidth + kButtonExtraWidth, std::max(view_.w, 0));
     const int x = std::clamp(left_, view_.x, view_.x + std::max(view_.w - width, 0));
     layout_.button = {x, std::min(below + padding_, lowest), width, buttonHeight()};
+  }
+
+  void placeHint() {
+    const int y = layout_.button.y + layout_.button.h + scaled(kHintGap);
+    if (y + request_.lineHeight > bottom() - padding_) return;
+    const int width = std::max(view_.x + view_.w - padding_ - layout_.button.x, 0);
+    layout_.hint = {layout_.button.x, y, width, request_.lineHeight};
   }
 
   const WelcomeRequest& request_;

@@ -33,6 +33,9 @@ inline constexpr std::string_view kWelcomeHeading = "Heap Gauge - choose a folde
 inline constexpr std::string_view kWelcomeNote =
     "Scanning is incremental — results appear as they are found.";
 inline constexpr std::string_view kChooseFolderText = "Choose a Folder…";
+/// Under the button, for those who came by a menu of programs.
+inline constexpr std::string_view kCommandLineHint =
+    "Or give one on the command line: heapgauge FOLDER";
 /// On a card without figures.
 inline constexpr std::string_view kFiguresPendingText = "Waiting for its size…";
 
@@ -93,6 +96,8 @@ struct WelcomeLayout {
   int cardsHeight = 0;
   int rowStep = 0;
   ui::Rect button;
+  /// The line under the button, where the cards leave room for it.
+  ui::Rect hint;
 };
 
 WelcomeLayout layOutWelcome(const WelcomeRequest& request);

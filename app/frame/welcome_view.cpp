@@ -228,6 +228,7 @@ void WelcomeView::paint(ui::Canvas& canvas) const {
   paintHeading(canvas);
   paintCards(canvas);
   paintChooseButton(canvas);
+  ui::drawText(canvas, layout_.hint, kCommandLineHint, style_.body(), style_.palette().dimText);
   canvas.popClip();
 }
 

@@ -203,6 +203,26 @@ TEST(WelcomeLayout, ShowsCardsInTheLeastWindowAtEveryScale) {
   }
 }
 
+TEST(WelcomeLayout, HasALineUnderTheButtonWhereCardsLeaveRoom) {
+  for (const double scale : {0.75, 1.0, 2.0, 4.0}) {
+    const auto layOut = [&](int height, std::size_t cards) {
+      return layOutWelcome(
+          request(ui::scaled(640, scale), ui::scaled(height, scale), cards, scale));
+    };
+    const WelcomeLayout roomy = layOut(420, 1);
+    EXPECT_EQ(roomy.hint.x, roomy.button.x);
+    EXPECT_EQ(roomy.hint.y, roomy.button.y + roomy.button.h + ui::scaled(8, scale));
+    EXPECT_FALSE(roomy.hint.empty());
+    for (int height = 0; height < 500; ++height) {
+      const WelcomeLayout layout = layOut(height, 20);
+      if (layout.hint.empty() || layout.cards.empty()) continue;
+      EXPECT_LE(layout.hint.y + layout.hint.h, ui::scaled(height, scale) - ui::scaled(16, scale));
+      EXPECT_EQ(layout.button.y, layout.cardsView.y + layout.cardsView.h + ui::scaled(16, scale))
+          << "no card gives way";
+    }
+  }
+}
+
 // Figures and bar
 
 TEST(FiguresText, SaysHowMuchIsUsedOfHowMuch) {

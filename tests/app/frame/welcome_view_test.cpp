@@ -218,6 +218,14 @@ TEST_F(WelcomeViewTest, DrawsTheIconAndTheHeading) {
   EXPECT_GT(inked(view.layout().note), 300);
 }
 
+TEST_F(WelcomeViewTest, TellsOfTheOtherWayToChooseAFolder) {
+  setCards(1);
+  const ui::Rect hint = view.layout().hint;
+  ASSERT_FALSE(hint.empty());
+  EXPECT_GT(picture().part(hint.x, hint.y, hint.w, hint.h).count(rgb(style.palette().dimText)), 50);
+  EXPECT_LE(style.textWidth(kCommandLineHint), hint.w) << "in the least window";
+}
+
 TEST_F(WelcomeViewTest, CoversItsWholeRect) {
   setCards(3);
   EXPECT_EQ(picture().count(rgb(test::kNothingDrawn)), 0);
