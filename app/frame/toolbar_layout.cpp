@@ -11,7 +11,7 @@ namespace {
 // Logical pixels.
 constexpr double kToolRowPadding = 8;
 constexpr double kTextPadding = 20;  // of a button around its text, both sides together
-/// Tells the way to the folder in focus from the buttons.
+/// Tells the way to the folder in focus from the buttons on its two sides.
 constexpr double kBreadcrumbGap = 12;
 
 // Device pixels: gaps that stay as thin on large screens.
@@ -89,8 +89,9 @@ ToolbarLayout layOutToolbar(const ToolbarState& state, const ui::Rect& bar, int 
   if (!shown) return layout;
 
   const ui::Rect measures = layout.place(Action::OpenMeasureMenu);
-  const int left = measures.x + measures.w + ui::scaled(kBreadcrumbGap, scale);
-  layout.breadcrumb = lane.at(left, std::max(menuLeft - kToolbarGap - left, 0));
+  const int gap = ui::scaled(kBreadcrumbGap, scale);
+  const int left = measures.x + measures.w + gap;
+  layout.breadcrumb = lane.at(left, std::max(menuLeft - gap - left, 0));
   if (!layout.breadcrumb.empty()) {
     layout.segments = breadcrumb(*state.tree, state.focus, layout.breadcrumb.w, measureText);
   }

@@ -52,7 +52,7 @@ TEST(ToolbarLayout, PutsItsPartsFromLeftToRightSixPixelsApart) {
   EXPECT_EQ(layout.place(Action::GoOut), (Rect{170, 6, 26, 22}));
   EXPECT_EQ(layout.place(Action::OpenMeasureMenu), (Rect{202, 6, 170, 22}))
       << "\"Current size  ▾\"";
-  EXPECT_EQ(layout.breadcrumb, (Rect{372 + 12, 6, 966 - 6 - 384, 22}));
+  EXPECT_EQ(layout.breadcrumb, (Rect{372 + 12, 6, 966 - 12 - 384, 22}));
   EXPECT_TRUE(layout.place(Action::StopScan).empty());
 }
 
@@ -95,6 +95,8 @@ TEST(ToolbarLayout, ScalesItsPaddings) {
   EXPECT_EQ(bar.layOut(2).place(Action::LeaveScan).w, 50 + 40);
   const Rect measures = bar.layOut(2).place(Action::OpenMeasureMenu);
   EXPECT_EQ(bar.layOut(2).breadcrumb.x, measures.x + measures.w + 24);
+  const Rect menu = bar.layOut(2).place(Action::OpenApplicationMenu);
+  EXPECT_EQ(bar.layOut(2).breadcrumb.x + bar.layOut(2).breadcrumb.w, menu.x - 24);
 }
 
 TEST(MeasureName, IsTheOneInTheSelectorAndItsMenu) {

@@ -399,7 +399,6 @@ TEST_F(ToolbarTest, GivesNoFolderUpForItsFigures) {
   const auto segments = bar.layout().segments;
   const ui::Rect last = segment(1);
   const std::string all = "1.20 GB · 12,345 items";
-  // The breadcrumb ends 40 before the bar: the padding, the menu's button and a gap.
   const int rest = 900 - (bar.layout().breadcrumb.x + bar.layout().breadcrumb.w);
   const auto shownWith = [&](int room) {
     bar.setRect({0, 0, last.x + last.w + 12 + room + rest, 36});
