@@ -23,8 +23,6 @@ constexpr int kMargin = 8;
 // At a row height of 22.
 constexpr double kFilesWidth = 70;
 constexpr double kSizeWidth = 90;
-/// A dozen letters, which tell one kind from another.
-constexpr double kLeastKindWidth = 88;
 constexpr double kUsualRowHeight = 22;
 
 ui::Rect withRow(const ui::Rect& column, const ui::Rect& row) {
@@ -35,26 +33,15 @@ ui::Rect withRow(const ui::Rect& column, const ui::Rect& row) {
 
 KindColumns kindColumns(int left, int right, int rowHeight) {
   const double scale = rowHeight / kUsualRowHeight;
-  const auto scaled = [scale](double width) {
-    return static_cast<int>(std::lround(width * scale));
-  };
+  const int filesWidth = static_cast<int>(std::lround(kFilesWidth * scale));
+  const int sizeWidth = static_cast<int>(std::lround(kSizeWidth * scale));
+  const int filesX = right - filesWidth - kMargin;
+  const int sizeX = filesX - sizeWidth;
   const int nameX = left + kTableNamePlace;
-  const int leastEnd = nameX + scaled(kLeastKindWidth) + kMargin;
-  KindColumns columns{left + kTableSwatchPlace, {}, {right, 0, 0, 0}, {right, 0, 0, 0}};
-  int end = right - kMargin;
-  const auto take = [&](int width) -> ui::Rect { return {end - width, 0, width, 0}; };
-  const int files = scaled(kFilesWidth);
-  const int size = scaled(kSizeWidth) - kMargin;
-  if (end - files - kMargin - size >= leastEnd) {
-    columns.files = take(files);
-    end -= files + kMargin;
-  }
-  if (end - size >= leastEnd) {
-    columns.size = take(size);
-    end -= size + kMargin;
-  }
-  columns.name = {nameX, 0, std::max(end - nameX, 0), 0};
-  return columns;
+  return {left + kTableSwatchPlace,
+          {nameX, 0, sizeX - nameX - kMargin, 0},
+          {sizeX, 0, sizeWidth - kMargin, 0},
+          {filesX, 0, filesWidth, 0}};
 }
 
 // What is shown.
@@ -169,7 +156,7 @@ std::optional<std::size_t> KindsTable::find(std::optional<sizewalk::KindIndex> k
 void KindsTable::press(const ui::MouseEvent& event) {
   if (event.button != ui::kPrimaryButton || !rect().contains(event.x, event.y)) return;
   if (event.y < view().y) {
-    sortBy(sort_.afterPress(columnAt(event.x)));
+    pressHeader(event.x);
   } else if (const auto row = rowAt(event.x, event.y)) {
     current_ = rows_[*row].kind;
     toggle(*row);
@@ -178,10 +165,12 @@ void KindsTable::press(const ui::MouseEvent& event) {
   }
 }
 
-KindColumn KindsTable::columnAt(int x) const {
+void KindsTable::pressHeader(int x) {
   const KindColumns places = columns();
-  if (places.files.w > 0 && x >= places.files.x) return KindColumn::Files;
-  return places.size.w > 0 && x >= places.size.x ? KindColumn::Size : KindColumn::Kind;
+  const KindColumn column = x < places.size.x    ? KindColumn::Kind
+                            : x < places.files.x ? KindColumn::Size
+                                                 : KindColumn::Files;
+  sortBy(sort_.afterPress(column));
 }
 
 // Keys.

@@ -19,14 +19,13 @@ namespace app {
 /// Where the columns of the kinds table are, in device pixels of the window.
 struct KindColumns {
   int swatchX = 0;
-  /// All are 0 high; a row or the header takes its own height. One that is not shown is 0 wide.
+  /// All are 0 high; a row or the header takes its own height.
   ui::Rect name;
   ui::Rect size;
   ui::Rect files;
 };
 
-/// The columns of a table that reaches from `left` to `right`, its scroll bar not included. Where
-/// names would not be readable the files give way, then the size.
+/// The columns of a table that reaches from `left` to `right`, its scroll bar not included.
 KindColumns kindColumns(int left, int right, int rowHeight);
 
 /// The table of file kinds: a header that sorts, and a row for each kind with its colour, name,
@@ -78,7 +77,7 @@ class KindsTable : public ui::RowList {
   std::optional<std::size_t> find(std::optional<sizewalk::KindIndex> kind) const;
   /// Which row `setRows` leaves where it is on the screen.
   std::optional<std::size_t> rowToKeep() const;
-  KindColumn columnAt(int x) const;
+  void pressHeader(int x);
   void sortBy(const KindSort& sort);
   void select(std::optional<sizewalk::KindIndex> kind);
   void toggle(std::size_t row);

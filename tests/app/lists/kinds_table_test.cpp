@@ -30,32 +30,11 @@ TEST(KindColumns, StandAtTheRightButForTheName) {
 }
 
 TEST(KindColumns, GrowWithTheRowHeight) {
-  const KindColumns columns = kindColumns(0, 600, 44);
-  EXPECT_EQ(columns.files, (ui::Rect{600 - 140 - 8, 0, 140, 0}));
-  EXPECT_EQ(columns.size, (ui::Rect{452 - 180, 0, 172, 0}));
+  const KindColumns columns = kindColumns(0, 500, 44);
+  EXPECT_EQ(columns.files, (ui::Rect{500 - 140 - 8, 0, 140, 0}));
+  EXPECT_EQ(columns.size, (ui::Rect{352 - 180, 0, 172, 0}));
   EXPECT_EQ(columns.swatchX, 8);
   EXPECT_EQ(kindColumns(0, 500, 23).files.w, 73) << "rounded";
-}
-
-TEST(KindColumns, GiveUpNumbersWhereNamesWouldNotBeReadable) {
-  const KindColumns three = kindColumns(0, 288, 22);
-  EXPECT_EQ(three.name, (ui::Rect{24, 0, 88, 0}));
-  EXPECT_FALSE(three.files.w == 0);
-  const KindColumns two = kindColumns(0, 287, 22);
-  EXPECT_EQ(two.files, (ui::Rect{287, 0, 0, 0}));
-  EXPECT_EQ(two.size, (ui::Rect{287 - 8 - 82, 0, 82, 0}));
-  EXPECT_EQ(two.name, (ui::Rect{24, 0, 197 - 24 - 8, 0}));
-  EXPECT_GT(kindColumns(0, 220 - 10, 22).size.w, 0) << "as narrow as its divider makes it";
-  const KindColumns one = kindColumns(0, 209, 22);
-  EXPECT_EQ(one.size, (ui::Rect{209, 0, 0, 0}));
-  EXPECT_EQ(one.name, (ui::Rect{24, 0, 209 - 24 - 8, 0}));
-}
-
-TEST(KindColumns, LeaveNamesRoomInTheNarrowestPaneAtEveryScale) {
-  for (const auto& [width, rowHeight] : {std::pair{165, 17}, {220, 22}, {440, 44}, {880, 88}}) {
-    EXPECT_GE(kindColumns(0, width - 10, rowHeight).name.w, rowHeight * 4) << width;
-    EXPECT_GT(kindColumns(0, width * 300 / 220 - 10, rowHeight).size.w, 0) << width;
-  }
 }
 
 /// A table of the kinds 10, 20 and 30, the last of them largest and the first of most files, on a
@@ -297,30 +276,6 @@ TEST_F(KindsTableTest, SortsByTheHeaderThatIsPressed) {
   EXPECT_EQ(table_.sort(), (KindSort{KindColumn::Kind, true}));
   EXPECT_EQ(changes_, 4);
   EXPECT_TRUE(selections_.empty());
-}
-
-TEST_F(KindsTableTest, SortsByNoColumnThatGaveWay) {
-  table_.setRect({20, 10, 220, 6 * h_});
-  fillUp();
-  ASSERT_EQ(table_.columns().files.w, 0);
-  pressHeader(238);
-  EXPECT_EQ(table_.sort(), (KindSort{KindColumn::Size, true})) << "over the bar";
-  table_.setRect({20, 10, 180, 6 * h_});
-  ASSERT_EQ(table_.columns().size.w, 0);
-  pressHeader(198);
-  EXPECT_EQ(table_.sort(), (KindSort{KindColumn::Kind, true}));
-}
-
-TEST_F(KindsTableTest, DrawsNothingOfColumnsThatGaveWay) {
-  table_.setRect({20, 10, 220, 6 * h_});
-  const KindColumns columns = table_.columns();
-  ASSERT_EQ(columns.files.w, 0);
-  const test::Picture picture = painted();
-  EXPECT_GT(ink(picture, cell(columns.size, 0)), 0);
-  EXPECT_GT(ink(picture, cell(columns.name, 0)), 0);
-  const ui::Rect row = table_.rowRect(0);
-  EXPECT_EQ(ink(picture, {240 - 8, row.y, 8, row.h}), 0);
-  EXPECT_EQ(picture.count(0x010203), kWidth * kHeight - 220 * 6 * h_);
 }
 
 TEST_F(KindsTableTest, KeepsItsOrderAndSelectionOverNewResults) {
