@@ -24,6 +24,8 @@ constexpr int kLeastFill = 3;
 constexpr int kButtonExtraWidth = 20;
 constexpr int kWelcomeButtonExtraHeight = 6;
 
+constexpr int kShareOfRoomAbove = 3;
+
 /// Whether used / total is above 0.9, without rounding: sizes may be beyond what a double holds.
 bool isNearlyFull(const VolumeFigures& figures) {
   if (figures.used <= 0) return false;
@@ -42,12 +44,21 @@ class WelcomeBuilder {
     placeHint();
     // In a view too low for both, the button stays.
     if (below > layout_.button.y) layout_.icon = layout_.heading = layout_.note = {};
+    const bool allSeen = layout_.cardsHeight == layout_.cardsView.h;
+    if (allSeen && !layout_.hint.empty())
+      moveDown((limit() - end(layout_.hint)) / kShareOfRoomAbove);
     return layout_;
   }
 
  private:
   int scaled(double logical) const { return ui::scaled(logical, request_.scale); }
-  int bottom() const { return view_.y + view_.h; }
+  int limit() const { return view_.y + view_.h - padding_; }
+  static int end(const ui::Rect& part) { return part.y + part.h; }
+  /// A width in the middle of the view, where there is so much room.
+  ui::Rect centred(int width, int y, int height) const {
+    const int fits = std::clamp(width, 0, std::max(view_.w, 0));
+    return {view_.x + (view_.w - fits) / 2, y, fits, height};
+  }
   int buttonHeight() const { return request_.lineHeight + kWelcomeButtonExtraHeight; }
 
   void setColumns() {
@@ -57,7 +68,9 @@ class WelcomeBuilder {
     } else {
       layout_.cardWidth = std::max(view_.w - 2 * padding_, 0);  // no room for two of any width
     }
-    const int grid = layout_.columns * (layout_.cardWidth + padding_) - padding_;
+    const auto columns = static_cast<std::size_t>(layout_.columns);
+    const auto used = static_cast<int>(std::clamp(request_.cards, std::size_t{1}, columns));
+    const int grid = used * (layout_.cardWidth + padding_) - padding_;
     left_ = view_.x + (view_.w - grid) / 2;
   }
 
@@ -67,9 +80,12 @@ class WelcomeBuilder {
     const int top = view_.y + padding_;
     const int texts = request_.headingHeight + scaled(kLineGap) + request_.lineHeight;
     const int height = std::max(icon, texts);
-    layout_.icon = {left_, top + (height - icon) / 2, icon, icon};
-    const int x = left_ + icon + scaled(kIconGap);
-    const int width = std::max(view_.x + view_.w - padding_ - x, 0);
+    const int gap = icon + scaled(kIconGap);
+    const int wanted = gap + std::max(request_.headingTextWidth, request_.noteTextWidth);
+    const ui::Rect block = centred(std::min(wanted, view_.w - 2 * padding_), top, height);
+    layout_.icon = {block.x, top + (height - icon) / 2, icon, icon};
+    const int x = block.x + gap;
+    const int width = std::max(block.w - gap, 0);
     const int y = top + (height - texts) / 2;
     layout_.heading = {x, y, width, request_.headingHeight};
     layout_.note = {x, y + texts - request_.lineHeight, width, request_.lineHeight};
@@ -80,13 +96,13 @@ class WelcomeBuilder {
   int placeCards(int top) {
     const int height = 2 * (scaled(kCardPadding) + request_.lineHeight) + scaled(kLineGap) +
                        scaled(kTrackGap) + kTrackHeight;
-    const int limit = bottom() - 2 * padding_ - buttonHeight();
+    const int lowest = limit() - padding_ - buttonHeight();
     int below = top - padding_;
     layout_.rowStep = height + padding_;
     if (layout_.cardWidth < 1) return below;
     for (int y = top; layout_.cards.size() < request_.cards; y += layout_.rowStep) {
       placeRow({left_, y, layout_.cardWidth, height});
-      if (y + height <= limit) below = y + height;
+      if (y + height <= lowest) below = y + height;
       layout_.cardsHeight = y + height - top;
     }
     if (below < top) layout_.cards.clear();  // no room for a row
@@ -115,23 +131,34 @@ class WelcomeBuilder {
   }
 
   void placeButton(int below) {
-    const int lowest = std::max(bottom() - padding_ - buttonHeight(), view_.y);
-    const int width = std::min(request_.buttonTextWidth + kButtonExtraWidth, std::max(view_.w, 0));
-    const int x = std::clamp(left_, view_.x, view_.x + std::max(view_.w - width, 0));
-    layout_.button = {x, std::min(below + padding_, lowest), width, buttonHeight()};
+    const int lowest = std::max(limit() - buttonHeight(), view_.y);
+    layout_.button = centred(request_.buttonTextWidth + kButtonExtraWidth,
+                             std::min(below + padding_, lowest), buttonHeight());
   }
 
   void placeHint() {
-    const int y = layout_.button.y + layout_.button.h + scaled(kHintGap);
-    if (y + request_.lineHeight > bottom() - padding_) return;
-    const int width = std::max(view_.x + view_.w - padding_ - layout_.button.x, 0);
-    layout_.hint = {layout_.button.x, y, width, request_.lineHeight};
+    const int y = end(layout_.button) + scaled(kHintGap);
+    if (y + request_.lineHeight > limit()) return;
+    const int width = std::min(request_.hintTextWidth, view_.w - 2 * padding_);
+    layout_.hint = centred(width, y, request_.lineHeight);
+  }
+
+  void moveDown(int distance) {
+    for (ui::Rect* part : {&layout_.icon, &layout_.heading, &layout_.note, &layout_.cardsView,
+                           &layout_.button, &layout_.hint}) {
+      part->y += distance;
+    }
+    for (CardPlaces& card : layout_.cards) {
+      for (ui::Rect* part : {&card.card, &card.name, &card.figures, &card.track}) {
+        part->y += distance;
+      }
+    }
   }
 
   const WelcomeRequest& request_;
   const ui::Rect view_;
   const int padding_;
-  /// Of the grid.
+  /// Of the cards.
   int left_ = 0;
   WelcomeLayout layout_;
 };

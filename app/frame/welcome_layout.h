@@ -66,8 +66,11 @@ struct WelcomeRequest {
   /// Of the body font and of the heading's.
   int lineHeight = 0;
   int headingHeight = 0;
-  /// Of `kChooseFolderText` in the body font.
+  /// Of `kWelcomeHeading` in the heading's font, and of the others in the body font.
+  int headingTextWidth = 0;
+  int noteTextWidth = 0;
   int buttonTextWidth = 0;
+  int hintTextWidth = 0;
   std::size_t cards = 0;
 };
 
@@ -79,7 +82,9 @@ struct CardPlaces {
   ui::Rect track;
 };
 
-/// Where the parts of the welcome view are. A part without room is empty.
+/// Where the parts of the welcome view are. A part without room is empty. All stand on one axis,
+/// the middle of the view, and where all cards are seen with room to spare, twice as much of that
+/// is below them as above.
 struct WelcomeLayout {
   ui::Rect icon;
   ui::Rect heading;

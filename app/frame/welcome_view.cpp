@@ -82,7 +82,10 @@ void WelcomeView::layOutCards() {
                            .scale = style_.scale(),
                            .lineHeight = style_.lineHeight(),
                            .headingHeight = style_.heading().height,
+                           .headingTextWidth = style_.textWidth(kWelcomeHeading, style_.heading()),
+                           .noteTextWidth = style_.textWidth(kWelcomeNote),
                            .buttonTextWidth = style_.textWidth(kChooseFolderText),
+                           .hintTextWidth = style_.textWidth(kCommandLineHint),
                            .cards = cards_.size()});
   scroller_.setView(layout_.cardsView);
   scroller_.setContentHeight(layout_.cardsHeight);

@@ -20,7 +20,10 @@ WelcomeRequest request(int width, int height, std::size_t cards, double scale = 
           .scale = scale,
           .lineHeight = static_cast<int>(kLine * scale),
           .headingHeight = static_cast<int>(24 * scale),
+          .headingTextWidth = static_cast<int>(400 * scale),
+          .noteTextWidth = static_cast<int>(300 * scale),
           .buttonTextWidth = static_cast<int>(110 * scale),
+          .hintTextWidth = static_cast<int>(250 * scale),
           .cards = cards};
 }
 
@@ -93,16 +96,19 @@ TEST(WelcomeLayout, CentresTheGrid) {
 TEST(WelcomeLayout, PlacesCardsRowByRow) {
   const WelcomeLayout layout = layOutWelcome(request(640, 420, 3));
   ASSERT_EQ(layout.cards.size(), 3u);
-  EXPECT_EQ(layout.cards[0].card, (Rect{32, kCardsTop, 280, kCardHeight}));
-  EXPECT_EQ(layout.cards[1].card, (Rect{32 + 280 + 16, kCardsTop, 280, kCardHeight}));
-  EXPECT_EQ(layout.cards[2].card, (Rect{32, kCardsTop + kCardHeight + 16, 280, kCardHeight}));
+  const int top = layout.cardsView.y;
+  EXPECT_EQ(layout.cards[0].card, (Rect{32, top, 280, kCardHeight}));
+  EXPECT_EQ(layout.cards[1].card, (Rect{32 + 280 + 16, top, 280, kCardHeight}));
+  EXPECT_EQ(layout.cards[2].card, (Rect{32, top + kCardHeight + 16, 280, kCardHeight}));
 }
 
 TEST(WelcomeLayout, PutsItsLinesAndItsBarIntoTheCard) {
   const CardPlaces places = layOutWelcome(request(640, 420, 1)).cards.at(0);
-  EXPECT_EQ(places.name, (Rect{44, kCardsTop + 12, 256, kLine}));
-  EXPECT_EQ(places.figures, (Rect{44, kCardsTop + 12 + kLine + 2, 256, kLine}));
-  EXPECT_EQ(places.track, (Rect{44, kCardsTop + kCardHeight - 12 - 6, 256, 6}));
+  const auto& [x, y, width, height] = places.card;
+  EXPECT_EQ(width, 280);
+  EXPECT_EQ(places.name, (Rect{x + 12, y + 12, 256, kLine}));
+  EXPECT_EQ(places.figures, (Rect{x + 12, y + 12 + kLine + 2, 256, kLine}));
+  EXPECT_EQ(places.track, (Rect{x + 12, y + kCardHeight - 12 - 6, 256, 6}));
 }
 
 TEST(WelcomeLayout, KeepsTheBarSixPixelsHighAtEveryScale) {
@@ -147,8 +153,11 @@ TEST(WelcomeLayout, MovesWithItsView) {
 
 TEST(WelcomeLayout, PutsTheHeadingBesideTheIcon) {
   const WelcomeLayout layout = layOutWelcome(request(640, 420, 1));
-  EXPECT_EQ(layout.icon, (Rect{32, 16, 44, 44}));
-  EXPECT_EQ(layout.heading.x, 32 + 44 + 12);
+  EXPECT_EQ(layout.icon.x, (640 - 44 - 12 - 400) / 2);
+  EXPECT_EQ(layout.icon.w, 44);
+  EXPECT_EQ(layout.icon.h, 44);
+  EXPECT_EQ(layout.heading.x, layout.icon.x + 44 + 12);
+  EXPECT_EQ(layout.heading.w, 400);
   EXPECT_EQ(layout.note.x, layout.heading.x);
   EXPECT_EQ(layout.note.y, layout.heading.y + layout.heading.h + 2);
   EXPECT_EQ(layout.heading.y - layout.icon.y,
@@ -165,7 +174,8 @@ TEST(WelcomeLayout, ScalesTheIconAndItsGap) {
 
 TEST(WelcomeLayout, PutsTheButtonBelowTheCards) {
   const WelcomeLayout layout = layOutWelcome(request(640, 420, 1));
-  EXPECT_EQ(layout.button, (Rect{32, kCardsTop + kCardHeight + 16, 130, kButtonHeight}));
+  EXPECT_EQ(layout.button,
+            (Rect{(640 - 130) / 2, layout.cardsView.y + kCardHeight + 16, 130, kButtonHeight}));
 }
 
 TEST(WelcomeLayout, WidensTheButtonByTwentyAtEveryScale) {
@@ -174,7 +184,37 @@ TEST(WelcomeLayout, WidensTheButtonByTwentyAtEveryScale) {
 }
 
 TEST(WelcomeLayout, PutsTheButtonBelowTheHeadingWithoutCards) {
-  EXPECT_EQ(layOutWelcome(request(640, 420, 0)).button.y, kCardsTop);
+  const WelcomeLayout layout = layOutWelcome(request(640, 420, 0));
+  EXPECT_EQ(layout.button.y, layout.icon.y + 44 + 16);
+}
+
+/// By how much a part stands off the middle of a view, in half pixels.
+int offMiddle(int left, int right, int width) { return left + right - width; }
+
+TEST(WelcomeLayout, StandsOnOneAxis) {
+  for (int width = 500; width < 2400; width += 7) {
+    for (const std::size_t cards : {0u, 1u, 2u, 3u}) {
+      const WelcomeLayout layout = layOutWelcome(request(width, 700, cards));
+      for (const Rect& part : {layout.button, layout.hint}) {
+        EXPECT_NEAR(offMiddle(part.x, part.x + part.w, width), 0, 1) << width;
+      }
+      const Rect& heading = layout.heading;
+      EXPECT_NEAR(offMiddle(layout.icon.x, heading.x + heading.w, width), 0, 1) << width;
+      if (cards == 0 || cards > static_cast<std::size_t>(layout.columns)) continue;
+      const Rect& last = layout.cards.back().card;
+      EXPECT_NEAR(offMiddle(layout.cards[0].card.x, last.x + last.w, width), 0, 1) << width;
+    }
+  }
+}
+
+TEST(WelcomeLayout, LeavesTwiceAsMuchRoomBelowAsAbove) {
+  for (int height = 300; height < 2000; height += 11) {
+    const WelcomeLayout layout = layOutWelcome(request(1000, height, 2));
+    const int above = layout.icon.y - 16;
+    const int below = height - 16 - (layout.hint.y + layout.hint.h);
+    EXPECT_NEAR(below, 2 * above, 2) << height;
+  }
+  EXPECT_EQ(layOutWelcome(request(640, 420, 50)).icon.y, 16) << "cards that are scrolled to";
 }
 
 bool within(const Rect& inner, const Rect& outer) { return ui::intersect(inner, outer) == inner; }
@@ -210,7 +250,6 @@ TEST(WelcomeLayout, HasALineUnderTheButtonWhereCardsLeaveRoom) {
           request(ui::scaled(640, scale), ui::scaled(height, scale), cards, scale));
     };
     const WelcomeLayout roomy = layOut(420, 1);
-    EXPECT_EQ(roomy.hint.x, roomy.button.x);
     EXPECT_EQ(roomy.hint.y, roomy.button.y + roomy.button.h + ui::scaled(8, scale));
     EXPECT_FALSE(roomy.hint.empty());
     for (int height = 0; height < 500; ++height) {

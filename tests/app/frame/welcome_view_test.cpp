@@ -280,7 +280,7 @@ TEST_F(WelcomeViewTest, TakesNoPressAtOnceOnACardInThePlaceOfAnother) {
   setCards(2);
   const ui::Rect place = places().card;
   view.motion(at(place, 0));
-  view.setCards({card("/1")});
+  view.setCards({card("/1"), card("/2")});
   view.prepare();
   click(place);
   EXPECT_TRUE(taken().empty()) << "meant for the volume that is gone";
@@ -296,7 +296,7 @@ TEST_F(WelcomeViewTest, TakesAPressOnACardThatThePointerMovedOnTo) {
   setCards(2);
   const ui::Rect place = places().card;
   view.motion(at(place, 0));
-  view.setCards({card("/1")});
+  view.setCards({card("/1"), card("/2")});
   view.motion({.x = 1, .y = 1});
   view.motion(at(place, 0));
   click(place);
