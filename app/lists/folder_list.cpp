@@ -14,6 +14,11 @@ namespace app {
 using sizewalk::kRootNode;
 using sizewalk::NodeId;
 
+namespace {
+/// In logical pixels, how far a hand moves the pointer with a press without meaning to.
+constexpr double kHandSlack = 4;
+}  // namespace
+
 FolderList::FolderList(const ui::Style& style, const KindColours* colours, Selection& selection)
     : ui::RowList(style), colours_(colours), selection_(selection) {}
 
@@ -28,10 +33,11 @@ void FolderList::show(const sizewalk::FileTree* tree) {
   if (count() > 0) cursor_.setCurrent(kRootNode);
   pending_.reset();
   pressed_.reset();
-  seenAt_.reset();
-  held_.reset();
+  hold_.restart(style().scaled(kHandSlack));
   orderWaits_ = orderDue_ = false;
   returning_ = {};
+  takenOver_ = false;
+  top_.reset();
   changed();
 }
 
@@ -73,7 +79,8 @@ bool FolderList::showsOthers(const std::vector<FolderRow>& rows) const {
 }
 
 std::optional<std::size_t> FolderList::heldRow() const {
-  return held_ ? rowAt(held_->x, held_->y) : std::nullopt;
+  const auto& place = hold_.place();
+  return place ? rowAt(place->x, place->y) : std::nullopt;
 }
 
 // Where the user was in a scan that is made again.
@@ -93,6 +100,7 @@ ListPlace FolderList::place() const {
 void FolderList::beginReturn() {
   rows_.closeAll();
   returning_ = {.openRows = true, .currentRow = true, .scroll = true};
+  takenOver_ = false;
   top_.reset();
 }
 
@@ -116,10 +124,22 @@ void FolderList::changeRows(const std::function<void()>& change) {
     countRows();
   });
   if (!currentRow()) cursor_.setCurrent(count() > 0 ? std::optional(kRootNode) : std::nullopt);
-  if (returning_.scroll && top_ && !heldRow()) {
-    if (const auto top = rows_.find(*top_)) putAt(*top, topAt_);
-  }
+  goHome();
   changed();
+}
+
+void FolderList::takeOver() {
+  returning_.scroll = false;
+  takenOver_ = true;
+}
+
+void FolderList::goHome() {
+  if (takenOver_ || heldRow()) return;
+  if (top_) {
+    if (const auto top = rows_.find(*top_)) putAt(*top, topAt_);
+  } else if (!returning_.scroll) {
+    scrollToTop();
+  }
 }
 
 /// Of the rows that the user may be looking at, the first that will still be there.
@@ -142,7 +162,8 @@ void FolderList::revealNode(NodeId node) {
   });
   if (!row) return;
   cursor_.setCurrent(node);
-  returning_.currentRow = returning_.scroll = false;
+  returning_.currentRow = false;
+  takeOver();
   // What is shown without having been picked begins no range.
   if (selection_.contains(node)) cursor_.setAnchor(node);
   scrollToRow(*row);
@@ -211,35 +232,27 @@ std::optional<std::size_t> FolderList::parentRow(std::size_t row) const {
 // The pointer.
 
 void FolderList::motion(const ui::MouseEvent& event) {
-  covered_ = false;
-  const Pointer now{event.x, event.y};
-  const bool moved = held_ || (seenAt_ && *seenAt_ != now);
-  seenAt_ = now;
   const auto before = heldRow();
   ui::RowList::motion(event);
   const auto row = hoveredRow();
-  if (moved && row) {
-    held_ = now;
-  } else {
-    held_.reset();
-  }
+  hold_.motion({event.x, event.y}, row.has_value());
   if (row != before) endWait();
 }
 
 void FolderList::leave() {
   ui::RowList::leave();
-  if (!covered_) letGoOfRow();
+  if (hold_.leave()) letGoOfRow();
 }
 
 void FolderList::pointerSeen(int x, int y) {
-  if (rect().contains(x, y)) return;
-  seenAt_ = Pointer{x, y};
-  if (std::exchange(covered_, false)) letGoOfRow();
+  if (!rect().contains(x, y) && hold_.seenElsewhere()) letGoOfRow();
 }
 
 void FolderList::letGoOfRow() {
-  held_.reset();
   endWait();
+  const int offset = scrollOffset();
+  goHome();
+  if (scrollOffset() != offset) changed();
 }
 
 void FolderList::endWait() {
@@ -249,7 +262,8 @@ void FolderList::endWait() {
 }
 
 void FolderList::press(const ui::MouseEvent& event) {
-  returning_.currentRow = returning_.scroll = false;
+  returning_.currentRow = false;
+  takeOver();
   const std::optional<NodeId> pressedBefore = std::exchange(pressed_, std::nullopt);
   cursor_.forgetTyped();
   if (pressBar(event)) return;
@@ -305,7 +319,7 @@ void FolderList::pressSecondary(std::size_t row, const ui::MouseEvent& event) {
 }
 
 void FolderList::wheel(const ui::MouseEvent& event, int dy) {
-  returning_.scroll = false;
+  takeOver();
   scrollIfDue();
   ui::RowList::wheel(event, dy);
   endWait();
@@ -314,13 +328,13 @@ void FolderList::wheel(const ui::MouseEvent& event, int dy) {
 // Opening and selecting.
 
 void FolderList::openRow(std::size_t row) {
-  returning_.scroll = false;
+  takeOver();
   rows_.open(row);
   countRows();
 }
 
 void FolderList::closeRow(std::size_t row) {
-  returning_.scroll = false;
+  takeOver();
   const NodeId node = nodeAt(row);
   rows_.close(row);
   countRows();
@@ -383,7 +397,8 @@ bool FolderList::keyWithCtrl(const ui::KeyEvent& event, std::size_t row) {
 
 void FolderList::moveTo(std::size_t row, bool extend) {
   const NodeId node = nodeAt(row);
-  returning_.currentRow = returning_.scroll = false;
+  returning_.currentRow = false;
+  takeOver();
   if (extend) {
     selectRangeTo(row);
   } else {

@@ -8,6 +8,7 @@
 
 #include "app/lists/folder_row_painting.h"
 #include "app/lists/folder_rows.h"
+#include "app/lists/pointer_hold.h"
 #include "app/model/commands.h"
 #include "app/model/kind_colours.h"
 #include "app/model/measure.h"
@@ -50,9 +51,11 @@ class FolderList : public ui::RowList {
   void setMeasure(const MeasureSettings& measure);
   /// Looks at the tree anew, after it has grown or something was taken out or put back. Of the rows
   /// that remain, the one under the pointer stays where it is on the screen, once the pointer has
-  /// moved in the list; else the current row, a selected one or the topmost, the first of them in
-  /// view. Where the list cannot scroll so far the order of the rows waits until the pointer is on
-  /// another row, the wheel turns or a key is used; while the tree grows so do new rows.
+  /// moved in the list; else the list goes back to its top, or to where it returns to, until the
+  /// user has acted in it; from then on the current row, a selected one or the topmost stays, the
+  /// first of them in view. Where the list cannot scroll so far the order of the rows waits until
+  /// the pointer is on another row, the wheel turns or a key is used; while the tree grows so do
+  /// new rows.
   void refresh();
   /// Whether a walk adds to the tree. At first none does.
   void setGrowing(bool growing) { growing_ = growing; }
@@ -74,7 +77,7 @@ class FolderList : public ui::RowList {
   const Returning& returning() const { return returning_; }
 
   /// Something covers the list: the row that was under the pointer stays in its place meanwhile.
-  void cover() { covered_ = true; }
+  void cover() { hold_.cover(); }
   /// The pointer is there, in the list or elsewhere. Without this the list does not know whether
   /// the pointer has moved into it or was there when it was shown.
   void pointerSeen(int x, int y) override;
@@ -134,6 +137,10 @@ class FolderList : public ui::RowList {
   std::optional<std::size_t> rowToKeep() const;
   void countRows() { setCount(rows_.rows().size()); }
   void scrollIfDue();
+  /// What is in view is up to the user from now on.
+  void takeOver();
+  /// Until then it is as it was shown, but while a row is held.
+  void goHome();
 
   void pressRow(std::size_t row, const ui::MouseEvent& event);
   void pressSecondary(std::size_t row, const ui::MouseEvent& event);
@@ -160,23 +167,15 @@ class FolderList : public ui::RowList {
   ui::ListCursor<sizewalk::NodeId> cursor_;
   /// Whose row is to be brought into view.
   std::optional<sizewalk::NodeId> pending_;
-  /// Where the pointer was seen last, if it was since the tree is shown.
-  struct Pointer {
-    int x;
-    int y;
-    friend bool operator==(const Pointer&, const Pointer&) = default;
-  };
-  std::optional<Pointer> seenAt_;
-  /// It has moved, and is on this place of the rows.
-  std::optional<Pointer> held_;
-  bool covered_ = false;
+  PointerHold hold_;
   /// The rows are not in the order that the tree has by now.
   bool orderWaits_ = false;
   /// They wait no more, whichever row is held.
   bool orderDue_ = false;
   bool growing_ = false;
   Returning returning_;
-  /// While it returns to a scroll position: a row and its place in view.
+  bool takenOver_ = false;
+  /// Until it is taken over: a row and its place in view; without one the list's top.
   std::optional<sizewalk::NodeId> top_;
   std::int64_t topAt_ = 0;
   /// What the last press picked by itself: only a second press on the same is a double one, since

@@ -64,7 +64,7 @@ struct ListOnServer : test::WindowOnServer {
   }
   /// Has the pointer come to a row from elsewhere in the list.
   void moveOnto(std::size_t row) {
-    list_.motion({.x = 99, .y = rowY(row)});
+    list_.motion({.x = 50, .y = rowY(row)});
     list_.motion({.x = 100, .y = rowY(row)});
   }
   bool key(unsigned long keysym, bool shift = false, bool ctrl = false) {
