@@ -564,8 +564,8 @@ TEST_F(ScanScreenTest, TellsOfTheCurrentRowAfterAKeyThatIsACommand) {
   EXPECT_FALSE(key(ui::key::kBackSpace)) << "the window goes out then";
   screen_.focus().goOut();
   screen_.prepare();
-  EXPECT_EQ(list().current(), kRootNode);
-  EXPECT_EQ(right().find("song.mp3"), std::string::npos);
+  ASSERT_EQ(list().current(), kRootNode);
+  EXPECT_EQ(right(), "/r");
 }
 
 }  // namespace

@@ -176,6 +176,42 @@ TEST_F(FolderListTest, ScrollsToTheRowThatAKeyMovesTo) {
   EXPECT_EQ(list_.scrollOffset(), 0);
 }
 
+/// The current row is big, and far above what is in view.
+class FarFolderListTest : public FolderListTest {
+ protected:
+  FarFolderListTest() {
+    fillEmpty(50);
+    list_.revealNode(tree_.children(empty_).first);
+    list_.revealNode(big_);
+    list_.prepare();
+    list_.wheel({}, 5);
+  }
+  bool inView() const {
+    const ui::Rect row = list_.rowRect(list_.rows().find(big_).value());
+    return row.y >= place_.y && row.y + row.h <= place_.y + place_.h;
+  }
+};
+
+TEST_F(FarFolderListTest, ScrollsToTheRowThatAKeyOpensOrCloses) {
+  ASSERT_FALSE(inView());
+  key(ui::key::kRight);
+  list_.prepare();
+  EXPECT_TRUE(inView());
+  list_.wheel({}, 5);
+  ASSERT_FALSE(inView());
+  key(ui::key::kLeft);
+  list_.prepare();
+  EXPECT_TRUE(inView());
+}
+
+TEST_F(FarFolderListTest, ScrollsToTheRowThatAKeyAsksTheContextMenuOf) {
+  ASSERT_FALSE(inView());
+  key(ui::key::kMenu);
+  EXPECT_TRUE(inView());
+  ASSERT_EQ(menus_.size(), 1u);
+  EXPECT_TRUE(place_.contains(menus_[0].x, menus_[0].y - 1));
+}
+
 TEST_F(FolderListTest, ExtendsTheSelectionWithShift) {
   press(2);
   key(ui::key::kDown, true);

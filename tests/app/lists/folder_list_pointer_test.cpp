@@ -264,12 +264,16 @@ TEST_F(FolderListPointerTest, HasNewRowsWaitOnlyWhileTheTreeGrows) {
 
 TEST_F(FolderListPointerTest, TakesKeysWhenTheCurrentRowIsNotShownYet) {
   list_.setGrowing(true);
-  moveOnto(2);
   list_.beginReturn();
-  growEmpty();
+  list_.returnTo({.open = {kRootNode}, .current = {}, .top = {}, .topAt = 0});
+  list_.refresh();
+  moveOnto(2);
+  fillEmpty(1, 1000);
   const NodeId inside = tree_.children(empty_).first;
   list_.returnTo({.open = {kRootNode, empty_}, .current = inside, .top = {}, .topAt = 0});
   list_.refresh();
+  ASSERT_EQ(names(), kBefore) << "the new rows wait";
+  ASSERT_EQ(list_.current(), inside);
   EXPECT_TRUE(key(ui::key::kUp));
   EXPECT_EQ(list_.current(), empty_);
 }
