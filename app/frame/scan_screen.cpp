@@ -260,6 +260,7 @@ bool ScanScreen::bringUpToDate() {
   if (looked || drawn) colours_ = picture_.shownColours();
   if (looked || drawn) map_.refresh();
   if (selected || looked) addUpSelection();
+  list_.setMapFocus(focus_.current());
   updateToolbar();
   updateStatus();
   Screen::bringUpToDate();
@@ -308,7 +309,7 @@ void ScanScreen::focusChanged() {
   picture_.show(tree_, focus_.current());
   if (!comingBack_) {
     place_.giveUp(RememberedPlace::Part::Focus);
-    list_.revealNode(focus_.current());
+    list_.revealFolder(focus_.current());
   }
   map_.hideCard();
   changed();

@@ -17,6 +17,8 @@ using sizewalk::NodeId;
 namespace {
 /// In logical pixels, how far a hand moves the pointer with a press without meaning to.
 constexpr double kHandSlack = 4;
+/// Enough to see what kind of things a folder holds.
+constexpr std::size_t kRowsToSee = 5;
 }  // namespace
 
 FolderList::FolderList(const ui::Style& style, const KindColours* colours, Selection& selection)
@@ -31,6 +33,7 @@ void FolderList::show(const sizewalk::FileTree* tree) {
   scrollToTop();
   cursor_.reset();
   if (count() > 0) cursor_.setCurrent(kRootNode);
+  mapFocus_.reset();
   pending_.reset();
   pressed_.reset();
   hold_.restart(style().scaled(kHandSlack));
@@ -45,6 +48,12 @@ void FolderList::setMeasure(const MeasureSettings& measure) {
   if (measure_ == measure) return;
   measure_ = measure;
   changeRows([&] { rows_.setMeasure(measure); });
+}
+
+void FolderList::setMapFocus(NodeId folder) {
+  if (mapFocus_ == folder) return;
+  mapFocus_ = folder;
+  changed();
 }
 
 void FolderList::refresh() {
@@ -169,8 +178,23 @@ void FolderList::revealNode(NodeId node) {
   scrollToRow(*row);
 }
 
+void FolderList::revealFolder(NodeId folder) {
+  revealNode(folder);
+  pendingContent_ = pending_ == folder;
+}
+
 void FolderList::scrollToRow(std::size_t row) {
-  if (row < count()) pending_ = nodeAt(row);
+  if (row >= count()) return;
+  pending_ = nodeAt(row);
+  pendingContent_ = false;
+}
+
+std::size_t FolderList::rowsToSeeBelow(std::size_t row) const {
+  const auto below = rows_.rows().subspan(row + 1);
+  const auto end = std::ranges::find_if(
+      below.first(std::min(below.size(), kRowsToSee)),
+      [depth = rows_.rows()[row].depth](const FolderRow& next) { return next.depth <= depth; });
+  return static_cast<std::size_t>(end - below.begin());
 }
 
 std::ptrdiff_t FolderList::pendingRow() const {
@@ -187,7 +211,7 @@ bool FolderList::bringUpToDate() {
 void FolderList::scrollIfDue() {
   if (!pending_ || rect().empty()) return;
   const auto row = rows_.find(*std::exchange(pending_, std::nullopt));
-  if (row) reveal(*row);
+  if (row) reveal(*row, pendingContent_ ? rowsToSeeBelow(*row) : 0);
 }
 
 // Drawing.
@@ -201,7 +225,12 @@ void FolderList::paintRow(ui::Canvas& canvas, std::size_t row, const ui::Rect& /
   const NodeId node = nodeAt(row);
   const std::string name = displayName(tree_->name(node));
   const std::string size = formatSize(measureValue(*tree_, node, measure_));
-  FolderRowLook look = {rows_.rows()[row], std::nullopt, name, size, isSelected(row)};
+  FolderRowLook look = {.row = rows_.rows()[row],
+                        .swatch = {},
+                        .name = name,
+                        .size = size,
+                        .selected = isSelected(row),
+                        .inFocus = node == mapFocus_};
   if (colours_) look.swatch = ui::kOpaque | colours_->colourForKind(tree_->kind(node));
   paintFolderRow(canvas, style(), placesOf(row), look);
 }

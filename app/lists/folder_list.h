@@ -57,6 +57,8 @@ class FolderList : public ui::RowList {
   /// the pointer is on another row, the wheel turns or a key is used; while the tree grows so do
   /// new rows.
   void refresh();
+  /// The folder that the map shows: its row carries a mark.
+  void setMapFocus(sizewalk::NodeId folder);
   /// Whether a walk adds to the tree. At first none does.
   void setGrowing(bool growing) { growing_ = growing; }
 
@@ -85,6 +87,9 @@ class FolderList : public ui::RowList {
   /// Opens the way to `node`, makes its row the current one and scrolls there with the next
   /// `prepare`. Does nothing when the tree does not lead to it.
   void revealNode(sizewalk::NodeId node);
+  /// The same with a folder that the user goes to: where its row is open, the first few below it
+  /// are brought into view as well.
+  void revealFolder(sizewalk::NodeId folder);
   /// Has the next `prepare` bring a row into view.
   void scrollToRow(std::size_t row);
 
@@ -137,6 +142,8 @@ class FolderList : public ui::RowList {
   std::optional<std::size_t> rowToKeep() const;
   void countRows() { setCount(rows_.rows().size()); }
   void scrollIfDue();
+  /// How many of the rows that follow an open folder's are to be seen with it.
+  std::size_t rowsToSeeBelow(std::size_t row) const;
   /// What is in view is up to the user from now on.
   void takeOver();
   /// Until then it is as it was shown, but while a row is held.
@@ -165,8 +172,11 @@ class FolderList : public ui::RowList {
   MeasureSettings measure_;
   FolderRows rows_;
   ui::ListCursor<sizewalk::NodeId> cursor_;
-  /// Whose row is to be brought into view.
+  /// Nothing while it is not known.
+  std::optional<sizewalk::NodeId> mapFocus_;
+  /// Whose row is to be brought into view, and whether with some of what is in it.
   std::optional<sizewalk::NodeId> pending_;
+  bool pendingContent_ = false;
   PointerHold hold_;
   /// The rows are not in the order that the tree has by now.
   bool orderWaits_ = false;

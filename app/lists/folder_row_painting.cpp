@@ -11,6 +11,8 @@ namespace {
 // Logical pixels.
 constexpr double kIndent = 16;
 constexpr double kSizeColumnWidth = 80;
+constexpr double kMarkWidth = 3;
+constexpr double kMarkLine = 1;
 
 // Device pixels.
 constexpr int kLeftMargin = 6;
@@ -39,6 +41,14 @@ void paintClosedTriangle(ui::Canvas& canvas, const FolderRowPlaces& places, ui::
   }
 }
 
+/// On a selected row, whose ground has its colour, a line sets it apart.
+void paintMark(ui::Canvas& canvas, const ui::Style& style, const ui::Rect& mark, bool selected) {
+  canvas.fillRect(mark, style.palette().accent);
+  if (!selected) return;
+  const ui::Rect line = {mark.x + mark.w, mark.y, style.scaled(kMarkLine), mark.h};
+  canvas.fillRect(line, style.palette().accentText);
+}
+
 }  // namespace
 
 bool FolderRowPlaces::isOnTriangle(int x) const { return x >= x0 - kLeftMargin && x < swatch.x; }
@@ -53,6 +63,7 @@ FolderRowPlaces folderRowPlaces(const ui::Style& style, const ui::Rect& row, std
   const int sizeWidth = sizeColumn - kSizeMargin;
   return {x0,
           mid,
+          {row.x, row.y, style.scaled(kMarkWidth), row.h},
           {x0 + kSwatchPlace, mid - kSwatchSize / 2, kSwatchSize, kSwatchSize},
           {nameX, row.y, nameWidth, row.h},
           {right - sizeWidth, row.y, sizeWidth, row.h}};
@@ -63,6 +74,7 @@ void paintFolderRow(ui::Canvas& canvas, const ui::Style& style, const FolderRowP
   const ui::Palette& palette = style.palette();
   const ui::Colour nameColour = look.selected ? palette.accentText : palette.text;
   const ui::Colour restColour = look.selected ? palette.accentText : palette.dimText;
+  if (look.inFocus) paintMark(canvas, style, places.mark, look.selected);
   if (look.row.expandable) {
     const auto paintTriangle = look.row.expanded ? paintOpenTriangle : paintClosedTriangle;
     paintTriangle(canvas, places, restColour);

@@ -17,6 +17,8 @@ struct FolderRowPlaces {
   /// Left edge of the triangle, and the middle of the row's height.
   int x0;
   int mid;
+  /// At the left edge of the list.
+  ui::Rect mark;
   ui::Rect swatch;
   ui::Rect name;
   ui::Rect size;
@@ -36,6 +38,8 @@ struct FolderRowLook {
   std::string_view name;
   std::string_view size;
   bool selected = false;
+  /// The map shows that folder: the row carries a mark.
+  bool inFocus = false;
 };
 
 void paintFolderRow(ui::Canvas& canvas, const ui::Style& style, const FolderRowPlaces& places,

@@ -22,9 +22,11 @@ void RowList::scrollToTop() {
   scroller_.scrollTo(0);
 }
 
-void RowList::reveal(std::size_t row) {
+void RowList::reveal(std::size_t row, std::size_t below) {
   const std::int64_t top = std::min<std::int64_t>(rowTop(row, rowHeight_), kMostContentHeight);
-  scroller_.reveal(static_cast<int>(top), rowHeight_);
+  const auto room = static_cast<std::size_t>(std::max(1, view().h / rowHeight_));
+  scroller_.reveal(static_cast<int>(top),
+                   static_cast<int>(std::min(below + 1, room)) * rowHeight_);
 }
 
 std::int64_t RowList::placeInView(std::size_t row) const {

@@ -75,8 +75,9 @@ class RowList : public View {
   void setCount(std::size_t count);
   /// Shows the first row at the top, and lets go of the bar.
   void scrollToTop();
-  /// Scrolls no further than needed to have all of a row seen.
-  void reveal(std::size_t row);
+  /// Scrolls no further than needed to have all of a row seen, and as many of the `below` rows that
+  /// follow it as there is room for.
+  void reveal(std::size_t row, std::size_t below = 0);
   /// Has `change` set other rows, around `kept`, which stays where it is on the screen as far as
   /// the list can scroll. `keyAt(row)` names a row, and `find(key)` finds it among the others.
   template <typename KeyAt, typename Find, typename Change>
