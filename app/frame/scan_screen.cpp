@@ -348,16 +348,24 @@ void ScanScreen::addUpSelection() {
   }
 }
 
-std::string ScanScreen::statusRight() const {
-  if (selection_.size() > 1) {
-    return selectionText(static_cast<std::int64_t>(selection_.size()), selectedSize_);
-  }
+StatusNote ScanScreen::statusRight() const {
   const auto node = lookedAt();
-  return node ? itemText(*tree_, *node) : std::string();
+  const auto kind = kinds_.selectedKind();
+  const std::string item = node ? itemText(*tree_, *node) : std::string();
+  const std::string highlighted = kind ? kindRowName(*kind) : std::string();
+  return statusNote({.typed = list_.typed(),
+                     .selected = static_cast<std::int64_t>(selection_.size()),
+                     .selectedBytes = selectedSize_,
+                     .item = item,
+                     .highlighted = highlighted});
 }
 
+/// The item that was used last. Keys that are used on a highlighted kind are used on none.
 std::optional<NodeId> ScanScreen::lookedAt() const {
-  if (keyed_) return list_.current();
+  if (keyed_) {
+    const bool onKind = keyboardOwner() == &kinds_ && kinds_.selectedKind();
+    return onKind ? std::nullopt : list_.current();
+  }
   const auto onMap = map_.hovered();
   return onMap ? onMap : list_.hovered();
 }
@@ -389,11 +397,25 @@ bool ScanScreen::dismiss() {
   return highlighted;
 }
 
+void ScanScreen::press(const ui::MouseEvent& event) {
+  pointerUsed();
+  Screen::press(event);
+}
+
+void ScanScreen::wheel(const ui::MouseEvent& event, int dy) {
+  pointerUsed();
+  Screen::wheel(event, dy);
+}
+
+void ScanScreen::pointerUsed() {
+  if (std::exchange(keyed_, false)) changed();
+}
+
 void ScanScreen::motion(const ui::MouseEvent& event) {
   Screen::motion(event);
   // What lay over the screen and is gone tells of a pointer that has not moved.
   const std::pair now(event.x, event.y);
-  if (pointer_ != now) keyed_ = false;
+  if (pointer_ != now) pointerUsed();
   pointer_ = now;
 }
 

@@ -94,7 +94,9 @@ class ScanScreen : public Screen {
   /// Letters that the view with the keyboard has no use for go to the list; Escape takes back a
   /// drag of a divider, else a card, then the highlight of a kind.
   bool key(const ui::KeyEvent& event) override;
+  void press(const ui::MouseEvent& event) override;
   void motion(const ui::MouseEvent& event) override;
+  void wheel(const ui::MouseEvent& event, int dy) override;
   void leave() override;
   void releasePointer() override;
   void tick(std::int64_t nowMs) override;
@@ -148,8 +150,9 @@ class ScanScreen : public Screen {
   void updateToolbar();
   void updateStatus();
   void addUpSelection();
-  std::string statusRight() const;
+  StatusNote statusRight() const;
   std::optional<sizewalk::NodeId> lookedAt() const;
+  void pointerUsed();
   void activate(sizewalk::NodeId node);
 
   const ui::Style& style_;
@@ -180,7 +183,7 @@ class ScanScreen : public Screen {
   Divider kindsDivider_;
   PendingPanel pending_;
   StatusLine statusLine_;
-  /// Where the pointer was seen last, and whether a key was pressed since it came there: then the
+  /// Where the pointer was seen last, and whether a key was used since the pointer was: then the
   /// status line tells of the current row.
   std::optional<std::pair<int, int>> pointer_;
   bool keyed_ = false;

@@ -17,7 +17,7 @@ constexpr double kLeastRightWidth = 48;
 
 }  // namespace
 
-StatusLayout layOutStatus(const std::string& left, const std::string& right, const ui::Rect& bar,
+StatusLayout layOutStatus(const std::string& left, const StatusNote& right, const ui::Rect& bar,
                           double scale, const ui::MeasureText& measure) {
   const int padding = ui::scaled(kPadding, scale);
   const ui::Rect room = {bar.x + padding, bar.y, std::max(bar.w - 2 * padding, 0), bar.h};
@@ -29,16 +29,18 @@ StatusLayout layOutStatus(const std::string& left, const std::string& right, con
     taken = width + ui::scaled(kPathGap, scale);
   }
   const int free = room.w - taken;
-  const int wanted = right.empty() ? 0 : measure(right);
+  const int wanted = right.text.empty() ? 0 : measure(right.text);
   if (wanted == 0 || (wanted > free && free < ui::scaled(kLeastRightWidth, scale))) return layout;
-  layout.rightText = ui::shortenedAtStart(right, free, measure);
+  const auto shortened =
+      right.cut == StatusNote::Cut::Start ? ui::shortenedAtStart : ui::shortenedAtEnd;
+  layout.rightText = shortened(right.text, free, measure);
   const int width = measure(layout.rightText);
   layout.right = {room.x + room.w - width, room.y, width, room.h};
   return layout;
 }
 
-void StatusLine::setTexts(const std::string& left, const std::string& right) {
-  const std::string readable = displayName(right);
+void StatusLine::setTexts(const std::string& left, const StatusNote& right) {
+  const StatusNote readable = {displayName(right.text), right.cut};
   if (left_ == left && right_ == readable) return;
   left_ = left;
   right_ = readable;

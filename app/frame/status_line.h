@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "app/frame/status_text.h"
 #include "ui/canvas.h"
 #include "ui/geometry.h"
 #include "ui/text_fit.h"
@@ -15,29 +16,29 @@ namespace app {
 struct StatusLayout {
   ui::Rect left;
   ui::Rect right;
-  /// The right text as far as it has room, shortened at its start: of a path the end says most.
+  /// The right text as far as it has room.
   std::string rightText;
 };
 
 /// Lays `left` and `right` out into `bar`. `measure` gives a text's width.
-StatusLayout layOutStatus(const std::string& left, const std::string& right, const ui::Rect& bar,
+StatusLayout layOutStatus(const std::string& left, const StatusNote& right, const ui::Rect& bar,
                           double scale, const ui::MeasureText& measure);
 
-/// The line at the bottom of the window: the scan's figures at the left, at the right what is under
-/// the pointer or selected. Window thread only.
+/// The line at the bottom of the window: the scan's figures at the left, at the right what the user
+/// is about. Window thread only.
 class StatusLine : public ui::View {
  public:
   /// `style` outlives the line.
   explicit StatusLine(const ui::Style& style) : style_(style) {}
 
   /// `right` may be a path as the file system has it: bytes that are no text are made readable.
-  void setTexts(const std::string& left, const std::string& right);
+  void setTexts(const std::string& left, const StatusNote& right);
 
   void paint(ui::Canvas& canvas) const override;
   const StatusLayout& layout() const { return layout_; }
   const std::string& left() const { return left_; }
   /// In full, and readable.
-  const std::string& right() const { return right_; }
+  const std::string& right() const { return right_.text; }
 
  protected:
   void layOut() override;
@@ -45,7 +46,7 @@ class StatusLine : public ui::View {
  private:
   const ui::Style& style_;
   std::string left_;
-  std::string right_;
+  StatusNote right_;
   StatusLayout layout_;
 };
 

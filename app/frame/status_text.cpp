@@ -45,4 +45,15 @@ std::string selectionText(std::int64_t items, std::int64_t bytes) {
   return formatCount(items) + " selected · " + formatSize(bytes);
 }
 
+StatusNote statusNote(const StatusTopics& topics) {
+  using enum StatusNote::Cut;
+  if (!topics.typed.empty()) return {"Typed: " + std::string(topics.typed), Start};
+  if (topics.selected > 1) return {selectionText(topics.selected, topics.selectedBytes), End};
+  if (!topics.item.empty()) return {std::string(topics.item), Start};
+  if (!topics.highlighted.empty()) {
+    return {"Only " + std::string(topics.highlighted) + "; Escape ends it", End};
+  }
+  return {};
+}
+
 }  // namespace app

@@ -294,7 +294,7 @@ void FolderList::press(const ui::MouseEvent& event) {
   returning_.currentRow = false;
   takeOver();
   const std::optional<NodeId> pressedBefore = std::exchange(pressed_, std::nullopt);
-  cursor_.forgetTyped();
+  forgetTyped();
   if (pressBar(event)) return;
   const auto row = rowAt(event.x, event.y);
   // The row under the pointer may be pressed twice.
@@ -402,7 +402,7 @@ bool FolderList::key(const ui::KeyEvent& event) {
   if (!row) return false;
   if (typeAhead(event, *row)) return true;
   const bool handled = event.ctrl ? keyWithCtrl(event, *row) : keyOnRow(event, *row);
-  if (handled) cursor_.forgetTyped();
+  if (handled) forgetTyped();
   return handled;
 }
 
@@ -500,7 +500,17 @@ bool FolderList::typeAhead(const ui::KeyEvent& event, std::size_t row) {
   const auto nameAt = [this](std::size_t at) { return tree_->name(nodeAt(at)); };
   const auto search = cursor_.type(event, count(), row, nameAt);
   if (search.row) moveTo(*search.row, false);
+  if (search.taken) changed();
   return search.taken;
+}
+
+void FolderList::forgetTyped() {
+  if (!typed().empty()) changed();
+  cursor_.forgetTyped();
+}
+
+void FolderList::tick(std::int64_t nowMs) {
+  if (cursor_.forgetOldTyped(nowMs)) changed();
 }
 
 }  // namespace app

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 #include "app/lists/folder_row_painting.h"
@@ -103,12 +104,15 @@ class FolderList : public ui::RowList {
   /// Of the keys those alone that search for a name, and those that ask for the context menu: what
   /// the list takes while another view has the keyboard.
   bool keyFromElsewhere(const ui::KeyEvent& event);
+  void tick(std::int64_t nowMs) override;
 
   const FolderRows& rows() const { return rows_; }
   /// The item of the row under the pointer.
   std::optional<sizewalk::NodeId> hovered() const;
   /// Nothing while there are no rows.
   std::optional<sizewalk::NodeId> current() const { return cursor_.current(); }
+  /// What is typed to search for a name; empty while no search runs.
+  std::string_view typed() const { return cursor_.typed(); }
   /// The row that `scrollToRow` asked for; -1 when none is due.
   std::ptrdiff_t pendingRow() const;
 
@@ -165,6 +169,7 @@ class FolderList : public ui::RowList {
   void goLeft(std::size_t row, bool extend);
   bool askForMenu(const ui::KeyEvent& event, std::size_t row);
   bool typeAhead(const ui::KeyEvent& event, std::size_t row);
+  void forgetTyped();
 
   const KindColours* colours_;
   Selection& selection_;

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "ui/input.h"
 #include "ui/keys.h"
@@ -52,6 +54,10 @@ class ListCursor {
   Search type(const KeyEvent& event, std::size_t count, std::optional<std::size_t> row,
               NameAt nameAt);
   void forgetTyped() { typeAhead_.forget(); }
+  /// As time goes by. True when something was forgotten.
+  bool forgetOldTyped(std::int64_t nowMs) { return typeAhead_.forgetOld(nowMs); }
+  /// What was typed to search for a name, as long as the search runs.
+  std::string_view typed() const { return typeAhead_.typed(); }
 
  private:
   std::optional<Key> current_;

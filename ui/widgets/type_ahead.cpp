@@ -50,6 +50,12 @@ bool TypeAhead::takeBack(std::int64_t nowMs) {
   return true;
 }
 
+bool TypeAhead::forgetOld(std::int64_t nowMs) {
+  if (!lastMs_ || goesOn(nowMs)) return false;
+  forget();
+  return !typed_.empty();
+}
+
 bool TypeAhead::matches(std::string_view name) const {
   std::string_view typed = typed_;
   while (const auto wanted = base::firstCharacter(typed)) {

@@ -24,6 +24,11 @@ class TypeAhead {
   /// which all was taken back does so as long as any other, so that a key too many does no harm.
   bool takeBack(std::int64_t nowMs);
   void forget() { lastMs_.reset(); }
+  /// Forgets what was typed more than a second before `nowMs`. True when something was.
+  bool forgetOld(std::int64_t nowMs);
+
+  /// Empty while no search runs.
+  std::string_view typed() const { return lastMs_ ? typed_ : std::string_view(); }
 
   /// True when `name`, which may be any bytes, begins with what was typed.
   bool matches(std::string_view name) const;

@@ -19,7 +19,7 @@ int tenForEach(std::string_view text) {
 constexpr Rect kBar = {0, 700, 500, 24};
 
 StatusLayout layOut(const std::string& left, const std::string& right, const Rect& bar = kBar) {
-  return layOutStatus(left, right, bar, 1, tenForEach);
+  return layOutStatus(left, {right}, bar, 1, tenForEach);
 }
 
 TEST(StatusLayout, PutsATextAtEachEnd) {
@@ -34,6 +34,12 @@ TEST(StatusLayout, ShortensTheRightTextAtItsStart) {
   const StatusLayout layout = layOut(std::string(30, 'l'), "/home/u/Pictures/");
   EXPECT_EQ(layout.rightText, "…ome/u/Pictures/");
   EXPECT_EQ(layout.right, (Rect{332, 700, 160, 24}));
+}
+
+TEST(StatusLayout, ShortensWhatIsNoPathAtItsEnd) {
+  const StatusNote note = {"Only PNG image; Escape ends it", StatusNote::Cut::End};
+  const StatusLayout layout = layOutStatus(std::string(30, 'l'), note, kBar, 1, tenForEach);
+  EXPECT_EQ(layout.rightText, "Only PNG image;…");
 }
 
 TEST(StatusLayout, FitsTheRightTextToThePixel) {
@@ -80,7 +86,7 @@ TEST(StatusLayout, HoldsNothingWithoutTexts) {
 }
 
 TEST(StatusLayout, ScalesItsPaddings) {
-  const StatusLayout layout = layOutStatus("left", "right", kBar, 2, tenForEach);
+  const StatusLayout layout = layOutStatus("left", {"right"}, kBar, 2, tenForEach);
   EXPECT_EQ(layout.left.x, 16);
   EXPECT_EQ(layout.right.x + layout.right.w, 500 - 16);
 }

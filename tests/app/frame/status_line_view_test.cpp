@@ -39,7 +39,7 @@ TEST_F(StatusLineTest, FillsItsRectUnderALineInTheBorderColour) {
 
 TEST_F(StatusLineTest, DrawsBothTexts) {
   line.setRect(kStatusPlace);
-  line.setTexts("1.20 GB in 12,345 items", "/home/u");
+  line.setTexts("1.20 GB in 12,345 items", {"/home/u"});
   const test::Picture shown = picture();
   int left = 0;
   int right = 0;
@@ -55,14 +55,14 @@ TEST_F(StatusLineTest, DrawsBothTexts) {
 TEST_F(StatusLineTest, SaysWhetherItChanged) {
   EXPECT_TRUE(changedBy([&] { line.setRect(kStatusPlace); }));
   EXPECT_FALSE(changedBy([&] { line.setRect(kStatusPlace); }));
-  EXPECT_TRUE(changedBy([&] { line.setTexts("left", "right"); }));
-  EXPECT_FALSE(changedBy([&] { line.setTexts("left", "right"); }));
-  EXPECT_TRUE(changedBy([&] { line.setTexts("left", "other"); }));
+  EXPECT_TRUE(changedBy([&] { line.setTexts("left", {"right"}); }));
+  EXPECT_FALSE(changedBy([&] { line.setTexts("left", {"right"}); }));
+  EXPECT_TRUE(changedBy([&] { line.setTexts("left", {"other"}); }));
 }
 
 TEST_F(StatusLineTest, MakesAPathOfBrokenBytesReadable) {
   line.setRect(kStatusPlace);
-  line.setTexts("", "/caf\xe9");
+  line.setTexts("", {"/caf\xe9"});
   EXPECT_EQ(line.layout().rightText, "/caf\\351");
 }
 

@@ -60,5 +60,37 @@ TEST(StatusText, EndsAStoppedScanThatMissedNothingWithTheTime) {
   EXPECT_EQ(statusText(status), "1.20 GB in 12,345 items  ·  0.31s  ·  stopped");
 }
 
+// What it is about.
+
+constexpr StatusTopics kAllTopics = {.typed = "abc",
+                                     .selected = 3,
+                                     .selectedBytes = 1'200'000'000,
+                                     .item = "/home/u",
+                                     .highlighted = "PNG image"};
+
+TEST(StatusNote, TellsOfWhatComesFirstOfAllThatThereIs) {
+  StatusTopics topics = kAllTopics;
+  EXPECT_EQ(statusNote(topics).text, "Typed: abc");
+  topics.typed = {};
+  EXPECT_EQ(statusNote(topics).text, "3 selected · 1.20 GB");
+  topics.selected = 1;
+  EXPECT_EQ(statusNote(topics).text, "/home/u") << "one item is not several";
+  topics.item = {};
+  EXPECT_EQ(statusNote(topics).text, "Only PNG image; Escape ends it");
+  topics.highlighted = {};
+  EXPECT_EQ(statusNote(topics).text, "");
+}
+
+TEST(StatusNote, LosesWhatSaysLeast) {
+  StatusTopics topics = kAllTopics;
+  EXPECT_EQ(statusNote(topics).cut, StatusNote::Cut::Start) << "the last letters count";
+  topics.typed = {};
+  EXPECT_EQ(statusNote(topics).cut, StatusNote::Cut::End);
+  topics.selected = 0;
+  EXPECT_EQ(statusNote(topics).cut, StatusNote::Cut::Start);
+  topics.item = {};
+  EXPECT_EQ(statusNote(topics).cut, StatusNote::Cut::End);
+}
+
 }  // namespace
 }  // namespace app

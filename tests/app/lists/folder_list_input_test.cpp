@@ -274,6 +274,23 @@ TEST_F(FolderListTest, TakesBackWhatWasTypedByBackspace) {
   EXPECT_FALSE(key(ui::key::kBackSpace));
 }
 
+TEST_F(FolderListTest, AsksForAFrameWhenWhatIsTypedIsAnother) {
+  const auto changedBy = [&](const auto& act) {
+    changes_ = 0;
+    act();
+    return changes_ > 0;
+  };
+  EXPECT_TRUE(changedBy([&] { type("q"); })) << "which no name begins with";
+  EXPECT_EQ(list_.typed(), "q");
+  EXPECT_FALSE(changedBy([&] { list_.tick(now_ + 999); }));
+  EXPECT_TRUE(changedBy([&] { list_.tick(now_ + 1000); }));
+  EXPECT_EQ(list_.typed(), "");
+  type("q");
+  EXPECT_TRUE(changedBy([&] { list_.press({.x = place_.x, .y = place_.y, .button = 2}); }));
+  EXPECT_EQ(list_.typed(), "");
+  EXPECT_FALSE(changedBy([&] { list_.press({.x = place_.x, .y = place_.y, .button = 2}); }));
+}
+
 TEST_F(FolderListTest, BeginsAnotherSearchAfterAnotherKey) {
   type("s");
   key(ui::key::kHome);

@@ -46,6 +46,28 @@ TEST(TypeAhead, ForgetsAfterASecond) {
   EXPECT_TRUE(search.type("d", 3000));
 }
 
+TEST(TypeAhead, TellsWhatIsTypedUntilItIsForgotten) {
+  TypeAhead search;
+  EXPECT_EQ(search.typed(), "");
+  EXPECT_FALSE(search.forgetOld(5000));
+  search.type("a", 1000);
+  search.type("é", 1500);
+  EXPECT_EQ(search.typed(), "aé");
+  EXPECT_FALSE(search.forgetOld(2499));
+  EXPECT_EQ(search.typed(), "aé");
+  EXPECT_TRUE(search.forgetOld(2500));
+  EXPECT_EQ(search.typed(), "");
+  EXPECT_FALSE(search.forgetOld(2600)) << "once";
+}
+
+TEST(TypeAhead, TellsNothingWhenAllWasTakenBack) {
+  TypeAhead search;
+  search.type("a", 1000);
+  EXPECT_TRUE(search.takeBack(1100));
+  EXPECT_EQ(search.typed(), "");
+  EXPECT_FALSE(search.forgetOld(3000)) << "nothing looks different";
+}
+
 TEST(TypeAhead, TakesABlankOnlyWithinASearch) {
   TypeAhead search;
   EXPECT_FALSE(search.accepts(" ", 0));
