@@ -82,7 +82,7 @@ void paintButton(Canvas& canvas, const Button& button, const Font& font, const P
   const int ring = focusRingWidth(scale);
   const Colour fill = buttonFill(button, palette);
   const Colour border = isAccented(button) ? fill : palette.border;
-  if (!button.focused) {
+  if (!button.focused || !canvas.showsRings()) {
     fillOutlined(canvas, button.rect, radius, 1, border, fill);
   } else if (isAccented(button)) {
     // The ring has the button's own colour here: a line between the two tells them apart.

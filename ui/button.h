@@ -57,7 +57,7 @@ struct Button {
   ButtonKind kind = ButtonKind::Plain;
   bool hovered = false;
   bool pressed = false;
-  /// Has the keyboard: shows a ring.
+  /// Has the keyboard: shows a ring where the canvas shows rings.
   bool focused = false;
   bool disabled = false;
 };

@@ -35,6 +35,10 @@ class Canvas {
   /// Undoes the last `pushClip`; harmless on an empty stack.
   void popClip();
 
+  /// Whether a ring is seen round what has the keyboard, as it is at first. Whoever draws one asks.
+  bool showsRings() const { return showsRings_; }
+  void setShowsRings(bool shows) { showsRings_ = shows; }
+
   /// Fills `rect`; a translucent colour blends over what is there.
   void fillRect(const Rect& rect, Colour colour);
   /// An outline one pixel wide, just inside `rect`. Its corners are filled twice, which shows with
@@ -58,6 +62,7 @@ class Canvas {
   Connection& connection_;
   const PaintTarget& target_;
   std::vector<Rect> clips_;
+  bool showsRings_ = true;
 };
 
 /// The rectangles that make up `rect` with corners of `radius`, no two of them overlapping: three

@@ -318,7 +318,7 @@ void AboutDialog::paintLink(ui::Canvas& canvas, std::size_t number) const {
   const ui::Palette& palette = style().palette();
   const auto control = static_cast<int>(number);
   const ui::Rect rect = linkRect(number);
-  if (focusedControl() == control) {
+  if (focusedControl() == control && canvas.showsRings()) {
     ui::fillOutlined(canvas, grown(rect, style().scaled(kRingPadding)), style().scaled(kRingRadius),
                      ui::focusRingWidth(style().scale()), palette.accent, palette.window);
   }

@@ -56,7 +56,7 @@ void PlacesColumn::paintGround(ui::Canvas& canvas, std::size_t row, const ui::Re
   const bool shown = places_[row].path == shownPath_;
   const bool highlighted = shown || hoveredRow() == row;
   const ui::Colour fill = shown ? palette.pressed : highlighted ? palette.raised : palette.window;
-  if (focused() && isCurrent(row)) {
+  if (focused() && canvas.showsRings() && isCurrent(row)) {
     ui::fillOutlined(canvas, place, radius, ui::focusRingWidth(style().scale()), palette.accent,
                      fill);
   } else if (highlighted) {

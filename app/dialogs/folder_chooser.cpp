@@ -267,9 +267,9 @@ void FolderChooser::paintPath(ui::Canvas& canvas) const {
 
 void FolderChooser::paintList(ui::Canvas& canvas) const {
   const ui::Palette& palette = style().palette();
-  const bool hasKeyboard = listColumn_.focused();
-  ui::fillOutlined(canvas, listFrame_, 0, hasKeyboard ? ui::focusRingWidth(style().scale()) : 1,
-                   hasKeyboard ? palette.accent : palette.border, palette.base);
+  const bool ringed = listColumn_.focused() && canvas.showsRings();
+  ui::fillOutlined(canvas, listFrame_, 0, ringed ? ui::focusRingWidth(style().scale()) : 1,
+                   ringed ? palette.accent : palette.border, palette.base);
   listColumn_.paint(canvas);
   canvas.pushClip(listColumn_.view());
   ui::drawText(canvas, listColumn_.view(), message(), style().body(), palette.dimText,

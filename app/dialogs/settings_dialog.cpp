@@ -240,7 +240,7 @@ void SettingsDialog::paintRowGround(ui::Canvas& canvas, std::size_t row) const {
   const auto control = static_cast<int>(row);
   const bool hovered = presses().hovered(control);
   const int radius = style().scaled(kRowRadius);
-  if (focusedControl() == control) {
+  if (focusedControl() == control && canvas.showsRings()) {
     ui::fillOutlined(canvas, rowRect(row), radius, ui::focusRingWidth(style().scale()),
                      palette.accent, hovered ? palette.raised : palette.window);
   } else if (hovered) {

@@ -257,11 +257,11 @@ void WelcomeView::paintCard(ui::Canvas& canvas, int number) const {
   const CardPlaces& places = placesOf(number);
   const VolumeCard& card = cards_[static_cast<std::size_t>(number)];
   const ui::Palette& palette = style_.palette();
-  const bool focused = focusedControl_ == number;
+  const bool ringed = focusedControl_ == number && canvas.showsRings();
   const ui::Colour fill = hovered(controlOf(number)) ? palette.pressed : palette.raised;
   ui::fillOutlined(canvas, cardRect(number), kCardRadius,
-                   focused ? ui::focusRingWidth(style_.scale()) : 1,
-                   focused ? palette.accent : palette.border, fill);
+                   ringed ? ui::focusRingWidth(style_.scale()) : 1,
+                   ringed ? palette.accent : palette.border, fill);
   ui::drawText(canvas, shown(places.name), displayName(card.name), style_.body(), palette.text);
   ui::drawText(canvas, shown(places.figures), figuresText(card), style_.body(), palette.dimText);
   paintBar(canvas, card, shown(places.track));

@@ -304,7 +304,7 @@ void TreemapView::paint(ui::Canvas& canvas) const {
   paintSpaceLabels(canvas);
   notice_.paint(canvas);
   paintHovered(canvas);
-  if (focused()) paintRing(canvas);
+  if (focused() && canvas.showsRings()) paintRing(canvas);
   canvas.popClip();
 }
 

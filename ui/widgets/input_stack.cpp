@@ -3,7 +3,19 @@
 #include <algorithm>
 #include <utility>
 
+#include "ui/keys.h"
+
 namespace ui {
+
+namespace {
+
+/// Tab and the keys that go to another row or control.
+bool isForMoving(key::Keysym keysym) {
+  const key::Keysym plain = key::plain(keysym);
+  return plain == key::kTab || (plain >= key::kHome && plain <= key::kEnd);
+}
+
+}  // namespace
 
 View* InputStack::top() const { return over_.empty() ? screen_ : over_.back().get(); }
 
@@ -63,6 +75,7 @@ bool InputStack::prepare() {
 }
 
 void InputStack::paint(Canvas& canvas) const {
+  canvas.setShowsRings(keyboardUsed_);
   if (screen_) screen_->paint(canvas);
   for (const auto& overlay : over_) overlay->paint(canvas);
 }
@@ -75,6 +88,7 @@ void InputStack::tick(std::int64_t nowMs) {
 // The pointer.
 
 void InputStack::press(const MouseEvent& event) {
+  useKeyboard(false);
   View* const target = top();
   const std::uint64_t serial = target->serial();
   const bool menu = !over_.empty() && over_.back()->isMenu();
@@ -127,7 +141,12 @@ void InputStack::updatePointer() {
 
 // The keys.
 
+void InputStack::useKeyboard(bool used) {
+  if (std::exchange(keyboardUsed_, used) != used) changed();
+}
+
 bool InputStack::key(const KeyEvent& event) {
+  if (isForMoving(event.keysym)) useKeyboard(true);
   const bool used = top()->key(event) || covered();
   updatePointer();
   return used;

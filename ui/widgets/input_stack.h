@@ -12,7 +12,8 @@ namespace ui {
 
 /// What lies over what in the window, and so who gets its input: a menu over dialogs over the
 /// screen. This is the only place that knows that order, for painting, the pointer and the keys
-/// alike. Window thread only.
+/// alike, and whether the keyboard is in use, so that rings are shown: from a key that moves to the
+/// next press. Window thread only.
 class InputStack {
  public:
   /// A new frame is to be drawn.
@@ -49,12 +50,14 @@ class InputStack {
   void close(const Overlay* overlay);
   void tellPointer();
   void updatePointer();
+  void useKeyboard(bool used);
   void changed() const;
 
   View* screen_ = nullptr;
   /// The topmost last; a menu can only be that.
   std::vector<std::unique_ptr<Overlay>> over_;
   Rect window_;
+  bool keyboardUsed_ = false;
   // Serial numbers of views, 0 for none.
   /// What took the last press.
   std::uint64_t pressed_ = 0;

@@ -25,8 +25,7 @@ void RowList::scrollToTop() {
 void RowList::reveal(std::size_t row, std::size_t below) {
   const std::int64_t top = std::min<std::int64_t>(rowTop(row, rowHeight_), kMostContentHeight);
   const auto room = static_cast<std::size_t>(std::max(1, view().h / rowHeight_));
-  scroller_.reveal(static_cast<int>(top),
-                   static_cast<int>(std::min(below + 1, room)) * rowHeight_);
+  scroller_.reveal(static_cast<int>(top), static_cast<int>(std::min(below + 1, room)) * rowHeight_);
 }
 
 std::int64_t RowList::placeInView(std::size_t row) const {
@@ -76,7 +75,7 @@ void RowList::paint(Canvas& canvas) const {
     paintRow(canvas, row, place);
   }
   drawScrollBar(canvas, scroller_, style_.palette().raised, style_.palette().dimText);
-  if (focused()) paintRing(canvas);
+  if (focused() && canvas.showsRings()) paintRing(canvas);
   canvas.popClip();
 }
 

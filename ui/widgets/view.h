@@ -34,7 +34,7 @@ class View {
   /// Whether Tab stops here and a press gives it the keyboard.
   virtual bool takesKeyboard() const { return false; }
   bool focused() const { return focused_; }
-  /// Gives the view the keyboard, or takes it away: a ring says so.
+  /// Gives the view the keyboard, or takes it away: a ring says so while the keyboard is in use.
   void setFocused(bool focused);
 
   /// Brings everything up to date before it is painted. True when that was costly, so that it
