@@ -24,6 +24,7 @@ using test::PrivateHome;
 using test::Running;
 using test::TempDirectory;
 using test::XServer;
+using test::XServerOptions;
 
 class ProgramWindow : public testing::Test {
  protected:
@@ -83,7 +84,7 @@ TEST_F(ProgramWindow, ClosesWithStatus0InTheMiddleOfAScan) {
 }
 
 TEST_F(ProgramWindow, EndsWithStatus1WhenTheServerGoesAway) {
-  auto server = std::make_unique<XServer>(kPlainScreen);
+  auto server = std::make_unique<XServer>(XServerOptions{.startedAnew = true});
   TempDirectory dir;
   test::Child child({HEAPGAUGE_PROGRAM}, "/dev/null", "/dev/null", dir / "errors");
   test::OtherClient().shownWindow("Heapgauge");

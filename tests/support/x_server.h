@@ -3,12 +3,15 @@
 #include <sys/types.h>
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "tests/support/environment.h"
 
 namespace test {
+
+class XServerProcess;
 
 struct XServerOptions {
   int width = 1280;
@@ -20,10 +23,16 @@ struct XServerOptions {
   /// The resource database (RESOURCE_MANAGER), such as "Xft.dpi:\t144\n"; empty for none.
   std::string resources = {};
   std::vector<std::string> extraArguments = {};
+  /// Started for this scope alone: for tests that end the server or look at its memory.
+  bool startedAnew = false;
 };
 
-/// An X server of the test's own (Xvfb, on a display number that it picks itself), which DISPLAY
-/// names for the scope. It ends with the scope, and with the test program however that ends.
+/// An X server (Xvfb, on a display number that it picks itself) with no other client, which DISPLAY
+/// names for the scope. A server takes longer to start than most tests take, so the next scope that
+/// wants one of the same options is given this one, if it could be made as new: pointer, focus and
+/// the root's properties are put back, and one that differs otherwise is ended. So is one that a
+/// client stays with for seconds after the scope. All end with the test program however that ends.
+/// For the main thread.
 class XServer {
  public:
   /// Returns when the server takes connections. Throws std::runtime_error when it does not start.
@@ -33,17 +42,16 @@ class XServer {
   XServer& operator=(const XServer&) = delete;
 
   /// Such as ":3".
-  const std::string& display() const { return display_; }
-  pid_t pid() const { return pid_; }
+  const std::string& display() const;
+  pid_t pid() const;
   /// The size of its address space in bytes, which holds the pixmaps of its clients.
   std::size_t memory() const;
 
  private:
-  void start(const std::vector<std::string>& arguments, int displayPipe);
   void publishResources(const std::string& resources) const;
 
-  pid_t pid_ = -1;
-  std::string display_;
+  const bool startedAnew_;
+  std::unique_ptr<XServerProcess> process_;
   ScopedEnvironment environment_;
 };
 

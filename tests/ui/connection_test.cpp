@@ -165,7 +165,7 @@ TEST(ErrorTrap, DoesNotNest) {
 
 TEST(LostServer, EndsTheProgramWithOneLineAndStatus1) {
   ::testing::FLAGS_gtest_death_test_style = "fast";
-  const test::XServer server;
+  const test::XServer server({.startedAnew = true});
   const auto loseServer = [&] {
     const auto connection = Connection::open();
     atexit([] { _exit(7); });  // must not run

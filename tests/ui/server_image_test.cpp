@@ -28,7 +28,9 @@ std::vector<std::uint32_t> someColours(int count) {
 
 class ServerImageTest : public WindowTest {
  protected:
-  ServerImageTest() { image_.set(pixels_, kWidth, kHeight); }
+  explicit ServerImageTest(const XServerOptions& options = {}) : WindowTest(options) {
+    image_.set(pixels_, kWidth, kHeight);
+  }
 
   /// What `draw` leaves on white ground.
   Picture onWhite(const std::function<void(ui::Canvas&)>& draw) {
@@ -103,7 +105,12 @@ TEST_F(ServerImageTest, TakesAnotherSize) {
   expectShown(drawnAt(5, 5), smaller, {5, 5, 1, 3});
 }
 
-TEST_F(ServerImageTest, GivesTheServerTheMemoryOfEachPictureBack) {
+class ServerImageOnNewServer : public ServerImageTest {
+ protected:
+  ServerImageOnNewServer() : ServerImageTest({.startedAnew = true}) {}
+};
+
+TEST_F(ServerImageOnNewServer, GivesTheServerTheMemoryOfEachPictureBack) {
   constexpr int kPictures = 30;
   const auto pixels = someColours(1100 * 700);
   image_.set(pixels, 1000, 700);

@@ -215,7 +215,12 @@ TEST_F(WindowTest, ResizedTellsItsSizeAndRepaintsAtThatSize) {
   EXPECT_EQ(capture().height, 120);
 }
 
-TEST_F(WindowTest, GivesTheServerTheMemoryOfEachSizeBack) {
+class WindowOnNewServer : public WindowTest {
+ protected:
+  WindowOnNewServer() : WindowTest({.startedAnew = true}) {}
+};
+
+TEST_F(WindowOnNewServer, GivesTheServerTheMemoryOfEachSizeBack) {
   constexpr int kSizes = 30;
   constexpr std::size_t kBuffer = std::size_t{4} * 1000 * 700;
   show(1000, 700);

@@ -14,7 +14,7 @@
 
 namespace test {
 
-/// A window on an X server of its own, and a second client beside it.
+/// A window on an X server that has nobody else on it, and a second client beside it.
 class WindowOnServer {
  public:
   explicit WindowOnServer(const XServerOptions& options = {});
@@ -38,6 +38,9 @@ class WindowOnServer {
   TempDirectory directory;
 };
 
-class WindowTest : public ::testing::Test, protected WindowOnServer {};
+class WindowTest : public ::testing::Test, protected WindowOnServer {
+ protected:
+  explicit WindowTest(const XServerOptions& options = {}) : WindowOnServer(options) {}
+};
 
 }  // namespace test

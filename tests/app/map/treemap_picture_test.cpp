@@ -30,7 +30,8 @@ constexpr ui::Rect kPlace{20, 10, 120, 80};
 /// A picture of a tree of two files, in a window of 200 x 100.
 class TreemapPictureTest : public test::WindowTest {
  protected:
-  TreemapPictureTest() {
+  explicit TreemapPictureTest(const test::XServerOptions& options = {})
+      : test::WindowTest(options) {
     test::fillRoot(tree_, {test::file(1000, 5), {.kind = 6, .apparent = 10, .allocated = 1000}});
     picture_.setRect(kPlace);
   }
@@ -173,7 +174,12 @@ class ServerWithoutMemory {
   rlimit usual_{};
 };
 
-TEST_F(TreemapPictureTest, SendsAPictureAgainThatTheServerHadNoRoomFor) {
+class TreemapPictureOnNewServer : public TreemapPictureTest {
+ protected:
+  TreemapPictureOnNewServer() : TreemapPictureTest({.startedAnew = true}) {}
+};
+
+TEST_F(TreemapPictureOnNewServer, SendsAPictureAgainThatTheServerHadNoRoomFor) {
   constexpr ui::Rect kLarge{0, 0, 2000, 1500};
   picture_.setRect(kLarge);
   picture_.show(shownTree_, kRootNode);
