@@ -70,8 +70,11 @@ class PagedColumn {
   void store(std::uint64_t i, T value, std::memory_order order = std::memory_order_relaxed) {
     std::atomic_ref<T>(slot(i)).store(value, order);
   }
-  /// Adds with wrap-around. A load and a store: with one writer nothing can come between.
-  void add(std::uint64_t i, T value) { store(i, static_cast<T>(load(i) + value)); }
+  /// Adds with wrap-around. A load and a store: with one writer nothing can come between. Nothing
+  /// to add touches nothing: most folders on the way up have no use for most sums.
+  void add(std::uint64_t i, T value) {
+    if (value != T{}) store(i, static_cast<T>(load(i) + value));
+  }
 
  private:
   T& slot(std::uint64_t i) const { return pages_[i >> PageShift][i & kPageMask]; }
