@@ -59,13 +59,17 @@ TEST_F(MainWindowInputTest, GoesBackToTheWelcome) {
 TEST_F(MainWindowInputTest, ShowsAtOnceThatAScanIsStopped) {
   HeldFolder held("held");
   window_->scanPath(folder_);
+  const ui::Rect firstRow = firstKind();
   runWith([&](WindowUser& user) {
+    user.moveOntoStatus();  // over the map it would tell of each picture that comes
+    ASSERT_TRUE(held.waitUntilReached());
     ASSERT_TRUE(user.comesToMap());
-    const Pixels scanning = user.toolbar();
+    ASSERT_TRUE(user.comesToBeFilled(firstRow));
     const Pixels status = user.status();
     user.press(ui::key::kEscape);
-    EXPECT_TRUE(eventually([&] { return user.toolbar() != scanning && user.status() != status; }));
+    ASSERT_TRUE(user.comesToTheEnd());
     const Pixels stopped = user.status();
+    EXPECT_TRUE(stopped != status);
     const Pixels plain = user.toolbar();
     user.press(ui::key::kEscape);
     user.client.movePointer(20, frame().toolbar.h / 2);

@@ -121,27 +121,70 @@ TEST_F(MainWindowScanTest, ReadsAFolderAgainOnceAScanThatWasStoppedHasEnded) {
   });
 }
 
-// The table of kinds has its rows from the last look at the tree; the list reads sizes as it
-// paints.
+/// A scan of folders inside each other that goes on level by level while a user looks. Nothing but
+/// looks at the tree change the table of kinds: the list reads sizes as it paints.
+class LevelByLevel {
+ public:
+  using Clock = std::chrono::steady_clock;
+
+  /// The levels are made in `folder`, below its `a`.
+  LevelByLevel(const std::string& folder, int levels) {
+    std::string inside = folder + "/a";
+    for (int level = 0; level < levels; ++level) {
+      inside += "/" + nameOf(level);
+      test::writeFile(inside + "/large.zip", std::string(400'000, 'x'));
+    }
+  }
+
+  /// Waits until the table shows what is found at the next level.
+  bool goOn(WindowUser& user) {
+    const Pixels before = user.pixels(user.frame().kinds);
+    held_.holdInstead(nameOf(++level_));
+    return eventually([&] {
+      const Clock::time_point now = Clock::now();
+      longestGap_ = std::max(longestGap_, now - lastLook_);
+      lastLook_ = now;
+      return user.pixels(user.frame().kinds) != before;
+    });
+  }
+  void release() { held_.release(); }
+
+  void beginGapsAt(Clock::time_point time) {
+    lastLook_ = time;
+    longestGap_ = {};
+  }
+  /// The longest time between two looks since then: a machine that stood still for so long cannot
+  /// be told from a window that pauses.
+  Clock::duration longestGap() const { return longestGap_; }
+
+ private:
+  static std::string nameOf(int level) { return "level" + std::to_string(level); }
+
+  HeldFolder held_{"a"};
+  int level_ = -1;
+  Clock::time_point lastLook_;
+  Clock::duration longestGap_{};
+};
+
 TEST_F(MainWindowScanTest, PausesAfterAPictureThatTookLong) {
   constexpr std::chrono::milliseconds kSlow(500);
-  test::writeFile(folder_ + "/a/deeper/large.zip", std::string(400'000, 'x'));
-  test::writeFile(folder_ + "/a/deeper/deepest/large.zip", std::string(400'000, 'x'));
-  HeldFolder held("a");
+  constexpr int kTries = 5;
+  LevelByLevel scan(folder_, 2 * kTries);
   window_->scanPath(folder_);
+  const ui::Rect firstRow = firstKind();
   runWith([&](WindowUser& user) {
     user.moveOntoStatus();
-    ASSERT_TRUE(user.comesToBeFilled(firstKind()));
-    const Pixels before = user.pixels(user.frame().kinds);
-    const test::SlowDrawing slow(kSlow);
-    held.holdInstead("deeper");
-    ASSERT_TRUE(eventually([&] { return slow.sent().has_value(); }));
-    ASSERT_TRUE(eventually([&] { return user.pixels(user.frame().kinds) != before; }));
-    const Pixels seen = user.pixels(user.frame().kinds);
-    held.holdInstead("deepest");
-    ASSERT_TRUE(eventually([&] { return user.pixels(user.frame().kinds) != seen; }));
-    EXPECT_GE(std::chrono::steady_clock::now() - *slow.sent(), 2 * kSlow);
-    held.release();
+    ASSERT_TRUE(user.comesToBeFilled(firstRow));
+    for (int i = 0; i < kTries; ++i) {
+      const test::SlowDrawing slow(kSlow);
+      ASSERT_TRUE(scan.goOn(user));
+      ASSERT_TRUE(eventually([&] { return slow.sent().has_value(); }));
+      scan.beginGapsAt(*slow.sent());
+      ASSERT_TRUE(scan.goOn(user));
+      EXPECT_GE(LevelByLevel::Clock::now() - *slow.sent(), 2 * kSlow);
+      if (scan.longestGap() < kSlow) break;
+    }
+    scan.release();
   });
 }
 
