@@ -137,4 +137,10 @@ void expectSumsMatchRecount(const FileTree& tree) {
   EXPECT_EQ(totals.errors, fresh.totals.errors);
 }
 
+SmallTree::SmallTree() {
+  tree.createRoot("/r");
+  add(tree, Listing(0).folder("a").folder("b"));
+  add(tree, Listing(1).file("x.txt", 10, 512).file("y.txt", 20, 1024));
+}
+
 }  // namespace test

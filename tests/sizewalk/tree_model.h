@@ -51,4 +51,10 @@ Recount recount(const sizewalk::FileTree& tree);
 /// Fails the current test where the tree's own sums and totals differ from a recount.
 void expectSumsMatchRecount(const sizewalk::FileTree& tree);
 
+/// /r with folder a (node 1) holding x.txt (3) and y.txt (4), and folder b (2), not read.
+struct SmallTree {
+  SmallTree();
+  sizewalk::FileTree tree;
+};
+
 }  // namespace test

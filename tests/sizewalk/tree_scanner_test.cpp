@@ -2,29 +2,19 @@
 
 #include <gtest/gtest.h>
 #include <sys/mount.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <atomic>
-#include <cerrno>
 #include <chrono>
-#include <ctime>
+#include <cstdint>
 #include <filesystem>
-#include <functional>
-#include <limits>
-#include <map>
-#include <mutex>
-#include <new>
-#include <optional>
 #include <string>
 #include <thread>
-#include <tuple>
 #include <vector>
 
-#include "tests/app/held_folder.h"
 #include "tests/sizewalk/tree_model.h"
+#include "tests/sizewalk/whole_scan.h"
 #include "tests/support/blocking_file_system.h"
 #include "tests/support/eventually.h"
 #include "tests/support/file_access.h"
@@ -38,35 +28,12 @@ namespace sizewalk {
 namespace {
 
 namespace fs = std::filesystem;
+using test::describe;
+using test::nodeOf;
+using test::Scan;
 using test::TempDirectory;
+using test::withThreads;
 using test::writeFile;
-
-ScanOptions withThreads(int threads) {
-  ScanOptions options;
-  options.threads = threads;
-  return options;
-}
-
-/// A scan of one folder, from start to end.
-struct Scan {
-  explicit Scan(const std::string& path, int threads = 4) : scanner(withThreads(threads)) {
-    scanner.setRoot(path);
-    scanner.walk(kRootNode);
-  }
-  const FileTree& tree() const { return scanner.tree(); }
-  TreeScanner scanner;
-};
-
-/// Everything that a tree says of each path, free of the order in which directories were read.
-using Entry = std::tuple<std::int16_t, std::uint8_t, std::uint64_t, std::uint64_t, std::int32_t>;
-std::map<std::string, Entry> describe(const FileTree& tree) {
-  std::map<std::string, Entry> result;
-  for (NodeId node = 0; node < tree.nodeCount(); ++node) {
-    result[tree.path(node)] = {tree.kind(node), tree.flags(node).bits(), tree.apparentSize(node),
-                               tree.allocatedSize(node), tree.itemCount(node)};
-  }
-  return result;
-}
 
 /// The sums of the files below `path`, asked of the file system by other means.
 struct Expected {
@@ -83,14 +50,6 @@ struct Expected {
   }
   std::uint64_t entries = 0, files = 0, apparent = 0, allocated = 0;
 };
-
-NodeId nodeOf(const FileTree& tree, const std::string& path) {
-  for (NodeId node = 0; node < tree.nodeCount(); ++node) {
-    if (tree.path(node) == path) return node;
-  }
-  ADD_FAILURE() << path << " is not in the tree";
-  return kRootNode;
-}
 
 TEST(TreeScanner, CountsARealTreeAsTheFileSystemDoes) {
   const TempDirectory dir;
@@ -320,22 +279,6 @@ TEST(TreeScanner, WalksNothingButAVisibleFolder) {
   EXPECT_EQ(scan.tree().nodeCount(), 2u);
 }
 
-TEST(TreeScanner, ReportsProgressUntilItsEnd) {
-  const TempDirectory dir;
-  test::makeBushyTree(dir.path(), 5, 50, 5);
-  TreeScanner scanner(withThreads(1));
-  scanner.setRoot(dir.path());
-  std::vector<ScanProgress> reports;
-  scanner.onProgress = [&](const ScanProgress& progress) { reports.push_back(progress); };
-  scanner.walk(kRootNode);
-  ASSERT_FALSE(reports.empty());
-  for (const ScanProgress& report : reports) {
-    EXPECT_LE(report.files + report.folders, scanner.tree().nodeCount());
-    EXPECT_LE(report.bytes, scanner.tree().allocatedSize(kRootNode));
-    EXPECT_EQ(report.folders, report.nodes - report.files);
-  }
-}
-
 TEST(TreeScanner, GivesAnEmptyRootPathNothingToRead) {
   TreeScanner scanner(withThreads(0));
   scanner.setRoot("");
@@ -343,47 +286,6 @@ TEST(TreeScanner, GivesAnEmptyRootPathNothingToRead) {
   EXPECT_TRUE(scanner.tree().flags(kRootNode).has(NodeFlag::Unreadable));
   EXPECT_EQ(scanner.tree().totals().errors, 1u);
 }
-
-TEST(TreeScanner, TellsWhereItsTimeWent) {
-  const TempDirectory dir;
-  test::makeBushyTree(dir.path(), 6, 100, 8);
-  const Scan scan(dir.path(), 2);
-  const WalkStatistics statistics = scan.scanner.statistics();
-  EXPECT_GT(statistics.listNs, 0u);
-  EXPECT_GT(statistics.pathNs, 0u);
-  EXPECT_GT(statistics.openNs, 0u);
-  EXPECT_GT(statistics.handOverNs, 0u);
-  EXPECT_GT(statistics.integratorBusyNs, 0u);
-  EXPECT_GE(statistics.integratorElapsedNs, statistics.integratorBusyNs);
-}
-
-TEST(ReaderCount, IsWhatWasAskedFor) {
-  EXPECT_EQ(chooseReaderCount(
-                1, [] { return 30; }, 64),
-            1);
-  EXPECT_EQ(chooseReaderCount(100, nullptr, 2), 100);
-}
-
-TEST(ReaderCount, FollowsTheStorageWhereItIsKnown) {
-  EXPECT_EQ(chooseReaderCount(
-                0, [] { return 4; }, 64),
-            4);
-  EXPECT_EQ(chooseReaderCount(
-                -3, [] { return 4; }, 64),
-            4);
-}
-
-TEST(ReaderCount, LeavesTwoProcessorsToOthers) {
-  EXPECT_EQ(chooseReaderCount(0, nullptr, 6), 4);
-  EXPECT_EQ(chooseReaderCount(0, nullptr, 64), 8);
-  EXPECT_EQ(chooseReaderCount(0, nullptr, 1), 1);
-  EXPECT_EQ(chooseReaderCount(0, nullptr, 2), 1);
-  EXPECT_EQ(chooseReaderCount(
-                0, [] { return 0; }, 6),
-            4);
-}
-
-TEST(ReaderCount, IsTwoWhenNothingIsKnown) { EXPECT_EQ(chooseReaderCount(0, nullptr, 0), 2); }
 
 TEST(TreeScanner, StartsExactlyTheReadersAskedFor) {
   const TempDirectory dir;
@@ -411,80 +313,6 @@ TEST(TreeScanner, WaitsForNoBatchWhenThereIsNothingElseToRead) {
   EXPECT_EQ(scanner.tree().nodeCount(), 22U);
 }
 
-/// A walk of a folder with the folder "held" in it, which stays open to be read until it is let go.
-class HeldWalk {
- public:
-  explicit HeldWalk(int threads) : scanner(withThreads(threads)) {
-    writeFile(dir_ / "held/file", "x");
-    scanner.setRoot(dir_.path());
-  }
-  /// Walks until `held` has been reached, `until` holds then, and all is read.
-  void run(const std::function<bool()>& until) {
-    const auto start = Clock::now();
-    std::thread walking([&] { scanner.walk(kRootNode); });
-    EXPECT_TRUE(held_.waitUntilReached());
-    EXPECT_TRUE(test::eventually(until));
-    held_.release();
-    walking.join();
-    took = Clock::now() - start;
-  }
-
-  using Clock = std::chrono::steady_clock;
-  TreeScanner scanner;
-  Clock::duration took{};
-
- private:
-  const TempDirectory dir_;
-  test::HeldFolder held_{"held"};
-};
-
-TEST(TreeScanner, RestsBetweenItsReports) {
-  struct Report {
-    HeldWalk::Clock::time_point time;
-    std::int64_t processorNs;  // of the thread that reports
-  };
-  std::mutex mutex;  // guards the reports
-  std::vector<Report> reports;
-  HeldWalk walk(1);
-  walk.scanner.onProgress = [&](const ScanProgress&) {
-    timespec used{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &used);
-    const std::lock_guard lock(mutex);
-    reports.push_back(
-        {HeldWalk::Clock::now(), std::int64_t{used.tv_sec} * 1'000'000'000 + used.tv_nsec});
-  };
-  walk.run([&] {
-    const std::lock_guard lock(mutex);
-    return reports.size() >= 4;
-  });
-  for (std::size_t i = 1; i < 4; ++i) {
-    EXPECT_GE(reports[i].time - reports[i - 1].time, std::chrono::milliseconds(99));
-  }
-  // Of three pauses of a tenth of a second.
-  EXPECT_LT(reports[3].processorNs - reports[0].processorNs, 100'000'000);
-}
-
-TEST(TreeScanner, CountsTheTimeOfAFolderThatOpensSlowlyAsThat) {
-  HeldWalk walk(2);
-  constexpr std::chrono::milliseconds kSlow{60};
-  const auto start = HeldWalk::Clock::now();
-  auto reached = start;
-  walk.run([&] {
-    if (reached == start) reached = HeldWalk::Clock::now();
-    return HeldWalk::Clock::now() - reached >= kSlow;
-  });
-  constexpr auto kSlowNs = static_cast<std::uint64_t>(std::chrono::nanoseconds(kSlow).count());
-  const WalkStatistics times = walk.scanner.statistics();
-  EXPECT_GE(times.openNs, kSlowNs);
-  EXPECT_GE(times.idleNs, kSlowNs) << "the other reader has nothing to read meanwhile";
-  EXPECT_GE(times.integratorElapsedNs, times.integratorBusyNs + kSlowNs);
-  // Nothing counts twice.
-  const auto tookNs = static_cast<std::uint64_t>(std::chrono::nanoseconds(walk.took).count());
-  EXPECT_LE(times.pathNs + times.openNs + times.listNs + times.handOverNs + times.idleNs,
-            2 * tookNs);
-  EXPECT_LE(times.openNs, tookNs) << "of one of the two";
-}
-
 TEST(TreeScanner, HoldsOneMutexAtATime) {
   if (!test::HeldLocks::kCounts) GTEST_SKIP() << "a sanitizer has the mutexes";
   const TempDirectory dir(TempDirectory::Place::Memory);
@@ -498,184 +326,6 @@ TEST(TreeScanner, HoldsOneMutexAtATime) {
   scanner.walk(kRootNode);
   scanner.statistics();
   EXPECT_EQ(locks.most(), 1);
-}
-
-TEST(TreeScanner, GoesOnWithTheReadersThatFindThreads) {
-  const TempDirectory dir;
-  test::makeBushyTree(dir.path(), 2, 50, 4);
-  const auto whole = describe(Scan(dir.path(), 4).tree());
-  for (int left = 2; left < 6; ++left) {
-    TreeScanner scanner(withThreads(4));
-    scanner.setRoot(dir.path());
-    const test::FewThreads few(left);
-    EXPECT_EQ(scanner.walk(kRootNode), 0) << left;
-    EXPECT_EQ(describe(scanner.tree()), whole) << left;
-  }
-}
-
-TEST(TreeScanner, NeedsNoThreadForItsReports) {
-  const TempDirectory dir;
-  writeFile(dir / "file", "12345");
-  TreeScanner scanner(withThreads(1));
-  scanner.setRoot(dir.path());
-  scanner.onProgress = [](const ScanProgress&) {};
-  const test::FirstThreadFails first;
-  EXPECT_EQ(scanner.walk(kRootNode), 0);
-  EXPECT_EQ(scanner.tree().apparentSize(kRootNode), 5U);
-}
-
-TEST(TreeScanner, SaysThatItFoundNoThreads) {
-  const TempDirectory dir;
-  writeFile(dir / "file", "12345");
-  for (const int left : {0, 1}) {  // one is the integrator's
-    TreeScanner scanner(withThreads(4));
-    scanner.setRoot(dir.path());
-    {
-      const test::FewThreads few(left);
-      EXPECT_EQ(scanner.walk(kRootNode), EAGAIN) << left;
-    }
-    EXPECT_EQ(scanner.tree().nodeCount(), 1U);
-    EXPECT_EQ(scanner.walk(kRootNode), 0) << "there are threads again";
-    EXPECT_EQ(scanner.tree().apparentSize(kRootNode), 5U);
-  }
-}
-
-/// So many names that they need a second map of memory.
-void makeManyNames(const std::string& path, int folders = 20) {
-  constexpr int kNames = 4300;
-  for (int i = 0; i < kNames; ++i) {
-    std::string name = std::to_string(i);
-    name.resize(250, 'x');
-    writeFile(path + "/folder" + std::to_string(i % folders) + "/" + name);
-  }
-}
-
-TEST(TreeScanner, SaysThatMemoryRanOut) {
-  const TempDirectory dir(TempDirectory::Place::Memory);
-  makeManyNames(dir.path());
-  TreeScanner scanner(withThreads(4));
-  scanner.setRoot(dir.path());
-  {
-    const test::FewPages none(0);
-    EXPECT_EQ(scanner.walk(kRootNode), ENOMEM);
-  }
-  EXPECT_GE(scanner.tree().nodeCount(), 1U);
-}
-
-TEST(TreeScanner, KeepsWhatItReadBeforeMemoryRanOut) {
-  const TempDirectory dir(TempDirectory::Place::Memory);
-  makeManyNames(dir.path(), 1);
-  const std::string linked = dir / "folder0/" + std::string(250, 'y');
-  for (int i = 0; i < 300; ++i) {  // of those that are listed last and first
-    const std::string name = linked.substr(0, linked.size() - 3) + std::to_string(100 + i);
-    writeFile(name, "12345");
-    ASSERT_EQ(
-        link(name.c_str(), (name.substr(0, name.size() - 3) + "z" + std::to_string(i)).c_str()), 0);
-  }
-  TreeScanner scanner(withThreads(2));
-  scanner.setRoot(dir.path());
-  {
-    const test::FewPages none(0);
-    ASSERT_EQ(scanner.walk(kRootNode), ENOMEM);
-  }
-  const FileTree& tree = scanner.tree();
-  EXPECT_GT(tree.nodeCount(), 3000U);
-  EXPECT_EQ(tree.childCount(1), tree.nodeCount() - 2);
-  test::expectSumsMatchRecount(tree);
-  EXPECT_EQ(scanner.walk(kRootNode), 0) << "there is memory again";
-  EXPECT_EQ(describe(tree), describe(Scan(dir.path()).tree()));
-  test::expectSumsMatchRecount(tree);
-}
-
-TEST(TreeScanner, SaysThatAReaderFoundNoMemory) {
-#ifdef HEAPGAUGE_SANITIZED
-  GTEST_SKIP() << "the sanitizers end a program that runs out of memory";
-#else
-  const TempDirectory dir;
-  writeFile(dir / "file");
-  ScanOptions options = withThreads(2);
-  options.readBufferSize = std::uint64_t{1} << 46;
-  TreeScanner scanner(options);
-  scanner.setRoot(dir.path());
-  EXPECT_EQ(scanner.walk(kRootNode), ENOMEM);
-#endif
-}
-
-TEST(TreeScanner, GoesOnWhereItsReportsFindNoMemory) {
-  const TempDirectory dir;
-  writeFile(dir / "file", "12345");
-  TreeScanner scanner(withThreads(1));
-  scanner.setRoot(dir.path());
-  scanner.onProgress = [](const ScanProgress&) { throw std::bad_alloc(); };
-  EXPECT_EQ(scanner.walk(kRootNode), 0);
-  EXPECT_EQ(scanner.tree().apparentSize(kRootNode), 5U);
-}
-
-TEST(TreeScanner, ReportsAgainOnceThereIsMemory) {
-  const TempDirectory dir;
-  writeFile(dir / "held/file", "12345");
-  TreeScanner scanner(withThreads(1));
-  scanner.setRoot(dir.path());
-  std::optional<test::HeldFolder> held("held");
-  std::atomic<int> reports = 0;
-  scanner.onProgress = [&](const ScanProgress&) {
-    if (++reports == 1) throw std::bad_alloc();
-  };
-  std::thread walking([&] { EXPECT_EQ(scanner.walk(kRootNode), 0); });
-  EXPECT_TRUE(test::eventually([&] { return reports > 1; }));
-  held.reset();
-  walking.join();
-}
-
-/// This process gets no more than 8 GiB of addresses.
-class FewAddresses {
- public:
-  FewAddresses() {
-    getrlimit(RLIMIT_AS, &usual_);
-    rlimit limit = usual_;
-    limit.rlim_cur = std::min<rlim_t>(rlim_t{8} << 30, usual_.rlim_max);
-    setrlimit(RLIMIT_AS, &limit);
-  }
-  ~FewAddresses() { setrlimit(RLIMIT_AS, &usual_); }
-  FewAddresses(const FewAddresses&) = delete;
-  FewAddresses& operator=(const FewAddresses&) = delete;
-
- private:
-  rlimit usual_{};
-};
-
-TEST(TreeScanner, TellsWantOfMemoryForItsReadersFromWantOfThreads) {
-#ifdef HEAPGAUGE_SANITIZED
-  GTEST_SKIP() << "the sanitizers need more addresses";
-#else
-  const TempDirectory dir;
-  TreeScanner scanner(withThreads(std::numeric_limits<int>::max()));  // 16 GiB to list them
-  scanner.setRoot(dir.path());
-  const FewAddresses few;
-  EXPECT_EQ(scanner.walk(kRootNode), ENOMEM);
-#endif
-}
-
-TEST(ScanOptions, LookBackAMonthAndHalfAYear) {
-  const ScanOptions options(1000000000);
-  EXPECT_EQ(options.monthThreshold, 1000000000u - 2592000);
-  EXPECT_EQ(options.sixMonthThreshold, 1000000000u - 15724800);
-  EXPECT_FALSE(options.hasLastScan);
-  EXPECT_EQ(options.lastScanTime, 0u);
-  EXPECT_EQ(options.readBufferSize, 262144u);
-}
-
-TEST(ScanOptions, DoNotLookBackBeyondTheEpoch) {
-  const ScanOptions options(2592001);
-  EXPECT_EQ(options.monthThreshold, 1u);
-  EXPECT_EQ(options.sixMonthThreshold, 0u);
-}
-
-TEST(ScanOptions, NameTheirStrategies) {
-  EXPECT_STREQ(listingStrategyName(0), "auto");
-  EXPECT_STREQ(listingStrategyName(1), "enum");
-  EXPECT_STREQ(listingStrategyName(2), "mft");
-  EXPECT_STREQ(listingStrategyName(3), "auto");
 }
 
 TEST(TreeScanner, MarksAFolderWhoseListingFailsInTheMiddle) {
