@@ -6,6 +6,7 @@
 #include <sys/un.h>
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 #include <utility>
 
@@ -105,46 +106,35 @@ TEST(XServer, StartedAnewIsForItsScopeAlone) {
   EXPECT_EQ(nextServer(), used);
 }
 
-TEST(XServer, IsNotKeptWithAKeyDown) {
+/// The server is not given to the next scope after one in which `leave` left something behind.
+void expectNotKeptAfter(const std::function<void(const XServer&)>& leave) {
   const pid_t used = nextServer();
-  {
-    const XServer pressed;
-    ASSERT_EQ(pressed.pid(), used);
-    OtherClient().pressKey(XK_space);
-  }
-  EXPECT_NE(nextServer(), used);
-}
-
-TEST(XServer, IsNotKeptWithAButtonDown) {
-  const pid_t used = nextServer();
-  {
-    const XServer pressed;
-    ASSERT_EQ(pressed.pid(), used);
-    OtherClient().pressButton(1);
-  }
-  EXPECT_NE(nextServer(), used);
-}
-
-TEST(XServer, IsNotKeptWithAnotherKeyboard) {
-  const pid_t used = nextServer();
-  {
-    const XServer changed;
-    ASSERT_EQ(changed.pid(), used);
-    OtherClient().typeForeignKey(XK_eacute);
-  }
-  EXPECT_NE(nextServer(), used);
-}
-
-TEST(XServer, IsNotKeptWithAClientThatStays) {
-  const pid_t used = nextServer();
-  base::FileDescriptor connection;
   {
     const XServer server;
     ASSERT_EQ(server.pid(), used);
-    connection = connectWithoutXlib(server);
-    ASSERT_TRUE(connection.valid());
+    leave(server);
   }
   EXPECT_NE(nextServer(), used);
+}
+
+TEST(XServer, IsNotKeptWithAKeyDown) {
+  expectNotKeptAfter([](const XServer&) { OtherClient().pressKey(XK_space); });
+}
+
+TEST(XServer, IsNotKeptWithAButtonDown) {
+  expectNotKeptAfter([](const XServer&) { OtherClient().pressButton(1); });
+}
+
+TEST(XServer, IsNotKeptWithAnotherKeyboard) {
+  expectNotKeptAfter([](const XServer&) { OtherClient().typeForeignKey(XK_eacute); });
+}
+
+TEST(XServer, IsNotKeptWithAClientThatStays) {
+  base::FileDescriptor connection;
+  expectNotKeptAfter([&](const XServer& server) {
+    connection = connectWithoutXlib(server);
+    ASSERT_TRUE(connection.valid());
+  });
 }
 
 }  // namespace

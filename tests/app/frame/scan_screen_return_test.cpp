@@ -63,6 +63,15 @@ class ScanScreenReturnTest : public ScanScreenTest {
     return row && list().rows().rows()[*row].expanded;
   }
 
+  void expectToComeBackOnceAllIsRead() {
+    readRoot();
+    readBig();
+    readInner();
+    end();
+    EXPECT_EQ(focus(), big2_);
+    EXPECT_TRUE(isOpen(inner2_));
+  }
+
   std::shared_ptr<sizewalk::FileTree> again_;
   NodeId late2_ = 0, empty2_ = 0, big2_ = 0, inner2_ = 0;
 };
@@ -105,12 +114,7 @@ TEST_F(ScanScreenReturnTest, ComesBackFromAScanThatWasMadeAgainBeforeItFoundEver
   scanAgain();
   readRoot();
   scanAgain();
-  readRoot();
-  readBig();
-  readInner();
-  end();
-  EXPECT_EQ(focus(), big2_);
-  EXPECT_TRUE(isOpen(inner2_));
+  expectToComeBackOnceAllIsRead();
 }
 
 TEST_F(ScanScreenReturnTest, ComesBackAfterAScanThatWasStoppedInTheMiddle) {
@@ -120,12 +124,7 @@ TEST_F(ScanScreenReturnTest, ComesBackAfterAScanThatWasStoppedInTheMiddle) {
   look();
   EXPECT_EQ(focus(), kRootNode);
   scanAgain();
-  readRoot();
-  readBig();
-  readInner();
-  end();
-  EXPECT_EQ(focus(), big2_);
-  EXPECT_TRUE(isOpen(inner2_));
+  expectToComeBackOnceAllIsRead();
 }
 
 TEST_F(ScanScreenReturnTest, StaysWhereTheUserGoesMeanwhile) {

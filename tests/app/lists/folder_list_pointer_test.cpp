@@ -17,14 +17,18 @@ class FolderListPointerTest : public ::testing::Test, protected ListOnServer {
     fillEmpty(1, 1000);
     list_.refresh();
   }
+  /// The pointer is on small.txt, and so the new order waits.
+  void growUnderThePointer() {
+    moveOnto(2);
+    growEmpty();
+    EXPECT_EQ(names(), kBefore);
+  }
   static constexpr char kBefore[] = "r big small.txt Other empty ";
   static constexpr char kAfter[] = "r empty big small.txt Other ";
 };
 
 TEST_F(FolderListPointerTest, HasTheOrderWaitWhileThePointerIsOnARowOfAListThatCannotScroll) {
-  moveOnto(2);
-  growEmpty();
-  EXPECT_EQ(names(), kBefore);
+  growUnderThePointer();
   EXPECT_EQ(list_.hovered(), small_);
   list_.leave();
   list_.prepare();
@@ -32,16 +36,14 @@ TEST_F(FolderListPointerTest, HasTheOrderWaitWhileThePointerIsOnARowOfAListThatC
 }
 
 TEST_F(FolderListPointerTest, BringsTheOrderUpWhenThePointerMovesToARowThatStaysInItsPlace) {
-  moveOnto(2);
-  growEmpty();
+  growUnderThePointer();
   moveOnto(0);
   list_.prepare();
   EXPECT_EQ(names(), kAfter);
 }
 
 TEST_F(FolderListPointerTest, AsksForAFrameWhenTheOrderWaitsNoMore) {
-  moveOnto(2);
-  growEmpty();
+  growUnderThePointer();
   changes_ = 0;
   list_.motion({.x = 101, .y = rowY(2)});
   EXPECT_EQ(changes_, 0);
@@ -50,8 +52,7 @@ TEST_F(FolderListPointerTest, AsksForAFrameWhenTheOrderWaitsNoMore) {
 }
 
 TEST_F(FolderListPointerTest, SelectsWithTheNextPressWhatWasUnderThePointer) {
-  moveOnto(2);
-  growEmpty();
+  growUnderThePointer();
   press(2, {.button = 1}, 100);
   EXPECT_EQ(selected(), Nodes{small_});
 }
@@ -107,41 +108,35 @@ TEST_F(FolderListPointerTest, KeepsTheOrderWhileSomethingCoversTheList) {
 }
 
 TEST_F(FolderListPointerTest, LetsGoOfAnOrderInWhichSomethingHasVanished) {
-  moveOnto(2);
-  growEmpty();
+  growUnderThePointer();
   ASSERT_TRUE(tree_.removeSubtree(other_).valid);
   list_.refresh();
   EXPECT_EQ(names(), "r empty big small.txt ");
 }
 
 TEST_F(FolderListPointerTest, OpensAFolderThatWasFilledWhileTheOrderWaits) {
-  moveOnto(2);
-  growEmpty();
+  growUnderThePointer();
   ASSERT_TRUE(list_.rows().rows()[4].expandable);
   press(4, {.button = 1}, 20 + 6 + 16 + 4);
   EXPECT_EQ(names(), std::string(kBefore) + "f1000 ");
 }
 
 TEST_F(FolderListPointerTest, BringsTheOrderUpWhenThePointerMovesToARowThatCannotStayInItsPlace) {
-  moveOnto(2);
-  growEmpty();
-  ASSERT_EQ(names(), kBefore);
+  growUnderThePointer();
   moveOnto(3);
   list_.prepare();
   EXPECT_EQ(names(), kAfter);
 }
 
 TEST_F(FolderListPointerTest, BringsTheOrderUpWithTheNextRefreshOnceThePointerHasMovedOn) {
-  moveOnto(2);
-  growEmpty();
+  growUnderThePointer();
   moveOnto(3);
   list_.refresh();
   EXPECT_EQ(names(), kAfter);
 }
 
 TEST_F(FolderListPointerTest, HasTheNextOrderWaitForTheRowThatThePointerMovedTo) {
-  moveOnto(2);
-  growEmpty();
+  growUnderThePointer();
   moveOnto(3);
   list_.prepare();
   ASSERT_EQ(names(), kAfter);
@@ -152,9 +147,7 @@ TEST_F(FolderListPointerTest, HasTheNextOrderWaitForTheRowThatThePointerMovedTo)
 }
 
 TEST_F(FolderListPointerTest, BringsTheOrderUpWithTheWheelThoughNothingCanScroll) {
-  moveOnto(2);
-  growEmpty();
-  ASSERT_EQ(names(), kBefore);
+  growUnderThePointer();
   changes_ = 0;
   list_.wheel({.x = 100, .y = rowY(2)}, 1);
   EXPECT_GT(changes_, 0);
@@ -164,9 +157,7 @@ TEST_F(FolderListPointerTest, BringsTheOrderUpWithTheWheelThoughNothingCanScroll
 
 TEST_F(FolderListPointerTest, BringsTheOrderUpAfterAKeyThatActsOnTheRowsAsTheyAreSeen) {
   press(2);
-  moveOnto(2);
-  growEmpty();
-  ASSERT_EQ(names(), kBefore);
+  growUnderThePointer();
   key(ui::key::kUp);
   EXPECT_EQ(list_.current(), big_);
   list_.prepare();
@@ -175,16 +166,14 @@ TEST_F(FolderListPointerTest, BringsTheOrderUpAfterAKeyThatActsOnTheRowsAsTheyAr
 }
 
 TEST_F(FolderListPointerTest, HasTheOrderWaitAfterAKeyThatItDoesNotKnow) {
-  moveOnto(2);
-  growEmpty();
+  growUnderThePointer();
   ASSERT_FALSE(key(ui::key::kEscape));
   list_.prepare();
   EXPECT_EQ(names(), kBefore);
 }
 
 TEST_F(FolderListPointerTest, LeavesTheRowWhereItIsUnderAContextMenuOfTheKeyboard) {
-  moveOnto(2);
-  growEmpty();
+  growUnderThePointer();
   list_.onContextMenu = [this](NodeId, int, int, Command::By) {
     list_.cover();
     list_.leave();
@@ -195,16 +184,13 @@ TEST_F(FolderListPointerTest, LeavesTheRowWhereItIsUnderAContextMenuOfTheKeyboar
 }
 
 TEST_F(FolderListPointerTest, BringsTheOrderUpWhenARowIsRevealed) {
-  moveOnto(2);
-  growEmpty();
-  ASSERT_EQ(names(), kBefore);
+  growUnderThePointer();
   list_.revealNode(big_);
   EXPECT_EQ(names(), kAfter);
 }
 
 TEST_F(FolderListPointerTest, HasTheOrderWaitBetweenTheTwoPressesOfADoubleOne) {
-  moveOnto(2);
-  growEmpty();
+  growUnderThePointer();
   press(2, {.button = 1}, 100);
   list_.prepare();
   press(2, {.button = 1, .clicks = 2}, 100);
@@ -212,8 +198,7 @@ TEST_F(FolderListPointerTest, HasTheOrderWaitBetweenTheTwoPressesOfADoubleOne) {
 }
 
 TEST_F(FolderListPointerTest, BringsTheOrderUpWithAPressElsewhere) {
-  moveOnto(2);
-  growEmpty();
+  growUnderThePointer();
   press(3, {.button = 1}, 100);
   EXPECT_EQ(selected(), Nodes{other_});
   list_.prepare();

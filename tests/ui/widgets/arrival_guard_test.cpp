@@ -19,6 +19,11 @@ class ArrivalGuardTest : public testing::Test {
     return guard_.takesPress(control, 20, 20, timeMs);
   }
 
+  void movePointerOntoIt() {
+    guard_.pointerAt(5, 5);
+    guard_.pointerAt(20, 20);
+  }
+
   ArrivalGuard guard_;
 };
 
@@ -29,8 +34,7 @@ TEST_F(ArrivalGuardTest, HoldsANewControlBackForHalfASecond) {
 }
 
 TEST_F(ArrivalGuardTest, TakesPressesOnceThePointerHasMovedOnToIt) {
-  guard_.pointerAt(5, 5);
-  guard_.pointerAt(20, 20);
+  movePointerOntoIt();
   EXPECT_TRUE(takes(1, 1001));
 }
 
@@ -45,8 +49,7 @@ TEST_F(ArrivalGuardTest, SeesNoMoveWhereItDoesNotKnowWhereThePointerWas) {
   guard_.forgetPointer();
   guard_.pointerAt(20, 20);
   EXPECT_FALSE(takes(1, 1001));
-  guard_.pointerAt(5, 5);
-  guard_.pointerAt(20, 20);
+  movePointerOntoIt();
   EXPECT_TRUE(takes(1, 1002));
 }
 
@@ -57,15 +60,13 @@ TEST_F(ArrivalGuardTest, DoesNotTakeATremblingPointerForOneThatMovedOnToTheContr
 }
 
 TEST_F(ArrivalGuardTest, LeavesAloneWhatChangesItsPlaceAndStaysUnderThePointer) {
-  guard_.pointerAt(5, 5);
-  guard_.pointerAt(20, 20);
+  movePointerOntoIt();
   guard_.place({{1, {10, 10, 80, 20}}});
   EXPECT_TRUE(takes(1, 1001));
 }
 
 TEST_F(ArrivalGuardTest, HoldsBackWhatTakesAnothersPlace) {
-  guard_.pointerAt(5, 5);
-  guard_.pointerAt(20, 20);
+  movePointerOntoIt();
   guard_.place({{2, kHere}});
   EXPECT_FALSE(takes(1, 5000)) << "it is gone";
   EXPECT_FALSE(takes(2, 5000)) << "the half second begins when it is seen first";
