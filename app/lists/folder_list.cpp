@@ -181,6 +181,10 @@ void FolderList::revealNode(NodeId node) {
 void FolderList::revealFolder(NodeId folder) {
   revealNode(folder);
   pendingContent_ = pending_ == folder;
+  const auto row = pendingContent_ ? rows_.find(folder) : std::nullopt;
+  if (!row) return;
+  const FolderRow& shown = rows_.rows()[*row];
+  if (shown.expandable && !shown.expanded) openRow(*row);
 }
 
 void FolderList::scrollToRow(std::size_t row) {

@@ -118,9 +118,19 @@ TEST_F(FolderListFocusTest, MovesNothingWhereAFolderIsInSightWithSomeOfItsConten
   EXPECT_EQ(list_.scrollOffset(), offset);
 }
 
-TEST_F(FolderListFocusTest, ScrollsToTheRowAloneOfAClosedFolder) {
+TEST_F(FolderListFocusTest, OpensAFolderThatIsClosed) {
   fillEmpty(50, 0);
   list_.refresh();
+  list_.revealFolder(empty_);
+  list_.prepare();
+  const auto row = static_cast<std::size_t>(rowOf(empty_));
+  EXPECT_TRUE(list_.rows().rows()[row].expanded);
+  EXPECT_TRUE(seen(list_.rows().rows()[row + 1].node));
+  list_.revealFolder(empty_);
+  EXPECT_TRUE(list_.rows().rows()[row].expanded);
+}
+
+TEST_F(FolderListFocusTest, ScrollsToTheRowAloneOfAFolderWithNothingInIt) {
   list_.setRect({20, 10, 240, 3 * h_});
   list_.revealFolder(empty_);
   list_.prepare();
