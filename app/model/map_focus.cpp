@@ -18,8 +18,11 @@ void MapFocus::reset(const sizewalk::FileTree* tree) {
 }
 
 bool MapFocus::canFocus(NodeId folder) const {
-  return tree_ && tree_->isVisible(folder) && tree_->isDirectory(folder) &&
-         (folder == kRootNode || !tree_->children(folder).empty());
+  return tree_ && tree_->isVisible(folder) && tree_->isDirectory(folder);
+}
+
+bool MapFocus::isFilled(NodeId folder) const {
+  return canFocus(folder) && !tree_->children(folder).empty();
 }
 
 void MapFocus::moveTo(NodeId folder) {
@@ -30,7 +33,7 @@ void MapFocus::moveTo(NodeId folder) {
 }
 
 void MapFocus::takeUp(Way way) {
-  while (way.current != kRootNode && !canFocus(way.current))
+  while (way.current != kRootNode && !isFilled(way.current))
     way.current = tree_->parent(way.current);
   previous_ = std::move(way.previous);
   next_ = std::move(way.next);

@@ -35,7 +35,7 @@ class MapFocus {
   sizewalk::NodeId current() const { return current_; }
   bool canGoOut() const { return current_ != sizewalk::kRootNode; }
 
-  /// Focuses `folder`; does nothing where it is not a folder with something in it.
+  /// Focuses `folder`; does nothing where it is not a folder of the tree.
   void go(sizewalk::NodeId folder);
   /// Focuses the entry of the focused folder on the way to `node`, if that is a folder.
   void goTowards(sizewalk::NodeId node);
@@ -48,12 +48,14 @@ class MapFocus {
   /// One level back in, on the way to the folder that going out left behind.
   void goBackIn();
   /// To the folder that was in focus before the current one, and back again. Passes over what can
-  /// be focused no longer: what is empty, taken out or dropped, or lies inside such a folder.
+  /// be focused no longer: what is taken out or dropped, or lies inside such a folder.
   void goToPrevious();
   void goToNext();
 
  private:
   bool canFocus(sizewalk::NodeId folder) const;
+  /// Whether it is to be taken up again: while it is read there may be nothing in it yet.
+  bool isFilled(sizewalk::NodeId folder) const;
   void moveTo(sizewalk::NodeId folder);
   void goBackOver(std::vector<sizewalk::NodeId>* way, std::vector<sizewalk::NodeId>* wayBack);
 

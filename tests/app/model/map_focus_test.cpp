@@ -90,11 +90,13 @@ TEST_F(MapFocusTest, StaysWhereTheItemIsNotInside) {
   EXPECT_EQ(focus.current(), c);
 }
 
-TEST_F(MapFocusTest, TakesOnlyFoldersWithSomethingInThem) {
+TEST_F(MapFocusTest, TakesFoldersAlone) {
   focus.go(file);
-  focus.go(empty);
   focus.go(tree.nodeCount());
   EXPECT_EQ(focus.current(), kRootNode);
+  focus.go(empty);
+  EXPECT_EQ(focus.current(), empty) << "with nothing in it";
+  EXPECT_TRUE(focus.canGoOut());
 }
 
 TEST_F(MapFocusTest, GoesOutAndBackInAlongTheSameWay) {
