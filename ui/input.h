@@ -29,6 +29,9 @@ struct MouseEvent {
   bool ctrl = false;
   /// When the window handed it on, as `steadyMs` tells.
   std::int64_t timeMs = 0;
+  /// When the server saw it, in milliseconds that begin again after 2^32; of presses, releases and
+  /// the wheel. Tells how far apart two of them were made, however late they are handed on.
+  std::uint32_t serverMs = 0;
   /// False for a motion that only tells where the pointer rests, once what lay over it is gone.
   bool moved = true;
 };

@@ -28,16 +28,19 @@ std::optional<WheelStep> wheelStepOf(unsigned button) {
 }
 
 MouseEvent mouseEventOf(const XButtonEvent& event, int clicks) {
-  return {event.x,
-          event.y,
-          static_cast<int>(event.button),
-          clicks,
-          hasShift(event.state),
-          hasCtrl(event.state)};
+  return {.x = event.x,
+          .y = event.y,
+          .button = static_cast<int>(event.button),
+          .clicks = clicks,
+          .shift = hasShift(event.state),
+          .ctrl = hasCtrl(event.state),
+          .serverMs = static_cast<std::uint32_t>(event.time)};
 }
 
 MouseEvent releaseEventOf(const XButtonEvent& event, int clicks) {
-  return {event.x, event.y, static_cast<int>(event.button), clicks, false, false};
+  MouseEvent release = mouseEventOf(event, clicks);
+  release.shift = release.ctrl = false;
+  return release;
 }
 
 MouseEvent mouseEventOf(const XMotionEvent& event) {

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::int64_t kRestMs = 400;
 /// A wheel that spins freely and a touchpad send dozens of notches a second.
-constexpr std::int64_t kBetweenLevelsMs = 150;
+constexpr std::uint32_t kBetweenLevelsMs = 150;
 // Logical pixels.
 constexpr double kLabelPadding = 6;
 constexpr double kLeastLabelWidth = 48;
@@ -211,11 +211,11 @@ void TreemapView::openContextMenu(const ui::MouseEvent& event) {
 
 void TreemapView::wheel(const ui::MouseEvent& event, int dy) {
   hideCard();
-  if (lastLevelMs_ && event.timeMs - *lastLevelMs_ < kBetweenLevelsMs) return;
+  if (lastLevelMs_ && event.serverMs - *lastLevelMs_ < kBetweenLevelsMs) return;
   const NodeId before = focus_.current();
   if (dy > 0) focus_.goOut();
   if (dy < 0) goTowards(event);
-  if (focus_.current() != before) lastLevelMs_ = event.timeMs;
+  if (focus_.current() != before) lastLevelMs_ = event.serverMs;
 }
 
 void TreemapView::goTowards(const ui::MouseEvent& event) {

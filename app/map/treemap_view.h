@@ -124,7 +124,7 @@ class TreemapView : public ui::View {
   std::optional<TreemapBlock> hoveredBlock_;
   std::optional<Press> lastPress_;
   /// When the wheel last led to another level.
-  std::optional<std::int64_t> lastLevelMs_;
+  std::optional<std::uint32_t> lastLevelMs_;
 };
 
 }  // namespace app

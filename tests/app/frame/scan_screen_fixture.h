@@ -147,7 +147,7 @@ class ScanScreenTest : public testing::Test, protected test::ViewsOnWindow {
   /// Long after the last turn.
   void wheel(const ui::Rect& rect, int dy) {
     ui::MouseEvent event = at(rect, 0);
-    event.timeMs = wheelMs_ += 1000;
+    event.serverMs = wheelMs_ += 1000;
     screen_.wheel(event, dy);
     screen_.prepare();
   }
@@ -186,7 +186,7 @@ class ScanScreenTest : public testing::Test, protected test::ViewsOnWindow {
   NodeId big_ = 0, photo_ = 0, empty_ = 0, late_ = 0, inner_ = 0, song_ = 0, deep_ = 0;
   ScanScreen screen_;
   int changes_ = 0;
-  std::int64_t wheelMs_ = 0;
+  std::uint32_t wheelMs_ = 0;
   std::vector<Command> commands_;
   Nodes menus_;
 };

@@ -142,7 +142,9 @@ class TreemapViewTest : public test::WindowTest {
     press(rect, second, 2);
   }
   void turnWheel(const ui::Rect& rect, int dy, std::int64_t nowMs) {
-    view_.wheel(atTime(nowMs, middleOf(rect)), dy);
+    ui::MouseEvent event = middleOf(rect);
+    event.serverMs = static_cast<std::uint32_t>(nowMs);
+    view_.wheel(event, dy);
   }
   void restOn(const ui::Rect& rect) {
     point(rect, 0);

@@ -157,6 +157,23 @@ TEST_F(TreemapViewTest, GoesInAndOutWithTheWheel) {
   EXPECT_EQ(focus_.current(), kRootNode);
 }
 
+TEST_F(TreemapViewTest, GoesOneLevelWithABurstThatIsHandedOnLate) {
+  const auto notch = [&](std::int64_t handedOnMs, std::uint32_t serverMs) {
+    ui::MouseEvent event = atTime(handedOnMs, middleOf(placeOf(deep_)));
+    event.serverMs = serverMs;
+    view_.wheel(event, -1);
+  };
+  const std::uint32_t before = std::numeric_limits<std::uint32_t>::max() - 5;
+  notch(1000, before);
+  const NodeId first = focus_.current();
+  EXPECT_NE(first, kRootNode);
+  notch(1400, before + 20);
+  notch(1800, before + 40);
+  EXPECT_EQ(focus_.current(), first) << "the frame of the first took long";
+  notch(1800, before + 150);
+  EXPECT_NE(focus_.current(), first);
+}
+
 TEST_F(TreemapViewTest, GoesOneLevelWithABurstOfTheWheel) {
   for (int i = 0; i < 10; ++i) turnWheel(placeOf(deep_), -1, 1000 + 14 * i);
   turnWheel(placeOf(deep_), -1, 1149);
