@@ -15,9 +15,10 @@ using sizewalk::kRootNode;
 using sizewalk::NodeId;
 
 namespace {
-/// In logical pixels, how far a hand moves the pointer with a press without meaning to.
-constexpr double kHandSlack = 4;
 /// Enough to see what kind of things a folder holds.
+/// A folder with more is opened by the user alone: that takes a moment, and so does every look at
+/// it.
+constexpr std::size_t kMostOpenedUnasked = 10'000;
 constexpr std::size_t kRowsToSee = 5;
 }  // namespace
 
@@ -36,7 +37,7 @@ void FolderList::show(const sizewalk::FileTree* tree) {
   mapFocus_.reset();
   pending_.reset();
   pressed_.reset();
-  hold_.restart(style().scaled(kHandSlack));
+  hold_.restart(style().scaled(PointerHold::kHandSlack));
   orderWaits_ = orderDue_ = false;
   returning_ = {};
   takenOver_ = false;
@@ -143,7 +144,7 @@ void FolderList::takeOver() {
 }
 
 void FolderList::goHome() {
-  if (takenOver_ || heldRow()) return;
+  if (takenOver_ || hold_.onList()) return;
   if (top_) {
     if (const auto top = rows_.find(*top_)) putAt(*top, topAt_);
   } else if (!returning_.scroll) {
@@ -184,7 +185,8 @@ void FolderList::revealFolder(NodeId folder) {
   const auto row = pendingContent_ ? rows_.find(folder) : std::nullopt;
   if (!row) return;
   const FolderRow& shown = rows_.rows()[*row];
-  if (shown.expandable && !shown.expanded) openRow(*row);
+  const bool large = tree_->children(folder).size() > kMostOpenedUnasked;
+  if (shown.expandable && !shown.expanded && !large) openRow(*row);
 }
 
 void FolderList::scrollToRow(std::size_t row) {

@@ -88,8 +88,8 @@ class FolderList : public ui::RowList {
   /// Opens the way to `node`, makes its row the current one and scrolls there with the next
   /// `prepare`. Does nothing when the tree does not lead to it.
   void revealNode(sizewalk::NodeId node);
-  /// The same with a folder that the user goes to: its row is opened, and the first few below it are
-  /// brought into view as well.
+  /// The same with a folder that the user goes to: its row is opened, unless it holds very much,
+  /// and the first few below it are brought into view as well.
   void revealFolder(sizewalk::NodeId folder);
   /// Has the next `prepare` bring a row into view.
   void scrollToRow(std::size_t row);

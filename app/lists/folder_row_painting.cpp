@@ -41,11 +41,13 @@ void paintClosedTriangle(ui::Canvas& canvas, const FolderRowPlaces& places, ui::
   }
 }
 
-/// On a selected row, whose ground has its colour, a line sets it apart.
+/// On a selected row, whose ground has its colour, a line sets it apart. Both leave the triangles
+/// free, whose place does not grow with the scale.
 void paintMark(ui::Canvas& canvas, const ui::Style& style, const ui::Rect& mark, bool selected) {
   canvas.fillRect(mark, style.palette().accent);
   if (!selected) return;
-  const ui::Rect line = {mark.x + mark.w, mark.y, style.scaled(kMarkLine), mark.h};
+  const int width = std::min(style.scaled(kMarkLine), kLeftMargin - 1);
+  const ui::Rect line = {mark.x + std::min(mark.w, kLeftMargin - width), mark.y, width, mark.h};
   canvas.fillRect(line, style.palette().accentText);
 }
 
@@ -63,7 +65,7 @@ FolderRowPlaces folderRowPlaces(const ui::Style& style, const ui::Rect& row, std
   const int sizeWidth = sizeColumn - kSizeMargin;
   return {x0,
           mid,
-          {row.x, row.y, style.scaled(kMarkWidth), row.h},
+          {row.x, row.y, std::min(style.scaled(kMarkWidth), kLeftMargin), row.h},
           {x0 + kSwatchPlace, mid - kSwatchSize / 2, kSwatchSize, kSwatchSize},
           {nameX, row.y, nameWidth, row.h},
           {right - sizeWidth, row.y, sizeWidth, row.h}};

@@ -47,6 +47,7 @@ KindColumns kindColumns(int left, int right, int rowHeight) {
 // What is shown.
 
 void KindsTable::setRows(std::vector<KindRow> rows) {
+  if (rows_.empty()) hold_.restart(style().scaled(PointerHold::kHandSlack));
   const std::size_t currentRow = find(current_).value_or(0);
   const auto kindAt = [this](std::size_t row) { return rows_[row].kind; };
   const auto rowOf = [this](sizewalk::KindIndex kind) { return find(kind); };
@@ -66,7 +67,8 @@ void KindsTable::setRows(std::vector<KindRow> rows) {
 
 /// At its top the table stays there, so that what is largest comes into sight.
 std::optional<std::size_t> KindsTable::rowToKeep() const {
-  for (const auto& row : {hoveredRow(), find(selected_)}) {
+  const auto held = hold_.place() ? hoveredRow() : std::nullopt;
+  for (const auto& row : {held, find(selected_)}) {
     if (row && isInView(*row)) return row;
   }
   if (scrollOffset() == 0) return std::nullopt;
@@ -152,6 +154,20 @@ std::optional<std::size_t> KindsTable::find(std::optional<sizewalk::KindIndex> k
 }
 
 // The pointer.
+
+void KindsTable::motion(const ui::MouseEvent& event) {
+  ui::RowList::motion(event);
+  hold_.motion({event.x, event.y}, hoveredRow().has_value());
+}
+
+void KindsTable::leave() {
+  ui::RowList::leave();
+  hold_.leave();
+}
+
+void KindsTable::pointerSeen(int x, int y) {
+  if (!rect().contains(x, y)) hold_.seenElsewhere();
+}
 
 void KindsTable::press(const ui::MouseEvent& event) {
   if (event.button != ui::kPrimaryButton || !rect().contains(event.x, event.y)) return;

@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "app/lists/pointer_hold.h"
 #include "app/model/kind_colours.h"
 #include "app/model/kind_rows.h"
 #include "ui/canvas.h"
@@ -45,10 +46,10 @@ class KindsTable : public ui::RowList {
   KindsTable(const ui::Style& style, const KindColours* colours)
       : ui::RowList(style), colours_(colours) {}
 
-  /// Shows `rows`, which come in any order. Of those that remain, the one under the pointer stays
-  /// where it is on the screen; else the selected one if it is in view; else the topmost one,
-  /// unless that is the first of all. A selected kind of which there is no file any more is
-  /// selected no longer.
+  /// Shows `rows`, which come in any order. Of those that remain, the one under a pointer that has
+  /// moved in the table since there were none stays where it is on the screen; else the selected
+  /// one if it is in view; else the topmost one, unless that is the first of all. A selected kind
+  /// of which there is no file any more is selected no longer.
   void setRows(std::vector<KindRow> rows);
   /// Selects no kind.
   void clearSelection() { select(std::nullopt); }
@@ -56,6 +57,9 @@ class KindsTable : public ui::RowList {
   bool takesKeyboard() const override { return true; }
   void paint(ui::Canvas& canvas) const override;
   void press(const ui::MouseEvent& event) override;
+  void motion(const ui::MouseEvent& event) override;
+  void leave() override;
+  void pointerSeen(int x, int y) override;
   bool key(const ui::KeyEvent& event) override;
 
   const std::vector<KindRow>& rows() const { return rows_; }
@@ -86,6 +90,7 @@ class KindsTable : public ui::RowList {
   const KindColours* colours_;
   std::vector<KindRow> rows_;
   KindSort sort_;
+  PointerHold hold_;
   std::optional<sizewalk::KindIndex> selected_;
   std::optional<sizewalk::KindIndex> current_;
 };

@@ -14,6 +14,7 @@ void PointerHold::motion(const Place& now, bool onRow) {
   covered_ = false;
   if (!rest_) rest_ = now;
   if (isFarFrom(*rest_, now)) moved_ = true;
+  onList_ = moved_;
   held_ = moved_ && onRow ? std::optional(now) : std::nullopt;
 }
 
@@ -25,6 +26,7 @@ bool PointerHold::seenElsewhere() {
 bool PointerHold::leave() {
   if (covered_) return false;
   held_.reset();
+  onList_ = false;
   return true;
 }
 

@@ -14,6 +14,9 @@ class PointerHold {
     int y;
   };
 
+  /// In logical pixels, how far a hand moves the pointer with a press without meaning to.
+  static constexpr double kHandSlack = 4;
+
   /// The list is shown anew: nobody knows where the pointer is. Until it is seen elsewhere, a move
   /// of at most `slack` pixels in either direction counts as none: a hand makes it with a press.
   void restart(int slack);
@@ -28,6 +31,8 @@ class PointerHold {
   bool leave();
 
   const std::optional<Place>& place() const { return held_; }
+  /// It has moved and is on the list, on a row or not.
+  bool onList() const { return onList_; }
 
  private:
   bool isFarFrom(const Place& rest, const Place& now) const;
@@ -36,6 +41,7 @@ class PointerHold {
   std::optional<Place> rest_;
   int slack_ = 0;
   bool moved_ = false;
+  bool onList_ = false;
   bool covered_ = false;
   std::optional<Place> held_;
 };

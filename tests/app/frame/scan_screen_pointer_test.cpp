@@ -121,6 +121,20 @@ TEST_F(ScanScreenPointerTest, GoesBackToItsTopWhenThePointerOnlyPassedThrough) {
   EXPECT_EQ(shownAt(1), folders_.back());
 }
 
+TEST_F(ScanScreenPointerTest, StaysWhereItIsWhileThePointerIsOnItsBar) {
+  showScan();
+  read(0, 20);
+  moveBy(0, 5 * style.rowHeight());
+  read(20, kFolders - 10);
+  const int offset = list().scrollOffset();
+  ASSERT_GT(offset, 0);
+  const ui::Rect& place = list().rect();
+  moveTo({.x = place.x + place.w - 2, .y = pointer_.y});
+  ASSERT_EQ(list().hovered(), std::nullopt);
+  read(kFolders - 10, kFolders);
+  EXPECT_GE(list().scrollOffset(), offset) << "its thumb is about to be taken hold of";
+}
+
 TEST_F(ScanScreenPointerTest, StaysWhereTheUserScrolledWhenThePointerLeaves) {
   showScan();
   read(0, 20);

@@ -10,7 +10,8 @@
 namespace app {
 namespace {
 
-/// The user is in big/, after having been in inner/, which is open since. The scan that is made again finds one folder at a time.
+/// The user is in big/, after having been in inner/, which is open since. The scan that is made
+/// again finds one folder at a time.
 class ScanScreenReturnTest : public ScanScreenTest {
  protected:
   ScanScreenReturnTest() {

@@ -80,6 +80,24 @@ TEST(FolderListFocusAtScaleTwo, MarksTwiceAsWideAndLeavesTheTriangleOut) {
   EXPECT_EQ(picture.at(row.x + 2 * kMark, row.y), rgb(ui::kLightPalette.view));
 }
 
+TEST(FolderListFocusAtScaleFour, LeavesTheTriangleFree) {
+  ListOnServer large({.resources = "Xft.dpi:\t384\n"});
+  large.list_.setRect({0, 0, 400, 8 * large.h_});
+  const ui::Rect row = large.list_.rowRect(0);
+  const auto triangle = [&] {
+    const test::Picture picture = large.painted();
+    std::vector<std::uint32_t> pixels;
+    for (int y = row.y; y < row.y + row.h; ++y) {
+      for (int x = row.x + 6; x < row.x + 15; ++x) pixels.push_back(picture.at(x, y));
+    }
+    return pixels;
+  };
+  const auto without = triangle();
+  large.list_.setMapFocus(kRootNode);
+  EXPECT_EQ(triangle(), without);
+  EXPECT_EQ(large.painted().at(row.x + 5, row.y), rgb(ui::kLightPalette.accent));
+}
+
 TEST_F(FolderListFocusTest, ScrollsSoThatSomeOfAnOpenFolderIsSeen) {
   openLast(50);
   list_.revealFolder(empty_);
@@ -128,6 +146,13 @@ TEST_F(FolderListFocusTest, OpensAFolderThatIsClosed) {
   EXPECT_TRUE(seen(list_.rows().rows()[row + 1].node));
   list_.revealFolder(empty_);
   EXPECT_TRUE(list_.rows().rows()[row].expanded);
+}
+
+TEST_F(FolderListFocusTest, LeavesAFolderClosedThatHoldsVeryMuch) {
+  fillEmpty(10'001, 0);
+  list_.refresh();
+  list_.revealFolder(empty_);
+  EXPECT_FALSE(list_.rows().rows()[static_cast<std::size_t>(rowOf(empty_))].expanded);
 }
 
 TEST_F(FolderListFocusTest, ScrollsToTheRowAloneOfAFolderWithNothingInIt) {

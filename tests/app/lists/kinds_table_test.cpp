@@ -396,6 +396,7 @@ TEST_F(KindsTableTest, DragsItsBar) {
 
 TEST_F(KindsTableTest, KeepsTheRowUnderThePointerInPlace) {
   fillUp();
+  table_.motion({.x = 50, .y = rowY(2)});
   table_.motion({.x = 100, .y = rowY(2)});
   const int y = table_.rowRect(2).y;
   std::vector<KindRow> rows = table_.rows();
@@ -403,6 +404,21 @@ TEST_F(KindsTableTest, KeepsTheRowUnderThePointerInPlace) {
   table_.setRows(rows);
   EXPECT_EQ(table_.rows()[3].kind, 2);
   EXPECT_EQ(table_.rowRect(3).y, y);
+}
+
+TEST_F(KindsTableTest, StaysAtItsTopUnderAPointerThatWasThereBeforeIt) {
+  fillUp();
+  table_.motion({.x = 100, .y = rowY(2)});
+  table_.motion({.x = 101, .y = rowY(2) + 1});
+  std::vector<KindRow> rows = table_.rows();
+  rows.push_back({70, 1000000, 1});
+  table_.setRows(rows);
+  EXPECT_EQ(table_.scrollOffset(), 0);
+  table_.pointerSeen(0, 0);
+  table_.motion({.x = 100, .y = rowY(2)});
+  rows.push_back({71, 1000000, 1});
+  table_.setRows(rows);
+  EXPECT_EQ(table_.scrollOffset(), h_) << "it has been elsewhere";
 }
 
 TEST_F(KindsTableTest, StaysAtItsTopButKeepsItsPlaceFurtherDown) {
