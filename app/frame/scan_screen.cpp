@@ -351,9 +351,11 @@ void ScanScreen::addUpSelection() {
 StatusNote ScanScreen::statusRight() const {
   const auto node = lookedAt();
   const auto kind = kinds_.selectedKind();
+  const std::string button = toolbar_.hint();
   const std::string item = node ? itemText(*tree_, *node) : std::string();
   const std::string highlighted = kind ? kindRowName(*kind) : std::string();
   return statusNote({.typed = list_.typed(),
+                     .button = button,
                      .selected = static_cast<std::int64_t>(selection_.size()),
                      .selectedBytes = selectedSize_,
                      .item = item,

@@ -48,7 +48,8 @@ std::string selectionText(std::int64_t items, std::int64_t bytes) {
 StatusNote statusNote(const StatusTopics& topics) {
   using enum StatusNote::Cut;
   if (!topics.typed.empty()) return {"Typed: " + std::string(topics.typed), Start};
-  if (topics.selected > 1) return {selectionText(topics.selected, topics.selectedBytes), End};
+  if (!topics.button.empty()) return {std::string(topics.button), End};
+  if (topics.selected > 1) return {selectionText(topics.selected, topics.selectedBytes), Start};
   if (!topics.item.empty()) return {std::string(topics.item), Start};
   if (!topics.highlighted.empty()) {
     return {"Only " + std::string(topics.highlighted) + "; Escape ends it", End};

@@ -22,6 +22,8 @@ std::string selectionText(std::int64_t items, std::int64_t bytes);
 struct StatusTopics {
   /// The beginning of a name that the user types to search for it.
   std::string_view typed = {};
+  /// What the button under the pointer does.
+  std::string_view button = {};
   /// How many items are selected, and what several add up to.
   std::int64_t selected = 0;
   std::int64_t selectedBytes = 0;
@@ -39,9 +41,9 @@ struct StatusNote {
   friend bool operator==(const StatusNote&, const StatusNote&) = default;
 };
 
-/// One thing at a time, what the user is about first: letters as they are typed, several selected
-/// items, the item that was used last; where that is none, the kind that is highlighted, with the
-/// key that ends it.
+/// One thing at a time, what the user is about first: letters as they are typed, the button under
+/// the pointer, several selected items, the item that was used last; where that is none, the kind
+/// that is highlighted, with the key that ends it.
 StatusNote statusNote(const StatusTopics& topics);
 
 }  // namespace app

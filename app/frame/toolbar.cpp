@@ -13,6 +13,25 @@ namespace {
 constexpr double kProgressThickness = 2;
 constexpr double kFiguresGap = 12;
 
+std::string_view whatItDoes(Action action) {
+  switch (action) {
+    case Action::LeaveScan:
+      return "Choose another folder to scan";
+    case Action::StopScan:
+      return "Stop the scan and keep what it has found";
+    case Action::Rescan:
+      return "Scan this folder again";
+    case Action::GoOut:
+      return "One folder up";
+    case Action::OpenMeasureMenu:
+      return "Choose what is measured";
+    case Action::OpenApplicationMenu:
+      return "Menu";
+    default:
+      return {};
+  }
+}
+
 }  // namespace
 
 void Toolbar::update(const ToolbarState& state) {
@@ -92,6 +111,17 @@ void Toolbar::act(Control control) {
     const auto node = static_cast<sizewalk::NodeId>(control - buttons);
     onCommand({.action = Action::GoTo, .target = node});
   }
+}
+
+std::string Toolbar::hint() const {
+  for (std::size_t i = 0; i < layout_.buttons.size(); ++i) {
+    if (!hovered(static_cast<Control>(i))) continue;
+    const Action action = layout_.buttons[i].action;
+    const std::string key = keyOf({.action = action});
+    const std::string hint(whatItDoes(action));
+    return key.empty() ? hint : hint + " (" + key + ")";
+  }
+  return {};
 }
 
 ui::PointerShape Toolbar::pointer() const {

@@ -39,6 +39,10 @@ class Toolbar : public ui::ButtonView<> {
   /// A hand over the breadcrumb.
   ui::PointerShape pointer() const override;
 
+  /// What the button under the pointer does, and its key: "One folder up (Backspace)". Empty
+  /// without one.
+  std::string hint() const;
+
   const ToolbarLayout& layout() const { return layout_; }
 
   struct ShownFigures {

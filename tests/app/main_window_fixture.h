@@ -72,7 +72,11 @@ class WindowUser {
   }
   unsigned long pixel(int x, int y) { return client.screenPixel(window_, x, y); }
   Pixels toolbar() { return pixels(frame_.toolbar); }
-  Pixels status() { return pixels(frame_.status); }
+  /// The half that tells of the scan.
+  Pixels status() {
+    const ui::Rect& line = frame_.status;
+    return pixels({line.x, line.y, line.w / 2, line.h});
+  }
   Pixels map() { return pixels(frame_.map); }
   /// Of files: the blocks of folders in which there is nothing yet are flat.
   bool seesAMap() {

@@ -167,5 +167,12 @@ TEST_F(ScanScreenStatusTest, TellsOfWhatIsSelectedBeforeTheHighlightedKind) {
   EXPECT_EQ(right(), "2 selected · " + formatSize(90'000));
 }
 
+TEST_F(ScanScreenStatusTest, TellsWhatTheButtonUnderThePointerDoes) {
+  point(screen_.toolbar().layout().place(Action::Rescan));
+  EXPECT_EQ(right(), "Scan this folder again (F5)");
+  point(inList(big_));
+  EXPECT_EQ(right(), "/r/big");
+}
+
 }  // namespace
 }  // namespace app

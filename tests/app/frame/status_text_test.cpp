@@ -63,6 +63,7 @@ TEST(StatusText, EndsAStoppedScanThatMissedNothingWithTheTime) {
 // What it is about.
 
 constexpr StatusTopics kAllTopics = {.typed = "abc",
+                                     .button = "One folder up (Backspace)",
                                      .selected = 3,
                                      .selectedBytes = 1'200'000'000,
                                      .item = "/home/u",
@@ -72,6 +73,8 @@ TEST(StatusNote, TellsOfWhatComesFirstOfAllThatThereIs) {
   StatusTopics topics = kAllTopics;
   EXPECT_EQ(statusNote(topics).text, "Typed: abc");
   topics.typed = {};
+  EXPECT_EQ(statusNote(topics).text, "One folder up (Backspace)");
+  topics.button = {};
   EXPECT_EQ(statusNote(topics).text, "3 selected · 1.20 GB");
   topics.selected = 1;
   EXPECT_EQ(statusNote(topics).text, "/home/u") << "one item is not several";
@@ -86,6 +89,8 @@ TEST(StatusNote, LosesWhatSaysLeast) {
   EXPECT_EQ(statusNote(topics).cut, StatusNote::Cut::Start) << "the last letters count";
   topics.typed = {};
   EXPECT_EQ(statusNote(topics).cut, StatusNote::Cut::End);
+  topics.button = {};
+  EXPECT_EQ(statusNote(topics).cut, StatusNote::Cut::Start);
   topics.selected = 0;
   EXPECT_EQ(statusNote(topics).cut, StatusNote::Cut::Start);
   topics.item = {};

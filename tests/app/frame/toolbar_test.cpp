@@ -424,5 +424,35 @@ TEST_F(ToolbarTest, AsksForAFrameOnlyWhenFiguresChange) {
   EXPECT_EQ(bar.figures().text, "") << "no folder to tell of";
 }
 
+// What it tells of its buttons.
+
+TEST_F(ToolbarTest, TellsWhatTheButtonUnderThePointerDoesAndItsKey) {
+  showAtRest(finished());
+  EXPECT_EQ(bar.hint(), "");
+  const std::map<Action, std::string> hints = {
+      {Action::LeaveScan, "Choose another folder to scan (Ctrl+O)"},
+      {Action::Rescan, "Scan this folder again (F5)"},
+      {Action::GoOut, "One folder up (Backspace)"},
+      {Action::OpenMeasureMenu, "Choose what is measured"},
+      {Action::OpenApplicationMenu, "Menu (F10)"}};
+  for (const auto& [action, hint] : hints) {
+    EXPECT_TRUE(changedBy([&] { bar.motion(eventAt(bar.layout().place(action))); }));
+    EXPECT_EQ(bar.hint(), hint);
+  }
+  bar.motion(eventAt(segment(0)));
+  EXPECT_EQ(bar.hint(), "") << "it has its name";
+  bar.motion(eventAt(bar.layout().place(Action::GoOut)));
+  bar.leave();
+  EXPECT_EQ(bar.hint(), "");
+}
+
+TEST_F(ToolbarTest, TellsWhatStoppingDoes) {
+  ToolbarState scanning = finished();
+  scanning.scanning = true;
+  showAtRest(scanning);
+  bar.motion(eventAt(bar.layout().place(Action::StopScan)));
+  EXPECT_EQ(bar.hint(), "Stop the scan and keep what it has found (Escape)");
+}
+
 }  // namespace
 }  // namespace app
