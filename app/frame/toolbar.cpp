@@ -118,8 +118,9 @@ std::string Toolbar::hint() const {
     if (!hovered(static_cast<Control>(i))) continue;
     const Action action = layout_.buttons[i].action;
     const std::string key = keyOf({.action = action});
-    const std::string hint(whatItDoes(action));
-    return key.empty() ? hint : hint + " (" + key + ")";
+    std::string hint(whatItDoes(action));
+    if (!key.empty()) hint.append(" (").append(key).append(")");
+    return hint;
   }
   return {};
 }

@@ -435,9 +435,10 @@ TEST_F(ToolbarTest, TellsWhatTheButtonUnderThePointerDoesAndItsKey) {
       {Action::GoOut, "One folder up (Backspace)"},
       {Action::OpenMeasureMenu, "Choose what is measured"},
       {Action::OpenApplicationMenu, "Menu (F10)"}};
-  for (const auto& [action, hint] : hints) {
-    EXPECT_TRUE(changedBy([&] { bar.motion(eventAt(bar.layout().place(action))); }));
-    EXPECT_EQ(bar.hint(), hint);
+  for (const auto& button : hints) {
+    const ui::Rect& place = bar.layout().place(button.first);
+    EXPECT_TRUE(changedBy([&] { bar.motion(eventAt(place)); }));
+    EXPECT_EQ(bar.hint(), button.second);
   }
   bar.motion(eventAt(segment(0)));
   EXPECT_EQ(bar.hint(), "") << "it has its name";
