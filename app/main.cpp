@@ -1,4 +1,5 @@
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -49,6 +50,9 @@ constexpr std::chrono::milliseconds kLongestSave = 2 * base::FileLock::kLongestW
 
 /// Returns when the window is closed and gone.
 int runWindow(const app::CommandLine& command) {
+  // A frame may be on its way to a server that has gone: that is told of, it ends nothing by
+  // itself.
+  std::signal(SIGPIPE, SIG_IGN);
   // A capture is a run of its own, beside whatever else is open.
   const bool single = command.capturePath.empty();
   if (single && ui::handOver(app::kInstanceNames, command.path)) return 0;
