@@ -54,14 +54,18 @@ void RunningProgram::waitUntilIdle() const {
   throw std::runtime_error("the program does not come to rest");
 }
 
-int RunningProgram::threads() const {
+long RunningProgram::status(const std::string& field) const {
   std::ifstream file("/proc/" + std::to_string(child_.pid()) + "/status");
   std::string word;
-  int count = 0;
+  long number = 0;
   while (file >> word) {
-    if (word == "Threads:" && file >> count) return count;
+    if (word == field + ":" && file >> number) return number;
   }
   throw std::runtime_error("the program has ended");
 }
+
+int RunningProgram::threads() const { return static_cast<int>(status("Threads")); }
+
+double RunningProgram::peakMemory() const { return static_cast<double>(status("VmHWM")) * 1024; }
 
 }  // namespace bench

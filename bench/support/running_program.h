@@ -22,8 +22,13 @@ class RunningProgram {
   /// all is shown. Throws std::runtime_error when that does not come.
   void waitUntilIdle() const;
   int threads() const;
+  /// The most that was resident so far, in bytes.
+  double peakMemory() const;
 
  private:
+  /// The number after `field` in what the system tells of the process.
+  long status(const std::string& field) const;
+
   const test::PrivateHome home_;
   test::Child child_;
 };

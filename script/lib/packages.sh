@@ -14,7 +14,7 @@ packages() {
         trash-cli curl wget python3 fonts-noto-color-emoji
       ;;
     debian-screenshots) echo xdotool fonts-noto-color-emoji ;;
-    debian-bench) echo libxtst-dev ;;
+    debian-bench) echo libxtst-dev libxdamage-dev ;;
     fedora-run)
       echo gcc-c++ cmake ninja-build pkgconf-pkg-config libX11-devel libXrender-devel libXft-devel \
         fontconfig-devel libpng-devel dejavu-sans-fonts xorg-x11-server-Xvfb xdpyinfo netpbm-progs
@@ -24,7 +24,7 @@ packages() {
         trash-cli curl wget python3 dejavu-sans-mono-fonts google-noto-color-emoji-fonts
       ;;
     fedora-screenshots) echo xdotool google-noto-color-emoji-fonts ;;
-    fedora-bench) echo libXtst-devel ;;
+    fedora-bench) echo libXtst-devel libXdamage-devel ;;
     arch-run)
       echo gcc cmake ninja pkgconf libx11 libxrender libxft fontconfig libpng ttf-dejavu \
         xorg-server-xvfb xorg-xdpyinfo netpbm
@@ -34,7 +34,7 @@ packages() {
         noto-fonts-emoji
       ;;
     arch-screenshots) echo xdotool noto-fonts-emoji ;;
-    arch-bench) echo libxtst ;;
+    arch-bench) echo libxtst libxdamage ;;
     suse-run)
       echo gcc-c++ cmake ninja pkgconf-pkg-config libX11-devel libXrender-devel libXft-devel \
         fontconfig-devel libpng16-devel dejavu-fonts xorg-x11-server-Xvfb xdpyinfo netpbm
@@ -43,7 +43,7 @@ packages() {
       echo gtest libXtst-devel fuse3-devel fuse3 clang lld ShellCheck ccache xclip openbox \
         trash-cli curl wget python3 google-noto-coloremoji-fonts
       ;;
-    suse-bench) echo libXtst-devel ;;
+    suse-bench) echo libXtst-devel libXdamage-devel ;;
     suse-screenshots) echo xdotool google-noto-coloremoji-fonts ;;
   esac
 }
@@ -76,7 +76,7 @@ requirements() {
         Xvfb xdpyinfo pnmtopng
       ;;
     test) echo pc:gtest pc:xtst clang++ ld.lld shellcheck ccache xclip openbox ;;
-    bench) echo pc:xtst ;;
+    bench) echo pc:xtst pc:xdamage ;;
     screenshots) echo xdotool ;;
   esac
 }
