@@ -1,8 +1,8 @@
 #include "app/map/background_render.h"
 
+#include <ctime>
 #include <exception>
 
-#include "app/model/parallel.h"
 #include "base/detached_threads.h"
 #include "base/mutex.h"
 
@@ -14,10 +14,17 @@ std::optional<RenderedTreemap> render(RenderRequest request) {
   try {
     return renderTreemap(*request.tree, request.root, request.width, request.height,
                          request.colours, request.extraBlocks, request.measure,
-                         std::move(request.recycled));
+                         std::move(request.recycled), request.threads);
   } catch (const std::exception&) {
     return std::nullopt;
   }
+}
+
+/// What the calling thread has had of the processors so far.
+BackgroundRender::Duration processorTime() {
+  timespec time{};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+  return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
 }  // namespace
@@ -26,7 +33,7 @@ struct BackgroundRender::Job {
   base::Mutex mutex;                       // guards `post`, and is held while it is called
   Post post GUARDED_BY(mutex);             // empty once the picture was dropped
   std::optional<RenderedTreemap> picture;  // this and the next are written before `post` is called
-  Duration took{};
+  Duration processorTime{};
 };
 
 bool BackgroundRender::start(RenderRequest request) {
@@ -37,9 +44,8 @@ bool BackgroundRender::start(RenderRequest request) {
   }
   const bool started = base::startDetached([this, job, request = std::move(request)]() mutable {
     giveWayToWindow();
-    const auto begin = std::chrono::steady_clock::now();
     job->picture = render(std::move(request));
-    job->took = std::chrono::steady_clock::now() - begin;
+    job->processorTime = processorTime();
     const base::MutexLock lock(job->mutex);
     if (job->post) job->post([this, job] { finish(job); });
   });
@@ -58,7 +64,7 @@ void BackgroundRender::drop() {
 void BackgroundRender::finish(const std::shared_ptr<Job>& job) {
   if (job != job_) return;
   job_.reset();
-  onEnded(std::exchange(job->picture, std::nullopt), job->took);
+  onEnded(std::exchange(job->picture, std::nullopt), job->processorTime);
 }
 
 }  // namespace app

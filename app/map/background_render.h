@@ -11,6 +11,7 @@
 #include "app/map/treemap_render.h"
 #include "app/model/kind_colours.h"
 #include "app/model/measure.h"
+#include "app/model/parallel.h"
 #include "sizewalk/file_tree.h"
 
 namespace app {
@@ -25,6 +26,7 @@ struct RenderRequest {
   std::vector<ExtraBlock> extraBlocks;
   MeasureSettings measure;
   RenderedTreemap recycled;
+  unsigned threads = hardwareThreads();
 };
 
 /// Makes pictures of a growing tree on a thread of its own, so that the owner's thread answers its
@@ -37,9 +39,9 @@ class BackgroundRender {
   using Post = std::function<void(std::function<void()>)>;
   using Duration = std::chrono::steady_clock::duration;
 
-  /// What was started has ended after so long: with a picture, or without one where memory did not
-  /// suffice.
-  std::function<void(std::optional<RenderedTreemap> picture, Duration took)> onEnded;
+  /// What was started has ended, with a picture, or without one where memory did not suffice.
+  /// `processorTime` is that of the thread it began on; of other threads it knows nothing.
+  std::function<void(std::optional<RenderedTreemap> picture, Duration processorTime)> onEnded;
 
   explicit BackgroundRender(Post post) : post_(std::move(post)) {}
   /// As `drop`. What was posted must not be run any more.

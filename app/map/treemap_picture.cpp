@@ -33,8 +33,8 @@ TreemapPicture::TreemapPicture(ui::Connection& connection, const KindColours& co
       image_(connection),
       hasBackground_(static_cast<bool>(post)),
       background_(std::move(post)) {
-  background_.onEnded = [this](auto picture, BackgroundRender::Duration took) {
-    pacer_.pauseAfter(took);
+  background_.onEnded = [this](auto picture, BackgroundRender::Duration processorTime) {
+    budget_.spend(processorTime, begunNodes_);
     if (!picture) return noteFailure();
     failures_ = 0;
     take(std::move(*picture));
@@ -72,6 +72,17 @@ void TreemapPicture::setHighlight(std::optional<sizewalk::KindIndex> kind) {
   unsent_ = true;
 }
 
+void TreemapPicture::setGrowing(bool growing) {
+  if (growing == growing_) return;
+  growing_ = growing;
+  if (growing) {
+    budget_ = PreviewBudget(PreviewBudget::Clock::now());
+  } else if (background_.busy()) {
+    background_.drop();
+    outdated_ = true;
+  }
+}
+
 bool TreemapPicture::fits() const {
   return rendered_.width == rect_.w && rendered_.height == rect_.h;
 }
@@ -88,7 +99,7 @@ bool TreemapPicture::due() const { return refused_ || renderDue(); }
 
 bool TreemapPicture::renderDue() const {
   if (!behind() || background_.busy()) return false;
-  return !growing_ || pacer_.due(RefreshPacer::Clock::now());
+  return !growing_ || budget_.allows(PreviewBudget::Clock::now(), tree_->nodeCount());
 }
 
 bool TreemapPicture::update() {
@@ -137,14 +148,17 @@ void TreemapPicture::renderNow() {
 void TreemapPicture::renderInBackground() {
   outdated_ = false;
   overtaken_ = false;
-  const bool begun = hasBackground_ && background_.start({.tree = tree_,
-                                                          .root = focus_,
-                                                          .width = rect_.w,
-                                                          .height = rect_.h,
-                                                          .colours = colours_,
-                                                          .extraBlocks = extraBlocks_,
-                                                          .measure = measure_,
-                                                          .recycled = std::exchange(spare_, {})});
+  begunNodes_ = tree_->nodeCount();
+  const bool begun =
+      hasBackground_ && background_.start({.tree = tree_,
+                                           .root = focus_,
+                                           .width = rect_.w,
+                                           .height = rect_.h,
+                                           .colours = colours_,
+                                           .extraBlocks = extraBlocks_,
+                                           .measure = measure_,
+                                           .recycled = std::exchange(spare_, {}),
+                                           .threads = growing_ ? 1 : hardwareThreads()});
   if (!begun) renderNow();
 }
 

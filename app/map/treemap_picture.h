@@ -12,7 +12,7 @@
 #include "app/map/treemap_render.h"
 #include "app/model/kind_colours.h"
 #include "app/model/measure.h"
-#include "app/model/refresh_pacer.h"
+#include "app/model/preview_budget.h"
 #include "sizewalk/file_tree.h"
 #include "ui/canvas.h"
 #include "ui/connection.h"
@@ -53,8 +53,10 @@ class TreemapPicture {
   /// The tree has changed, or what is beside it: an `update` begins a new picture. Until it is
   /// there the last one stays.
   void markOutdated() { outdated_ = true; }
-  /// While the tree keeps growing, pauses between pictures leave two thirds of the time to others.
-  void setGrowing(bool growing) { growing_ = growing; }
+  /// While the tree keeps growing, pauses between pictures leave the time to what makes it grow. A
+  /// picture that is being made when it grows no more is given up: the last one is not to wait for
+  /// it.
+  void setGrowing(bool growing);
   /// An `update` would begin a picture in the background, or send again what the server had no room
   /// for.
   bool due() const;
@@ -130,7 +132,10 @@ class TreemapPicture {
   /// Pictures in the background, one after the other, for which there was no memory.
   int failures_ = 0;
   bool growing_ = false;
-  RefreshPacer pacer_;
+  /// What pictures of the growing tree may cost.
+  PreviewBudget budget_;
+  /// The nodes that there were when the picture in the background was begun.
+  std::uint64_t begunNodes_ = 0;
 };
 
 /// The pixels that a rectangle of the map is drawn on: each edge rounded half away from zero, as

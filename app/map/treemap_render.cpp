@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "app/map/cushion_shading.h"
-#include "app/model/parallel.h"
 #include "sizewalk/file_kinds.h"
 
 namespace app {
@@ -57,13 +56,13 @@ class BlockPainter {
 
   /// Once for each block, on one thread or another, so that a block that two threads shade has one
   /// colour even where the tree changes meanwhile. Fills `colours` and `kinds` of the map.
-  void chooseColours(RenderedTreemap* map, std::vector<RunRows>* rows) const {
+  void chooseColours(unsigned threads, RenderedTreemap* map, std::vector<RunRows>* rows) const {
     const std::span<const TreemapBlock> blocks = map->blocks;
     map->colours.resize(blocks.size());
     map->kinds.resize(blocks.size());
     rows->resize(runCount(blocks.size()));
     const std::size_t pieces = (blocks.size() + kBlocksPerPiece - 1) / kBlocksPerPiece;
-    forEachOnThreads(pieces, hardwareThreads(), [&](std::size_t piece) {
+    forEachOnThreads(pieces, threads, [&](std::size_t piece) {
       const std::size_t end = std::min(blocks.size(), (piece + 1) * kBlocksPerPiece);
       for (std::size_t i = piece * kBlocksPerPiece; i < end; ++i) {
         choose(blocks[i], &map->colours[i], &map->kinds[i]);
@@ -135,7 +134,8 @@ KindIndex drawnKind(const FileTree& tree, NodeId node, const MeasureSettings& me
 RenderedTreemap renderTreemap(const FileTree& tree, NodeId root, std::int32_t width,
                               std::int32_t height, const KindColours& colours,
                               std::span<const ExtraBlock> extraBlocks,
-                              const MeasureSettings& measure, RenderedTreemap recycled) {
+                              const MeasureSettings& measure, RenderedTreemap recycled,
+                              unsigned threads) {
   RenderedTreemap map = std::move(recycled);
   map.width = width;
   map.height = height;
@@ -160,9 +160,9 @@ RenderedTreemap renderTreemap(const FileTree& tree, NodeId root, std::int32_t wi
     for (const ExtraBlock& extra : extraBlocks) map.extraColours.insert_or_assign(extra.id, extra);
     if (!extraBlocks.empty()) findExtras(&map);
     std::vector<RunRows> rows;
-    BlockPainter(tree, measure, colours, map.extraColours).chooseColours(&map, &rows);
+    BlockPainter(tree, measure, colours, map.extraColours).chooseColours(threads, &map, &rows);
     shadeBlocks(map.blocks, map.colours, rows,
-                {map.pixels.data(), map.blockAt.data(), width, height}, hardwareThreads());
+                {map.pixels.data(), map.blockAt.data(), width, height}, threads);
   }
   map.outlineRects.assign(map.blocks);
   return map;

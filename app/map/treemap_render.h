@@ -9,6 +9,7 @@
 #include "app/map/treemap_layout.h"
 #include "app/model/kind_colours.h"
 #include "app/model/measure.h"
+#include "app/model/parallel.h"
 #include "app/model/settings.h"
 #include "sizewalk/file_kinds.h"
 #include "sizewalk/file_tree.h"
@@ -60,14 +61,16 @@ struct RenderedTreemap {
 /// Lays out and shades `root` at width × height pixels. A size below 1 or a root that is not
 /// published gives a render without blocks and pixels. `recycled` is a render that is no longer
 /// needed: its memory is used again, which saves the kernel from handing out some tens of megabytes
-/// of fresh pages each time.
+/// of fresh pages each time. The work is done by up to `threads` threads, the calling one among
+/// them.
 ///
 /// Any thread. The tree may grow meanwhile; what is drawn is what was published when it was
 /// looked at.
 RenderedTreemap renderTreemap(const sizewalk::FileTree& tree, sizewalk::NodeId root,
                               std::int32_t width, std::int32_t height, const KindColours& colours,
                               std::span<const ExtraBlock> extraBlocks,
-                              const MeasureSettings& measure, RenderedTreemap recycled = {});
+                              const MeasureSettings& measure, RenderedTreemap recycled = {},
+                              unsigned threads = hardwareThreads());
 
 /// The kind of what fills a folder: that of the largest entry of its largest subfolder and so on
 /// inwards, as far as a bounded look finds it. Any thread.
