@@ -20,8 +20,6 @@ namespace sizewalk {
 
 namespace {
 
-constexpr int kOpenFlags = O_RDONLY | O_NONBLOCK | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-
 base::FileDescriptor openAt(int directory, const char* path, int flags) {
   return base::FileDescriptor(retryInterrupted([&] { return openat(directory, path, flags); }));
 }
@@ -171,7 +169,7 @@ class Listing {
 base::FileDescriptor openDirectory(const std::string& path) {
   const std::optional<ReachedPath> reached = reachPath(path);
   if (!reached) return {};
-  return openAt(reached->directory(), reached->rest.c_str(), kOpenFlags);
+  return openAt(reached->directory(), reached->rest.c_str(), kListingFlags);
 }
 
 std::uint32_t birthOrChangeTime(const struct statx& status) {

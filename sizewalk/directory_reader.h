@@ -1,5 +1,6 @@
 #pragma once
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <atomic>
@@ -11,6 +12,9 @@
 #include "sizewalk/directory_result.h"
 
 namespace sizewalk {
+
+/// How a directory is opened for listing: without waiting, and not through a symbolic link.
+inline constexpr int kListingFlags = O_RDONLY | O_NONBLOCK | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
 /// Opens the directory at the absolute `path` for listing: read-only, non-blocking, never following
 /// a symbolic link in the last component. A path longer than the kernel takes in one call is opened

@@ -220,8 +220,10 @@ void FileTree::addSums(NodeId node, const NodeSums& sums) {
   addedSinceLastScan_.add(node, sums.addedSinceLastScan);
 }
 
-/// Adds `sums` to `from` and to what lies above it, up to the root or the first taken-out node.
+/// Adds `sums` to `from` and to what lies above it, up to the root or the first taken-out node. A
+/// folder of folders has nothing to add, which is all there is in most of a long chain.
 void FileTree::rollUp(NodeId from, const NodeSums& sums) {
+  if (sums == NodeSums{}) return;
   for (NodeId node = from;; node = parent_[node]) {
     addSums(node, sums);
     if (node == kRootNode || isTakenOut(node)) return;

@@ -23,7 +23,6 @@ constexpr std::size_t kFreeResults = 256;
 /// A result that grew beyond this many entries is not kept for reuse: in time every kept one would
 /// have met a large directory, and all of them together would hold more memory than the tree.
 constexpr std::size_t kReusableEntries = 256;
-constexpr std::size_t kPathReserve = 1024;
 constexpr std::size_t kBufferAlignment = 16;
 constexpr auto kProgressInterval = std::chrono::milliseconds(100);
 
@@ -90,9 +89,7 @@ class TreeScanner::Reader {
       : scanner_(*scanner),
         workList_(*workList),
         rules_{scanner->options_.dedupeHardLinks, &workList->closedFlag()},
-        blocks_((scanner->options_.readBufferSize + kBufferAlignment - 1) / kBufferAlignment) {
-    path_.reserve(kPathReserve);
-  }
+        blocks_((scanner->options_.readBufferSize + kBufferAlignment - 1) / kBufferAlignment) {}
 
   void run() {
     NodeId directory = kRootNode;
@@ -100,7 +97,7 @@ class TreeScanner::Reader {
     while (nextDirectory(&directory)) {
       timer.addTo(&times_.idleNs);
       std::unique_ptr<DirectoryResult> result = scanner_.takeFreeResult(directory);
-      scanner_.tree_.path(directory, &path_);
+      scanner_.folders_->find(directory, &way_);
       timer.addTo(&times_.pathNs);
       read(result.get(), &timer);
       scanner_.results_->push(std::move(result));
@@ -118,9 +115,10 @@ class TreeScanner::Reader {
     return workList_.pop(directory);
   }
 
-  /// Opens, lists and closes the directory at `path_`.
+  /// Opens, lists and gives back the directory that `way_` leads to. By the time its result is
+  /// pushed it is kept for those in it.
   void read(DirectoryResult* result, StepTimer* timer) {
-    base::FileDescriptor fd = openDirectory(path_);
+    base::FileDescriptor fd = scanner_.folders_->open(&way_);
     timer->addTo(&times_.openNs);
     if (fd.valid()) {
       readDirectory(rules_, fd.get(), result, std::as_writable_bytes(std::span(blocks_)));
@@ -128,7 +126,9 @@ class TreeScanner::Reader {
       result->unreadable = true;
       ++result->errors;
     }
-    fd.close();
+    scanner_.folders_->giveBack(way_, std::move(fd),
+                                result->subdirectories.empty() ? FolderOpener::Use::Listed
+                                                               : FolderOpener::Use::HoldsFolders);
     timer->addTo(&times_.listNs);
   }
 
@@ -140,7 +140,7 @@ class TreeScanner::Reader {
   WorkList& workList_;
   ReadRules rules_;
   std::vector<Block> blocks_;
-  std::string path_;
+  FolderWay way_;
   WalkStatistics times_;
 };
 
@@ -164,15 +164,16 @@ int TreeScanner::walk(NodeId start) {
     control_.begin(&workList);
     const ListInUse inUse(&control_);
     // A walk that was cancelled by now leaves what an earlier one found.
-    if (!workList.closedFlag() && tree_.dropContents(start)) readAll(&workList);
+    if (!workList.closedFlag() && tree_.dropContents(start)) readAll(start, &workList);
   } catch (const std::bad_alloc&) {  // no thread of the walk runs
     failure_ = ENOMEM;
   }
   return failure_;
 }
 
-void TreeScanner::readAll(WorkList* workList) {
+void TreeScanner::readAll(NodeId start, WorkList* workList) {
   results_ = std::make_unique<ResultQueue>(longestPause_);
+  folders_ = std::make_unique<FolderOpener>(tree_, start, workList->closedFlag());
   {
     const base::MutexLock lock(statisticsMutex_);
     statistics_ = {};
@@ -192,9 +193,12 @@ void TreeScanner::readAll(WorkList* workList) {
   // Asked for before the lock is taken, so that two mutexes are never held at once.
   const std::uint64_t queueWaits = results_->producerWaits();
   const std::uint64_t emptyQueueWaits = results_->consumerWaits();
+  const std::uint64_t opens = folders_->opens();
+  folders_.reset();  // a disk is not kept busy beyond the walk
   const base::MutexLock lock(statisticsMutex_);
   statistics_.queueWaits = queueWaits;
   statistics_.emptyQueueWaits = emptyQueueWaits;
+  statistics_.opens = opens;
 }
 
 int TreeScanner::readerCount() const {

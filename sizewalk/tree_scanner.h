@@ -12,6 +12,7 @@
 #include "base/mutex.h"
 #include "sizewalk/directory_result.h"
 #include "sizewalk/file_tree.h"
+#include "sizewalk/folder_opener.h"
 #include "sizewalk/result_queue.h"
 #include "sizewalk/scan_options.h"
 #include "sizewalk/walk_control.h"
@@ -36,8 +37,10 @@ struct WalkStatistics {
   std::uint64_t queueWaits = 0;
   /// Times the integrator waited for a result.
   std::uint64_t emptyQueueWaits = 0;
+  /// Calls made to open a folder, those on the way to one included.
+  std::uint64_t opens = 0;
   // Summed over all readers:
-  std::uint64_t pathNs = 0;      // building paths
+  std::uint64_t pathNs = 0;      // finding the way to directories
   std::uint64_t openNs = 0;      // opening directories
   std::uint64_t listNs = 0;      // listing and examining entries
   std::uint64_t handOverNs = 0;  // pushing results, waits for room included
@@ -109,7 +112,7 @@ class TreeScanner {
  private:
   class Reader;
 
-  void readAll(WorkList* workList);
+  void readAll(NodeId start, WorkList* workList);
   int readerCount() const;
   /// As many as are wanted and can be had. Where that is none, `error` says why.
   std::vector<std::thread> startReaders(WorkList* workList, int* error);
@@ -131,7 +134,9 @@ class TreeScanner {
   const std::chrono::milliseconds longestPause_;
   FileTree tree_;
   WalkControl control_;
-  std::unique_ptr<ResultQueue> results_;  // of the current walk
+  // Of the current walk:
+  std::unique_ptr<ResultQueue> results_;
+  std::unique_ptr<FolderOpener> folders_;
   /// Why the current walk was broken off, the first reason; 0 when it was not.
   std::atomic<int> failure_{0};
 

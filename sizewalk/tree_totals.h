@@ -50,6 +50,7 @@ struct NodeSums {
 
   void add(const NodeSums& other);
   NodeSums negated() const;
+  friend bool operator==(const NodeSums&, const NodeSums&) = default;
 };
 
 /// Every total that a set of nodes accounts for.

@@ -33,7 +33,7 @@ Gate& gate() {
 }
 
 bool isNamed(std::string_view path, const std::string& name) {
-  return name == "/" ? path == name : path.ends_with("/" + name);
+  return path == name || (name != "/" && path.ends_with("/" + name));
 }
 
 void passGate(std::string_view path) {

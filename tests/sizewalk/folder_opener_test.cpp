@@ -1,0 +1,334 @@
+// How the folders of a walk are opened: at what cost in the depth, with few descriptors, and where
+// somebody moves or replaces them meanwhile.
+
+#include "sizewalk/folder_opener.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <climits>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "sizewalk/tree_scanner.h"
+#include "tests/app/held_folder.h"
+#include "tests/sizewalk/tree_model.h"
+#include "tests/sizewalk/whole_scan.h"
+#include "tests/support/real_tree.h"
+#include "tests/support/temp_directory.h"
+
+namespace sizewalk {
+namespace {
+
+namespace fs = std::filesystem;
+using test::describe;
+using test::Listing;
+using test::Scan;
+using test::TempDirectory;
+using test::withThreads;
+using test::writeFile;
+
+/// Leaves this process so many descriptors more, for the scope; what it closes it may open again.
+class FewDescriptors {
+ public:
+  explicit FewDescriptors(int left) {
+    getrlimit(RLIMIT_NOFILE, &usual_);
+    rlimit limit = usual_;
+    int number = 0;
+    while (fcntl(number, F_GETFD) >= 0 || left-- > 0) ++number;
+    limit.rlim_cur = static_cast<rlim_t>(number);
+    setrlimit(RLIMIT_NOFILE, &limit);
+  }
+  ~FewDescriptors() { setrlimit(RLIMIT_NOFILE, &usual_); }
+  FewDescriptors(const FewDescriptors&) = delete;
+  FewDescriptors& operator=(const FewDescriptors&) = delete;
+
+ private:
+  rlimit usual_{};
+};
+
+int openDescriptors() {
+  int count = 0;
+  for (int number = 0; number < 4096; ++number) count += fcntl(number, F_GETFD) >= 0;
+  return count;
+}
+
+enum class Order { LeafFirst, LeafLast };
+
+/// A chain of folders, each with a leaf folder beside the next link: a walk that goes down the
+/// chain first meets the leaves on its way up.
+void makeComb(const std::string& path, int depth, Order order) {
+  base::FileDescriptor at(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  for (int i = 0; i < depth; ++i) {
+    const char* const first = order == Order::LeafFirst ? "leaf" : "link";
+    const char* const second = order == Order::LeafFirst ? "link" : "leaf";
+    ASSERT_EQ(mkdirat(at.get(), first, 0700), 0);
+    ASSERT_EQ(mkdirat(at.get(), second, 0700), 0);
+    at = base::FileDescriptor(openat(at.get(), "link", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    ASSERT_TRUE(at.valid());
+  }
+}
+
+TEST(FolderOpener, OpensEveryFolderOfAChainOnce) {
+  const TempDirectory dir(TempDirectory::Place::Memory);
+  test::makeDeepTree(dir.path(), 6000, 12345);
+  for (const int readers : {1, 4}) {
+    const Scan scan(dir.path(), readers);
+    EXPECT_EQ(scan.tree().totals().errors, 0U);
+    EXPECT_EQ(scan.tree().apparentSize(kRootNode), 12345U);
+    EXPECT_EQ(scan.scanner.statistics().opens, 6001U) << readers;
+  }
+}
+
+/// Opens a folder as a reader would that lists it.
+bool openAndGiveBack(FolderOpener& opener, NodeId folder, FolderOpener::Use use) {
+  FolderWay way;
+  opener.find(folder, &way);
+  base::FileDescriptor fd = opener.open(&way);
+  const bool opened = fd.valid();
+  opener.giveBack(way, std::move(fd), use);
+  return opened;
+}
+
+TEST(FolderOpener, OpensFewAgainOnTheWayUpAComb) {
+  const TempDirectory dir(TempDirectory::Place::Memory);
+  makeComb(dir.path(), 6000, Order::LeafFirst);
+  const Scan scan(dir.path());
+  const FileTree& tree = scan.tree();
+  std::vector<NodeId> links = {kRootNode}, leaves;
+  for (NodeId node = 1; node < tree.nodeCount(); ++node) {
+    (tree.name(node) == "link" ? links : leaves).push_back(node);
+  }
+  const std::atomic<bool> stop{false};
+  FolderOpener opener(tree, kRootNode, stop);
+  for (const NodeId link : links) {
+    ASSERT_TRUE(openAndGiveBack(opener, link, FolderOpener::Use::HoldsFolders));
+  }
+  EXPECT_EQ(opener.opens(), links.size());
+  for (auto leaf = leaves.rbegin(); leaf != leaves.rend(); ++leaf) {
+    ASSERT_TRUE(openAndGiveBack(opener, *leaf, FolderOpener::Use::Listed));
+  }
+  EXPECT_LE(opener.opens() - links.size(), 4 * leaves.size());
+}
+
+TEST(FolderOpener, OpensFewFoldersOfABushyTreeTwice) {
+  const TempDirectory dir(TempDirectory::Place::Memory);
+  for (int i = 0; i < 50; ++i) {
+    for (int j = 0; j < 20; ++j) {
+      test::makeDirectory(dir / ("a" + std::to_string(i) + "/b" + std::to_string(j) + "/c"));
+    }
+  }
+  const Scan scan(dir.path(), 1);
+  EXPECT_LE(scan.scanner.statistics().opens, scan.tree().nodeCount() * 5 / 4);
+}
+
+TEST(FolderOpener, StartsBelowTheRootAsWell) {
+  const TempDirectory dir(TempDirectory::Place::Memory);
+  test::makeDeepTree(dir.path(), 300, 12345);
+  TreeScanner scanner(withThreads(2));
+  scanner.setRoot(dir.path());
+  ASSERT_EQ(scanner.walk(kRootNode), 0);
+  ASSERT_EQ(scanner.walk(200), 0);
+  EXPECT_EQ(scanner.statistics().opens, 101U);
+  EXPECT_EQ(scanner.tree().apparentSize(kRootNode), 12345U);
+  EXPECT_EQ(scanner.tree().totals().errors, 0U);
+}
+
+TEST(FolderOpener, LeavesNothingOpen) {
+  const TempDirectory dir;
+  test::makeDeepTree(dir.path(), 100, 1);
+  const int before = openDescriptors();
+  const Scan scan(dir.path(), 4);
+  EXPECT_EQ(openDescriptors(), before);
+}
+
+TEST(FolderOpener, KeepsFewFoldersOpenWhereFewMayBe) {
+  const TempDirectory dir(TempDirectory::Place::Memory);
+  test::makeDeepTree(dir.path(), 100, 1);
+  writeFile(dir / "d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/held/file");
+  test::HeldFolder held("held");
+  rlimit usual{};
+  getrlimit(RLIMIT_NOFILE, &usual);
+  rlimit few = usual;
+  few.rlim_cur = 64;
+  setrlimit(RLIMIT_NOFILE, &few);
+  TreeScanner scanner(withThreads(1));
+  scanner.setRoot(dir.path());
+  const int before = openDescriptors();
+  std::thread walking([&] { scanner.walk(kRootNode); });
+  EXPECT_TRUE(held.waitUntilReached());
+  EXPECT_LE(openDescriptors(), before + 8 + 1) << "what is kept, and the reader's own";
+  held.release();
+  walking.join();
+  setrlimit(RLIMIT_NOFILE, &usual);
+  EXPECT_EQ(scanner.tree().totals().errors, 0U);
+}
+
+/// A tree with a path longer than the kernel takes, combs, and folders beside each other.
+void makeVariedTree(const std::string& path) {
+  test::makeBushyTree(path, 3, 60, 2);
+  const std::string name(200, 'n');
+  base::FileDescriptor at(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  for (int i = 0; i < 2 * PATH_MAX / 200; ++i) {
+    ASSERT_EQ(mkdirat(at.get(), name.c_str(), 0700), 0);
+    at = base::FileDescriptor(openat(at.get(), name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  }
+  ASSERT_TRUE(at.valid());
+  for (const Order order : {Order::LeafFirst, Order::LeafLast}) {
+    const std::string comb = path + (order == Order::LeafFirst ? "/comb" : "/other comb");
+    test::makeDirectory(comb);
+    makeComb(comb, 100, order);
+  }
+}
+
+TEST(FolderOpener, ReadsAllWithTwoDescriptorsAndAnyNumberOfReaders) {
+  const TempDirectory dir(TempDirectory::Place::Memory);
+  makeVariedTree(dir.path());
+  const auto whole = describe(Scan(dir.path()).tree());
+  for (const int left : {2, 3, 5, 10, 20}) {
+    for (const int readers : {1, 2, 8, 32}) {
+      TreeScanner scanner(withThreads(readers));
+      scanner.setRoot(dir.path());
+      {
+        const FewDescriptors few(left);
+        ASSERT_EQ(scanner.walk(kRootNode), 0);
+      }
+      EXPECT_EQ(scanner.tree().totals().errors, 0U) << left << ' ' << readers;
+      EXPECT_TRUE(describe(scanner.tree()) == whole) << left << ' ' << readers;
+    }
+  }
+}
+
+TEST(FolderOpener, ReadsWhatASinglePathReachesWithOneDescriptor) {
+  const TempDirectory dir;
+  test::makeBushyTree(dir.path(), 3, 60, 2);
+  const auto whole = describe(Scan(dir.path()).tree());
+  for (const int readers : {1, 8}) {
+    TreeScanner scanner(withThreads(readers));
+    scanner.setRoot(dir.path());
+    {
+      const FewDescriptors few(1);
+      ASSERT_EQ(scanner.walk(kRootNode), 0);
+    }
+    EXPECT_TRUE(describe(scanner.tree()) == whole) << readers;
+  }
+}
+
+TEST(FolderOpener, MarksTheStartWhereThereIsNoDescriptor) {
+  const TempDirectory dir;
+  writeFile(dir / "file");
+  TreeScanner scanner(withThreads(4));
+  scanner.setRoot(dir.path());
+  {
+    const FewDescriptors none(0);
+    EXPECT_EQ(scanner.walk(kRootNode), 0);
+  }
+  EXPECT_TRUE(scanner.tree().flags(kRootNode).has(NodeFlag::Unreadable));
+  EXPECT_EQ(scanner.tree().totals().errors, 1U);
+  scanner.walk(kRootNode);
+  EXPECT_EQ(scanner.tree().nodeCount(), 2U) << "there are descriptors again";
+}
+
+TEST(FolderOpener, GoesOnWhereDescriptorsRunOutInTheMiddle) {
+  const TempDirectory dir(TempDirectory::Place::Memory);
+  makeVariedTree(dir.path());
+  writeFile(dir / "comb/link/link/link/link/link/link/link/link/held/file", "x");
+  const auto whole = describe(Scan(dir.path()).tree());
+  for (const int readers : {1, 4}) {
+    TreeScanner scanner(withThreads(readers));
+    scanner.setRoot(dir.path());
+    test::HeldFolder held("held");
+    std::thread walking([&] { scanner.walk(kRootNode); });
+    EXPECT_TRUE(held.waitUntilReached());
+    std::optional<FewDescriptors> few(0);
+    held.release();
+    walking.join();
+    few.reset();
+    EXPECT_EQ(scanner.tree().totals().errors, 0U) << readers;
+    EXPECT_TRUE(describe(scanner.tree()) == whole) << readers;
+  }
+}
+
+TEST(FolderOpener, ReadsOnInAFolderThatIsRenamed) {
+  const TempDirectory dir;
+  writeFile(dir / "folder/held/file", std::string(100, 'x'));
+  TreeScanner scanner(withThreads(1));
+  scanner.setRoot(dir.path());
+  test::HeldFolder held("held");
+  std::thread walking([&] { scanner.walk(kRootNode); });
+  EXPECT_TRUE(held.waitUntilReached());
+  fs::rename(dir / "folder", dir / "renamed");
+  writeFile(dir / "folder/held/other", std::string(7, 'x'));
+  held.release();
+  walking.join();
+  EXPECT_EQ(scanner.tree().apparentSize(kRootNode), 100U) << "of the folder that was listed";
+  EXPECT_EQ(scanner.tree().totals().errors, 0U);
+}
+
+TEST(FolderOpener, MarksAFolderThatIsGone) {
+  const TempDirectory dir;
+  writeFile(dir / "folder/held/file", "x");
+  TreeScanner scanner(withThreads(1));
+  scanner.setRoot(dir.path());
+  test::HeldFolder held("held");
+  std::thread walking([&] { scanner.walk(kRootNode); });
+  EXPECT_TRUE(held.waitUntilReached());
+  fs::rename(dir / "folder/held", dir / "elsewhere");
+  held.release();
+  walking.join();
+  EXPECT_EQ(scanner.tree().totals().errors, 1U);
+  EXPECT_EQ(scanner.tree().nodeCount(), 3U);
+}
+
+/// The folders a, a/b and a/b/c of `path` in a tree, as if they had been listed.
+class ListedFolders {
+ public:
+  explicit ListedFolders(const std::string& path) {
+    test::makeDirectory(path + "/a/b/c");
+    tree.createRoot(path);
+    add(tree, Listing(0).folder("a"));
+    add(tree, Listing(1).folder("b"));
+    add(tree, Listing(2).folder("c"));
+  }
+  /// Whether a reader that has nothing open yet reaches c.
+  bool reachesLast() const {
+    const std::atomic<bool> stop{false};
+    FolderOpener opener(tree, kRootNode, stop);
+    return openAndGiveBack(opener, 3, FolderOpener::Use::Listed);
+  }
+  FileTree tree;
+};
+
+TEST(FolderOpener, FollowsNoSymbolicLinkThatTakesAFoldersPlace) {
+  for (const std::string replaced : {"a", "a/b", "a/b/c"}) {
+    const TempDirectory dir;
+    ListedFolders folders(dir / "scanned");
+    ASSERT_TRUE(folders.reachesLast());
+    fs::rename(dir / ("scanned/" + replaced), dir / "elsewhere");
+    fs::create_directory_symlink(dir / "elsewhere", dir / ("scanned/" + replaced));
+    EXPECT_TRUE(fs::exists(dir / "scanned/a/b/c"));
+    EXPECT_FALSE(folders.reachesLast()) << replaced;
+    const FewDescriptors few(1);
+    EXPECT_FALSE(folders.reachesLast()) << replaced;
+  }
+}
+
+TEST(FolderOpener, ReachesTheStartThroughALink) {
+  const TempDirectory dir;
+  test::makeDirectory(dir / "real/scanned");
+  fs::create_directory_symlink(dir / "real", dir / "link");
+  ListedFolders folders(dir / "link/scanned");
+  EXPECT_TRUE(folders.reachesLast());
+}
+
+}  // namespace
+}  // namespace sizewalk
