@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <new>
+#include <span>
 #include <utility>
 
 #include "sizewalk/fatal.h"
@@ -15,6 +16,11 @@ std::string_view lastComponent(std::string_view path) {
   const std::size_t slash = path.rfind('/');
   if (slash == std::string_view::npos || path.size() == 1) return path;
   return path.substr(slash + 1);
+}
+
+std::uint64_t unreadableAmong(std::span<const EntryRecord> entries) {
+  return static_cast<std::uint64_t>(std::ranges::count_if(
+      entries, [](const EntryRecord& e) { return e.flags.has(NodeFlag::Unreadable); }));
 }
 
 }  // namespace
@@ -84,12 +90,13 @@ std::uint32_t FileTree::storeName(std::string_view name) {
   return static_cast<std::uint32_t>(start);
 }
 
-void FileTree::addChildren(const DirectoryResult& result, std::vector<NodeId>* subdirectories) {
+void FileTree::addChildren(const DirectoryResult& result, std::vector<NodeId>* subdirectories,
+                           const std::atomic<bool>* stop) {
   subdirectories->clear();
   const base::MutexLock lock(writeMutex_);
   const NodeId directory = result.directory;
   const HardLinkLedger::TakenOutTest inTakenOut = takenOutTest();
-  bool complete = true;
+  Ending ending = Ending::AtTheEnd;
   Tally tally;
   noteErrors(result, &tally);
   totals_.addSystemCalls(result.systemCalls);
@@ -97,46 +104,56 @@ void FileTree::addChildren(const DirectoryResult& result, std::vector<NodeId>* s
     const auto first = static_cast<NodeId>(end_);
     growTo(end_ + result.entries.size());
     subdirectories->reserve(result.subdirectories.size());
-    rollUp(directory, appendEntries(result, inTakenOut, &tally));
+    NodeSums batch;
+    ending = appendEntries(result, inTakenOut, stop, &batch, &tally);
+    rollUp(directory, batch);
     setChildren(directory, {first, static_cast<NodeId>(end_)});
     for (const std::uint32_t position : result.subdirectories) {
       if (first + position < end_) subdirectories->push_back(first + position);
     }
     tally.scan.directories += subdirectories->size();
-    complete = end_ == first + result.entries.size();
   }
   if (!inTakenOut(directory)) totals_.add(tally);
   publish();
-  if (!complete) throw std::bad_alloc();
+  if (ending == Ending::WithoutMemory) throw std::bad_alloc();
 }
 
 /// Each error has a node whose flag stands for it: an entry's own, or the directory's, which could
 /// not be opened or whose listing broke off.
 void FileTree::noteErrors(const DirectoryResult& result, Tally* tally) {
   tally->scan.errors += result.errors;
-  const auto ofEntries = [&] {
-    return static_cast<std::uint64_t>(std::ranges::count_if(
-        result.entries, [](const EntryRecord& e) { return e.flags.has(NodeFlag::Unreadable); }));
-  };
-  const bool brokeOff = result.errors > 0 && result.errors > ofEntries();
+  const bool brokeOff = result.errors > 0 && result.errors > unreadableAmong(result.entries);
   if (!result.unreadable && !brokeOff) return;
   setFlags(result.directory, flags(result.directory).with(NodeFlag::Unreadable));
 }
 
-/// Writes the entries as the next nodes and returns their sums. Where memory runs out those before
-/// stay, and are all that is counted.
-NodeSums FileTree::appendEntries(const DirectoryResult& result,
-                                 const HardLinkLedger::TakenOutTest& inTakenOut, Tally* tally) {
-  NodeSums batch;
+/// Writes the entries as the next nodes and sets `batch` to their sums. Where it ends before the
+/// last one, those before stay, and are all that is counted.
+FileTree::Ending FileTree::appendEntries(const DirectoryResult& result,
+                                         const HardLinkLedger::TakenOutTest& inTakenOut,
+                                         const std::atomic<bool>* stop, NodeSums* batch,
+                                         Tally* tally) {
+  Ending ending = Ending::AtTheEnd;
+  const auto stopped = [&](std::size_t done) {
+    return done > 0 && done % kEntriesBetweenLooks == 0 && stop &&
+           stop->load(std::memory_order_relaxed);
+  };
+  std::size_t done = 0;
   try {
-    for (const EntryRecord& entry : result.entries) {
-      batch.add(appendEntry(result, entry, inTakenOut, tally));
+    for (; done < result.entries.size(); ++done) {
+      if (stopped(done)) {
+        ending = Ending::Stopped;
+        break;
+      }
+      batch->add(appendEntry(result, result.entries[done], inTakenOut, tally));
       ++end_;
     }
-  } catch (const std::bad_alloc&) {  // the caller sees where it ended
+  } catch (const std::bad_alloc&) {
+    ending = Ending::WithoutMemory;
   }
-  tally->scan.files += batch.itemCount;
-  return batch;
+  tally->scan.files += batch->itemCount;
+  tally->scan.errors -= unreadableAmong(std::span(result.entries).subspan(done));
+  return ending;
 }
 
 /// What may find no memory comes first, so that an entry counts as a whole or not at all.

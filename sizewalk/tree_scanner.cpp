@@ -286,7 +286,7 @@ void TreeScanner::runIntegrator(WorkList* workList) {
   const Clock::time_point started = Clock::now();
   while (std::unique_ptr<DirectoryResult> result = results_->pop()) {
     StepTimer timer;
-    tree_.addChildren(*result, &subdirectories);
+    tree_.addChildren(*result, &subdirectories, &workList->closedFlag());
     workList->pushAll(subdirectories);
     workList->done();
     timer.addTo(&busyNs);

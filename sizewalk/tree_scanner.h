@@ -80,7 +80,8 @@ class TreeScanner {
   void setRoot(std::string rootPath, std::uint32_t birthTime = 0);
 
   /// Reads everything below `start` into the tree and returns when all is read or the walk was
-  /// cancelled; what was read stays. A folder that was walked before is read anew: its old contents
+  /// cancelled; what was read stays, but for the rest of a huge folder that was still on its way
+  /// into the tree. A folder that was walked before is read anew: its old contents
   /// leave every total first, though not the memory. A mount point is entered when the walk starts
   /// there. Does nothing for a node that is not a visible directory. One walk at a time, on any
   /// thread.

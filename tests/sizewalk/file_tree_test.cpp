@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <string>
+#include <vector>
 
 #include "tests/sizewalk/tree_model.h"
 
@@ -228,6 +230,49 @@ TEST(PublishedPart, EndsWhereThePublishedNodesEnd) {
   EXPECT_EQ(publishedPart(5, 3, 8), (NodeRange{5, 8}));
   EXPECT_EQ(publishedPart(5, 3, 7), (NodeRange{5, 7}));
   EXPECT_EQ(publishedPart(5, 0xFFFFFFFF, 7), (NodeRange{5, 7}));  // first + count has no room
+}
+
+/// A folder of so many names: by turns a file of five bytes, a folder and what cannot be examined.
+Listing hugeListing(std::size_t entries) {
+  Listing huge(kRootNode);
+  for (std::size_t i = 0; i < entries; ++i) {
+    const std::string name = std::to_string(i);
+    if (i % 3 == 0) {
+      huge.file(name, 5);
+    } else if (i % 3 == 1) {
+      huge.folder(name);
+    } else {
+      huge.unreadableEntry(name);
+    }
+  }
+  return huge;
+}
+
+TEST(FileTree, LeavesOutTheRestOfAHugeFolderWhenToldToStop) {
+  FileTree tree;
+  tree.createRoot("/r");
+  std::vector<NodeId> subdirectories;
+  const std::atomic<bool> stop{true};
+  const Listing huge = hugeListing(3 * FileTree::kEntriesBetweenLooks);
+  tree.addChildren(huge.result(), &subdirectories, &stop);
+  EXPECT_EQ(tree.childCount(kRootNode), FileTree::kEntriesBetweenLooks);
+  EXPECT_EQ(subdirectories.size(), FileTree::kEntriesBetweenLooks / 3);
+  EXPECT_LT(subdirectories.back(), tree.nodeCount());
+  EXPECT_FALSE(tree.flags(kRootNode).has(NodeFlag::Unreadable)) << "its listing did not break off";
+  test::expectSumsMatchRecount(tree);
+}
+
+TEST(FileTree, TakesWhatIsNotHugeAlsoWhenToldToStop) {
+  for (const bool stopped : {false, true}) {
+    FileTree tree;
+    tree.createRoot("/r");
+    std::vector<NodeId> subdirectories;
+    const std::atomic<bool> stop{stopped};
+    const std::size_t entries = FileTree::kEntriesBetweenLooks * (stopped ? 1 : 3);
+    tree.addChildren(hugeListing(entries).result(), &subdirectories, &stop);
+    EXPECT_EQ(tree.childCount(kRootNode), entries);
+    test::expectSumsMatchRecount(tree);
+  }
 }
 
 TEST(PublishedPart, IsEmptyWhereNothingIsPublished) {
