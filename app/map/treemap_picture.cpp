@@ -34,7 +34,7 @@ TreemapPicture::TreemapPicture(ui::Connection& connection, const KindColours& co
       hasBackground_(static_cast<bool>(post)),
       background_(std::move(post)) {
   background_.onEnded = [this](auto picture, BackgroundRender::Duration processorTime) {
-    budget_.spend(processorTime, begunNodes_);
+    budget_.spend(processorTime);
     if (!picture) return noteFailure();
     failures_ = 0;
     take(std::move(*picture));
@@ -99,7 +99,7 @@ bool TreemapPicture::due() const { return refused_ || renderDue(); }
 
 bool TreemapPicture::renderDue() const {
   if (!behind() || background_.busy()) return false;
-  return !growing_ || budget_.allows(PreviewBudget::Clock::now(), tree_->nodeCount());
+  return !growing_ || budget_.allows(PreviewBudget::Clock::now());
 }
 
 bool TreemapPicture::update() {
@@ -148,7 +148,6 @@ void TreemapPicture::renderNow() {
 void TreemapPicture::renderInBackground() {
   outdated_ = false;
   overtaken_ = false;
-  begunNodes_ = tree_->nodeCount();
   const bool begun =
       hasBackground_ && background_.start({.tree = tree_,
                                            .root = focus_,

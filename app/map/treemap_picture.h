@@ -134,8 +134,6 @@ class TreemapPicture {
   bool growing_ = false;
   /// What pictures of the growing tree may cost.
   PreviewBudget budget_;
-  /// The nodes that there were when the picture in the background was begun.
-  std::uint64_t begunNodes_ = 0;
 };
 
 /// The pixels that a rectangle of the map is drawn on: each edge rounded half away from zero, as

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <algorithm>
 #include <chrono>
-#include <cstdint>
 
 namespace app {
 
@@ -17,25 +15,21 @@ class PreviewBudget {
   /// The tree begins to grow at `now`.
   explicit PreviewBudget(Clock::time_point now = {}) : begun_(now) {}
 
-  /// Whether a picture of `nodes` nodes may be begun, judged by what the last one has cost.
-  bool allows(Clock::time_point now, std::uint64_t nodes) const {
-    return kShare * (spent_ + lastNode_ * static_cast<double>(nodes)) <= now - begun_;
-  }
+  /// Whether a picture may be begun, if it takes as long as the last one.
+  bool allows(Clock::time_point now) const { return kShare * (spent_ + last_) <= now - begun_; }
 
-  /// A picture of `nodes` nodes took `processorTime`.
-  void spend(Clock::duration processorTime, std::uint64_t nodes) {
+  /// A picture took `processorTime`.
+  void spend(Clock::duration processorTime) {
     spent_ += processorTime;
-    lastNode_ = Cost(processorTime) / static_cast<double>(std::max<std::uint64_t>(nodes, 1));
+    last_ = processorTime;
   }
 
  private:
-  using Cost = std::chrono::duration<double, std::nano>;
-  static constexpr double kShare = 10;
+  static constexpr int kShare = 10;
 
   Clock::time_point begun_;
-  Cost spent_{};
-  /// Of the last picture for each of its nodes.
-  Cost lastNode_{};
+  Clock::duration spent_{};
+  Clock::duration last_{};
 };
 
 }  // namespace app
