@@ -27,6 +27,8 @@ struct FolderWay {
   std::vector<NodeId> below;
   /// The depth of the first to be opened, which is the last in `below`.
   std::size_t firstDepth = 0;
+  /// Calls made to open a folder, for all ways so far.
+  std::uint64_t opens = 0;
 };
 
 /// Opens the folders of one walk, each by its name in the folder that holds it. So a folder costs
@@ -37,9 +39,10 @@ struct FolderWay {
 /// chains of any length, which a walk goes down and, with what waits beside the chain, up again.
 /// Which one makes room is decided by its age since its last use, divided by the greatest power of
 /// two in its depth: one level in two is kept for a while, one in four for twice as long, and so
-/// on. Whoever needs a folder that is no longer open finds one some levels above it, at distances
-/// that grow only as the way up does: n levels take some n log n openings. Keeping the latest alone
-/// would have every few levels opened again from the start.
+/// on. One whose folders have all been opened goes at once, but for one level in eight, since what
+/// lies deeper may still need it. Whoever needs a folder that is no longer open finds one some
+/// levels above it, at distances that grow only as the way up does: n levels take some n log n
+/// openings. Keeping the latest alone would have every few levels opened again from the start.
 ///
 /// Where descriptors run out, what is kept is closed and fewer are kept from then on; a reader then
 /// waits for the others to close theirs before it gives a folder up. Any thread.
@@ -58,43 +61,40 @@ class FolderOpener {
   /// Opens the folder at the end of the way for listing, as `openDirectory` does, and lets go of
   /// the way's base. None on failure; that is to be given back as well.
   base::FileDescriptor open(FolderWay* way);
-  enum class Use { HoldsFolders, Listed };
-  /// Takes back what `open` returned for `way`, and keeps it open for a while if folders in it will
-  /// be opened.
-  void giveBack(const FolderWay& way, base::FileDescriptor fd, Use use);
-
-  /// Calls made to open a folder.
-  std::uint64_t opens() const { return opens_.load(std::memory_order_relaxed); }
+  /// Takes back what `open` returned for `way`, and keeps it open for a while if there are
+  /// `subfolders` in it that will be opened.
+  void giveBack(const FolderWay& way, base::FileDescriptor fd, std::size_t subfolders);
 
  private:
   using Shared = std::shared_ptr<const base::FileDescriptor>;
   struct Kept {
     NodeId folder;
     std::size_t depth;
+    /// How many in it were not opened yet; one that was opened on the way to another has many.
+    std::size_t unopened;
     std::uint64_t lastUse;
     Shared fd;
   };
   enum class Keeping { Allowed, Forbidden };
 
-  base::FileDescriptor openAlong(const FolderWay& way, Keeping keeping);
-  base::FileDescriptor openNext(const base::FileDescriptor* holder, NodeId folder, int flags);
-  base::FileDescriptor openInNeed(NodeId folder);
-  base::FileDescriptor openWithFewest(NodeId folder);
-  Shared keep(NodeId folder, std::size_t depth, base::FileDescriptor fd);
-  Shared makeRoom() REQUIRES(mutex_);
+  base::FileDescriptor openAlong(FolderWay* way, Keeping keeping);
+  base::FileDescriptor openNext(const base::FileDescriptor* holder, NodeId folder, int flags) const;
+  base::FileDescriptor openInNeed(FolderWay* way);
+  base::FileDescriptor openWithFewest(FolderWay* way);
+  Shared keep(NodeId folder, std::size_t depth, std::size_t unopened, base::FileDescriptor fd);
+  void noteUse(std::vector<Kept>::iterator holder, const FolderWay& way) REQUIRES(mutex_);
+  std::vector<Kept> makeRoom() REQUIRES(mutex_);
   void enterNeed();
   void leaveNeed();
 
   const FileTree& tree_;
   const NodeId start_;
   const std::atomic<bool>& stop_;
-  std::atomic<std::uint64_t> opens_{0};
-  /// Readers that have a descriptor or are about to, but for those in need of one.
-  std::atomic<int> active_{0};
-  /// Calls of `open`, counted before `active_` is.
-  std::atomic<std::uint64_t> begun_{0};
+  /// In the upper half the calls of `open`, in the lower one the readers that have a descriptor or
+  /// are about to, but for those in need of one. Of every folder, so on a line of its own.
+  alignas(64) std::atomic<std::uint64_t> openings_{0};
 
-  base::Mutex mutex_;  // guards the members below; nothing is opened or closed under it
+  alignas(64) base::Mutex mutex_;  // guards the members below; nothing is opened or closed under it
   std::vector<Kept> kept_ GUARDED_BY(mutex_);  // in ascending order of folder
   std::size_t mostKept_ GUARDED_BY(mutex_);
   std::uint64_t uses_ GUARDED_BY(mutex_) = 0;

@@ -107,6 +107,7 @@ class TreeScanner::Reader {
   }
 
   const WalkStatistics& times() const { return times_; }
+  std::uint64_t opens() const { return way_.opens; }
 
  private:
   bool nextDirectory(NodeId* directory) {
@@ -126,9 +127,7 @@ class TreeScanner::Reader {
       result->unreadable = true;
       ++result->errors;
     }
-    scanner_.folders_->giveBack(way_, std::move(fd),
-                                result->subdirectories.empty() ? FolderOpener::Use::Listed
-                                                               : FolderOpener::Use::HoldsFolders);
+    scanner_.folders_->giveBack(way_, std::move(fd), result->subdirectories.size());
     timer->addTo(&times_.listNs);
   }
 
@@ -193,12 +192,10 @@ void TreeScanner::readAll(NodeId start, WorkList* workList) {
   // Asked for before the lock is taken, so that two mutexes are never held at once.
   const std::uint64_t queueWaits = results_->producerWaits();
   const std::uint64_t emptyQueueWaits = results_->consumerWaits();
-  const std::uint64_t opens = folders_->opens();
   folders_.reset();  // a disk is not kept busy beyond the walk
   const base::MutexLock lock(statisticsMutex_);
   statistics_.queueWaits = queueWaits;
   statistics_.emptyQueueWaits = emptyQueueWaits;
-  statistics_.opens = opens;
 }
 
 int TreeScanner::readerCount() const {
@@ -273,6 +270,7 @@ void TreeScanner::runReader(WorkList* workList) {
   reader.run();
   const WalkStatistics& times = reader.times();
   const base::MutexLock lock(statisticsMutex_);
+  statistics_.opens += reader.opens();
   statistics_.pathNs += times.pathNs;
   statistics_.openNs += times.openNs;
   statistics_.listNs += times.listNs;

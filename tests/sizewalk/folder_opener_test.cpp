@@ -89,15 +89,24 @@ TEST(FolderOpener, OpensEveryFolderOfAChainOnce) {
   }
 }
 
-/// Opens a folder as a reader would that lists it.
-bool openAndGiveBack(FolderOpener& opener, NodeId folder, FolderOpener::Use use) {
-  FolderWay way;
-  opener.find(folder, &way);
-  base::FileDescriptor fd = opener.open(&way);
-  const bool opened = fd.valid();
-  opener.giveBack(way, std::move(fd), use);
-  return opened;
-}
+/// A reader that opens one folder after the other.
+class LoneReader {
+ public:
+  explicit LoneReader(const FileTree& tree) : opener_(tree, kRootNode, stop_) {}
+  bool opens(NodeId folder, std::size_t subfolders) {
+    opener_.find(folder, &way_);
+    base::FileDescriptor fd = opener_.open(&way_);
+    const bool opened = fd.valid();
+    opener_.giveBack(way_, std::move(fd), subfolders);
+    return opened;
+  }
+  std::uint64_t openings() const { return way_.opens; }
+
+ private:
+  const std::atomic<bool> stop_{false};
+  FolderOpener opener_;
+  FolderWay way_;
+};
 
 TEST(FolderOpener, OpensFewAgainOnTheWayUpAComb) {
   const TempDirectory dir(TempDirectory::Place::Memory);
@@ -108,16 +117,15 @@ TEST(FolderOpener, OpensFewAgainOnTheWayUpAComb) {
   for (NodeId node = 1; node < tree.nodeCount(); ++node) {
     (tree.name(node) == "link" ? links : leaves).push_back(node);
   }
-  const std::atomic<bool> stop{false};
-  FolderOpener opener(tree, kRootNode, stop);
+  LoneReader reader(tree);
   for (const NodeId link : links) {
-    ASSERT_TRUE(openAndGiveBack(opener, link, FolderOpener::Use::HoldsFolders));
+    ASSERT_TRUE(reader.opens(link, 2));
   }
-  EXPECT_EQ(opener.opens(), links.size());
+  EXPECT_EQ(reader.openings(), links.size());
   for (auto leaf = leaves.rbegin(); leaf != leaves.rend(); ++leaf) {
-    ASSERT_TRUE(openAndGiveBack(opener, *leaf, FolderOpener::Use::Listed));
+    ASSERT_TRUE(reader.opens(*leaf, 0));
   }
-  EXPECT_LE(opener.opens() - links.size(), 4 * leaves.size());
+  EXPECT_LE(reader.openings() - links.size(), 4 * leaves.size());
 }
 
 // How many depends on how far the readers are ahead of what is added to the tree. Each opened from
@@ -130,7 +138,23 @@ TEST(FolderOpener, OpensFewFoldersOfABushyTreeTwice) {
     }
   }
   const Scan scan(dir.path(), 1);
-  EXPECT_LE(scan.scanner.statistics().opens, scan.tree().nodeCount() * 2);
+  EXPECT_LE(scan.scanner.statistics().opens, 2 * scan.tree().nodeCount());
+}
+
+TEST(FolderOpener, OpensFewAgainInABushAtTheEndOfAChain) {
+  const TempDirectory dir(TempDirectory::Place::Memory);
+  std::string path = dir.path();
+  for (int i = 0; i < 400; ++i) path += "/d";
+  for (int i = 0; i < 50; ++i) {
+    for (int j = 0; j < 20; ++j) {
+      test::makeDirectory(path + "/a" + std::to_string(i) + "/b" + std::to_string(j) + "/c");
+    }
+  }
+  for (const int readers : {1, 8}) {
+    const Scan scan(dir.path(), readers);
+    EXPECT_EQ(scan.tree().totals().errors, 0U);
+    EXPECT_LE(scan.scanner.statistics().opens, 3 * scan.tree().nodeCount()) << readers;
+  }
 }
 
 TEST(FolderOpener, StartsBelowTheRootAsWell) {
@@ -302,11 +326,7 @@ class ListedFolders {
     add(tree, Listing(2).folder("c"));
   }
   /// Whether a reader that has nothing open yet reaches c.
-  bool reachesLast() const {
-    const std::atomic<bool> stop{false};
-    FolderOpener opener(tree, kRootNode, stop);
-    return openAndGiveBack(opener, 3, FolderOpener::Use::Listed);
-  }
+  bool reachesLast() const { return LoneReader(tree).opens(3, 0); }
   FileTree tree;
 };
 
