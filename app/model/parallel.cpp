@@ -4,10 +4,13 @@
 
 #include <algorithm>
 #include <atomic>
+#include <exception>
 #include <new>
 #include <system_error>
 #include <thread>
 #include <vector>
+
+#include "base/mutex.h"
 
 namespace app {
 
@@ -16,25 +19,56 @@ namespace {
 /// storage is quick: a frame, of some 50 ms of work, would get a processor for a tenth of that time
 /// and wait a second.
 constexpr int kNiceness = 10;
+
+/// Pieces of work that threads take in turns.
+class SharedWork {
+ public:
+  SharedWork(std::size_t count, const std::function<void(std::size_t)>& work)
+      : count_(count), work_(work) {}
+
+  void takePieces() {
+    try {
+      for (std::size_t i; (i = next_.fetch_add(1, std::memory_order_relaxed)) < count_;) work_(i);
+    } catch (...) {
+      next_.store(count_, std::memory_order_relaxed);
+      const base::MutexLock lock(mutex_);
+      if (!failure_) failure_ = std::current_exception();
+    }
+  }
+
+  /// After all threads have ended.
+  void rethrowFailure() {
+    const base::MutexLock lock(mutex_);
+    if (failure_) std::rethrow_exception(failure_);
+  }
+
+ private:
+  const std::size_t count_;
+  const std::function<void(std::size_t)>& work_;
+  std::atomic<std::size_t> next_ = 0;  // the first piece that nobody has taken
+  base::Mutex mutex_;                  // guards `failure_`
+  std::exception_ptr failure_ GUARDED_BY(mutex_);
+};
+
 }  // namespace
 
 void forEachOnThreads(std::size_t count, unsigned threads,
                       const std::function<void(std::size_t)>& work) {
-  std::atomic<std::size_t> next = 0;  // the first piece that nobody has taken
-  const auto takePieces = [&] {
-    for (std::size_t i; (i = next.fetch_add(1, std::memory_order_relaxed)) < count;) work(i);
-  };
-  const std::size_t threadCount = std::min<std::size_t>(std::max(threads, 1U), count);
-  std::vector<std::jthread> helpers;
-  try {
-    helpers.reserve(threadCount);
-    while (helpers.size() + 1 < threadCount) helpers.emplace_back(takePieces);
-  } catch (const std::system_error&) {
-    // No more threads to be had; those there are take its pieces.
-  } catch (const std::bad_alloc&) {
-    // Nor memory for one.
+  SharedWork shared(count, work);
+  {
+    const std::size_t threadCount = std::min<std::size_t>(std::max(threads, 1U), count);
+    std::vector<std::jthread> helpers;
+    try {
+      helpers.reserve(threadCount);
+      while (helpers.size() + 1 < threadCount) helpers.emplace_back([&] { shared.takePieces(); });
+    } catch (const std::system_error&) {
+      // No more threads to be had; those there are take its pieces.
+    } catch (const std::bad_alloc&) {
+      // Nor memory for one.
+    }
+    shared.takePieces();
   }
-  takePieces();
+  shared.rethrowFailure();
 }
 
 unsigned hardwareThreads() {

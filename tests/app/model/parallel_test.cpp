@@ -4,7 +4,10 @@
 #include <sys/resource.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdlib>
+#include <stdexcept>
+#include <string>
 #include <vector>
 
 namespace app {
@@ -17,6 +20,24 @@ TEST(ForEachOnThreads, DoesEveryPieceOnce) {
       forEachOnThreads(count, threads, [&](std::size_t i) { ++calls[i]; });
       EXPECT_EQ(std::count(calls.begin(), calls.end(), 1), static_cast<std::ptrdiff_t>(count));
     }
+  }
+}
+
+TEST(ForEachOnThreads, ThrowsWhatACallThrewOnceTheOthersHaveEnded) {
+  for (const unsigned threads : {1U, 4U}) {
+    std::atomic<int> running = 0;
+    std::atomic<int> calls = 0;
+    const auto work = [&](std::size_t i) {
+      ++running;
+      if (++calls > 10) {
+        --running;
+        throw std::length_error(std::to_string(i));
+      }
+      --running;
+    };
+    EXPECT_THROW(forEachOnThreads(1000000, threads, work), std::length_error);
+    EXPECT_EQ(running, 0);
+    EXPECT_LE(calls, 10 + static_cast<int>(threads)) << "nobody begins another";
   }
 }
 
