@@ -188,11 +188,14 @@ void benchShading(const FileTree& tree, const std::string& what) {
   }
   std::vector<app::RunRows> rows(app::runCount(blocks.size()));
   app::findRunRows(blocks, rows);
+  const app::BlockSequence sequence = {blocks, colours, rows};
   ImageMemory memory;
   const auto plain = [&] { bench::shadePlainly(blocks, colours, memory.image()); };
   const auto shading = [&](unsigned threads) {
-    const bench::PairedTiming timing = bench::timePaired(
-        kPairs, plain, [&] { app::shadeBlocks(blocks, colours, rows, memory.image(), threads); });
+    const bench::PairedTiming timing = bench::timePaired(kPairs, plain, [&] {
+      app::clearImage(memory.image(), threads);
+      app::shadeBlocks({&sequence, 1}, memory.image(), threads);
+    });
     const ImageMemory shaded = memory;
     plain();
     if (shaded != memory) throw std::runtime_error("the plain loop makes another picture");

@@ -5,8 +5,10 @@
 
 #include "app/map/cushion_shading.h"
 #include "app/map/exact_arithmetic.h"
+#include "app/map/picture_block.h"
 
-// What a shaded pixel is, and the kernel that computes many of them. Internal to the shading.
+// What a shaded pixel is, and the kernel that computes many of them. Internal to the
+// making of pictures.
 
 namespace app {
 
@@ -51,6 +53,15 @@ inline PixelBounds pixelBounds(const MapRect& rect, std::int32_t width, const Ba
                         pixelEdge(rect.y + rect.height, band.bottom)};
   if (bounds.top < band.top) bounds.top = band.top;
   return bounds;
+}
+
+/// The pixels that `rect` is painted on; neither side is more than `kMostPixels`.
+inline PixelSpan pixelSpan(const MapRect& rect, std::int32_t width, std::int32_t height) {
+  const auto edge = [](double at, std::int32_t limit) {
+    return static_cast<std::uint16_t>(pixelEdge(at, limit));
+  };
+  return {edge(rect.x, width), edge(rect.y, height), edge(rect.x + rect.width, width),
+          edge(rect.y + rect.height, height)};
 }
 
 /// One pixel as the light is defined.

@@ -32,7 +32,7 @@ constexpr unsigned kMostThreads = 16;
 /// A thread that is held up leaves its share to the others; more bands cut more runs in two.
 constexpr unsigned kBandsPerThread = 2;
 
-/// Blocks that follow each other in the list, and what belongs to each of them.
+/// Blocks that a band takes or passes over together, and what belongs to each of them.
 struct BlockRun {
   std::span<const TreemapBlock> blocks;
   std::span<const std::uint32_t> colours;
@@ -56,62 +56,65 @@ std::size_t gatherJobs(const BlockRun& run, std::int32_t width, const Band& band
   return count;
 }
 
-/// Shades all blocks, band by band of the image: within a band the blocks are painted in their
-/// order, so no two threads ever write one pixel and the last block over a pixel wins as it does on
-/// one thread.
-class MapShader {
- public:
-  MapShader(std::span<const TreemapBlock> blocks, std::span<const std::uint32_t> colours,
-            std::span<const RunRows> rows, const MapImage& image, unsigned threads)
-      : blocks_(blocks),
-        colours_(colours),
-        rows_(rows),
-        image_(image),
-        threads_(threads),
-        bandCount_(threads == 1 ? 1 : std::min(threads * kBandsPerThread, rowCount())) {}
+/// How many threads pay for themselves.
+unsigned worthwhileThreads(const MapImage& image, unsigned threads) {
+  const std::int64_t pixels = std::int64_t{image.width} * image.height;
+  const auto worthwhile =
+      static_cast<unsigned>(std::clamp<std::int64_t>(pixels / kPixelsPerThread, 1, kMostThreads));
+  return std::min(std::max(threads, 1U), worthwhile);
+}
 
-  void shade() const {
-    forEachOnThreads(bandCount_, threads_, [this](std::size_t band) { paint(band); });
+Band rowsOf(const RunRows& run, const MapImage& image) {
+  return {pixelEdge(run.top, image.height), pixelEdge(run.bottom, image.height)};
+}
+
+BlockRun runOf(const BlockSequence& sequence, std::size_t run) {
+  const std::size_t first = run * kRunLength;
+  const std::size_t length = std::min(kRunLength, sequence.blocks.size() - first);
+  return {sequence.blocks.subspan(first, length), sequence.colours.subspan(first, length),
+          sequence.firstIndex + static_cast<std::uint32_t>(first)};
+}
+
+}  // namespace
+
+BandShader::BandShader(std::span<const BlockSequence> sequences, const MapImage& image,
+                       unsigned threads)
+    : sequences_(sequences), image_(image) {
+  findReach();
+  const unsigned workers = worthwhileThreads(image, threads);
+  bands_ = std::min(workers == 1 ? 1 : workers * kBandsPerThread,
+                    static_cast<unsigned>(std::max(bottom_ - top_, 0)));
+}
+
+/// The rows that any block is painted on.
+void BandShader::findReach() {
+  top_ = image_.height;
+  for (const BlockSequence& sequence : sequences_) {
+    for (const RunRows& run : sequence.rows) {
+      const Band rows = rowsOf(run, image_);
+      top_ = std::min(top_, rows.top);
+      bottom_ = std::max(bottom_, rows.bottom);
+    }
   }
+}
 
- private:
-  void paint(std::size_t index) const {
-    const Band band = {bandEdge(index), bandEdge(index + 1)};
-    const std::size_t rowLength = static_cast<std::size_t>(image_.width);
-    const std::size_t from = static_cast<std::size_t>(band.top) * rowLength;
-    const std::size_t length = static_cast<std::size_t>(band.bottom - band.top) * rowLength;
-    std::fill_n(image_.pixels + from, length, kMapBackground);
-    std::fill_n(image_.blockAt + from, length, kNoBlock);
-    std::array<PaintJob, kRunLength> jobs;
-    for (std::size_t run = 0; run < rows_.size(); ++run) {
-      if (pixelEdge(rows_[run].bottom, image_.height) <= band.top) continue;
-      if (pixelEdge(rows_[run].top, image_.height) >= band.bottom) continue;
-      const std::size_t count = gatherJobs(blocksOf(run), image_.width, band, jobs.data());
+std::int32_t BandShader::edge(std::size_t band) const {
+  const auto rows = static_cast<std::size_t>(bottom_ - top_);
+  return top_ + static_cast<std::int32_t>(rows * band / bands_);
+}
+
+void BandShader::paint(std::size_t index) const {
+  const Band band = {edge(index), edge(index + 1)};
+  std::array<PaintJob, kRunLength> jobs;
+  for (const BlockSequence& sequence : sequences_) {
+    for (std::size_t run = 0; run < sequence.rows.size(); ++run) {
+      const Band rows = rowsOf(sequence.rows[run], image_);
+      if (rows.bottom <= band.top || rows.top >= band.bottom) continue;
+      const std::size_t count = gatherJobs(runOf(sequence, run), image_.width, band, jobs.data());
       paintJobs(std::span(jobs).first(count), image_);
     }
   }
-
-  BlockRun blocksOf(std::size_t run) const {
-    const std::size_t first = run * kRunLength;
-    const std::size_t length = std::min(kRunLength, blocks_.size() - first);
-    return {blocks_.subspan(first, length), colours_.subspan(first, length),
-            static_cast<std::uint32_t>(first)};
-  }
-
-  unsigned rowCount() const { return static_cast<unsigned>(image_.height); }
-  std::int32_t bandEdge(std::size_t band) const {
-    return static_cast<std::int32_t>(std::size_t{rowCount()} * band / bandCount_);
-  }
-
-  const std::span<const TreemapBlock> blocks_;
-  const std::span<const std::uint32_t> colours_;
-  const std::span<const RunRows> rows_;
-  const MapImage image_;
-  const unsigned threads_;
-  const unsigned bandCount_;
-};
-
-}  // namespace
+}
 
 void shadeBlock(const TreemapBlock& block, std::uint32_t colour, std::uint32_t blockIndex,
                 std::uint32_t* pixels, std::uint32_t* blockAt, std::int32_t width,
@@ -134,12 +137,22 @@ void findRunRows(std::span<const TreemapBlock> blocks, std::span<RunRows> rows) 
   }
 }
 
-void shadeBlocks(std::span<const TreemapBlock> blocks, std::span<const std::uint32_t> colours,
-                 std::span<const RunRows> rows, const MapImage& image, unsigned threads) {
-  const std::int64_t pixels = std::int64_t{image.width} * image.height;
-  const auto worthwhile =
-      static_cast<unsigned>(std::clamp<std::int64_t>(pixels / kPixelsPerThread, 1, kMostThreads));
-  MapShader(blocks, colours, rows, image, std::min(std::max(threads, 1U), worthwhile)).shade();
+void clearImage(const MapImage& image, unsigned threads) {
+  const std::size_t count = worthwhileThreads(image, threads);
+  const std::size_t pixels =
+      static_cast<std::size_t>(image.width) * static_cast<std::size_t>(image.height);
+  forEachOnThreads(count, threads, [&](std::size_t share) {
+    const std::size_t from = pixels * share / count;
+    const std::size_t length = pixels * (share + 1) / count - from;
+    std::fill_n(image.pixels + from, length, kMapBackground);
+    std::fill_n(image.blockAt + from, length, kNoBlock);
+  });
+}
+
+void shadeBlocks(std::span<const BlockSequence> sequences, const MapImage& image,
+                 unsigned threads) {
+  const BandShader shader(sequences, image, threads);
+  forEachOnThreads(shader.bands(), threads, [&](std::size_t band) { shader.paint(band); });
 }
 
 }  // namespace app

@@ -47,12 +47,44 @@ constexpr std::size_t runCount(std::size_t blocks) {
   return (blocks + kRunLength - 1) / kRunLength;
 }
 
-/// Fills both images: background everywhere, then every painted block in order, a later one over an
-/// earlier one. `colours` holds one 0xRRGGBB for each block, `rows` what `findRunRows` says of
-/// them: the caller, who has just looked at every block for its colour, has that for next to
-/// nothing. Uses up to `threads` threads where the image is large enough to pay for them, and has
-/// ended them all when it returns.
-void shadeBlocks(std::span<const TreemapBlock> blocks, std::span<const std::uint32_t> colours,
-                 std::span<const RunRows> rows, const MapImage& image, unsigned threads);
+/// Blocks that follow each other in the layout, with one 0xRRGGBB for each, and what `findRunRows`
+/// says of them: the caller, who has just looked at every block for its colour, has that for next
+/// to nothing.
+struct BlockSequence {
+  std::span<const TreemapBlock> blocks;
+  std::span<const std::uint32_t> colours;
+  std::span<const RunRows> rows;
+  /// Of the first block in the whole layout.
+  std::uint32_t firstIndex = 0;
+};
+
+/// Fills both images with background, on up to `threads` threads.
+void clearImage(const MapImage& image, unsigned threads);
+
+/// Paints every painted block in the order of the sequences, a later one over an earlier one, band
+/// by band of the image: no two threads that paint bands ever write one pixel.
+class BandShader {
+ public:
+  /// As many bands as `threads` threads want, where the image is large enough to pay for them.
+  /// Sequences and images outlive it.
+  BandShader(std::span<const BlockSequence> sequences, const MapImage& image, unsigned threads);
+
+  std::size_t bands() const { return bands_; }
+  /// Each once, in any order and on any thread.
+  void paint(std::size_t band) const;
+
+ private:
+  void findReach();
+  std::int32_t edge(std::size_t band) const;
+
+  const std::span<const BlockSequence> sequences_;
+  const MapImage image_;
+  std::int32_t top_ = 0;
+  std::int32_t bottom_ = 0;
+  std::size_t bands_ = 0;
+};
+
+/// Paints all bands on up to `threads` threads, and has ended them all when it returns.
+void shadeBlocks(std::span<const BlockSequence> sequences, const MapImage& image, unsigned threads);
 
 }  // namespace app

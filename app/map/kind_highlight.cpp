@@ -17,7 +17,7 @@ void highlightKind(const RenderedTreemap& map, sizewalk::KindIndex kind,
   out->resize(map.pixels.size());
   for (std::size_t i = 0; i < map.pixels.size(); ++i) {
     const std::uint32_t block = map.blockAt[i];
-    const bool keeps = block != kNoBlock && map.kinds[block] == kind;
+    const bool keeps = block != kNoBlock && map.blocks[block].kind == kind;
     (*out)[i] = keeps ? map.pixels[i] : dimmedPixel(map.pixels[i]);
   }
 }

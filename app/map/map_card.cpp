@@ -28,7 +28,7 @@ class CardBuilder {
 
   /// From the map alone: the tree may have grown since, and looking at a million children takes
   /// longer than a frame.
-  MapCard ofRest(const TreemapBlock& block) {
+  MapCard ofRest(const PictureBlock& block) {
     card_.title = formatCount(block.restCount) + " smaller items";
     addFolder(tree_.parent(static_cast<NodeId>(block.id)));
     const std::int64_t size = map_.restSize(block);
@@ -86,7 +86,7 @@ MapCard cardOfExtra(const ExtraBlock& extra) {
 
 }  // namespace
 
-MapCard mapCard(const RenderedTreemap& map, const TreemapBlock& block, const FileTree& tree,
+MapCard mapCard(const RenderedTreemap& map, const PictureBlock& block, const FileTree& tree,
                 const MeasureSettings& measure) {
   const auto extra = map.extraColours.find(block.id);
   if (extra != map.extraColours.end()) return cardOfExtra(extra->second);

@@ -33,7 +33,7 @@ struct MapCard {
 /// The card of a painted block of `map`, a picture of `tree` under `measure`: an item as it is by
 /// now, merged ones as they were when the picture was made. Times are told in the local time zone.
 /// Window thread.
-MapCard mapCard(const RenderedTreemap& map, const TreemapBlock& block,
+MapCard mapCard(const RenderedTreemap& map, const PictureBlock& block,
                 const sizewalk::FileTree& tree, const MeasureSettings& measure);
 
 /// The share that `part` has of `whole`, such as "12.3 %": "0 %" of nothing, never

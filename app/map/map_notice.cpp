@@ -11,7 +11,7 @@ namespace {
 /// The picture is one block, that of the folder in focus.
 bool isPlain(const RenderedTreemap& map) {
   if (map.blocks.size() != 1) return false;
-  const TreemapBlock& block = map.blocks.front();
+  const PictureBlock& block = map.blocks.front();
   const bool nothingInside =
       block.reason == BlockReason::noChildren || block.reason == BlockReason::nothingVisible;
   return nothingInside && block.id == static_cast<std::int32_t>(map.root);

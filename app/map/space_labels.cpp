@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "app/map/treemap_picture.h"
 #include "app/model/format.h"
 
 namespace app {
@@ -44,8 +43,8 @@ void addLabels(const ui::Rect& block, const ExtraBlock& extra, const SpaceLabelS
 std::vector<SpaceLabel> spaceLabels(const RenderedTreemap& map, const SpaceLabelStyle& style) {
   std::vector<SpaceLabel> labels;
   for (const std::uint32_t index : map.extras) {
-    const TreemapBlock& block = map.blocks[index];
-    addLabels(pixelRect(block.rect), map.extraColours.at(block.id), style, &labels);
+    const PictureBlock& block = map.blocks[index];
+    addLabels(block.rect.rect(), map.extraColours.at(block.id), style, &labels);
   }
   return labels;
 }

@@ -12,6 +12,10 @@
 // member decide. The plain definition, all members for every candidate, is quadratic in the row's
 // length.
 //
+// A large map is laid out in parts: what is above them once, and each of them by itself, with what
+// lies between its subtrees copied in where it belongs. So the parts' blocks are those of the whole
+// in its order, whoever lays them out.
+//
 // The grouping keeps one hash table for all folders and distributes the entries over the groups in
 // linear time, which leaves short runs to sort. A map from key to member list, made anew for each
 // folder, would allocate several times per folder, and most folders have a handful of entries.
@@ -19,7 +23,9 @@
 #include "app/map/treemap_layout.h"
 
 #include <algorithm>
+#include <functional>
 #include <limits>
+#include <utility>
 
 #include "app/map/entry_groups.h"
 
@@ -129,9 +135,10 @@ class Layouter {
            std::vector<RestSum>* rests)
       : tree_(tree), measure_(measure), extraBlocks_(extraBlocks), out_(*out), rests_(rests) {}
 
-  /// `cushion` and `height` as `layoutTreemap` takes them.
-  void layOut(NodeId node, const MapRect& rect, std::int32_t depth, CushionCoefficients cushion,
-              double height);
+  /// Takes subfolders, for which it returns true, to be laid out elsewhere.
+  std::function<bool(const SubtreeLayout&)> defer;
+
+  void layOut(const SubtreeLayout& folder);
 
  private:
   /// What was merged because it is smaller than a pixel.
@@ -166,17 +173,19 @@ class Layouter {
   std::vector<PlacedItem> placed_;
 };
 
-void Layouter::layOut(NodeId node, const MapRect& rect, std::int32_t depth,
-                      CushionCoefficients cushion, double height) {
-  if (depth > 0) addRidge(rect, height, &cushion);
+void Layouter::layOut(const SubtreeLayout& folder) {
+  const MapRect& rect = folder.rect;
+  const std::int32_t depth = folder.depth;
   TreemapBlock block = {
-      rect, static_cast<std::int32_t>(node), depth, 0, true, BlockReason::laidOut, cushion};
+      rect,          static_cast<std::int32_t>(folder.node), depth, 0, true, BlockReason::laidOut,
+      folder.cushion};
+  if (depth > 0) addRidge(rect, folder.height, &block.cushion);
   const auto endAsLeaf = [&](BlockReason reason) {
     block.reason = reason;
     out_.push_back(block);
   };
 
-  const NodeRange children = tree_.children(node);
+  const NodeRange children = tree_.children(folder.node);
   if (children.empty()) return endAsLeaf(BlockReason::noChildren);
   if (depth == kDepthLimit) return endAsLeaf(BlockReason::depthLimit);
   if (rect.width < 1 || rect.height < 1 || rect.area() < kSmallestArea) {
@@ -194,7 +203,7 @@ void Layouter::layOut(NodeId node, const MapRect& rect, std::int32_t depth,
   for (std::size_t i = first; i < last; ++i) {
     // By value: the stack may move while a folder puts its own items on it.
     const PlacedItem item = placed_[i];
-    place(item, rest, block, height * kRidgeDecay);
+    place(item, rest, block, folder.height * kRidgeDecay);
   }
   placed_.resize(first);
 }
@@ -250,7 +259,9 @@ void Layouter::place(const PlacedItem& item, const Rest& rest, const TreemapBloc
                      double height) {
   const std::int32_t depth = folder.depth + 1;
   if (item.id >= 0 && tree_.isDirectory(static_cast<NodeId>(item.id))) {
-    layOut(static_cast<NodeId>(item.id), item.rect, depth, folder.cushion, height);
+    const SubtreeLayout subtree = {static_cast<NodeId>(item.id), item.rect, depth, folder.cushion,
+                                   height};
+    if (!defer || !defer(subtree)) layOut(subtree);
     return;
   }
   TreemapBlock& block = out_.emplace_back(
@@ -289,7 +300,63 @@ void layoutTreemap(const FileTree& tree, NodeId node, const MapRect& rect, std::
                    const MeasureSettings& measure, std::span<const ExtraBlock> extraBlocks,
                    const CushionCoefficients& cushion, double height,
                    std::vector<TreemapBlock>* out, std::vector<RestSum>* rests) {
-  Layouter(tree, measure, extraBlocks, out, rests).layOut(node, rect, depth, cushion, height);
+  Layouter(tree, measure, extraBlocks, out, rests).layOut({node, rect, depth, cushion, height});
+}
+
+LayoutParts::LayoutParts(const FileTree& tree, NodeId focus, const MapRect& rect,
+                         const MeasureSettings& measure, std::span<const ExtraBlock> extraBlocks,
+                         std::size_t mostInPart)
+    : tree_(tree), measure_(measure), extraBlocks_(extraBlocks), mostInPart_(mostInPart) {
+  Layouter layouter(tree, measure, extraBlocks, &above_, &restsAbove_);
+  layouter.defer = [this](const SubtreeLayout& subtree) {
+    std::size_t blocks = 0;
+    if (!isPart(subtree, &blocks)) return false;
+    deferred_.push_back({subtree, blocks, above_.size(), restsAbove_.size()});
+    return true;
+  };
+  const SubtreeLayout whole = {focus, rect, 0, {}, kRidgeHeight};
+  if (!layouter.defer(whole)) layouter.layOut(whole);
+  join();
+}
+
+/// Whether to lay out `subtree` in one piece, and about how many blocks it gives. Each has a square
+/// pixel at least, but for folders.
+bool LayoutParts::isPart(const SubtreeLayout& subtree, std::size_t* blocks) const {
+  const double items = std::max(tree_.itemCount(subtree.node), 0);
+  const double most = std::min(items, std::max(subtree.rect.area(), 0.0));
+  *blocks = static_cast<std::size_t>(most) + 1;
+  return *blocks <= mostInPart_ || tree_.childCount(subtree.node) >= *blocks / 2;
+}
+
+void LayoutParts::join() {
+  Part part;
+  for (std::size_t i = 0; i < deferred_.size(); ++i) {
+    part.blocks += deferred_[i].blocks;
+    if (part.blocks < mostInPart_) continue;
+    parts_.push_back({i + 1, deferred_[i].blocksBefore, deferred_[i].restsBefore, part.blocks});
+    part.blocks = 0;
+  }
+  parts_.push_back({deferred_.size(), above_.size(), restsAbove_.size(), part.blocks});
+  std::size_t before = 0;
+  for (Part& each : parts_) each.blocks += each.lastBlock - std::exchange(before, each.lastBlock);
+}
+
+void LayoutParts::layOut(std::size_t part, std::vector<TreemapBlock>* out,
+                         std::vector<RestSum>* rests) const {
+  Part at = part == 0 ? Part() : parts_[part - 1];
+  const auto copyAbove = [&](std::size_t lastBlock, std::size_t lastRest) {
+    out->insert(out->end(), above_.data() + at.lastBlock, above_.data() + lastBlock);
+    rests->insert(rests->end(), restsAbove_.data() + at.lastRest, restsAbove_.data() + lastRest);
+    at.lastBlock = lastBlock;
+    at.lastRest = lastRest;
+  };
+  Layouter layouter(tree_, measure_, extraBlocks_, out, rests);
+  for (; at.lastSubtree < parts_[part].lastSubtree; ++at.lastSubtree) {
+    const Deferred& deferred = deferred_[at.lastSubtree];
+    copyAbove(deferred.blocksBefore, deferred.restsBefore);
+    layouter.layOut(deferred.subtree);
+  }
+  copyAbove(parts_[part].lastBlock, parts_[part].lastRest);
 }
 
 }  // namespace app

@@ -118,6 +118,64 @@ void layoutTreemap(const sizewalk::FileTree& tree, sizewalk::NodeId node, const 
                    double height, std::vector<TreemapBlock>* out,
                    std::vector<RestSum>* rests = nullptr);
 
+/// A folder that is laid out by itself, as `layoutTreemap` takes it.
+struct SubtreeLayout {
+  sizewalk::NodeId node = 0;
+  MapRect rect;
+  std::int32_t depth = 0;
+  CushionCoefficients cushion;
+  double height = 0;
+};
+
+/// A layout in parts, so that several threads share it: the blocks of all parts, one after the
+/// other, are those of `layoutTreemap`, in the same order, and so are the sums of rest blocks.
+///
+/// What is above the parts, few folders of many, is laid out at once. A folder that holds most of
+/// its files itself is never divided.
+class LayoutParts {
+ public:
+  /// The focused folder, with what `layoutTreemap` takes. Tree, measure and extra blocks outlive
+  /// it. `mostInPart`: about how many blocks a part has, where folders allow it.
+  LayoutParts(const sizewalk::FileTree& tree, sizewalk::NodeId focus, const MapRect& rect,
+              const MeasureSettings& measure, std::span<const ExtraBlock> extraBlocks,
+              std::size_t mostInPart);
+
+  /// At least 1.
+  std::size_t count() const { return parts_.size(); }
+  /// About how many blocks a part has: enough to share work out and to reserve memory.
+  std::size_t blocksIn(std::size_t part) const { return parts_[part].blocks; }
+  /// Appends the blocks of a part, and its rest blocks' sums. Any thread; parts share nothing.
+  void layOut(std::size_t part, std::vector<TreemapBlock>* out, std::vector<RestSum>* rests) const;
+
+ private:
+  /// A subtree, and how much was laid out above the parts when its turn came.
+  struct Deferred {
+    SubtreeLayout subtree;
+    std::size_t blocks = 0;
+    std::size_t blocksBefore = 0;
+    std::size_t restsBefore = 0;
+  };
+  /// Neighbouring subtrees with what lies above and between them.
+  struct Part {
+    std::size_t lastSubtree = 0;
+    std::size_t lastBlock = 0;
+    std::size_t lastRest = 0;
+    std::size_t blocks = 0;
+  };
+
+  bool isPart(const SubtreeLayout& subtree, std::size_t* blocks) const;
+  void join();
+
+  const sizewalk::FileTree& tree_;
+  const MeasureSettings& measure_;
+  const std::span<const ExtraBlock> extraBlocks_;
+  const std::size_t mostInPart_;
+  std::vector<TreemapBlock> above_;
+  std::vector<RestSum> restsAbove_;
+  std::vector<Deferred> deferred_;
+  std::vector<Part> parts_;
+};
+
 /// An item for `squarify`; weights are greater than 0.
 struct WeightedItem {
   std::int32_t id = 0;

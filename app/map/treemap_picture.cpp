@@ -1,7 +1,6 @@
 #include "app/map/treemap_picture.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <new>
 #include <utility>
@@ -19,13 +18,6 @@ constexpr int kMostFailures = 3;
 }  // namespace
 
 using sizewalk::NodeId;
-
-ui::Rect pixelRect(const MapRect& rect) {
-  const auto edge = [](double at) { return static_cast<int>(std::lround(at)); };
-  const int x = edge(rect.x);
-  const int y = edge(rect.y);
-  return {x, y, edge(rect.x + rect.width) - x, edge(rect.y + rect.height) - y};
-}
 
 TreemapPicture::TreemapPicture(ui::Connection& connection, const KindColours& colours,
                                BackgroundRender::Post post)
@@ -201,8 +193,8 @@ void TreemapPicture::setSelected(std::span<const NodeId> nodes) {
 }
 
 ui::Rect TreemapPicture::outlineOf(NodeId node) const {
-  const MapRect* rect = rendered_.outlineRect(node);
-  const ui::Rect pixels = rect ? pixelRect(*rect) : ui::Rect();
+  const PixelSpan* rect = rendered_.outlineRect(node);
+  const ui::Rect pixels = rect ? rect->rect() : ui::Rect();
   return pixels.w < kLeastOutlined || pixels.h < kLeastOutlined ? ui::Rect() : pixels;
 }
 

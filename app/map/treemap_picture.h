@@ -136,8 +136,4 @@ class TreemapPicture {
   PreviewBudget budget_;
 };
 
-/// The pixels that a rectangle of the map is drawn on: each edge rounded half away from zero, as
-/// the shading does it.
-ui::Rect pixelRect(const MapRect& rect);
-
 }  // namespace app

@@ -3,9 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <stdexcept>
 #include <utility>
 
+#include "app/map/cushion_kernel.h"
 #include "app/map/cushion_shading.h"
+#include "app/model/parallel.h"
 #include "sizewalk/file_kinds.h"
 
 namespace app {
@@ -21,10 +24,8 @@ namespace {
 constexpr NodeId kChildrenLookedAt = 256;
 constexpr int kLevelsLookedAt = 8;
 
-/// Blocks coloured in one go by one thread. Most take nanoseconds, a folder drawn as one block
-/// microseconds.
-constexpr std::size_t kBlocksPerPiece = 4096;
-static_assert(kBlocksPerPiece % kRunLength == 0);
+/// About so many blocks are laid out in one go by one thread.
+constexpr std::size_t kBlocksInPart = 8192;
 
 std::optional<NodeId> largestChild(const FileTree& tree, NodeId folder,
                                    const MeasureSettings& measure) {
@@ -43,6 +44,16 @@ std::optional<NodeId> largestChild(const FileTree& tree, NodeId folder,
 
 using ExtraColours = std::unordered_map<std::int32_t, ExtraBlock>;
 
+/// A part of the map on its way from the layout to the picture.
+struct MapPart {
+  std::vector<TreemapBlock> blocks;
+  std::vector<RestSum> rests;
+  /// 0xRRGGBB before shading (the top byte means nothing); 0 where a block is not painted.
+  std::vector<std::uint32_t> colours;
+  std::vector<KindIndex> kinds;
+  std::vector<RunRows> rows;
+};
+
 /// Chooses the blocks' kinds and colours during one render, on several threads at once.
 class BlockPainter {
  public:
@@ -55,22 +66,15 @@ class BlockPainter {
   }
 
   /// Once for each block, on one thread or another, so that a block that two threads shade has one
-  /// colour even where the tree changes meanwhile. Fills `colours` and `kinds` of the map.
-  void chooseColours(unsigned threads, RenderedTreemap* map, std::vector<RunRows>* rows) const {
-    const std::span<const TreemapBlock> blocks = map->blocks;
-    map->colours.resize(blocks.size());
-    map->kinds.resize(blocks.size());
-    rows->resize(runCount(blocks.size()));
-    const std::size_t pieces = (blocks.size() + kBlocksPerPiece - 1) / kBlocksPerPiece;
-    forEachOnThreads(pieces, threads, [&](std::size_t piece) {
-      const std::size_t end = std::min(blocks.size(), (piece + 1) * kBlocksPerPiece);
-      for (std::size_t i = piece * kBlocksPerPiece; i < end; ++i) {
-        choose(blocks[i], &map->colours[i], &map->kinds[i]);
-      }
-      const std::size_t first = piece * kBlocksPerPiece;
-      findRunRows(blocks.subspan(first, end - first),
-                  std::span(*rows).subspan(first / kRunLength, runCount(end - first)));
-    });
+  /// colour even where the tree changes meanwhile.
+  void chooseColours(MapPart* part) const {
+    part->colours.resize(part->blocks.size());
+    part->kinds.resize(part->blocks.size());
+    for (std::size_t i = 0; i < part->blocks.size(); ++i) {
+      choose(part->blocks[i], &part->colours[i], &part->kinds[i]);
+    }
+    part->rows.resize(runCount(part->blocks.size()));
+    findRunRows(part->blocks, part->rows);
   }
 
  private:
@@ -100,9 +104,69 @@ class BlockPainter {
   std::array<std::uint32_t, sizewalk::kKindCount> table_;
 };
 
+/// Lays out and paints a map, both on several threads. Blocks as they are laid out take four times
+/// the memory of what the picture keeps of them, and go as soon as it is shaded.
+class MapMaker {
+ public:
+  MapMaker(const LayoutParts& layout, const BlockPainter& painter, unsigned threads,
+           RenderedTreemap* map)
+      : layout_(layout), painter_(painter), threads_(threads), map_(*map), parts_(layout.count()) {}
+
+  void make() {
+    forEachOnThreads(parts_.size(), threads_, [this](std::size_t i) { layOut(i); });
+    const MapImage image = {map_.pixels.data(), map_.blockAt.data(), map_.width, map_.height};
+    const std::vector<BlockSequence> sequences = makeRoom();
+    clearImage(image, threads_);
+    const BandShader shader(sequences, image, threads_);
+    forEachOnThreads(shader.bands() + parts_.size(), threads_, [&](std::size_t i) {
+      if (i < shader.bands()) return shader.paint(i);
+      keep(parts_[i - shader.bands()], sequences[i - shader.bands()].firstIndex);
+    });
+  }
+
+ private:
+  void layOut(std::size_t index) {
+    MapPart& part = parts_[index];
+    part.blocks.reserve(layout_.blocksIn(index));
+    layout_.layOut(index, &part.blocks, &part.rests);
+    painter_.chooseColours(&part);
+  }
+
+  /// For all blocks in the picture.
+  std::vector<BlockSequence> makeRoom() {
+    std::vector<BlockSequence> sequences;
+    std::size_t next = 0;
+    for (const MapPart& part : parts_) {
+      sequences.push_back({part.blocks, part.colours, part.rows, static_cast<std::uint32_t>(next)});
+      next += part.blocks.size();
+      map_.rests.insert(map_.rests.end(), part.rests.begin(), part.rests.end());
+    }
+    map_.blocks.resize(next);
+    return sequences;
+  }
+
+  void keep(const MapPart& part, std::uint32_t firstIndex) {
+    for (std::size_t i = 0; i < part.blocks.size(); ++i) {
+      const TreemapBlock& block = part.blocks[i];
+      map_.blocks[firstIndex + i] = {pixelSpan(block.rect, map_.width, map_.height),
+                                     block.id,
+                                     block.restCount,
+                                     part.kinds[i],
+                                     block.painted,
+                                     block.reason};
+    }
+  }
+
+  const LayoutParts& layout_;
+  const BlockPainter& painter_;
+  const unsigned threads_;
+  RenderedTreemap& map_;
+  std::vector<MapPart> parts_;
+};
+
 void findExtras(RenderedTreemap* map) {
   for (std::uint32_t i = 0; i < map->blocks.size(); ++i) {
-    const TreemapBlock& block = map->blocks[i];
+    const PictureBlock& block = map->blocks[i];
     if (block.id < 0 && block.restCount == 0) map->extras.push_back(i);
   }
 }
@@ -136,6 +200,7 @@ RenderedTreemap renderTreemap(const FileTree& tree, NodeId root, std::int32_t wi
                               std::span<const ExtraBlock> extraBlocks,
                               const MeasureSettings& measure, RenderedTreemap recycled,
                               unsigned threads) {
+  if (width > kMostPixels || height > kMostPixels) throw std::length_error("too large a map");
   RenderedTreemap map = std::move(recycled);
   map.width = width;
   map.height = height;
@@ -144,8 +209,6 @@ RenderedTreemap renderTreemap(const FileTree& tree, NodeId root, std::int32_t wi
   map.kindColours = colours;
   map.blocks.clear();
   map.rests.clear();
-  map.colours.clear();
-  map.kinds.clear();
   map.extras.clear();
   map.extraColours.clear();
   const bool nothingToShow = width < 1 || height < 1 || root >= tree.nodeCount();
@@ -155,20 +218,17 @@ RenderedTreemap renderTreemap(const FileTree& tree, NodeId root, std::int32_t wi
   map.blockAt.resize(pixels);
   if (!nothingToShow) {
     map.rootSize = measureValue(tree, root, measure);
-    layoutTreemap(tree, root, {0, 0, static_cast<double>(width), static_cast<double>(height)}, 0,
-                  measure, extraBlocks, {}, kRidgeHeight, &map.blocks, &map.rests);
     for (const ExtraBlock& extra : extraBlocks) map.extraColours.insert_or_assign(extra.id, extra);
+    const MapRect whole = {0, 0, static_cast<double>(width), static_cast<double>(height)};
+    const LayoutParts layout(tree, root, whole, measure, extraBlocks, kBlocksInPart);
+    MapMaker(layout, BlockPainter(tree, measure, colours, map.extraColours), threads, &map).make();
     if (!extraBlocks.empty()) findExtras(&map);
-    std::vector<RunRows> rows;
-    BlockPainter(tree, measure, colours, map.extraColours).chooseColours(threads, &map, &rows);
-    shadeBlocks(map.blocks, map.colours, rows,
-                {map.pixels.data(), map.blockAt.data(), width, height}, threads);
   }
-  map.outlineRects.assign(map.blocks);
+  map.outlineRects.assign(map.blocks, threads);
   return map;
 }
 
-const TreemapBlock* RenderedTreemap::blockUnder(std::int32_t x, std::int32_t y) const {
+const PictureBlock* RenderedTreemap::blockUnder(std::int32_t x, std::int32_t y) const {
   if (blocks.empty() || x < 0 || y < 0 || x >= width || y >= height) return nullptr;
   const std::uint32_t index =
       blockAt[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
@@ -176,12 +236,12 @@ const TreemapBlock* RenderedTreemap::blockUnder(std::int32_t x, std::int32_t y) 
   return index == kNoBlock ? nullptr : &blocks[index];
 }
 
-const MapRect* RenderedTreemap::outlineRect(NodeId node) const {
-  const std::optional<std::uint32_t> block = outlineRects.blockOf(node);
+const PixelSpan* RenderedTreemap::outlineRect(NodeId node) const {
+  const std::optional<std::uint32_t> block = outlineRects.blockOf(node, blocks);
   return block ? &blocks[*block].rect : nullptr;
 }
 
-std::int64_t RenderedTreemap::restSize(const TreemapBlock& block) const {
+std::int64_t RenderedTreemap::restSize(const PictureBlock& block) const {
   const auto rest = std::ranges::find(rests, block.id, &RestSum::id);
   return rest == rests.end() ? 0 : rest->size;
 }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "app/map/outline_rects.h"
+#include "app/map/picture_block.h"
 #include "app/map/treemap_layout.h"
 #include "app/model/kind_colours.h"
 #include "app/model/measure.h"
@@ -28,16 +29,9 @@ struct RenderedTreemap {
   /// The colours of the kinds that it was drawn with.
   KindColours kindColours{setting::kConsistentKindColours.fallback};
   /// In layout order. Empty when there is nothing to show; the view then shows the background.
-  std::vector<TreemapBlock> blocks;
+  std::vector<PictureBlock> blocks;
   /// One for each rest block, in layout order.
   std::vector<RestSum> rests;
-  /// The colour of each block, 0xRRGGBB before shading (the top byte means nothing); 0 where it is
-  /// not painted.
-  std::vector<std::uint32_t> colours;
-  /// The kind of each block when its colour was chosen; for a folder drawn as one block the kind
-  /// that it is coloured by. `kNoKind` for merged entries, for what is beside the tree, and where
-  /// nothing is painted.
-  std::vector<sizewalk::KindIndex> kinds;
   /// 0xRRGGBB, row by row from the top.
   std::vector<std::uint32_t> pixels;
   /// For every pixel the index of its block in `blocks`, or `kNoBlock`.
@@ -50,16 +44,17 @@ struct RenderedTreemap {
   OutlineRects outlineRects;
 
   /// The block under a pixel; null beside every block and outside the map.
-  const TreemapBlock* blockUnder(std::int32_t x, std::int32_t y) const;
+  const PictureBlock* blockUnder(std::int32_t x, std::int32_t y) const;
   /// The rectangle that stands for a node, that of a folder around its contents; null when the map
   /// does not show the node by itself.
-  const MapRect* outlineRect(sizewalk::NodeId node) const;
+  const PixelSpan* outlineRect(sizewalk::NodeId node) const;
   /// What was merged into the rest block `block` adds up to, in bytes. Looks at all of them.
-  std::int64_t restSize(const TreemapBlock& block) const;
+  std::int64_t restSize(const PictureBlock& block) const;
 };
 
 /// Lays out and shades `root` at width × height pixels. A size below 1 or a root that is not
-/// published gives a render without blocks and pixels. `recycled` is a render that is no longer
+/// published gives a render without blocks and pixels; one above `kMostPixels` throws
+/// std::length_error. `recycled` is a render that is no longer
 /// needed: its memory is used again, which saves the kernel from handing out some tens of megabytes
 /// of fresh pages each time. The work is done by up to `threads` threads, the calling one among
 /// them.

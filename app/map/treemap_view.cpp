@@ -26,7 +26,7 @@ ui::Rect grown(const ui::Rect& rect, int by) {
   return {rect.x - by, rect.y - by, rect.w + 2 * by, rect.h + 2 * by};
 }
 
-bool isSameItem(const std::optional<TreemapBlock>& a, const std::optional<TreemapBlock>& b) {
+bool isSameItem(const std::optional<PictureBlock>& a, const std::optional<PictureBlock>& b) {
   if (!a || !b) return a.has_value() == b.has_value();
   return a->id == b->id && a->restCount == b->restCount;
 }
@@ -44,16 +44,16 @@ TreemapView::TreemapView(const ui::Style& style, TreemapPicture& picture, MapFoc
   picture_.setOutlineStyle({.thickness = lineWidth(), .accent = style_.palette().accent});
 }
 
-const TreemapBlock* TreemapView::blockAt(int x, int y) const {
+const PictureBlock* TreemapView::blockAt(int x, int y) const {
   const ui::Rect& place = picture_.rect();
-  const TreemapBlock* block = picture_.rendered().blockUnder(x - place.x, y - place.y);
+  const PictureBlock* block = picture_.rendered().blockUnder(x - place.x, y - place.y);
   if (!block || block->id < 0) return block;
   const sizewalk::FileTree* tree = picture_.tree();
   return tree && tree->isVisible(static_cast<NodeId>(block->id)) ? block : nullptr;
 }
 
 std::optional<NodeId> TreemapView::nodeAt(int x, int y) const {
-  const TreemapBlock* block = blockAt(x, y);
+  const PictureBlock* block = blockAt(x, y);
   if (!block || block->id < 0 || block->restCount > 0) return std::nullopt;
   return static_cast<NodeId>(block->id);
 }
@@ -64,8 +64,8 @@ std::optional<NodeId> TreemapView::hovered() const {
 }
 
 std::optional<ui::Rect> TreemapView::outlineOf(NodeId node) const {
-  const MapRect* rect = picture_.rendered().outlineRect(node);
-  return rect ? std::optional(pixelRect(*rect)) : std::nullopt;
+  const PixelSpan* rect = picture_.rendered().outlineRect(node);
+  return rect ? std::optional(rect->rect()) : std::nullopt;
 }
 
 ui::Rect TreemapView::inWindow(const ui::Rect& onMap) const {
@@ -115,8 +115,8 @@ void TreemapView::reset() {
 }
 
 void TreemapView::findHovered() {
-  const TreemapBlock* block = pointer_ ? blockAt(pointer_->x, pointer_->y) : nullptr;
-  const std::optional<TreemapBlock> found = block ? std::optional(*block) : std::nullopt;
+  const PictureBlock* block = pointer_ ? blockAt(pointer_->x, pointer_->y) : nullptr;
+  const std::optional<PictureBlock> found = block ? std::optional(*block) : std::nullopt;
   // Another picture may have come under a pointer at rest.
   if (!isSameItem(found, hoveredBlock_)) card_.hide();
   hoveredBlock_ = found;
@@ -219,7 +219,7 @@ void TreemapView::wheel(const ui::MouseEvent& event, int dy) {
 }
 
 void TreemapView::goTowards(const ui::MouseEvent& event) {
-  const TreemapBlock* block = blockAt(event.x, event.y);
+  const PictureBlock* block = blockAt(event.x, event.y);
   if (!block || block->id < 0 || !picture_.tree()) return;
   const auto node = static_cast<NodeId>(block->id);
   // Merged items have only their folder in common.
@@ -266,9 +266,9 @@ std::optional<NodeId> TreemapView::nodeBeyond(const ui::Rect& rect, int dx, int 
 }
 
 std::optional<NodeId> TreemapView::firstNode() const {
-  for (const TreemapBlock& block : picture_.rendered().blocks) {
+  for (const PictureBlock& block : picture_.rendered().blocks) {
     // The block may be too small for a pixel of its own.
-    const ui::Rect place = inWindow(pixelRect(block.rect));
+    const ui::Rect place = inWindow(block.rect.rect());
     const auto node = nodeAt(place.x, place.y);
     if (node) return node;
   }
@@ -291,7 +291,7 @@ void TreemapView::paintSpaceLabels(ui::Canvas& canvas) const {
 
 void TreemapView::paintHovered(ui::Canvas& canvas) const {
   if (!hoveredBlock_) return;
-  const ui::Rect outline = inWindow(pixelRect(hoveredBlock_->rect));
+  const ui::Rect outline = inWindow(hoveredBlock_->rect.rect());
   for (int i = 0; i < lineWidth(); ++i) {
     canvas.strokeRect(grown(outline, i + 1), kOutlineDark);
     canvas.strokeRect(grown(outline, -i), kOutlineLight);

@@ -70,7 +70,7 @@ class TreemapView : public ui::View {
  private:
   /// Null, too, where the block's item is not visible any more; of merged items the first speaks
   /// for all.
-  const TreemapBlock* blockAt(int x, int y) const;
+  const PictureBlock* blockAt(int x, int y) const;
   std::optional<sizewalk::NodeId> nodeAt(int x, int y) const;
   /// On the map, wherever that is in the window.
   std::optional<ui::Rect> outlineOf(sizewalk::NodeId node) const;
@@ -121,7 +121,7 @@ class TreemapView : public ui::View {
   std::vector<SpaceLabel> spaceLabels_;
   ScanStatus status_;
   std::optional<Pointer> pointer_;
-  std::optional<TreemapBlock> hoveredBlock_;
+  std::optional<PictureBlock> hoveredBlock_;
   std::optional<Press> lastPress_;
   /// When the wheel last led to another level.
   std::optional<std::uint32_t> lastLevelMs_;

@@ -145,7 +145,7 @@ TEST_F(GrowingTreeTest, HasCardsOfEveryBlockOfItsMap) {
     map =
         renderTreemap(tree_, kRootNode, 300, 200, KindColours(false), {}, kLengths, std::move(map));
     std::size_t rests = 0;
-    for (const TreemapBlock& block : map.blocks) {
+    for (const PictureBlock& block : map.blocks) {
       if (!block.painted) continue;
       const MapCard card = mapCard(map, block, tree_, kLengths);
       ASSERT_FALSE(card.title.empty());

@@ -80,9 +80,9 @@ class ScanScreenBackgroundTest : private HasTasks, public ScanScreenTest {
   }
   std::uint32_t onMapColour(NodeId node) const {
     const auto block =
-        std::ranges::find(map().blocks, static_cast<std::int32_t>(node), &TreemapBlock::id);
+        std::ranges::find(map().blocks, static_cast<std::int32_t>(node), &PictureBlock::id);
     if (block == map().blocks.end()) throw std::runtime_error("not on the map");
-    return map().colours[static_cast<std::size_t>(block - map().blocks.begin())] & 0xFFFFFF;
+    return map().kindColours.colourForKind(block->kind) & 0xFFFFFF;
   }
   void expectOneColour(NodeId node) {
     const Seen seen = coloursOf(node);

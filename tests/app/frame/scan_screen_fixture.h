@@ -83,9 +83,9 @@ class ScanScreenTest : public testing::Test, protected test::ViewsOnWindow {
   }
 
   ui::Rect onMap(NodeId node) const {
-    const MapRect* rect = map().outlineRect(node);
+    const PixelSpan* rect = map().outlineRect(node);
     if (!rect) throw std::runtime_error("not on the map");
-    ui::Rect pixels = pixelRect(*rect);
+    ui::Rect pixels = rect->rect();
     pixels.x += screen_.picture().rect().x;
     pixels.y += screen_.picture().rect().y;
     return pixels;

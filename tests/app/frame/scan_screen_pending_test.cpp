@@ -48,7 +48,7 @@ TEST_F(ScanScreenPendingTest, HasThePanelOnlyWhileSomethingWaits) {
 TEST_F(ScanScreenPendingTest, LaysTheMapOutAgainOnlyForAnotherHeight) {
   wait({1, 2, 3, 4, 5});
   picture();
-  const MapRect* before = ScanScreenTest::map().outlineRect(photo_);
+  const PixelSpan* before = ScanScreenTest::map().outlineRect(photo_);
   wait({1, 2, 3, 4, 5}, 0.5);
   picture();
   EXPECT_EQ(ScanScreenTest::map().outlineRect(photo_), before) << "the same picture";

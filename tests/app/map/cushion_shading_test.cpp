@@ -4,8 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdint>
 #include <random>
+#include <span>
 #include <vector>
 
 #include "tests/app/map/naive_map.h"
@@ -18,10 +20,22 @@ using test::blockOf;
 using test::randomCushion;
 using test::uniform;
 
-std::vector<RunRows> rowsOf(const std::vector<TreemapBlock>& blocks) {
-  std::vector<RunRows> rows(runCount(blocks.size()));
-  findRunRows(blocks, rows);
-  return rows;
+/// The whole image: background, and all blocks over it. They come in two sequences.
+void shade(const std::vector<TreemapBlock>& blocks, const std::vector<std::uint32_t>& colours,
+           const MapImage& image, unsigned threads) {
+  const std::size_t split = blocks.size() / 3;
+  const std::span all(blocks);
+  std::vector<RunRows> firstRows(runCount(split));
+  std::vector<RunRows> secondRows(runCount(blocks.size() - split));
+  findRunRows(all.first(split), firstRows);
+  findRunRows(all.subspan(split), secondRows);
+  const std::array<BlockSequence, 2> sequences = {{
+      {all.first(split), std::span(colours).first(split), firstRows, 0},
+      {all.subspan(split), std::span(colours).subspan(split), secondRows,
+       static_cast<std::uint32_t>(split)},
+  }};
+  clearImage(image, threads);
+  shadeBlocks(sequences, image, threads);
 }
 
 TEST(ShadeBlocks, PaintsLaterBlocksOverEarlierOnesOnAnyNumberOfThreads) {
@@ -49,8 +63,7 @@ TEST(ShadeBlocks, PaintsLaterBlocksOverEarlierOnesOnAnyNumberOfThreads) {
   for (const unsigned threads : {0U, 1U, 2U, 3U, 8U}) {
     std::vector<std::uint32_t> pixels(size, 1);
     std::vector<std::uint32_t> blockAt(size, 2);
-    shadeBlocks(blocks, colours, rowsOf(blocks), {pixels.data(), blockAt.data(), width, height},
-                threads);
+    shade(blocks, colours, {pixels.data(), blockAt.data(), width, height}, threads);
     EXPECT_TRUE(pixels == expectedPixels) << threads;
     EXPECT_TRUE(blockAt == expectedBlockAt) << threads;
   }
@@ -68,7 +81,7 @@ TEST(ShadeBlocks, KeepsWhatLiesAtTheTopOverABlockThatReachesTheBottom) {
   const std::vector<std::uint32_t> colours(blocks.size(), 0xFFFFFF);
   std::vector<std::uint32_t> pixels(std::size_t{width} * height);
   std::vector<std::uint32_t> blockAt(pixels.size());
-  shadeBlocks(blocks, colours, rowsOf(blocks), {pixels.data(), blockAt.data(), width, height}, 2);
+  shade(blocks, colours, {pixels.data(), blockAt.data(), width, height}, 2);
   EXPECT_EQ(blockAt[0], 201U);
   EXPECT_EQ(blockAt[9 * width + 199], 2200U);
   EXPECT_EQ(blockAt[200], 200U);
@@ -99,7 +112,7 @@ TEST(ShadeBlocks, PaintsTinyBlocksSideBySideAsDefined) {
   }
   std::vector<std::uint32_t> pixels(size);
   std::vector<std::uint32_t> blockAt(size);
-  shadeBlocks(blocks, colours, rowsOf(blocks), {pixels.data(), blockAt.data(), width, height}, 2);
+  shade(blocks, colours, {pixels.data(), blockAt.data(), width, height}, 2);
   EXPECT_TRUE(pixels == expectedPixels);
   EXPECT_TRUE(blockAt == expectedBlockAt);
 }

@@ -47,7 +47,7 @@ void expectKept(const RenderedTreemap& map, sizewalk::KindIndex kind,
 /// The painted block with this id, which is in sight.
 std::size_t blockOf(const RenderedTreemap& map, std::int32_t id) {
   const auto block = std::ranges::find_if(
-      map.blocks, [&](const TreemapBlock& b) { return b.id == id && b.painted; });
+      map.blocks, [&](const PictureBlock& b) { return b.id == id && b.painted; });
   const auto index = static_cast<std::size_t>(block - map.blocks.begin());
   EXPECT_NE(std::ranges::find(map.blockAt, index), map.blockAt.end()) << "no pixel of " << id;
   return index;
@@ -99,8 +99,7 @@ TEST(KindHighlight, CountsAFolderThatNothingFillsAsTheKindOfItsColour) {
   fill(tree, folders.front(), {{kPdf, 0, 8}});
   const auto map = draw(tree, 8, 4, kOnDisk);
   const std::size_t block = blockOf(map, static_cast<std::int32_t>(folders.front()));
-  ASSERT_EQ(map.colours[block] & 0xFFFFFF,
-            KindColours(true).colourForKind(sizewalk::otherKind) & 0xFFFFFF);
+  ASSERT_EQ(map.blocks[block].kind, sizewalk::otherKind);
   expectKept(map, sizewalk::otherKind, {block});
   expectKept(map, sizewalk::kKindFolder, {});
 }

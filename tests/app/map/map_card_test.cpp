@@ -68,12 +68,12 @@ class MapCardTest : public ::testing::Test {
     return mapCard(map, *block, tree_, measure_);
   }
   MapCard cardOfNode(NodeId node) const {
-    return cardOf([&](const TreemapBlock& block) {
+    return cardOf([&](const PictureBlock& block) {
       return block.id == static_cast<std::int32_t>(node) && block.restCount == 0;
     });
   }
   MapCard cardOfFirst() const { return cardOfNode(tree_.firstChild(focus_)); }
-  static bool isRest(const TreemapBlock& block) { return block.restCount > 0; }
+  static bool isRest(const PictureBlock& block) { return block.restCount > 0; }
   MapCard cardOfRest() const { return cardOf(isRest); }
 
   const LocalTime localTime_;
@@ -90,7 +90,7 @@ TEST_F(MapCardTest, HasTheColourThatTheMapHasForTheKind) {
   byRank.setKindSlots({{tree_.kind(tree_.firstChild(kRootNode)), 3}});
   map.kindColours = byRank;
   const NodeId file = tree_.firstChild(kRootNode);
-  const auto isFile = [&](const TreemapBlock& block) { return block.id == std::int32_t(file); };
+  const auto isFile = [&](const PictureBlock& block) { return block.id == std::int32_t(file); };
   EXPECT_EQ(cardOn(map, isFile).swatch, byRank.colourForKind(tree_.kind(file)));
   EXPECT_NE(cardOn(map, isFile).swatch, cardOn(draw(), isFile).swatch);
 }
@@ -101,7 +101,7 @@ TEST_F(MapCardTest, HasNoColourWhereThereIsNoKind) {
   add(tree_, listing.file("large", 1'000'000, 1'000'000));
   extraBlocks_ = {{kFreeSpaceBlock, "Free space", 500'000, 0x2B3648}};
   EXPECT_EQ(cardOfRest().swatch, std::nullopt);
-  const auto isFree = [](const TreemapBlock& block) { return block.id == kFreeSpaceBlock; };
+  const auto isFree = [](const PictureBlock& block) { return block.id == kFreeSpaceBlock; };
   EXPECT_EQ(cardOf(isFree).swatch, std::nullopt);
 }
 
@@ -228,7 +228,7 @@ TEST_F(MapCardTest, TellsOfEachFoldersMergedItems) {
   }
   const RenderedTreemap map = draw();
   for (const auto& [dir, size] : {std::pair{dirs[0], "3.00 kB"}, std::pair{dirs[1], "9.00 kB"}}) {
-    const MapCard card = cardOn(map, [&, dir = dir](const TreemapBlock& block) {
+    const MapCard card = cardOn(map, [&, dir = dir](const PictureBlock& block) {
       return isRest(block) && tree_.parent(static_cast<NodeId>(block.id)) == dir;
     });
     EXPECT_EQ(card.facts[1].text, size);
@@ -240,7 +240,7 @@ TEST_F(MapCardTest, TellsLabelAndSizeOfWhatIsBesideTheTree) {
   extraBlocks_ = {{kFreeSpaceBlock, "Free space", 5000, 0x2B3648},
                   {kOtherSpaceBlock, "Other space in use", 400, 0x4A4458}};
   const auto cardOfExtra = [&](std::int32_t id) {
-    return cardOf([&](const TreemapBlock& block) { return block.id == id; });
+    return cardOf([&](const PictureBlock& block) { return block.id == id; });
   };
   EXPECT_EQ(cardOfExtra(kFreeSpaceBlock), (MapCard{"Free space", {{"Size", "5.00 kB"}}}));
   EXPECT_EQ(cardOfExtra(kOtherSpaceBlock), (MapCard{"Other space in use", {{"Size", "400 B"}}}));

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "app/map/cushion_kernel.h"
 #include "app/map/extra_blocks.h"
 #include "app/map/kind_highlight.h"
 #include "tests/app/map/treemap_view_fixture.h"
@@ -31,7 +32,7 @@ const SpaceLabelStyle kTens = {
 Labels onBlock(const MapRect& rect) {
   RenderedTreemap map;
   map.blocks.resize(1);
-  map.blocks[0].rect = rect;
+  map.blocks[0].rect = pixelSpan(rect, kMostPixels, kMostPixels);
   map.blocks[0].id = kFreeSpaceBlock;
   map.extras = {0};
   map.extraColours[kFreeSpaceBlock] = {kFreeSpaceBlock, "Free space", 5000, 0x2B3648};

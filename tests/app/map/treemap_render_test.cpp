@@ -2,9 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
-#include "app/map/cushion_shading.h"
+#include "app/map/cushion_kernel.h"
 #include "tests/app/map/map_tree.h"
 #include "tests/app/map/naive_map.h"
 
@@ -34,14 +35,21 @@ RenderedTreemap draw(const FileTree& tree, std::int32_t width, std::int32_t heig
 void expectAsDrawnNaively(const RenderedTreemap& map, const test::NaiveMap& naive) {
   ASSERT_EQ(map.blocks.size(), naive.blocks.size());
   for (std::size_t i = 0; i < map.blocks.size(); ++i) {
-    ASSERT_EQ(map.blocks[i], naive.blocks[i]) << "block " << i;
+    const TreemapBlock& block = naive.blocks[i];
+    const PictureBlock expected = {pixelSpan(block.rect, map.width, map.height),
+                                   block.id,
+                                   block.restCount,
+                                   map.blocks[i].kind,
+                                   block.painted,
+                                   block.reason};
+    ASSERT_EQ(map.blocks[i], expected) << "block " << i;
   }
   ASSERT_TRUE(map.pixels == naive.pixels);
   ASSERT_TRUE(map.blockAt == naive.blockAt);
   ASSERT_EQ(map.outlineRects.size(), naive.outlineRects.size());
   for (const auto& [node, rect] : naive.outlineRects) {
     ASSERT_NE(map.outlineRect(node), nullptr);
-    ASSERT_EQ(*map.outlineRect(node), rect);
+    ASSERT_EQ(*map.outlineRect(node), pixelSpan(rect, map.width, map.height));
   }
 }
 
@@ -77,9 +85,16 @@ TEST(TreemapRender, DrawsRandomTreesAsTheyAreDrawnNaively) {
     ASSERT_EQ(map.width, width);
     ASSERT_EQ(map.height, height);
     ASSERT_EQ(map.root, root);
-    expectAsDrawnNaively(
-        map, test::drawNaively(tree, root, width, height, colours, extraBlocks, measure));
+    const test::NaiveMap naive =
+        test::drawNaively(tree, root, width, height, colours, extraBlocks, measure);
+    expectAsDrawnNaively(map, naive);
     if (HasFatalFailure()) return;
+    std::vector<TreemapBlock> blocks;
+    if (!naive.blocks.empty()) {
+      layoutTreemap(tree, root, {0, 0, double(width), double(height)}, 0, measure, extraBlocks, {},
+                    kRidgeHeight, &blocks);
+    }
+    ASSERT_EQ(blocks, naive.blocks);
   }
 }
 
@@ -112,7 +127,6 @@ TEST(TreemapRender, OfANodeThatIsNotPublishedIsEmptyEvenIntoAUsedRender) {
   RenderedTreemap map = draw(tree, 40, 40, {extra});
   map = renderTreemap(tree, 2, 40, 40, kColours, {}, kLengths, std::move(map));
   EXPECT_TRUE(map.blocks.empty());
-  EXPECT_TRUE(map.colours.empty());
   EXPECT_TRUE(map.pixels.empty());
   EXPECT_TRUE(map.extraColours.empty());
   EXPECT_EQ(map.blockUnder(5, 5), nullptr);
@@ -155,9 +169,9 @@ TEST(TreemapRender, ColoursAFolderAtTheDepthLimitByWhatFillsIt) {
   for (int level = 1; level <= 65; ++level) node = fill(tree, node, {folder()}).front();
   fill(tree, node, {file(9, kPdfKind)});
   const RenderedTreemap map = draw(tree, 50, 40);
-  ASSERT_EQ(map.blocks.back().depth, 64);
   ASSERT_EQ(map.blocks.back().reason, BlockReason::depthLimit);
-  EXPECT_EQ(map.colours.back() & 0xFFFFFF, colour(kPdfKind));
+  EXPECT_EQ(map.blocks.back().kind, kPdfKind);
+  EXPECT_EQ(std::ranges::count(map.blocks, false, &PictureBlock::painted), kDepthLimit);
 }
 
 TEST(TreemapRender, OutlinesAFolderAroundItsContents) {
@@ -166,8 +180,8 @@ TEST(TreemapRender, OutlinesAFolderAroundItsContents) {
   fill(tree, folders[0], {file(150, kJpegKind), file(150, kJpegKind)});
   const RenderedTreemap map = draw(tree, 40, 20);
   ASSERT_NE(map.outlineRect(folders[0]), nullptr);
-  EXPECT_EQ(*map.outlineRect(folders[0]), (MapRect{0, 0, 30, 20}));
-  EXPECT_EQ(*map.outlineRect(kRootNode), (MapRect{0, 0, 40, 20}));
+  EXPECT_EQ(*map.outlineRect(folders[0]), (PixelSpan{0, 0, 30, 20}));
+  EXPECT_EQ(*map.outlineRect(kRootNode), (PixelSpan{0, 0, 40, 20}));
   for (int x = 0; x < 30; ++x) EXPECT_GE(map.blockUnder(x, 10)->id, 3) << x;
   EXPECT_EQ(map.outlineRect(77), nullptr);
 }
@@ -188,12 +202,12 @@ TEST(TreemapRender, GivesRestAndExtraBlocksNoOutline) {
 TEST(TreemapRender, ColoursExtraBlocksAsTheyAsk) {
   FileTree tree;
   fillRoot(tree, {file(1, kPdfKind)});
-  const RenderedTreemap map = draw(tree, 60, 30,
-                                   {{kFreeSpaceBlock, "Free space", 1000000, 0x2B3648},
-                                    {kOtherSpaceBlock, "Other space in use", 0, 0x4A4458}});
+  const std::vector<ExtraBlock> blocks = {{kFreeSpaceBlock, "Free space", 1000000, 0x2B3648},
+                                          {kOtherSpaceBlock, "Other space in use", 0, 0x4A4458}};
+  const RenderedTreemap map = draw(tree, 60, 30, blocks);
   ASSERT_EQ(map.blocks.size(), 2U);
   EXPECT_EQ(map.blocks[1].id, kFreeSpaceBlock);
-  EXPECT_EQ(map.colours[1], 0x2B3648U);
+  expectAsDrawnNaively(map, test::drawNaively(tree, kRootNode, 60, 30, kColours, blocks, kLengths));
   ASSERT_EQ(map.extraColours.count(kOtherSpaceBlock), 1U);
   EXPECT_EQ(map.extraColours.at(kFreeSpaceBlock).label, "Free space");
 }
@@ -202,10 +216,10 @@ TEST(TreemapRender, ColoursExtraBlocksAsTheyAsk) {
 std::uint32_t colourOfSmallFolder(const FileTree& tree, NodeId node,
                                   const MeasureSettings& measure = kLengths) {
   const RenderedTreemap map = renderTreemap(tree, kRootNode, 100, 100, kColours, {}, measure);
-  for (std::size_t i = 0; i < map.blocks.size(); ++i) {
-    if (map.blocks[i].id == static_cast<std::int32_t>(node)) {
-      EXPECT_TRUE(map.blocks[i].painted);
-      return map.colours[i] & 0xFFFFFF;
+  for (const PictureBlock& block : map.blocks) {
+    if (block.id == static_cast<std::int32_t>(node)) {
+      EXPECT_TRUE(block.painted);
+      return colour(block.kind);
     }
   }
   ADD_FAILURE() << "no block";
@@ -261,7 +275,7 @@ TEST(DominantKind, OfAFolderWithoutSizesIsTheFallback) {
   EXPECT_EQ(dominantKind(tree, node, kLengths), sizewalk::kKindFolder);
   const RenderedTreemap map = renderTreemap(tree, node, 10, 10, kColours, {}, kLengths);
   EXPECT_EQ(map.blocks.at(0).reason, BlockReason::nothingVisible);
-  EXPECT_EQ(map.colours.at(0) & 0xFFFFFF, colour(sizewalk::otherKind));
+  EXPECT_EQ(map.blocks.at(0).kind, sizewalk::otherKind);
 }
 
 TEST(DominantKind, GoesByLengthEvenWhereSizesOnDiskAreShown) {
@@ -287,35 +301,37 @@ TEST(DominantKind, PassesOverWhatIsTakenOut) {
 }
 
 TEST(OutlineRects, KeepTheLargestBlockOfANodeAndTheFirstOfEqualOnes) {
-  std::vector<TreemapBlock> blocks(4);
-  blocks[0] = {{0, 0, 2, 2}, 9, 1, 0, true, BlockReason::laidOut, {}};
-  blocks[1] = {{0, 0, 3, 3}, 9, 1, 0, true, BlockReason::laidOut, {}};
-  blocks[2] = {{5, 5, 9, 1}, 9, 1, 0, true, BlockReason::laidOut, {}};
-  blocks[3] = {{0, 0, 99, 99}, 9, 1, 4, true, BlockReason::rest, {}};
+  std::vector<PictureBlock> blocks(4);
+  blocks[0] = {.rect = {0, 0, 2, 2}, .id = 9};
+  blocks[1] = {.rect = {0, 0, 3, 3}, .id = 9};
+  blocks[2] = {.rect = {5, 5, 14, 6}, .id = 9};
+  blocks[3] = {.rect = {0, 0, 99, 99}, .id = 9, .restCount = 4};
   OutlineRects rects;
-  rects.assign(blocks);
-  EXPECT_EQ(rects.blockOf(9), 1U);
-  EXPECT_EQ(rects.size(), 1U);
+  rects.assign(blocks, 1);
+  EXPECT_EQ(rects.blockOf(9, blocks), 1U);
+  EXPECT_EQ(rects.size(), 3U);
+  EXPECT_EQ(rects.blockOf(8, blocks), std::nullopt);
+  EXPECT_EQ(rects.blockOf(10, blocks), std::nullopt);
 }
 
 TEST(OutlineRects, FindEveryNodeHoweverTheIndicesLie) {
   std::mt19937_64 random(3);
   for (const std::uint32_t step : {1U, 2U, 8U, 64U, 4096U, 65537U}) {
-    std::vector<TreemapBlock> blocks(20000);
+    std::vector<PictureBlock> blocks(150000);
     for (std::size_t i = 0; i < blocks.size(); ++i) {
-      blocks[i].id = static_cast<std::int32_t>((i * step) & 0x7FFFFFF);
+      blocks[i].id = static_cast<std::int32_t>((i * step) & 0x7FFFFFFF);
     }
     std::shuffle(blocks.begin(), blocks.end(), random);
     OutlineRects rects;
-    rects.assign(blocks);
+    rects.assign(blocks, 3);
     ASSERT_EQ(rects.size(), blocks.size());
-    for (const TreemapBlock& block : blocks) {
-      const auto found = rects.blockOf(static_cast<NodeId>(block.id));
+    for (const PictureBlock& block : blocks) {
+      const auto found = rects.blockOf(static_cast<NodeId>(block.id), blocks);
       ASSERT_TRUE(found);
       ASSERT_EQ(blocks[*found].id, block.id);
     }
-    EXPECT_EQ(rects.blockOf(0x8000000), std::nullopt);
-    EXPECT_EQ(rects.blockOf(0xFFFFFFFF), std::nullopt);
+    EXPECT_EQ(rects.blockOf(0x80000000, blocks), std::nullopt);
+    EXPECT_EQ(rects.blockOf(0xFFFFFFFF, blocks), std::nullopt);
   }
 }
 

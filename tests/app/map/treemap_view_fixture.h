@@ -105,18 +105,18 @@ class TreemapViewTest : public test::WindowTest {
 
   /// Where the map shows an item, in the window.
   ui::Rect placeOf(NodeId node) const {
-    const MapRect* rect = picture_.rendered().outlineRect(node);
+    const PixelSpan* rect = picture_.rendered().outlineRect(node);
     if (!rect) throw std::runtime_error("not on the map");
     return inWindow(*rect);
   }
   ui::Rect placeOfSmallItems() const {
     const auto& blocks = picture_.rendered().blocks;
-    const auto block = std::ranges::find(blocks, 100, &TreemapBlock::restCount);
+    const auto block = std::ranges::find(blocks, 100, &PictureBlock::restCount);
     if (block == blocks.end()) throw std::runtime_error("nothing was merged");
     return inWindow(block->rect);
   }
-  static ui::Rect inWindow(const MapRect& rect) {
-    const ui::Rect pixels = pixelRect(rect);
+  static ui::Rect inWindow(const PixelSpan& rect) {
+    const ui::Rect pixels = rect.rect();
     return {pixels.x + kPlace.x, pixels.y + kPlace.y, pixels.w, pixels.h};
   }
 

@@ -6,17 +6,22 @@
 #include <random>
 #include <vector>
 
+#include "app/map/cushion_kernel.h"
 #include "tests/app/map/treemap_view_fixture.h"
 #include "ui/keys.h"
 
 namespace app {
 namespace {
 
-TEST(PixelRect, HasEachEdgeOnTheNearestPixel) {
-  EXPECT_EQ(pixelRect({0.4, 0.5, 10.2, 10.1}), (ui::Rect{0, 1, 11, 10}));
-  EXPECT_EQ(pixelRect({1.5, 2.49, 1, 0.01}), (ui::Rect{2, 2, 1, 1}));
-  EXPECT_EQ(pixelRect({0.1, 0.1, 0.2, 0.2}), (ui::Rect{0, 0, 0, 0}));
-  EXPECT_EQ(pixelRect({-0.5, -1.5, 1, 3}), (ui::Rect{-1, -2, 2, 4})) << "half away from zero";
+TEST(PixelSpan, HasEachEdgeOnTheNearestPixelOfThePicture) {
+  const auto pixels = [](const MapRect& rect) { return pixelSpan(rect, 20, 15).rect(); };
+  EXPECT_EQ(pixels({0.4, 0.5, 10.2, 10.1}), (ui::Rect{0, 1, 11, 10}));
+  EXPECT_EQ(pixels({1.5, 2.49, 1, 0.01}), (ui::Rect{2, 2, 1, 1}));
+  EXPECT_EQ(pixels({0.1, 0.1, 0.2, 0.2}), (ui::Rect{0, 0, 0, 0}));
+  EXPECT_EQ(pixels({-0.5, -1.5, 1, 3}), (ui::Rect{0, 0, 1, 2}));
+  EXPECT_EQ(pixels({10, 10, 10.6, 1e9}), (ui::Rect{10, 10, 10, 5}));
+  EXPECT_EQ(pixelSpan({0, 0, kMostPixels, 1}, kMostPixels, 1).rect(),
+            (ui::Rect{0, 0, kMostPixels, 1}));
 }
 
 /// How far inside the edge of `rect` a pixel lies, 0 on it, negative outside.
