@@ -1,6 +1,7 @@
 #include "ui/server_image.h"
 
 #include <type_traits>
+#include <utility>
 
 #include "ui/back_buffer.h"
 #include "ui/x11.h"
@@ -21,7 +22,7 @@ ServerImage::ServerImage(Connection& connection) : connection_(connection) {}
 
 ServerImage::~ServerImage() = default;
 
-bool ServerImage::fit(int width, int height) {
+bool ServerImage::reserve(int width, int height) {
   if (buffer_ && buffer_->width() == width && buffer_->height() == height) return true;
   buffer_.reset();  // first, so that two pictures never exist at once
   const Connection::Native& x = connection_.native();
@@ -33,7 +34,7 @@ void ServerImage::set(std::span<const std::uint32_t> pixels, int width, int heig
   const bool complete =
       width > 0 && height > 0 &&
       pixels.size() >= static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
-  if (!complete || !fit(width, height)) {
+  if (!complete || !reserve(width, height)) {
     buffer_.reset();
     return;
   }
@@ -50,6 +51,8 @@ void ServerImage::put(const Rect& part, std::span<const std::uint32_t> pixels) {
   const PaintTarget target = {buffer_->pixmap(), buffer_->draw(), gc.get(), width(), height()};
   Canvas(connection_, target).putPixels(part.x, part.y, pixels, part.w, part.h);
 }
+
+void ServerImage::takeFrom(ServerImage& other) { buffer_ = std::move(other.buffer_); }
 
 void ServerImage::clear() { buffer_.reset(); }
 

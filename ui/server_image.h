@@ -26,6 +26,11 @@ class ServerImage {
   /// Sends `pixels` for a part of the picture alone, as `Canvas::putPixels` takes them; nothing
   /// without a picture.
   void replace(const Rect& part, std::span<const std::uint32_t> pixels);
+  /// Has a picture of this size, in which nothing is certain until it is replaced. False when the
+  /// server has no room: there is no picture then.
+  bool reserve(int width, int height);
+  /// Has the picture of `other` from now on, which has none.
+  void takeFrom(ServerImage& other);
   /// Gives the server its memory back.
   void clear();
 
@@ -37,7 +42,6 @@ class ServerImage {
   void draw(Canvas& canvas, int x, int y) const;
 
  private:
-  bool fit(int width, int height);
   void put(const Rect& part, std::span<const std::uint32_t> pixels);
 
   Connection& connection_;

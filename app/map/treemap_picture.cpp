@@ -13,6 +13,8 @@ namespace app {
 namespace {
 /// With more of them changed than this the whole picture is sent.
 constexpr std::size_t kMostBands = 100;
+/// A megabyte, which is sent in about a millisecond.
+constexpr std::size_t kBandPixels = 262144;
 /// After as many the picture is made on the spot, in the memory of the last one.
 constexpr int kMostFailures = 3;
 }  // namespace
@@ -23,14 +25,15 @@ TreemapPicture::TreemapPicture(ui::Connection& connection, const KindColours& co
                                BackgroundRender::Post post)
     : colours_(colours),
       image_(connection),
-      hasBackground_(static_cast<bool>(post)),
-      background_(std::move(post)) {
+      connection_(connection),
+      post_(std::move(post)),
+      background_(post_) {
   background_.onEnded = [this](auto picture, BackgroundRender::Duration processorTime) {
     budget_.spend(processorTime);
     if (!picture) return noteFailure();
     failures_ = 0;
     take(std::move(*picture));
-    if (onRendered) onRendered();
+    if (!arriving_ && onRendered) onRendered();
   };
 }
 
@@ -40,6 +43,7 @@ void TreemapPicture::show(std::shared_ptr<const sizewalk::FileTree> tree, sizewa
   if (tree == tree_) return;
   tree_ = std::move(tree);
   background_.drop();
+  giveUpArriving();
   spare_ = std::exchange(rendered_, {});  // its blocks name nodes of the other tree
   image_.clear();
   refused_ = false;
@@ -69,8 +73,9 @@ void TreemapPicture::setGrowing(bool growing) {
   growing_ = growing;
   if (growing) {
     budget_ = PreviewBudget(PreviewBudget::Clock::now());
-  } else if (background_.busy()) {
+  } else if (background_.busy() || arriving_) {
     background_.drop();
+    giveUpArriving();
     outdated_ = true;
   }
 }
@@ -84,13 +89,13 @@ const KindColours& TreemapPicture::shownColours() const {
 }
 
 bool TreemapPicture::behind() const {
-  return background_.busy() || (outdated_ && tree_ && !rect_.empty());
+  return background_.busy() || arriving_ || (outdated_ && tree_ && !rect_.empty());
 }
 
 bool TreemapPicture::due() const { return refused_ || renderDue(); }
 
 bool TreemapPicture::renderDue() const {
-  if (!behind() || background_.busy()) return false;
+  if (!behind() || background_.busy() || arriving_) return false;
   return !growing_ || budget_.allows(PreviewBudget::Clock::now());
 }
 
@@ -115,9 +120,10 @@ bool TreemapPicture::makeAndSend() {
       renderNow();
     }
   }
+  const bool arrived = std::exchange(arrived_, false);
   if (!std::exchange(unsent_, false) && !refused_) {
     if (selected_ != sentSelected_) sendWhereSelectionChanged();
-    return false;
+    return arrived;
   }
   send();
   return true;
@@ -126,6 +132,7 @@ bool TreemapPicture::makeAndSend() {
 void TreemapPicture::renderNow() {
   // The last picture is given up for the new one: until that is there, one is due.
   dirty_ = true;
+  giveUpArriving();
   RenderedTreemap recycled = std::exchange(rendered_, {});
   if (recycled.pixels.empty()) recycled = std::exchange(spare_, {});
   rendered_ = renderTreemap(*tree_, focus_, rect_.w, rect_.h, colours_, extraBlocks_, measure_,
@@ -140,16 +147,15 @@ void TreemapPicture::renderNow() {
 void TreemapPicture::renderInBackground() {
   outdated_ = false;
   overtaken_ = false;
-  const bool begun =
-      hasBackground_ && background_.start({.tree = tree_,
-                                           .root = focus_,
-                                           .width = rect_.w,
-                                           .height = rect_.h,
-                                           .colours = colours_,
-                                           .extraBlocks = extraBlocks_,
-                                           .measure = measure_,
-                                           .recycled = std::exchange(spare_, {}),
-                                           .threads = growing_ ? 1 : hardwareThreads()});
+  const bool begun = post_ && background_.start({.tree = tree_,
+                                                 .root = focus_,
+                                                 .width = rect_.w,
+                                                 .height = rect_.h,
+                                                 .colours = colours_,
+                                                 .extraBlocks = extraBlocks_,
+                                                 .measure = measure_,
+                                                 .recycled = std::exchange(spare_, {}),
+                                                 .threads = growing_ ? 1 : hardwareThreads()});
   if (!begun) renderNow();
 }
 
@@ -167,8 +173,96 @@ void TreemapPicture::take(RenderedTreemap picture) {
     spare_ = std::move(picture);
     return;
   }
-  spare_ = std::exchange(rendered_, std::move(picture));
+  if (picture.pixels.size() > kBandPixels) {
+    return unlessMemoryRunsOut([&] { sendInBands(std::move(picture)); });
+  }
+  recycle(std::exchange(rendered_, std::move(picture)));
   unsent_ = true;
+}
+
+/// While the tree grows there will soon be another.
+void TreemapPicture::recycle(RenderedTreemap old) {
+  if (growing_) spare_ = std::move(old);
+}
+
+/// Takes a step on the way of a picture to the server. Without memory it is made again later.
+void TreemapPicture::unlessMemoryRunsOut(const std::function<void()>& step) {
+  try {
+    step();
+  } catch (const std::bad_alloc&) {
+    arriving_.reset();
+    outdated_ = true;
+  }
+}
+
+struct TreemapPicture::Arriving {
+  Arriving(ui::Connection& connection, RenderedTreemap map, std::vector<NodeId> selection)
+      : picture(std::move(map)), image(connection), selected(std::move(selection)) {}
+
+  RenderedTreemap picture;
+  ui::ServerImage image;
+  /// What was selected when its first band was sent, and the outlines.
+  std::vector<NodeId> selected;
+  std::vector<ui::Rect> outlines;
+  int rowsSent = 0;
+};
+
+void TreemapPicture::sendInBands(RenderedTreemap picture) {
+  arriving_ = std::make_shared<Arriving>(connection_, std::move(picture), selected_);
+  for (const NodeId node : selected_) {
+    arriving_->outlines.push_back(outlineOf(arriving_->picture, node));
+  }
+  const RenderedTreemap& map = arriving_->picture;
+  if (arriving_->image.reserve(map.width, map.height)) return postNextBand();
+  // Sent whole it has the memory of the last one, or is refused.
+  rendered_ = std::move(arriving_->picture);
+  arriving_.reset();
+  unsent_ = true;
+}
+
+/// The window thread looks after its user before it comes to that.
+void TreemapPicture::postNextBand() {
+  post_([this, arriving = std::weak_ptr(arriving_)] {
+    if (!arriving.expired()) unlessMemoryRunsOut([this] { sendNextBand(); });
+  });
+}
+
+void TreemapPicture::sendNextBand() {
+  const RenderedTreemap& map = arriving_->picture;
+  const auto width = static_cast<std::size_t>(map.width);
+  const int rows = static_cast<int>(std::max<std::size_t>(kBandPixels / width, 1));
+  const int top = arriving_->rowsSent;
+  const ui::Rect band = {0, top, map.width, std::min(rows, map.height - top)};
+  std::span<const std::uint32_t> pixels =
+      std::span(map.pixels)
+          .subspan(static_cast<std::size_t>(top) * width, static_cast<std::size_t>(band.h) * width);
+  if (!arriving_->outlines.empty()) {
+    outlined_.assign(pixels.begin(), pixels.end());
+    drawOutlines(arriving_->outlines, outlineStyle_, band, outlined_);
+    pixels = outlined_;
+  }
+  arriving_->image.replace(band, pixels);
+  arriving_->rowsSent += band.h;
+  if (arriving_->rowsSent < map.height) return postNextBand();
+  showArrived();
+}
+
+void TreemapPicture::showArrived() {
+  const std::shared_ptr<Arriving> arrived = std::exchange(arriving_, nullptr);
+  recycle(std::exchange(rendered_, std::move(arrived->picture)));
+  image_.takeFrom(arrived->image);
+  sentSelected_ = std::move(arrived->selected);
+  outlines_ = std::move(arrived->outlines);
+  refused_ = false;
+  unsent_ = highlight_.has_value();  // as bands are sent nothing is dimmed
+  arrived_ = true;
+  if (onRendered) onRendered();
+}
+
+void TreemapPicture::giveUpArriving() {
+  if (!arriving_) return;
+  spare_ = std::move(arriving_->picture);
+  arriving_.reset();
 }
 
 void TreemapPicture::send() {
@@ -192,15 +286,15 @@ void TreemapPicture::setSelected(std::span<const NodeId> nodes) {
   selected_.assign(nodes.begin(), nodes.end());
 }
 
-ui::Rect TreemapPicture::outlineOf(NodeId node) const {
-  const PixelSpan* rect = rendered_.outlineRect(node);
+ui::Rect TreemapPicture::outlineOf(const RenderedTreemap& map, NodeId node) {
+  const PixelSpan* rect = map.outlineRect(node);
   const ui::Rect pixels = rect ? rect->rect() : ui::Rect();
   return pixels.w < kLeastOutlined || pixels.h < kLeastOutlined ? ui::Rect() : pixels;
 }
 
 void TreemapPicture::findOutlines() {
   outlines_.clear();
-  for (const NodeId node : selected_) outlines_.push_back(outlineOf(node));
+  for (const NodeId node : selected_) outlines_.push_back(outlineOf(rendered_, node));
   sentSelected_ = selected_;
 }
 
@@ -221,7 +315,7 @@ std::vector<ui::Rect> TreemapPicture::followSelection() {
     if (last < sentSelected_.size() && sentSelected_[last] == node) {
       next.push_back(outlines_[last++]);
     } else {
-      next.push_back(outlineOf(node));
+      next.push_back(outlineOf(rendered_, node));
       addOutlineBands(next.back(), outlineStyle_, &bands);
     }
   }

@@ -24,7 +24,9 @@ namespace app {
 /// The picture of the focused folder with the outlines of what is selected. Keeps the last
 /// one and makes a new one only when what it shows or its size has changed: at once when it is to
 /// show something else, in the background when the tree has only grown; its pixels are sent to the
-/// X server once. Window thread only.
+/// X server once. Those of a large one from the background are sent in bands, so that the window
+/// thread has turns for its user in between; until the last one is there the picture before it
+/// stays, on the screen and to all who ask. Window thread only.
 class TreemapPicture {
  public:
   /// A picture was made in the background: the next `update` shows it.
@@ -85,6 +87,14 @@ class TreemapPicture {
   bool fits() const;
   bool renderDue() const;
   bool makeAndSend();
+  struct Arriving;
+  void recycle(RenderedTreemap old);
+  void unlessMemoryRunsOut(const std::function<void()>& step);
+  void sendInBands(RenderedTreemap picture);
+  void postNextBand();
+  void sendNextBand();
+  void showArrived();
+  void giveUpArriving();
   void renderNow();
   void renderInBackground();
   void noteFailure();
@@ -92,7 +102,7 @@ class TreemapPicture {
   void send();
   void sendWhereSelectionChanged();
   std::span<const std::uint32_t> plainPixels() const;
-  ui::Rect outlineOf(sizewalk::NodeId node) const;
+  static ui::Rect outlineOf(const RenderedTreemap& map, sizewalk::NodeId node);
   void findOutlines();
   std::vector<ui::Rect> followSelection();
   void sendPart(const ui::Rect& part);
@@ -125,7 +135,12 @@ class TreemapPicture {
   std::vector<ui::Rect> outlines_;
   /// Pixels with outlines on them, on their way to the server.
   std::vector<std::uint32_t> outlined_;
-  bool hasBackground_;
+  ui::Connection& connection_;
+  const BackgroundRender::Post post_;
+  /// On its way to the server.
+  std::shared_ptr<Arriving> arriving_;
+  /// The last band was sent since the last update.
+  bool arrived_ = false;
   BackgroundRender background_;
   /// What is being made in the background shows less than the last picture.
   bool overtaken_ = false;

@@ -230,6 +230,9 @@ TEST_F(TreemapPictureTest, KeepsItsPictureOfATreeButNotForAnother) {
   picture_.show(nullptr, kRootNode);
 }
 
+/// Large enough to be sent in bands, four of them.
+constexpr ui::Rect kLarge{0, 0, 1000, 800};
+
 /// Pictures of a tree that grows, made in the background; what they post is run when a test says.
 class BackgroundPictureTest : public test::WindowTest {
  protected:
@@ -266,6 +269,41 @@ class BackgroundPictureTest : public test::WindowTest {
       tasks.swap(tasks_);
     }
     for (const auto& task : tasks) task();
+  }
+  /// Those, too, that they post themselves.
+  void runAllTasks() {
+    while (tasks() > 0) runTasks();
+  }
+  /// Shows the last picture in `kLarge`, and has made one of the grown tree.
+  void makeLargeInBackground() {
+    picture_.setRect(kLarge);
+    picture_.update();
+    makeInBackground();
+  }
+  /// All that `picture` leaves in the window, seen in windows full one after the other.
+  std::vector<std::uint32_t> seenOf(TreemapPicture& picture) {
+    const ui::Rect place = picture.rect();
+    std::vector<std::uint32_t> seen;
+    for (int y = 0; y < place.h; y += 100) {
+      for (int x = 0; x < place.w; x += 200) {
+        picture.setRect({-x, -y, place.w, place.h});
+        const test::Picture part = paint([&](ui::Canvas& canvas) { picture.paint(canvas); });
+        for (int i = 0; i < 200 * 100; ++i) seen.push_back(part.at(i % 200, i / 200));
+      }
+    }
+    picture.setRect(place);
+    return seen;
+  }
+  /// What is seen where the same is sent at once.
+  std::vector<std::uint32_t> seenAtOnce(const std::vector<sizewalk::NodeId>& selected,
+                                        std::optional<sizewalk::KindIndex> kind = {}) {
+    TreemapPicture second(*connection, colours_);
+    second.setRect(kLarge);
+    second.show(shownTree_, kRootNode);
+    second.setSelected(selected);
+    second.setHighlight(kind);
+    second.update();
+    return seenOf(second);
   }
   /// As it is drawn without a background.
   std::vector<std::uint32_t> drawnAtOnce(const ui::Rect& place, sizewalk::NodeId focus) {
@@ -343,7 +381,7 @@ TEST_F(BackgroundPictureTest, PausesAfterAPictureUntilTheTreeGrowsNoMore) {
   picture_.setRect(large);
   picture_.update();
   makeInBackground();
-  runTasks();
+  runAllTasks();
   picture_.markOutdated();
   const bool due = picture_.due();
   // It took that long once, and the next one is expected to: twenty times that is to pass.
@@ -352,7 +390,7 @@ TEST_F(BackgroundPictureTest, PausesAfterAPictureUntilTheTreeGrowsNoMore) {
   EXPECT_TRUE(test::eventually([&] { return picture_.due(); }));
   picture_.update();
   ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
-  runTasks();
+  runAllTasks();
   picture_.markOutdated();
   picture_.setGrowing(false);
   EXPECT_TRUE(picture_.due());
@@ -385,6 +423,115 @@ TEST_F(BackgroundPictureTest, ShowsSomethingElseAtOnceAndStaysThere) {
   runTasks();
   EXPECT_FALSE(picture_.update()) << "what was made meanwhile shows another folder";
   EXPECT_EQ(picture_.rendered().pixels, inside);
+}
+
+TEST_F(BackgroundPictureTest, SendsALargePictureInBandsAndShowsItOnceAllAreThere) {
+  makeLargeInBackground();
+  const std::vector<std::uint32_t> lastPixels = picture_.rendered().pixels;
+  const std::vector<std::uint32_t> lastSeen = seenOf(picture_);
+  for (int turn = 0; turn < 4; ++turn) {
+    runTasks();
+    EXPECT_EQ(tasks(), 1U) << "each band has a turn of its own";
+    EXPECT_FALSE(picture_.update());
+    EXPECT_FALSE(picture_.due());
+    EXPECT_TRUE(picture_.behind());
+    EXPECT_TRUE(picture_.rendered().pixels == lastPixels);
+    EXPECT_TRUE(seenOf(picture_) == lastSeen) << turn;
+    EXPECT_EQ(told_, 0);
+  }
+  runTasks();
+  EXPECT_EQ(tasks(), 0U);
+  EXPECT_EQ(told_, 1);
+  EXPECT_FALSE(picture_.behind());
+  EXPECT_TRUE(picture_.rendered().pixels == drawnAtOnce(kLarge, kRootNode));
+  EXPECT_TRUE(picture_.update());
+  EXPECT_FALSE(picture_.update());
+  EXPECT_TRUE(seenOf(picture_) == seenAtOnce({}));
+  EXPECT_FALSE(seenOf(picture_) == lastSeen);
+}
+
+TEST_F(BackgroundPictureTest, OutlinesInEveryBandWhatIsSelected) {
+  const std::vector<sizewalk::NodeId> selected = {tree_.firstChild(kRootNode), folders_[0]};
+  picture_.setSelected(selected);
+  makeLargeInBackground();
+  runAllTasks();
+  picture_.update();
+  EXPECT_TRUE(seenOf(picture_) == seenAtOnce(selected));
+  EXPECT_FALSE(seenOf(picture_) == seenAtOnce({}));
+}
+
+TEST_F(BackgroundPictureTest, FollowsTheSelectionWhileBandsAreSent) {
+  const std::vector<sizewalk::NodeId> selected = {tree_.firstChild(kRootNode)};
+  makeLargeInBackground();
+  const std::vector<std::uint32_t> before = seenOf(picture_);
+  runTasks();
+  runTasks();
+  picture_.setSelected(selected);
+  EXPECT_FALSE(picture_.update());
+  EXPECT_FALSE(seenOf(picture_) == before) << "it is seen at once on the last picture";
+  runAllTasks();
+  EXPECT_TRUE(picture_.update());
+  EXPECT_TRUE(seenOf(picture_) == seenAtOnce(selected));
+}
+
+TEST_F(BackgroundPictureTest, FollowsTheHighlightedKindWhileBandsAreSent) {
+  makeLargeInBackground();
+  runTasks();
+  runTasks();
+  picture_.setHighlight(sizewalk::KindIndex{6});
+  picture_.update();
+  runAllTasks();
+  EXPECT_TRUE(picture_.update());
+  EXPECT_TRUE(seenOf(picture_) == seenAtOnce({}, sizewalk::KindIndex{6}));
+}
+
+TEST_F(BackgroundPictureTest, GivesUpWhatIsOnItsWayWhereSomethingElseIsToBeSeen) {
+  makeLargeInBackground();
+  runTasks();
+  runTasks();
+  picture_.show(shownTree_, folders_[0]);
+  EXPECT_TRUE(picture_.update());
+  const std::vector<std::uint32_t> inside = drawnAtOnce(kLarge, folders_[0]);
+  EXPECT_TRUE(picture_.rendered().pixels == inside);
+  runAllTasks();
+  EXPECT_EQ(told_, 0);
+  EXPECT_FALSE(picture_.update());
+  EXPECT_TRUE(picture_.rendered().pixels == inside);
+}
+
+TEST_F(BackgroundPictureTest, GivesUpWhatIsOnItsWayWhenTheTreeGrowsNoMore) {
+  picture_.setGrowing(true);
+  picture_.setRect(kLarge);
+  picture_.update();
+  growTree();
+  ASSERT_TRUE(test::eventually([&] {
+    picture_.update();
+    return tasks() == 1;
+  }));
+  runTasks();
+  runTasks();
+  picture_.setGrowing(false);
+  runAllTasks();
+  EXPECT_EQ(told_, 0);
+  EXPECT_TRUE(picture_.due()) << "the last one is to be made";
+}
+
+TEST_F(BackgroundPictureTest, LeavesNothingBehindThatUsesItOnceItIsDestroyed) {
+  {
+    TreemapPicture second(*connection, colours_, [this](std::function<void()> task) {
+      const std::lock_guard lock(mutex_);
+      tasks_.push_back(std::move(task));
+    });
+    second.setRect(kLarge);
+    second.show(shownTree_, kRootNode);
+    second.update();
+    second.markOutdated();
+    second.update();
+    ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
+    runTasks();
+    ASSERT_EQ(tasks(), 1U) << "the first band";
+  }
+  runAllTasks();
 }
 
 TEST_F(BackgroundPictureTest, ForgetsAPictureThatIsFinishedBeforeSomethingElseIsDrawn) {
