@@ -5,8 +5,11 @@
 //             drawn;
 //   shading   the plain scalar loop over the same blocks in the same colours, on one thread, with
 //             nothing called for a pixel, and the same picture in the end;
+//   parts     the layout in parts on all processors, against the same in one;
 //   render    layout, colours, shading and outlines together, in the memory of the last render as
-//             the view does it, against fresh memory.
+//             the view does it, against fresh memory;
+//   growth    layout, and layout with all that follows, for each entry of trees of one shape, and
+//             of one folder, against the smallest of them.
 
 #include <algorithm>
 #include <cstdlib>
@@ -39,7 +42,9 @@ constexpr int kHeight = 1080;
 constexpr std::size_t kPairs = 15;
 constexpr const char* kLayoutBar = "at most 2.00";
 constexpr const char* kShadingBar = "at most 0.33";
+constexpr const char* kPartsBar = "at most 0.67";
 constexpr const char* kNoBar = "-";
+constexpr std::size_t kBlocksInPart = 8192;
 constexpr app::MeasureSettings kMeasure;
 
 /// A tree made up in memory, the same in every run.
@@ -167,6 +172,32 @@ void benchLayout(const FileTree& tree, const std::string& what) {
   if (check < 0) std::abort();  // never; it makes the sums count
 }
 
+/// Lays out part after part as a render does, each into memory of its own.
+void layOutParts(const FileTree& tree, std::vector<std::vector<TreemapBlock>>* blocks) {
+  const app::LayoutParts parts(tree, sizewalk::kRootNode, {0, 0, kWidth, kHeight}, kMeasure, {},
+                               kBlocksInPart);
+  blocks->resize(parts.count());
+  app::forEachOnThreads(parts.count(), app::hardwareThreads(), [&](std::size_t part) {
+    std::vector<app::RestSum> rests;
+    (*blocks)[part].clear();
+    parts.layOut(part, &(*blocks)[part], &rests);
+  });
+}
+
+void benchParts(const FileTree& tree, const std::string& what) {
+  std::vector<TreemapBlock> whole;
+  std::vector<app::RestSum> rests;
+  const auto inOne = [&] {
+    whole.clear();
+    rests.clear();
+    app::layoutTreemap(tree, sizewalk::kRootNode, {0, 0, kWidth, kHeight}, 0, kMeasure, {}, {},
+                       app::kRidgeHeight, &whole, &rests);
+  };
+  std::vector<std::vector<TreemapBlock>> parts;
+  report("Treemap layout, " + what + ", in parts on all processors, against in one",
+         bench::timePaired(kPairs, inOne, [&] { layOutParts(tree, &parts); }), kPartsBar);
+}
+
 /// The two images of a map, with the memory that they lie in.
 class ImageMemory {
  public:
@@ -222,6 +253,7 @@ void benchRender(const FileTree& tree, const std::string& what) {
 
 void benchTree(const FileTree& tree, const std::string& what) {
   benchLayout(tree, what);
+  benchParts(tree, what);
   benchShading(tree, what);
   benchRender(tree, what);
 }
@@ -241,6 +273,54 @@ void benchScannedTree() {
   benchTree(scanner.tree(), "a million files in tmpfs");
 }
 
+/// Nanoseconds for each entry of a tree.
+struct CostOfEntry {
+  double layout = 0;
+  double render = 0;
+};
+
+CostOfEntry costOfEntry(const FileTree& tree) {
+  const app::KindColours colours(true);
+  std::vector<std::vector<TreemapBlock>> parts;
+  app::RenderedTreemap last;
+  std::vector<double> layouts;
+  std::vector<double> renders;
+  for (std::size_t i = 0; i < kPairs; ++i) {
+    layouts.push_back(bench::timeMs([&] { layOutParts(tree, &parts); }));
+    renders.push_back(bench::timeMs([&] {
+      last = app::renderTreemap(tree, sizewalk::kRootNode, kWidth, kHeight, colours, {}, kMeasure,
+                                std::move(last));
+    }));
+  }
+  const double perEntry = 1e6 / static_cast<double>(tree.nodeCount());
+  return {bench::median(layouts) * perEntry, bench::median(renders) * perEntry};
+}
+
+void reportGrowth(const std::string& what, const CostOfEntry& cost, const CostOfEntry& least) {
+  const auto row = [&](const char* step, double ours, double other) {
+    bench::printRow(std::string(step) + " for each entry, " + what + ", against 100,000 files",
+                    bench::nanoseconds(ours), bench::nanoseconds(other), bench::times(ours / other),
+                    kNoBar);
+  };
+  row("Treemap layout", cost.layout, least.layout);
+  row("Whole treemap render", cost.render, least.render);
+}
+
+void benchGrowth() {
+  const auto costOf = [](std::size_t files) {
+    FileTree tree;
+    makeTree(&tree, files, 400, 1.5);
+    return costOfEntry(tree);
+  };
+  const CostOfEntry least = costOf(100000);
+  for (const std::size_t files : {300000U, 1000000U, 3000000U}) {
+    reportGrowth(std::to_string(files / 1000) + ",000 files", costOf(files), least);
+  }
+  FileTree tree;
+  TreeMaker(&tree, 1.5).fill(sizewalk::kRootNode, 1000000, 0);
+  reportGrowth("a million files in one folder", costOfEntry(tree), least);
+}
+
 }  // namespace
 
 int main() {
@@ -248,5 +328,6 @@ int main() {
   benchMadeUpTree("a million made-up files of like size", 400, 0.5);
   benchMadeUpTree("a million made-up files of mixed size", 400, 1.5);
   benchMadeUpTree("a million made-up files in small folders", 12, 1.5);
+  benchGrowth();
   return 0;
 }

@@ -207,7 +207,6 @@ RenderedTreemap renderTreemap(const FileTree& tree, NodeId root, std::int32_t wi
   map.root = root;
   map.rootSize = 0;
   map.kindColours = colours;
-  map.blocks.clear();
   map.rests.clear();
   map.extras.clear();
   map.extraColours.clear();
@@ -216,6 +215,7 @@ RenderedTreemap renderTreemap(const FileTree& tree, NodeId root, std::int32_t wi
       nothingToShow ? 0 : static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
   map.pixels.resize(pixels);
   map.blockAt.resize(pixels);
+  if (nothingToShow) map.blocks.clear();  // otherwise every one of them is written
   if (!nothingToShow) {
     map.rootSize = measureValue(tree, root, measure);
     for (const ExtraBlock& extra : extraBlocks) map.extraColours.insert_or_assign(extra.id, extra);

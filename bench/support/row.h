@@ -19,6 +19,12 @@ inline std::string milliseconds(double ms) {
   return text;
 }
 
+inline std::string nanoseconds(double ns) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.0f ns", ns);
+  return text;
+}
+
 inline std::string times(double ratio) {
   char text[32];
   std::snprintf(text, sizeof text, "%.2f", ratio);
