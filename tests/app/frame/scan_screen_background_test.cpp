@@ -56,9 +56,12 @@ class ScanScreenBackgroundTest : private HasTasks, public ScanScreenTest {
     screen_.prepare();
     ASSERT_TRUE(test::eventually([&] { return tasks_.count() == 1; }));
   }
+  /// With all the bands that it is sent in.
   void takePicture() {
-    tasks_.run();
-    screen_.prepare();
+    while (tasks_.count() > 0) {
+      tasks_.run();
+      screen_.prepare();
+    }
   }
 
   /// The colours that a kind has now: in the list, in the table, and on the map before shading.
