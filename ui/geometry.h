@@ -18,6 +18,10 @@ struct Rect {
 /// What lies in both; (0, 0, 0, 0) when nothing does.
 Rect intersect(const Rect& a, const Rect& b);
 
+/// The smallest rectangle that holds both, neither of which is empty. Sides that do not fit an int
+/// are cut off at the right and below.
+Rect bounds(const Rect& a, const Rect& b);
+
 /// `logical` pixels in device pixels, rounded half up (toward zero for negative sizes). `scale` is
 /// that of the connection.
 constexpr int scaled(double logical, double scale) {

@@ -158,7 +158,21 @@ void Window::setPointer(PointerShape shape) {
   if (native_->window) native_->applyPointer(shape);
 }
 
-void Window::invalidate() { needsRedraw_ = true; }
+void Window::invalidate() {
+  damage_.addAll();
+  frameDue_ = true;
+}
+
+void Window::invalidate(const Rect& rect) {
+  // Nothing is lost by that: one of another size is painted whole.
+  const Rect seen = intersect(rect, {0, 0, width_, height_});
+  if (seen.empty()) return;
+  Damage& frame = prepared_ ? *prepared_ : damage_;
+  frame.add(seen);
+  if (!prepared_) frameDue_ = true;
+}
+
+void Window::requestFrame() { frameDue_ = true; }
 
 void Window::post(Task task) {
   tasks_.append(std::move(task));
@@ -194,24 +208,42 @@ bool Window::fitBackBuffer() {
   if (buffer && buffer->width() == width && buffer->height() == height) return true;
   buffer.reset();  // first, so that two buffers never exist at once
   if (!native_->window) return false;
+  damage_.addAll();  // nothing is in it yet
   buffer = BackBuffer::create(connection_, native_->window, width, height);
   return buffer != nullptr;
 }
 
 void Window::paint() {
-  needsRedraw_ = false;
+  frameDue_ = false;
   if (!fitBackBuffer()) return;
+  const std::vector<Rect> parts = prepareFrame();
+  for (const Rect& part : parts) paintPart(part);
+  for (const Rect& part : parts) showPart(part);
+  XFlush(native_->display);
+}
+
+/// Returns what is to be painted.
+std::vector<Rect> Window::prepareFrame() {
+  Damage damage = std::exchange(damage_, {});
+  prepared_ = &damage;
   if (onPrepare) onPrepare();
+  prepared_ = nullptr;
+  return damage.within({0, 0, width_, height_});
+}
+
+void Window::paintPart(const Rect& part) {
   const BackBuffer& buffer = *native_->backBuffer;
   const PaintTarget target = {buffer.pixmap(), buffer.draw(), native_->gc, buffer.width(),
                               buffer.height()};
   Canvas canvas(connection_, target);
-  canvas.pushClip({0, 0, width_, height_});
+  canvas.pushClip(part);
   if (onPaint) onPaint(canvas);
   canvas.popClip();
-  XCopyArea(native_->display, buffer.pixmap(), native_->window, native_->gc, 0, 0,
-            static_cast<unsigned>(buffer.width()), static_cast<unsigned>(buffer.height()), 0, 0);
-  XFlush(native_->display);
+}
+
+void Window::showPart(const Rect& part) {
+  XCopyArea(native_->display, native_->backBuffer->pixmap(), native_->window, native_->gc, part.x,
+            part.y, static_cast<unsigned>(part.w), static_cast<unsigned>(part.h), part.x, part.y);
 }
 
 bool Window::capture(const std::string& path) const {

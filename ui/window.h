@@ -4,9 +4,11 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "ui/canvas.h"
 #include "ui/connection.h"
+#include "ui/damage.h"
 #include "ui/input.h"
 #include "ui/task_queue.h"
 #include "ui/tick.h"
@@ -17,15 +19,17 @@ namespace ui {
 /// The program's top-level window and its event loop. The application sets the callables, each of
 /// which may be left empty; one that is running must not replace itself.
 ///
-/// Everything is painted into a back buffer and shown whole, at most once a turn of the loop. Sizes
+/// Everything is painted into a back buffer, which holds the whole frame, and shown from there, at
+/// most once a turn of the loop. A frame paints and shows no more than what was invalidated. Sizes
 /// are device pixels. All of it belongs to the thread that calls `run`, the window thread, except
 /// `post`.
 class Window {
  public:
   /// A frame is due: whatever is costly or changes state, such as layout, is done here, once for
-  /// all that happened since the last frame. `onPaint` follows.
+  /// all that happened since the last frame. `onPaint` follows, unless there is nothing to paint.
   std::function<void()> onPrepare;
-  /// Draws the whole window.
+  /// Draws the part of the window that the canvas is confined to: once for each rectangle that is
+  /// to be painted again, each time as if all of the window were drawn.
   std::function<void(Canvas&)> onPaint;
   /// Buttons other than the wheel.
   std::function<void(const MouseEvent&)> onPress;
@@ -68,8 +72,14 @@ class Window {
   void setPointer(PointerShape shape);
   PointerShape pointer() const { return pointer_; }
 
-  /// Asks for a repaint in this turn of the loop, or in the next when called while painting.
+  /// Asks for a repaint of all in this turn of the loop, or in the next when called while painting.
   void invalidate();
+  /// Asks for a repaint of `rect` in this turn of the loop. While a frame is being prepared that is
+  /// part of it; while it is being painted, of the next. What lies outside the window is left
+  /// alone.
+  void invalidate(const Rect& rect);
+  /// Asks for a frame of no more than what is invalidated by then, also while it is prepared.
+  void requestFrame();
   /// Has the window thread run `task`, after those posted before. Any thread, and tasks too; the
   /// task is destroyed on the window thread.
   void post(Task task);
@@ -110,6 +120,9 @@ class Window {
 
   void dispatchPending();
   void paint();
+  std::vector<Rect> prepareFrame();
+  void paintPart(const Rect& part);
+  void showPart(const Rect& part);
   bool fitBackBuffer();
   void waitForWork();
   void resized(int width, int height);
@@ -120,7 +133,11 @@ class Window {
   int height_ = 0;
   PointerShape pointer_ = PointerShape::Arrow;
   bool running_ = false;
-  bool needsRedraw_ = false;
+  bool frameDue_ = false;
+  /// What the next frame paints.
+  Damage damage_;
+  /// What the frame paints that is being prepared; null while none is.
+  Damage* prepared_ = nullptr;
   // Made with the window and never changed, so that `post` needs no lock to use it.
   const WakePipe wakePipe_;
   TaskQueue tasks_;

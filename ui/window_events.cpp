@@ -27,7 +27,7 @@ void Window::run() {
     if (!running_) return;
     tasks_.runAll();
     tick_.runIfDue(steadyMs());
-    if (needsRedraw_) paint();
+    if (frameDue_) paint();
     // Xlib may have read events into its queue while it waited for an answer, where no wait on the
     // descriptor sees them.
     if (running_ && XPending(native_->display) == 0) waitForWork();
@@ -58,7 +58,7 @@ void Window::resized(int width, int height) {
   width_ = width;
   height_ = height;
   if (onResize) onResize(width, height);
-  needsRedraw_ = true;
+  invalidate();
 }
 
 void Window::close() {
@@ -81,8 +81,7 @@ void Window::Native::dispatch(XEvent& event) {
       if (owner.onLeave) owner.onLeave();
       return;
     case Expose:
-      if (event.xexpose.count == 0) owner.invalidate();
-      return;
+      return handleExpose(event.xexpose);
     case ConfigureNotify:
       return owner.resized(event.xconfigure.width, event.xconfigure.height);
     case ClientMessage:
@@ -94,6 +93,13 @@ void Window::Native::dispatch(XEvent& event) {
     default:
       return;
   }
+}
+
+/// The server tells of all that it lost in a series of rectangles: the frame comes after the last.
+void Window::Native::handleExpose(const XExposeEvent& event) {
+  owner.damage_.add(intersect({event.x, event.y, event.width, event.height},
+                              {0, 0, owner.width_, owner.height_}));
+  if (event.count == 0) owner.requestFrame();
 }
 
 void Window::Native::handleClientMessage(const XClientMessageEvent& event) {

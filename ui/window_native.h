@@ -28,6 +28,7 @@ struct Window::Native {
   void applyPointer(PointerShape shape);
 
   void dispatch(XEvent& event);
+  void handleExpose(const XExposeEvent& event);
   void handleClientMessage(const XClientMessageEvent& event);
   void handleKey(XKeyEvent& event);
   void handlePress(const XButtonEvent& event);

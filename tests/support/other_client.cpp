@@ -10,6 +10,7 @@
 #include <memory>
 #include <span>
 #include <stdexcept>
+#include <tuple>
 
 #include "tests/support/eventually.h"
 
@@ -253,6 +254,7 @@ void OtherClient::sendConfigure(unsigned long window, int width, int height) {
 void OtherClient::sendExpose(unsigned long window, int count) {
   XEvent event{};
   event.xexpose.type = Expose;
+  std::tie(event.xexpose.width, event.xexpose.height) = sizeOf(window);
   event.xexpose.count = count;
   native_->send(window, event);
 }
@@ -329,6 +331,16 @@ int OtherClient::bitGravity(unsigned long window) {
   XWindowAttributes attributes{};
   XGetWindowAttributes(native_->display, window, &attributes);
   return attributes.bit_gravity;
+}
+
+void OtherClient::scribbleOver(unsigned long window, unsigned long pixel) {
+  const auto [width, height] = sizeOf(window);
+  GC gc = XCreateGC(native_->display, window, 0, nullptr);
+  XSetForeground(native_->display, gc, pixel);
+  XFillRectangle(native_->display, window, gc, 0, 0, static_cast<unsigned>(width),
+                 static_cast<unsigned>(height));
+  XFreeGC(native_->display, gc);
+  native_->sync();
 }
 
 unsigned long OtherClient::screenPixel(unsigned long window, int x, int y) {

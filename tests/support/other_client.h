@@ -65,6 +65,7 @@ class OtherClient {
   void resizeWindow(unsigned long window, int width, int height);
   /// Tells the window of a size that it does not have.
   void sendConfigure(unsigned long window, int width, int height);
+  /// Tells the window that it lost all that it showed, as one of a series of which `count` follow.
   void sendExpose(unsigned long window, int count);
   /// A WM_PROTOCOLS message whose first word is the atom of `protocol`, as a close button sends it.
   void sendProtocol(unsigned long window, const std::string& protocol);
@@ -105,6 +106,8 @@ class OtherClient {
   long eventMask(unsigned long window);
   /// Which part of its old picture the window keeps when its size changes; X's number.
   int bitGravity(unsigned long window);
+  /// Draws over all of the window with that raw pixel, of which the window is told nothing.
+  void scribbleOver(unsigned long window, unsigned long pixel);
   /// The raw pixel of the window that is on the screen now.
   unsigned long screenPixel(unsigned long window, int x, int y);
   /// Those of `w` x `h` pixels from (x, y) on, which are on the screen.

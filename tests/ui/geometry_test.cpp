@@ -27,6 +27,16 @@ TEST(Intersect, TakesEdgesThatDoNotFitAnInt) {
   EXPECT_EQ(intersect({0, 0, 100, 100}, {50, -10, INT_MAX, INT_MAX}), (Rect{50, 0, 50, 100}));
 }
 
+TEST(Bounds, HoldBothRectangles) {
+  EXPECT_EQ(bounds({0, 5, 10, 10}, {40, -6, 1, 2}), (Rect{0, -6, 41, 21}));
+  EXPECT_EQ(bounds({0, 0, 10, 10}, {2, 3, 4, 5}), (Rect{0, 0, 10, 10}));
+}
+
+TEST(Bounds, AreCutOffWhereASideDoesNotFitAnInt) {
+  EXPECT_EQ(bounds({-100, -100, 5, 5}, {50, 10, INT_MAX, INT_MAX}),
+            (Rect{-100, -100, INT_MAX, INT_MAX}));
+}
+
 TEST(Rect, IsEmptyWithoutWidthOrHeight) {
   EXPECT_TRUE((Rect{1, 1, 0, 5}.empty()));
   EXPECT_TRUE((Rect{1, 1, 5, -2}.empty()));
