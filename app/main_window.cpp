@@ -82,11 +82,11 @@ MainWindow::MainWindow(ui::Connection& connection)
 }
 
 void MainWindow::connectScreens() {
-  welcomeScreen_.onChanged = [this] { window_.invalidate(); };
+  welcomeScreen_.onChanged = [this] { window_.requestFrame(); };
   welcomeScreen_.onVolume = [this](const std::string& path) { scanPath(path); };
   welcomeScreen_.onChooseFolder = [this] { chooseFolder(); };
-  scanScreen_.onChanged = [this] { window_.invalidate(); };
-  input_.onChanged = [this] { window_.invalidate(); };
+  scanScreen_.onChanged = [this] { window_.requestFrame(); };
+  input_.onChanged = [this] { window_.requestFrame(); };
   welcomeScreen_.onCommand = [this](const Command& command) { perform(command); };
   scanScreen_.onCommand = [this](const Command& command) { perform(command); };
 }
@@ -277,6 +277,11 @@ void MainWindow::showScanEnd() {
 
 void MainWindow::prepareFrame() {
   session_.pacer().run([this] { return input_.prepare(); });
+  ui::Damage damage;
+  input_.collectDamage(&damage);
+  for (const ui::Rect& part : damage.within({0, 0, window_.width(), window_.height()})) {
+    window_.invalidate(part);
+  }
 }
 
 void MainWindow::resize(int width, int height) {

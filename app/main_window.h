@@ -60,6 +60,8 @@ class MainWindow {
   void run() { window_.run(); }
   /// As `ui::Window::xid`.
   unsigned long xid() const { return window_.xid(); }
+  /// For who watches what it is asked to do and to paint. Its callables go on being called.
+  ui::Window& window() { return window_; }
 
  private:
   void connectInput();

@@ -37,6 +37,9 @@ class PressTracker {
   /// Whether `control` looks held down: it is, and the pointer is over it.
   bool pressed(std::int64_t control) const { return held_ == control && under_ == control; }
   bool holding() const { return held_.has_value(); }
+  Control under() const { return under_; }
+  Control held() const { return held_; }
+  friend bool operator==(const PressTracker&, const PressTracker&) = default;
 
  private:
   Control under_;

@@ -64,7 +64,7 @@ ScanScreen::ScanScreen(ui::Connection& connection, const ui::Style& style, KindC
   connectPending();
   selection_.onChanged = [this] {
     selectionDirty_ = true;
-    changed();
+    needsFrame();
   };
   focus_.onChanged = [this] { focusChanged(); };
   giveKeyboardTo(&list_);
@@ -81,12 +81,12 @@ void ScanScreen::connectList() {
 void ScanScreen::connectKinds() {
   kinds_.onKindSelected = [this](std::optional<sizewalk::KindIndex> kind) {
     picture_.setHighlight(kind);
-    changed();
+    needsFrame();
   };
 }
 
 void ScanScreen::connectMap() {
-  picture_.onRendered = [this] { changed(); };
+  picture_.onRendered = [this] { needsFrame(); };
   map_.onPicked = [this](NodeId node) { list_.revealNode(node); };
   map_.onContextMenu = [this](NodeId node, int x, int y) {
     if (onContextMenu) onContextMenu(node, x, y, Command::By::Pointer);
@@ -142,6 +142,7 @@ void ScanScreen::show(std::shared_ptr<const sizewalk::FileTree> tree) {
   updateToolbar();
   giveKeyboardTo(&list_);
   treeChanged();
+  changed();
 }
 
 void ScanScreen::showAgain(std::shared_ptr<const sizewalk::FileTree> tree) {
@@ -192,12 +193,12 @@ void ScanScreen::setScanStatus(const ScanStatus& status) {
   list_.setGrowing(status.scanning);
   picture_.setGrowing(status.scanning);
   map_.setScanStatus(status);
-  changed();
+  needsFrame();
 }
 
 void ScanScreen::setVolumeSpace(const std::optional<VolumeSpace>& space) {
   volume_ = space;
-  if (updateExtraBlocks()) changed();
+  if (updateExtraBlocks()) needsFrame();
 }
 
 void ScanScreen::setPending(std::vector<PendingRow> rows) {
@@ -209,7 +210,7 @@ void ScanScreen::setPending(std::vector<PendingRow> rows) {
 
 void ScanScreen::treeChanged() {
   treeDirty_ = true;
-  changed();
+  needsFrame();
 }
 
 void ScanScreen::showAllInNextFrame() {
@@ -378,7 +379,7 @@ bool ScanScreen::key(const ui::KeyEvent& event) {
   const bool used = keyOfParts(event);
   if (used || movesFocus(event)) {
     keyed_ = true;
-    changed();
+    needsFrame();
   }
   return used;
 }
@@ -410,7 +411,7 @@ void ScanScreen::wheel(const ui::MouseEvent& event, int dy) {
 }
 
 void ScanScreen::pointerUsed() {
-  if (std::exchange(keyed_, false)) changed();
+  if (std::exchange(keyed_, false)) needsFrame();
 }
 
 void ScanScreen::motion(const ui::MouseEvent& event) {
@@ -433,7 +434,7 @@ void ScanScreen::releasePointer() {
 
 void ScanScreen::tick(std::int64_t nowMs) {
   Screen::tick(nowMs);
-  if (picture_.due()) changed();
+  if (picture_.due()) needsFrame();
 }
 
 void ScanScreen::activate(NodeId node) {

@@ -47,7 +47,7 @@ void Toolbar::setFigures(std::optional<FolderFigures> figures) {
   if (figures_ == figures) return;
   figures_ = figures;
   placeFigures();
-  changed();
+  changed(layout_.breadcrumb);
 }
 
 void Toolbar::placeFigures() {
@@ -67,7 +67,12 @@ void Toolbar::placeFigures() {
 void Toolbar::setProgress(double share) {
   const int before = progressWidth();
   progress_ = share;
-  if (progressWidth() != before) changed();
+  if (progressWidth() != before) changed(progressPlace());
+}
+
+ui::Rect Toolbar::progressPlace() const {
+  const int thickness = std::max(1, style_.scaled(kProgressThickness));
+  return {rect().x, rect().y + rect().h - thickness, rect().w, thickness};
 }
 
 int Toolbar::progressWidth() const { return static_cast<int>(progress_ * rect().w); }
@@ -100,6 +105,12 @@ ui::ArrivalGuard::Control Toolbar::controlOf(const BreadcrumbSegment& segment) c
 ui::Rect Toolbar::segmentRect(const BreadcrumbSegment& segment) const {
   const ui::Rect& room = layout_.breadcrumb;
   return ui::intersect({room.x + segment.x, room.y, segment.width, room.h}, room);
+}
+
+/// The letters of a segment may reach beyond its place.
+ui::Rect Toolbar::reachOf(Control control, const ui::Rect& place) const {
+  const bool isButton = control < static_cast<Control>(layout_.buttons.size());
+  return isButton ? place : layout_.breadcrumb;
 }
 
 void Toolbar::act(Control control) {
@@ -137,8 +148,9 @@ void Toolbar::paint(ui::Canvas& canvas) const {
   canvas.pushClip(bar);
   canvas.fillRect(bar, palette.window);
   canvas.fillRect({bar.x, bar.y + bar.h - 1, bar.w, 1}, palette.border);
-  const int thickness = std::max(1, style_.scaled(kProgressThickness));
-  canvas.fillRect({bar.x, bar.y + bar.h - thickness, progressWidth(), thickness}, palette.accent);
+  ui::Rect progress = progressPlace();
+  progress.w = progressWidth();
+  canvas.fillRect(progress, palette.accent);
   paintSegments(canvas);
   ui::drawText(canvas, shownFigures_.rect, shownFigures_.text, style_.body(), palette.dimText);
   // Those that lie over others last.

@@ -56,6 +56,7 @@ class Toolbar : public ui::ButtonView<> {
   void layOut() override;
   Places buttonPlaces() const override;
   void act(Control control) override;
+  ui::Rect reachOf(Control control, const ui::Rect& place) const override;
 
  private:
   /// Segments are numbered by node, behind the buttons, so that a press is taken back when another
@@ -64,6 +65,8 @@ class Toolbar : public ui::ButtonView<> {
   ui::Rect segmentRect(const BreadcrumbSegment& segment) const;
   void placeFigures();
   int progressWidth() const;
+  /// Of a scan that has found everything.
+  ui::Rect progressPlace() const;
   void paintButton(ui::Canvas& canvas, std::size_t number) const;
   void paintSegments(ui::Canvas& canvas) const;
   void paintSegment(ui::Canvas& canvas, const BreadcrumbSegment& segment) const;

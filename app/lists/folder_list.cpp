@@ -54,7 +54,7 @@ void FolderList::setMeasure(const MeasureSettings& measure) {
 void FolderList::setMapFocus(NodeId folder) {
   if (mapFocus_ == folder) return;
   mapFocus_ = folder;
-  changed();
+  needsFrame();
 }
 
 void FolderList::refresh() {
@@ -71,7 +71,7 @@ bool FolderList::refreshAround(std::size_t held) {
   const bool stays = canPutAt(row, placeInView(held), rows.size());
   if (!stays && (growing_ || !showsOthers(rows)) && rows_.refreshInPlace()) {
     orderWaits_ = true;
-    changed();
+    needsFrame();
   } else {
     changeRows([&] { rows_.take(std::move(rows)); });
   }
@@ -135,7 +135,7 @@ void FolderList::changeRows(const std::function<void()>& change) {
   });
   if (!currentRow()) cursor_.setCurrent(count() > 0 ? std::optional(kRootNode) : std::nullopt);
   goHome();
-  changed();
+  needsFrame();
 }
 
 void FolderList::takeOver() {
@@ -211,7 +211,35 @@ std::ptrdiff_t FolderList::pendingRow() const {
 bool FolderList::bringUpToDate() {
   if (orderDue_) refresh();
   scrollIfDue();
-  return false;
+  lookAtRowsInView();
+  return ui::RowList::bringUpToDate();
+}
+
+FolderList::ShownRow FolderList::lookAt(std::size_t row) const {
+  const NodeId node = nodeAt(row);
+  ShownRow shown = {.row = rows_.rows()[row],
+                    .size = measureValue(*tree_, node, measure_),
+                    .swatch = {},
+                    .selected = isSelected(row),
+                    .inFocus = node == mapFocus_,
+                    .current = isCurrent(row)};
+  if (colours_) shown.swatch = ui::kOpaque | colours_->colourForKind(tree_->kind(node));
+  return shown;
+}
+
+/// Compares with what was painted, so that nothing that changes in between can be forgotten.
+void FolderList::lookAtRowsInView() {
+  const ui::RowRange seen = visible();
+  const std::vector<ShownRow> before = std::exchange(shownRows_, {});
+  firstShown_ = seen.first;
+  for (std::size_t row = seen.first; row < seen.last; ++row) shownRows_.push_back(lookAt(row));
+  // Without a current row in view the ring is round the whole list.
+  const bool ringStays = std::ranges::any_of(before, &ShownRow::current) ==
+                         std::ranges::any_of(shownRows_, &ShownRow::current);
+  if (!ringStays || before.size() != shownRows_.size()) return changed();
+  for (std::size_t i = 0; i < before.size(); ++i) {
+    if (before[i] != shownRows_[i]) rowChanged(firstShown_ + i);
+  }
 }
 
 void FolderList::scrollIfDue() {
@@ -228,17 +256,17 @@ void FolderList::paint(ui::Canvas& canvas) const {
 }
 
 void FolderList::paintRow(ui::Canvas& canvas, std::size_t row, const ui::Rect& /*place*/) const {
-  const NodeId node = nodeAt(row);
-  const std::string name = displayName(tree_->name(node));
-  const std::string size = formatSize(measureValue(*tree_, node, measure_));
-  FolderRowLook look = {.row = rows_.rows()[row],
-                        .swatch = {},
-                        .name = name,
-                        .size = size,
-                        .selected = isSelected(row),
-                        .inFocus = node == mapFocus_};
-  if (colours_) look.swatch = ui::kOpaque | colours_->colourForKind(tree_->kind(node));
-  paintFolderRow(canvas, style(), placesOf(row), look);
+  if (row < firstShown_ || row - firstShown_ >= shownRows_.size()) return;
+  const ShownRow& shown = shownRows_[row - firstShown_];
+  const std::string name = displayName(tree_->name(shown.row.node));
+  const std::string size = formatSize(shown.size);
+  paintFolderRow(canvas, style(), placesOf(row),
+                 {.row = shown.row,
+                  .swatch = shown.swatch,
+                  .name = name,
+                  .size = size,
+                  .selected = shown.selected,
+                  .inFocus = shown.inFocus});
 }
 
 // Rows and places.

@@ -124,6 +124,21 @@ class FolderList : public ui::RowList {
   bool isCurrent(std::size_t row) const override { return cursor_.current() == nodeAt(row); }
 
  private:
+  /// What a row in view looks like, taken from the tree once a frame: while that grows, two halves
+  /// of a row that are painted one after the other are to tell the same.
+  struct ShownRow {
+    FolderRow row;
+    std::int64_t size = 0;
+    std::optional<ui::Colour> swatch;
+    bool selected = false;
+    bool inFocus = false;
+    /// The ring is there.
+    bool current = false;
+    friend bool operator==(const ShownRow&, const ShownRow&) = default;
+  };
+
+  ShownRow lookAt(std::size_t row) const;
+  void lookAtRowsInView();
   sizewalk::NodeId nodeAt(std::size_t row) const { return rows_.rows()[row].node; }
   std::optional<std::size_t> currentRow() const;
   std::optional<std::size_t> parentRow(std::size_t row) const;
@@ -179,6 +194,9 @@ class FolderList : public ui::RowList {
   ui::ListCursor<sizewalk::NodeId> cursor_;
   /// Nothing while it is not known.
   std::optional<sizewalk::NodeId> mapFocus_;
+  /// The rows from `firstShown_` on, as of the last `prepare`.
+  std::vector<ShownRow> shownRows_;
+  std::size_t firstShown_ = 0;
   /// Whose row is to be brought into view, and whether with some of what is in it.
   std::optional<sizewalk::NodeId> pending_;
   bool pendingContent_ = false;

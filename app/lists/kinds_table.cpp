@@ -62,7 +62,28 @@ void KindsTable::setRows(std::vector<KindRow> rows) {
     current_ = rows_[std::min(currentRow, rows_.size() - 1)].kind;
   }
   if (!find(selected_)) clearSelection();
-  changed();
+  needsFrame();
+}
+
+KindsTable::ShownRow KindsTable::lookAt(std::size_t row) const {
+  return {.row = rows_[row],
+          .swatch = colours_ ? colours_->colourForKind(rows_[row].kind) : 0,
+          .selected = isSelected(row),
+          .current = isCurrent(row)};
+}
+
+/// Compares with what was painted: rows change while the tree grows, and their colours when the
+/// map's do. There is always a current row, of which the ring goes round the table when it is out
+/// of sight.
+bool KindsTable::bringUpToDate() {
+  const std::vector<ShownRow> before = std::exchange(shownRows_, {});
+  for (std::size_t row = 0; row < rows_.size(); ++row) shownRows_.push_back(lookAt(row));
+  for (std::size_t row = 0; row < std::min(before.size(), rows_.size()); ++row) {
+    if (before[row] == shownRows_[row]) continue;
+    if (before[row].current != shownRows_[row].current) changed();
+    rowChanged(row);
+  }
+  return ui::RowList::bringUpToDate();
 }
 
 /// At its top the table stays there, so that what is largest comes into sight.

@@ -70,6 +70,7 @@ class KindsTable : public ui::RowList {
   KindColumns columns() const;
 
  protected:
+  bool bringUpToDate() override;
   void paintRow(ui::Canvas& canvas, std::size_t row, const ui::Rect& place) const override;
   bool isSelected(std::size_t row) const override { return rows_[row].kind == selected_; }
   bool isCurrent(std::size_t row) const override { return rows_[row].kind == current_; }
@@ -77,6 +78,16 @@ class KindsTable : public ui::RowList {
   ui::Rect rowsPlace() const override;
 
  private:
+  /// What a row looks like, but for its place.
+  struct ShownRow {
+    KindRow row;
+    std::uint32_t swatch = 0;
+    bool selected = false;
+    bool current = false;
+    friend bool operator==(const ShownRow&, const ShownRow&) = default;
+  };
+
+  ShownRow lookAt(std::size_t row) const;
   void paintHeader(ui::Canvas& canvas) const;
   std::optional<std::size_t> find(std::optional<sizewalk::KindIndex> kind) const;
   /// Which row `setRows` leaves where it is on the screen.
@@ -93,6 +104,8 @@ class KindsTable : public ui::RowList {
   PointerHold hold_;
   std::optional<sizewalk::KindIndex> selected_;
   std::optional<sizewalk::KindIndex> current_;
+  /// All rows, as of the last `prepare`.
+  std::vector<ShownRow> shownRows_;
 };
 
 }  // namespace app

@@ -119,7 +119,7 @@ bool HoverCard::hide() {
 }
 
 void HoverCard::paint(ui::Canvas& canvas) const {
-  if (!card_) return;
+  if (!card_ || ui::intersect(rect_, canvas.clip()).empty()) return;
   canvas.pushClip(rect_);  // where the bounds leave no room for the texts
   paintPanel(canvas);
   const int padding = style_.scaled(kPadding);

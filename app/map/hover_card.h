@@ -20,6 +20,7 @@ class HoverCard {
   /// True when there was something to hide.
   bool hide();
   bool shown() const { return card_.has_value(); }
+  const std::optional<MapCard>& card() const { return card_; }
   const ui::Rect& rect() const { return rect_; }
 
   void paint(ui::Canvas& canvas) const;

@@ -46,6 +46,7 @@ void TreemapPicture::show(std::shared_ptr<const sizewalk::FileTree> tree, sizewa
   giveUpArriving();
   spare_ = std::exchange(rendered_, {});  // its blocks name nodes of the other tree
   image_.clear();
+  ++version_;
   refused_ = false;
 }
 
@@ -275,6 +276,7 @@ void TreemapPicture::send() {
     pixels = outlined_;
   }
   image_.set(pixels, rendered_.width, rendered_.height);
+  ++version_;
   refused_ = !pixels.empty() && image_.width() == 0;
 }
 
@@ -346,6 +348,7 @@ void TreemapPicture::sendPart(const ui::Rect& part) {
   }
   drawOutlines(outlines_, outlineStyle_, seen, outlined_);
   image_.replace(seen, outlined_);
+  ++version_;
 }
 
 void TreemapPicture::paint(ui::Canvas& canvas) const {

@@ -76,6 +76,9 @@ class TreemapPicture {
   /// Draws the last picture.
   void paint(ui::Canvas& canvas) const;
 
+  /// Another number whenever other pixels may be seen.
+  std::uint64_t version() const { return version_; }
+
   const sizewalk::FileTree* tree() const { return tree_.get(); }
   const MeasureSettings& measure() const { return measure_; }
   const RenderedTreemap& rendered() const { return rendered_; }
@@ -126,6 +129,7 @@ class TreemapPicture {
   /// Memory for the next picture; shows nothing.
   RenderedTreemap spare_;
   ui::ServerImage image_;
+  std::uint64_t version_ = 0;
   std::vector<std::uint32_t> dimmed_;
   OutlineStyle outlineStyle_;
   /// What is selected, in ascending order.

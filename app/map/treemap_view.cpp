@@ -1,5 +1,7 @@
 #include "app/map/treemap_view.h"
 
+#include <utility>
+
 #include "app/map/map_card.h"
 #include "app/map/map_notice.h"
 #include "ui/keys.h"
@@ -78,6 +80,49 @@ void TreemapView::layOut() {
   findTexts();
 }
 
+TreemapView::Look TreemapView::look() const {
+  const bool card = card_.shown();
+  return {.picture = picture_.version(),
+          .labels = spaceLabels_,
+          .notice = notice_.text(),
+          .outline = hoveredBlock_ ? std::optional(inWindow(pixelRect(hoveredBlock_->rect)))
+                                   : std::nullopt,
+          .card = card_.card(),
+          .cardPlace = card ? card_.rect() : ui::Rect()};
+}
+
+/// Compares with what was painted, so that nothing that changes in between can be forgotten.
+bool TreemapView::bringUpToDate() {
+  const Look before = std::exchange(shown_, look());
+  const Look& now = shown_;
+  if (before.picture != now.picture || before.labels != now.labels || before.notice != now.notice) {
+    changed();
+    return false;
+  }
+  if (before.outline != now.outline) {
+    outlineChanged(before.outline);
+    outlineChanged(now.outline);
+  }
+  if (before.card != now.card || before.cardPlace != now.cardPlace) {
+    changed(before.cardPlace);
+    changed(now.cardPlace);
+  }
+  return false;
+}
+
+/// The four lines of which an outline consists: its inside stays as it is, however large.
+void TreemapView::outlineChanged(const std::optional<ui::Rect>& outline) {
+  if (!outline) return;
+  const ui::Rect all = grown(*outline, lineWidth());
+  const int width = std::min({2 * lineWidth(), all.w, all.h});
+  for (const ui::Rect& line :
+       {ui::Rect{all.x, all.y, all.w, width}, ui::Rect{all.x, all.y, width, all.h},
+        ui::Rect{all.x + all.w - width, all.y, width, all.h},
+        ui::Rect{all.x, all.y + all.h - width, all.w, width}}) {
+    changed(ui::intersect(line, picture_.rect()));
+  }
+}
+
 void TreemapView::refresh() {
   findHovered();
   findTexts();
@@ -127,7 +172,7 @@ void TreemapView::motion(const ui::MouseEvent& event) {
   const bool hadCard = card_.hide();
   const auto before = hoveredBlock_;
   findHovered();
-  if (hadCard || !isSameItem(before, hoveredBlock_)) changed();
+  if (hadCard || !isSameItem(before, hoveredBlock_)) needsFrame();
 }
 
 void TreemapView::leave() {
@@ -135,13 +180,13 @@ void TreemapView::leave() {
   pointer_.reset();
   card_.hide();
   findHovered();
-  if (seen) changed();
+  if (seen) needsFrame();
 }
 
 bool TreemapView::hideCard() {
   if (pointer_) pointer_->awaitsCard = false;
   if (!card_.hide()) return false;
-  changed();
+  needsFrame();
   return true;
 }
 
@@ -150,7 +195,7 @@ void TreemapView::tick(std::int64_t nowMs) {
   if (nowMs - pointer_->sinceMs < kRestMs) return;
   if (!picture_.tree()) return;
   fillCard();
-  changed();
+  needsFrame();
 }
 
 void TreemapView::fillCard() {

@@ -66,8 +66,22 @@ class TreemapView : public ui::View {
 
  protected:
   void layOut() override;
+  bool bringUpToDate() override;
 
  private:
+  /// What the map looks like, apart from its place and its ring.
+  struct Look {
+    std::uint64_t picture = 0;
+    std::vector<SpaceLabel> labels;
+    std::string notice;
+    /// Of what the pointer is on, in the window.
+    std::optional<ui::Rect> outline;
+    std::optional<MapCard> card;
+    ui::Rect cardPlace;
+  };
+
+  Look look() const;
+  void outlineChanged(const std::optional<ui::Rect>& outline);
   /// Null, too, where the block's item is not visible any more; of merged items the first speaks
   /// for all.
   const PictureBlock* blockAt(int x, int y) const;
@@ -123,6 +137,8 @@ class TreemapView : public ui::View {
   std::optional<Pointer> pointer_;
   std::optional<PictureBlock> hoveredBlock_;
   std::optional<Press> lastPress_;
+  /// What the last frame shows.
+  Look shown_;
   /// When the wheel last led to another level.
   std::optional<std::uint32_t> lastLevelMs_;
 };

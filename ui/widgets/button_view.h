@@ -38,6 +38,9 @@ class ButtonView : public Base {
   /// Where the buttons are by now; of two that overlap the first one is pressed.
   virtual Places buttonPlaces() const = 0;
   virtual void act(Control control) = 0;
+  /// What of the window looks different when the pointer comes on to the button, which is at
+  /// `place`, or leaves it.
+  virtual Rect reachOf(Control /*control*/, const Rect& place) const { return place; }
   /// The button goes down.
   virtual void pressTaken(Control /*control*/) {}
 
@@ -56,10 +59,14 @@ class ButtonView : public Base {
   static constexpr int kPrimaryButton = 1;
 
   bool placeButtons();
+  void findChanges();
+  void buttonChanged(PressTracker::Control control);
   PressTracker::Control buttonAt(int x, int y) const;
 
   Places places_;
   PressTracker presses_;
+  /// As the last frame shows them.
+  PressTracker shownPresses_;
   ArrivalGuard guard_;
   /// Where the pointer is, while it is on the view.
   std::optional<std::pair<int, int>> pointer_;
@@ -85,7 +92,25 @@ PressTracker::Control ButtonView<Base>::buttonAt(int x, int y) const {
 template <typename Base>
 bool ButtonView<Base>::bringUpToDate() {
   placeButtons();
+  findChanges();
   return Base::bringUpToDate();
+}
+
+/// A view whose buttons are elsewhere now has said that all of it looks different.
+template <typename Base>
+void ButtonView<Base>::findChanges() {
+  const PressTracker before = std::exchange(shownPresses_, presses_);
+  if (before == presses_) return;
+  for (const auto& control : {before.under(), before.held(), presses_.under(), presses_.held()}) {
+    buttonChanged(control);
+  }
+}
+
+template <typename Base>
+void ButtonView<Base>::buttonChanged(PressTracker::Control control) {
+  for (const auto& [placed, rect] : places_) {
+    if (placed == control) this->changed(reachOf(placed, rect));
+  }
 }
 
 template <typename Base>
@@ -120,7 +145,7 @@ void ButtonView<Base>::motion(const MouseEvent& event) {
   pointer_ = {event.x, event.y};
   const bool other = placeButtons();
   guard_.pointerAt(event.x, event.y);
-  if (other) this->changed();
+  if (other) this->needsFrame();
 }
 
 template <typename Base>
@@ -137,19 +162,19 @@ template <typename Base>
 void ButtonView<Base>::leave() {
   Base::leave();
   pointer_.reset();
-  if (presses_.leave()) this->changed();
+  if (presses_.leave()) this->needsFrame();
 }
 
 template <typename Base>
 void ButtonView<Base>::tick(std::int64_t nowMs) {
   Base::tick(nowMs);
-  if (placeButtons()) this->changed();
+  if (placeButtons()) this->needsFrame();
   guard_.tick(nowMs);
 }
 
 template <typename Base>
 void ButtonView<Base>::pointerSeen(int x, int y) {
-  if (placeButtons()) this->changed();
+  if (placeButtons()) this->needsFrame();
   guard_.pointerAt(x, y);
 }
 

@@ -19,7 +19,12 @@ bool isForMoving(key::Keysym keysym) {
 
 View* InputStack::top() const { return over_.empty() ? screen_ : over_.back().get(); }
 
-void InputStack::changed() const {
+void InputStack::changed() {
+  damage_.addAll();
+  needsFrame();
+}
+
+void InputStack::needsFrame() const {
   if (onChanged) onChanged();
 }
 
@@ -38,7 +43,7 @@ void InputStack::open(std::unique_ptr<Overlay> overlay) {
   closeMenu();
   if (View* const below = top()) below->releasePointer();
   Overlay* const opened = overlay.get();
-  opened->onChanged = [this] { changed(); };
+  opened->onChanged = [this] { needsFrame(); };
   opened->onClosed = [this, opened] { close(opened); };
   opened->setRect(window_);
   over_.push_back(std::move(overlay));
@@ -72,6 +77,12 @@ bool InputStack::prepare() {
   for (const auto& overlay : over_) costly = overlay->prepare() || costly;
   if (screen_ && onPointer) onPointer(top()->pointer());
   return costly;
+}
+
+void InputStack::collectDamage(Damage* damage) {
+  damage->add(std::exchange(damage_, {}));
+  if (screen_) screen_->collectDamage(damage);
+  for (const auto& overlay : over_) overlay->collectDamage(damage);
 }
 
 void InputStack::paint(Canvas& canvas) const {

@@ -34,6 +34,8 @@ class InputStack {
   void setSize(int width, int height);
   /// As `View::prepare`, for all. What is under the pointer by then may give it another shape.
   bool prepare();
+  /// As `View::collectDamage`, for all.
+  void collectDamage(Damage* damage);
   void paint(Canvas& canvas) const;
   void tick(std::int64_t nowMs);
 
@@ -51,12 +53,15 @@ class InputStack {
   void tellPointer();
   void updatePointer();
   void useKeyboard(bool used);
-  void changed() const;
+  /// Other things lie over each other now.
+  void changed();
+  void needsFrame() const;
 
   View* screen_ = nullptr;
   /// The topmost last; a menu can only be that.
   std::vector<std::unique_ptr<Overlay>> over_;
   Rect window_;
+  Damage damage_;
   bool keyboardUsed_ = false;
   // Serial numbers of views, 0 for none.
   /// What took the last press.

@@ -1,6 +1,7 @@
 #include "ui/widgets/row_list.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "ui/scroll_bar.h"
 
@@ -64,12 +65,19 @@ std::optional<std::size_t> RowList::hoveredRow() const {
   return pointer_ ? rowAt(pointer_->x, pointer_->y) : std::nullopt;
 }
 
+bool RowList::bringUpToDate() {
+  const int offset = std::exchange(shownOffset_, scroller_.offset());
+  const std::size_t count = std::exchange(shownCount_, count_);
+  if (offset != shownOffset_ || count != shownCount_) changed();
+  return false;
+}
+
 // Drawing.
 
 void RowList::paint(Canvas& canvas) const {
   canvas.pushClip(view());
-  const RowRange seen = visible();
-  for (std::size_t row = seen.first; row < seen.last; ++row) {
+  const RowRange painted = paintedRows(canvas.clip());
+  for (std::size_t row = painted.first; row < painted.last; ++row) {
     const Rect place = rowRect(row);
     paintGround(canvas, row, place);
     paintRow(canvas, row, place);
@@ -77,6 +85,24 @@ void RowList::paint(Canvas& canvas) const {
   drawScrollBar(canvas, scroller_, style_.palette().raised, style_.palette().dimText);
   if (focused() && canvas.showsRings()) paintRing(canvas);
   canvas.popClip();
+}
+
+/// Of the rows in view those that may show in the clip. The letters of a row may reach into those
+/// beside it.
+RowRange RowList::paintedRows(const Rect& clip) const {
+  const RowRange seen = visible();
+  const auto isAbove = [&](std::size_t row) {
+    const Rect place = rowRect(row);
+    return std::int64_t{place.y} + 2 * place.h <= clip.y;
+  };
+  const auto isBelow = [&](std::size_t row) {
+    const Rect place = rowRect(row);
+    return std::int64_t{place.y} - place.h >= std::int64_t{clip.y} + clip.h;
+  };
+  RowRange painted = seen;
+  while (painted.first < painted.last && isAbove(painted.first)) ++painted.first;
+  while (painted.first < painted.last && isBelow(painted.last - 1)) --painted.last;
+  return painted;
 }
 
 void RowList::paintGround(Canvas& canvas, std::size_t row, const Rect& place) const {
@@ -112,17 +138,30 @@ void RowList::motion(const MouseEvent& event) {
   const auto before = hoveredRow();
   pointer_ = Point{event.x, event.y};
   if (scroller_.drag(event.y)) pointer_.reset();  // whatever it is over, it holds the bar
-  if (hoveredRow() != before || scroller_.offset() != offset) changed();
+  if (scroller_.offset() != offset) return changed();
+  const auto now = hoveredRow();
+  if (now == before) return;
+  groundChanged(before);
+  groundChanged(now);
+}
+
+void RowList::groundChanged(std::optional<std::size_t> row) {
+  if (row) changed(intersect(rowRect(*row), view()));
 }
 
 void RowList::release(const MouseEvent& event) {
   if (event.button == kPrimaryButton) scroller_.release();
 }
 
+void RowList::rowChanged(std::size_t row) {
+  const Rect place = rowRect(row);
+  changed(intersect({place.x, place.y - place.h, place.w, 3 * place.h}, view()));
+}
+
 void RowList::leave() {
-  const bool hovered = hoveredRow().has_value();
+  const auto before = hoveredRow();
   pointer_.reset();
-  if (hovered) changed();
+  groundChanged(before);
 }
 
 void RowList::releasePointer() {

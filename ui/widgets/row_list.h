@@ -68,6 +68,14 @@ class RowList : public View {
   /// The part of the list's place where its rows are.
   virtual Rect rowsPlace() const { return rect(); }
   void layOut() override { scroller_.setView(rowsPlace()); }
+  /// Finds out whether the list was scrolled or has more or fewer rows since the last frame. What
+  /// the rows tell is up to the list.
+  bool bringUpToDate() override;
+
+  /// The rows that show in the view, as far as there are any, and at most two more.
+  RowRange visible() const;
+  /// A row looks different, with its letters, which may reach into those beside it.
+  void rowChanged(std::size_t row);
 
   // None of these says that something changed.
 
@@ -100,12 +108,16 @@ class RowList : public View {
     int y;
   };
 
-  RowRange visible() const;
+  RowRange paintedRows(const Rect& clip) const;
+  void groundChanged(std::optional<std::size_t> row);
 
   const Style& style_;
   const int rowHeight_;
   Scroller scroller_;
   std::size_t count_ = 0;
+  // As the last frame shows it.
+  int shownOffset_ = 0;
+  std::size_t shownCount_ = 0;
   std::optional<Point> pointer_;
 };
 

@@ -1,5 +1,7 @@
 #include "ui/widgets/view.h"
 
+#include <utility>
+
 namespace ui {
 
 std::uint64_t View::nextSerial() {
@@ -9,6 +11,7 @@ std::uint64_t View::nextSerial() {
 
 void View::setRect(const Rect& rect) {
   if (rect_ == rect) return;
+  damage_.add(rect_);  // what lay below it is seen there now
   rect_ = rect;
   layOut();
   changed();
@@ -19,6 +22,13 @@ void View::setFocused(bool focused) {
   focused_ = focused;
   changed();
 }
+
+void View::changed(const Rect& part) {
+  damage_.add(part);
+  needsFrame();
+}
+
+void View::collectDamage(Damage* damage) { damage->add(std::exchange(damage_, {})); }
 
 bool View::prepare() {
   preparing_ = true;

@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "ui/canvas.h"
+#include "ui/damage.h"
 #include "ui/geometry.h"
 #include "ui/input.h"
 
@@ -13,7 +14,8 @@ namespace ui {
 /// different. Screens, dialogs and menus are views too.
 ///
 /// A frame has two halves: `prepare` may change state, look at data and lay out; `paint` only
-/// draws. Window thread only. Places and lengths are device pixels of the window.
+/// draws, the same until the next `prepare`, and perhaps only a part. Window thread only. Places
+/// and lengths are device pixels of the window.
 class View {
  public:
   /// A new frame is to be drawn.
@@ -40,6 +42,9 @@ class View {
   /// Brings everything up to date before it is painted. True when that was costly, so that it
   /// should not be asked for too often. What changes meanwhile is in that frame, needing no other.
   bool prepare();
+  /// Adds to `damage` what looks different since the last call, of a view that is prepared.
+  virtual void collectDamage(Damage* damage);
+  /// Draws at least what lies in the clip.
   virtual void paint(Canvas& canvas) const = 0;
   /// Draws what lies over all other views of the window, such as a card; called after them.
   virtual void paintOver(Canvas& /*canvas*/) const {}
@@ -69,7 +74,12 @@ class View {
   /// `rect()` is another one.
   virtual void layOut() {}
   virtual bool bringUpToDate() { return false; }
-  void changed() const {
+  /// All of the view may look different. Right wherever it is not known what of it does.
+  void changed() { changed(rect_); }
+  /// This part of the window may look different, and no other.
+  void changed(const Rect& part);
+  /// The next `prepare` finds out whether something looks different, and says so.
+  void needsFrame() const {
     if (onChanged && !preparing_) onChanged();
   }
 
@@ -78,6 +88,8 @@ class View {
 
   const std::uint64_t serial_;
   Rect rect_;
+  /// What looks different since it was collected.
+  Damage damage_;
   bool focused_ = false;
   bool preparing_ = false;
 };

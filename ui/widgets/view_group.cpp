@@ -13,7 +13,7 @@ constexpr MouseEvent kBesideEverything = {.x = -1, .y = -1, .button = 1};
 
 void ViewGroup::add(View& view) {
   views_.push_back(&view);
-  view.onChanged = [this] { changed(); };
+  view.onChanged = [this] { needsFrame(); };
 }
 
 bool ViewGroup::bringUpToDate() {
@@ -22,9 +22,14 @@ bool ViewGroup::bringUpToDate() {
   return costly;
 }
 
+void ViewGroup::collectDamage(Damage* damage) {
+  View::collectDamage(damage);
+  for (View* view : views_) view->collectDamage(damage);
+}
+
 void ViewGroup::paint(Canvas& canvas) const {
   for (const View* view : views_) {
-    if (!view->rect().empty()) view->paint(canvas);
+    if (!intersect(view->rect(), canvas.clip()).empty()) view->paint(canvas);
   }
   for (const View* view : views_) view->paintOver(canvas);
 }

@@ -14,6 +14,7 @@ namespace ui {
 /// and presses move. Window thread only.
 class ViewGroup : public View {
  public:
+  void collectDamage(Damage* damage) override;
   void paint(Canvas& canvas) const override;
   void press(const MouseEvent& event) override;
   void motion(const MouseEvent& event) override;
@@ -29,8 +30,8 @@ class ViewGroup : public View {
   PointerShape pointer() const override;
 
  protected:
-  /// Adds a view, which outlives the group. Painting, ticks and Tab go in the order of adding.
-  /// Views do not overlap; one whose place is empty gets nothing.
+  /// Adds a view, which outlives the group and whose frames are the group's. Painting, ticks and
+  /// Tab go in the order of adding. Views do not overlap; one whose place is empty gets nothing.
   void add(View& view);
 
   /// The view that has the pointer: the one that was pressed, else the one that it is on; null

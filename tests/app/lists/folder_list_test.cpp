@@ -65,6 +65,7 @@ TEST_F(FolderListTest, DrawsNoSwatchWithoutColours) {
   FolderList plain(style_, nullptr, selection_);
   plain.setRect(place_);
   plain.show(&tree_);
+  plain.prepare();
   show(kWidth, kHeight);
   const test::Picture picture = paint([&](ui::Canvas& canvas) { plain.paint(canvas); });
   EXPECT_EQ(ink(picture, {54, 10 + 2 * h_, 8, h_}, rgb(ui::kLightPalette.view)), 0);
