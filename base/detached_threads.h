@@ -43,6 +43,14 @@ bool startDetached(Work work) {
   }
 }
 
+/// Destroys `what` on a thread of its own: giving back the hundred megabytes of a tree takes tens
+/// of milliseconds, which the calling thread may not have. Where no thread is to be had it happens
+/// here.
+template <typename What>
+void destroyElsewhere(What what) {
+  startDetached([kept = std::move(what)] {});
+}
+
 /// Waits for the end of all threads of `startDetached`, but no longer than until `deadline`. True
 /// when none is left. Any thread but those.
 bool awaitDetachedThreads(std::chrono::steady_clock::time_point deadline);

@@ -5,6 +5,7 @@
 
 #include "app/frame/scan_progress.h"
 #include "app/model/format.h"
+#include "base/detached_threads.h"
 #include "ui/keys.h"
 
 namespace app {
@@ -125,7 +126,7 @@ void ScanScreen::connectPending() {
 }
 
 void ScanScreen::show(std::shared_ptr<const sizewalk::FileTree> tree) {
-  const std::shared_ptr<const sizewalk::FileTree> last = tree_;  // until no part looks at it
+  std::shared_ptr<const sizewalk::FileTree> last = tree_;  // until no part looks at it
   selection_.clear();
   keyed_ = false;
   place_.forget();
@@ -143,6 +144,8 @@ void ScanScreen::show(std::shared_ptr<const sizewalk::FileTree> tree) {
   giveKeyboardTo(&list_);
   treeChanged();
   changed();
+  // Whoever else holds it frees it.
+  if (last.use_count() == 1) base::destroyElsewhere(std::move(last));
 }
 
 void ScanScreen::showAgain(std::shared_ptr<const sizewalk::FileTree> tree) {

@@ -7,6 +7,7 @@
 
 #include "app/map/cushion_shading.h"
 #include "app/map/kind_highlight.h"
+#include "base/detached_threads.h"
 
 namespace app {
 
@@ -44,7 +45,8 @@ void TreemapPicture::show(std::shared_ptr<const sizewalk::FileTree> tree, sizewa
   tree_ = std::move(tree);
   background_.drop();
   giveUpArriving();
-  spare_ = std::exchange(rendered_, {});  // its blocks name nodes of the other tree
+  // Its blocks name nodes of the other tree.
+  base::destroyElsewhere(std::exchange(spare_, std::exchange(rendered_, {})));
   image_.clear();
   ++version_;
   refused_ = false;
@@ -111,8 +113,19 @@ bool TreemapPicture::update() {
   }
 }
 
+/// A scan has just begun: nothing is seen that the picture would come in place of, and what it
+/// shows of the tree is next to nothing, so that the window need not wait for it.
+bool TreemapPicture::isFirstOfGrowing() const {
+  return growing_ && post_ && failures_ == 0 && rendered_.pixels.empty();
+}
+
 bool TreemapPicture::makeAndSend() {
-  if (dirty_ || !fits()) {
+  if ((dirty_ || !fits()) && isFirstOfGrowing()) {
+    if (!background_.busy() && !arriving_) {
+      dirty_ = false;
+      renderInBackground();
+    }
+  } else if (dirty_ || !fits()) {
     renderNow();
   } else if (renderDue()) {
     if (failures_ < kMostFailures) {

@@ -89,6 +89,7 @@ class TreemapPicture {
  private:
   bool fits() const;
   bool renderDue() const;
+  bool isFirstOfGrowing() const;
   bool makeAndSend();
   struct Arriving;
   void recycle(RenderedTreemap old);

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <future>
 #include <memory>
+#include <thread>
 #include <utility>
 
 #include "tests/support/scarcity.h"
@@ -62,6 +63,31 @@ TEST(DetachedThreads, AreNotStartedWhereNoneIsToBeHad) {
   }
   EXPECT_EQ(owned.use_count(), 1);
   EXPECT_TRUE(awaitDetachedThreads(Clock::now())) << "none is counted";
+}
+
+/// Writes down which thread destroys it.
+struct TellsItsEnd {
+  explicit TellsItsEnd(std::thread::id* endedOn) : where(endedOn) {}
+  TellsItsEnd(TellsItsEnd&& other) noexcept : where(std::exchange(other.where, nullptr)) {}
+  ~TellsItsEnd() {
+    if (where) *where = std::this_thread::get_id();
+  }
+  std::thread::id* where;
+};
+
+TEST(DestroyElsewhere, LeavesTheDestructionToAnotherThread) {
+  std::thread::id endedOn;
+  destroyElsewhere(TellsItsEnd(&endedOn));
+  ASSERT_TRUE(awaitDetachedThreads(longTime()));
+  EXPECT_NE(endedOn, std::thread::id());
+  EXPECT_NE(endedOn, std::this_thread::get_id());
+}
+
+TEST(DestroyElsewhere, DestroysOnTheSpotWhereNoThreadIsToBeHad) {
+  std::thread::id endedOn;
+  const test::FewThreads none(0);
+  destroyElsewhere(TellsItsEnd(&endedOn));
+  EXPECT_EQ(endedOn, std::this_thread::get_id());
 }
 
 TEST(DetachedThreads, AreNoneBeforeTheFirst) { EXPECT_TRUE(awaitDetachedThreads(Clock::now())); }

@@ -336,6 +336,40 @@ TEST_F(BackgroundPictureTest, MakesItsFirstPictureAtOnce) {
   EXPECT_EQ(tasks(), 0U);
 }
 
+TEST_F(BackgroundPictureTest, MakesTheFirstPictureOfAScanThatHasJustBegunInTheBackground) {
+  const auto begun = std::make_shared<sizewalk::FileTree>(test::mapTreeOptions());
+  test::fillRoot(*begun, {test::file(1000, 5)});
+  picture_.show(begun, kRootNode);
+  picture_.setGrowing(true);
+  for (int i = 0; i < 3; ++i) EXPECT_FALSE(picture_.update()) << "one at a time";
+  EXPECT_TRUE(picture_.behind());
+  EXPECT_TRUE(picture_.rendered().pixels.empty());
+  ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
+  runTasks();
+  EXPECT_TRUE(picture_.update());
+  EXPECT_EQ(picture_.rendered().pixels,
+            renderTreemap(*begun, kRootNode, kPlace.w, kPlace.h, colours_, {}, {}).pixels);
+  EXPECT_TRUE(picturesHaveEnded());
+}
+
+TEST_F(BackgroundPictureTest, DrawsSomethingElseOfAScanThatHasJustBegunOnceThatIsThere) {
+  const auto begun = std::make_shared<sizewalk::FileTree>(test::mapTreeOptions());
+  const auto folders = test::fillRoot(*begun, {test::file(1000, 5), test::folder()});
+  test::fill(*begun, folders[0], {test::file(1000, 6)});
+  picture_.show(begun, kRootNode);
+  picture_.setGrowing(true);
+  EXPECT_FALSE(picture_.update());
+  picture_.show(begun, folders[0]);
+  ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
+  runTasks();
+  EXPECT_FALSE(picture_.update()) << "what was finished is not to be seen any more";
+  ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
+  runTasks();
+  EXPECT_TRUE(picture_.update());
+  EXPECT_EQ(picture_.rendered().root, folders[0]);
+  EXPECT_TRUE(picturesHaveEnded());
+}
+
 TEST_F(BackgroundPictureTest, KeepsTheLastPictureUntilThatOfTheGrownTreeIsThere) {
   const std::vector<std::uint32_t> last = picture_.rendered().pixels;
   makeInBackground();
