@@ -270,6 +270,7 @@ void TreemapPicture::showArrived() {
   refused_ = false;
   unsent_ = highlight_.has_value();  // as bands are sent nothing is dimmed
   arrived_ = true;
+  ++version_;
   if (onRendered) onRendered();
 }
 

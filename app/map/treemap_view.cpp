@@ -82,13 +82,13 @@ void TreemapView::layOut() {
 
 TreemapView::Look TreemapView::look() const {
   const bool card = card_.shown();
-  return {.picture = picture_.version(),
-          .labels = spaceLabels_,
-          .notice = notice_.text(),
-          .outline = hoveredBlock_ ? std::optional(inWindow(pixelRect(hoveredBlock_->rect)))
-                                   : std::nullopt,
-          .card = card_.card(),
-          .cardPlace = card ? card_.rect() : ui::Rect()};
+  return {
+      .picture = picture_.version(),
+      .labels = spaceLabels_,
+      .notice = notice_.text(),
+      .outline = hoveredBlock_ ? std::optional(inWindow(hoveredBlock_->rect.rect())) : std::nullopt,
+      .card = card_.card(),
+      .cardPlace = card ? card_.rect() : ui::Rect()};
 }
 
 /// Compares with what was painted, so that nothing that changes in between can be forgotten.
