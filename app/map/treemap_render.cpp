@@ -50,9 +50,20 @@ struct MapPart {
   std::vector<RestSum> rests;
   /// 0xRRGGBB before shading (the top byte means nothing); 0 where a block is not painted.
   std::vector<std::uint32_t> colours;
-  std::vector<KindIndex> kinds;
   std::vector<RunRows> rows;
+  /// Of the first block in the whole layout.
+  std::size_t firstIndex = 0;
 };
+
+/// Neighbouring blocks of a part that are coloured in one go by one thread. Most take nanoseconds,
+/// a folder drawn as one block microseconds.
+struct MapPiece {
+  MapPart* part = nullptr;
+  std::size_t first = 0;
+  std::size_t length = 0;
+};
+constexpr std::size_t kBlocksInPiece = 8192;
+static_assert(kBlocksInPiece % kRunLength == 0);
 
 /// Chooses the blocks' kinds and colours during one render, on several threads at once.
 class BlockPainter {
@@ -67,17 +78,6 @@ class BlockPainter {
 
   /// Once for each block, on one thread or another, so that a block that two threads shade has one
   /// colour even where the tree changes meanwhile.
-  void chooseColours(MapPart* part) const {
-    part->colours.resize(part->blocks.size());
-    part->kinds.resize(part->blocks.size());
-    for (std::size_t i = 0; i < part->blocks.size(); ++i) {
-      choose(part->blocks[i], &part->colours[i], &part->kinds[i]);
-    }
-    part->rows.resize(runCount(part->blocks.size()));
-    findRunRows(part->blocks, part->rows);
-  }
-
- private:
   void choose(const TreemapBlock& block, std::uint32_t* colour, KindIndex* kind) const {
     *colour = 0;
     *kind = sizewalk::kNoKind;
@@ -91,6 +91,7 @@ class BlockPainter {
     if (block.restCount == 0) *kind = drawn;
   }
 
+ private:
   std::uint32_t colourOfKind(KindIndex kind) const {
     return kind < sizewalk::kKindCount ? table_[kind] : colours_.colourForKind(kind);
   }
@@ -114,14 +115,16 @@ class MapMaker {
 
   void make() {
     forEachOnThreads(parts_.size(), threads_, [this](std::size_t i) { layOut(i); });
+    const std::vector<MapPiece> pieces = divide();
+    forEachOnThreads(pieces.size(), threads_, [&](std::size_t i) { colour(pieces[i]); });
+    std::vector<BlockSequence> sequences;
+    for (const MapPart& part : parts_) {
+      sequences.push_back(
+          {part.blocks, part.colours, part.rows, static_cast<std::uint32_t>(part.firstIndex)});
+    }
     const MapImage image = {map_.pixels.data(), map_.blockAt.data(), map_.width, map_.height};
-    const std::vector<BlockSequence> sequences = makeRoom();
     clearImage(image, threads_);
-    const BandShader shader(sequences, image, threads_);
-    forEachOnThreads(shader.bands() + parts_.size(), threads_, [&](std::size_t i) {
-      if (i < shader.bands()) return shader.paint(i);
-      keep(parts_[i - shader.bands()], sequences[i - shader.bands()].firstIndex);
-    });
+    shadeBlocks(sequences, image, threads_);
   }
 
  private:
@@ -129,32 +132,41 @@ class MapMaker {
     MapPart& part = parts_[index];
     part.blocks.reserve(layout_.blocksIn(index));
     layout_.layOut(index, &part.blocks, &part.rests);
-    painter_.chooseColours(&part);
+    part.colours.resize(part.blocks.size());
+    part.rows.resize(runCount(part.blocks.size()));
   }
 
-  /// For all blocks in the picture.
-  std::vector<BlockSequence> makeRoom() {
-    std::vector<BlockSequence> sequences;
+  /// Makes room for the blocks in the picture. Parts may be of any size, pieces are not.
+  std::vector<MapPiece> divide() {
+    std::vector<MapPiece> pieces;
     std::size_t next = 0;
-    for (const MapPart& part : parts_) {
-      sequences.push_back({part.blocks, part.colours, part.rows, static_cast<std::uint32_t>(next)});
-      next += part.blocks.size();
+    for (MapPart& part : parts_) {
+      const std::size_t length = part.blocks.size();
+      part.firstIndex = next;
+      for (std::size_t first = 0; first < length; first += kBlocksInPiece) {
+        pieces.push_back({&part, first, std::min(kBlocksInPiece, length - first)});
+      }
+      next += length;
       map_.rests.insert(map_.rests.end(), part.rests.begin(), part.rests.end());
     }
     map_.blocks.resize(next);
-    return sequences;
+    return pieces;
   }
 
-  void keep(const MapPart& part, std::uint32_t firstIndex) {
-    for (std::size_t i = 0; i < part.blocks.size(); ++i) {
+  void colour(const MapPiece& piece) {
+    MapPart& part = *piece.part;
+    for (std::size_t i = piece.first; i < piece.first + piece.length; ++i) {
       const TreemapBlock& block = part.blocks[i];
-      map_.blocks[firstIndex + i] = {pixelSpan(block.rect, map_.width, map_.height),
-                                     block.id,
-                                     block.restCount,
-                                     part.kinds[i],
-                                     block.painted,
-                                     block.reason};
+      PictureBlock& kept = map_.blocks[part.firstIndex + i];
+      kept = {.rect = pixelSpan(block.rect, map_.width, map_.height),
+              .id = block.id,
+              .restCount = block.restCount,
+              .painted = block.painted,
+              .reason = block.reason};
+      painter_.choose(block, &part.colours[i], &kept.kind);
     }
+    findRunRows(std::span(part.blocks).subspan(piece.first, piece.length),
+                std::span(part.rows).subspan(piece.first / kRunLength, runCount(piece.length)));
   }
 
   const LayoutParts& layout_;
