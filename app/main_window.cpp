@@ -94,6 +94,7 @@ void MainWindow::connectScreens() {
 void MainWindow::connectSession() {
   session_.onPathFound = [this] { scanPathFound(); };
   session_.onGrown = [this] { scanScreen_.treeChanged(); };
+  scanScreen_.onMapPartSent = [this](auto took) { session_.pacer().pauseAfter(took); };
   session_.onEnded = [this] { showScanEnd(); };
 }
 

@@ -88,6 +88,9 @@ void ScanScreen::connectKinds() {
 
 void ScanScreen::connectMap() {
   picture_.onRendered = [this] { needsFrame(); };
+  picture_.onPartSent = [this](auto took) {
+    if (onMapPartSent) onMapPartSent(took);
+  };
   map_.onPicked = [this](NodeId node) { list_.revealNode(node); };
   map_.onContextMenu = [this](NodeId node, int x, int y) {
     if (onContextMenu) onContextMenu(node, x, y, Command::By::Pointer);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -61,6 +62,8 @@ class ScanScreen : public Screen {
   std::function<void(std::uint64_t id)> onUndelete;
   std::function<void()> onUndeleteAll;
   std::function<void()> onDeleteNow;
+  /// Between two frames a part of the map was sent to the X server, which took so long.
+  std::function<void(std::chrono::steady_clock::duration took)> onMapPartSent;
 
   /// All outlive the view. `colours` are those of the last frame: they become those of the next
   /// picture of the map when that is shown, so that no part is ahead of another. Without `post` the

@@ -237,7 +237,10 @@ void TreemapPicture::sendInBands(RenderedTreemap picture) {
 /// The window thread looks after its user before it comes to that.
 void TreemapPicture::postNextBand() {
   post_([this, arriving = std::weak_ptr(arriving_)] {
-    if (!arriving.expired()) unlessMemoryRunsOut([this] { sendNextBand(); });
+    if (arriving.expired()) return;
+    const auto begin = std::chrono::steady_clock::now();
+    unlessMemoryRunsOut([this] { sendNextBand(); });
+    if (onPartSent) onPartSent(std::chrono::steady_clock::now() - begin);
   });
 }
 

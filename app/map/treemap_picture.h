@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -31,6 +32,8 @@ class TreemapPicture {
  public:
   /// A picture was made in the background: the next `update` shows it.
   std::function<void()> onRendered;
+  /// A part of such a picture was sent to the X server, which took so long.
+  std::function<void(std::chrono::steady_clock::duration took)> onPartSent;
 
   /// Both outlive the picture. Each picture takes `colours` as they are when it is begun; that they
   /// have changed does not by itself make a new one due. Without `post` nothing is made in the
