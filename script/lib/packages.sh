@@ -53,7 +53,7 @@ packages() {
 optional_packages() {
   case $1-$2 in
     debian-test) echo clang-format-14 clang-tidy-14 ;;
-    *-bench) echo ncdu gdu ;;
+    *-bench) echo ncdu gdu xfsprogs btrfs-progs ;;
   esac
 }
 
