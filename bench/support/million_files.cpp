@@ -37,17 +37,17 @@ void fill(const std::string& folder, int files, std::minstd_rand* random) {
 
 }  // namespace
 
-MillionFiles::MillionFiles(Shape shape) {
+MillionFiles::MillionFiles(Shape shape, int thousands) {
   const bool shared = access("/dev/shm", W_OK) == 0;
   path_ = shared ? "/dev/shm/heapgauge-bench-XXXXXX" : "/tmp/heapgauge-bench-XXXXXX";
   check(mkdtemp(path_.data()) != nullptr, path_);
-  std::fprintf(stderr, "making a million files below %s\n", path_.c_str());
+  std::fprintf(stderr, "making %d thousand files below %s\n", thousands, path_.c_str());
   std::minstd_rand random(1);  // sizes in no order, and the same in every run
   if (shape == Shape::OneFolder) {
-    fill(path_, 1000000, &random);
+    fill(path_, thousands * 1000, &random);
     return;
   }
-  for (int a = 0; a < 10; ++a) {
+  for (int a = 0; a < thousands / 100; ++a) {
     for (int b = 0; b < 100; ++b) {
       for (int c = 0; c < 10; ++c) {
         const std::string folder = path_ + "/area " + std::to_string(a) + "/project " +

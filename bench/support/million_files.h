@@ -5,17 +5,20 @@
 
 namespace bench {
 
-/// A million small files in a directory of its own, in tmpfs where there is one, removed at the end
-/// of the scope.
+/// A million small files, or as many as are asked for, in a directory of its own, in tmpfs where
+/// there is one, removed at the end of the scope.
 class MillionFiles {
  public:
   enum class Shape {
-    /// Ten folders of a hundred folders of ten folders hold a hundred files each.
+    /// Ten folders of a hundred folders of ten folders hold a hundred files each. For another
+    /// number
+    /// of files there are more or fewer of the first ones.
     Project,
     OneFolder,
   };
 
-  explicit MillionFiles(Shape shape = Shape::Project);
+  /// `thousands` of files; a multiple of a hundred.
+  explicit MillionFiles(Shape shape = Shape::Project, int thousands = 1000);
   ~MillionFiles();
   MillionFiles(const MillionFiles&) = delete;
   MillionFiles& operator=(const MillionFiles&) = delete;

@@ -53,6 +53,7 @@ packages() {
 optional_packages() {
   case $1-$2 in
     debian-test) echo clang-format-14 clang-tidy-14 ;;
+    suse-bench) echo ncdu gdu xfsprogs btrfsprogs ;;
     *-bench) echo ncdu gdu xfsprogs btrfs-progs ;;
   esac
 }
