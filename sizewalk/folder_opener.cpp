@@ -104,8 +104,11 @@ base::FileDescriptor FolderOpener::open(FolderWay* way) {
 }
 
 void FolderOpener::giveBack(const FolderWay& way, base::FileDescriptor fd, std::size_t subfolders) {
-  if (fd.valid() && subfolders > 0) keep(way.folder(), way.depth(), subfolders, std::move(fd));
-  fd.close();
+  if (fd.valid() && subfolders > 0) {
+    keep(way.folder(), way.depth(), subfolders, std::move(fd));
+  } else {
+    fd.close();
+  }
   openings_ -= kActive;
   if (inNeed_ > 0) gaveBack_.notifyAll();
 }
@@ -193,10 +196,10 @@ std::vector<FolderOpener::Kept> FolderOpener::makeRoom() {
   for (const Kept& kept : kept_) ages.push_back(age(kept));
   const auto limit = ages.begin() + static_cast<std::ptrdiff_t>(ages.size() * 3 / 4);
   std::ranges::nth_element(ages, limit);
-  const auto old =
-      std::ranges::stable_partition(kept_, [&](const Kept& kept) { return age(kept) < *limit; });
-  std::vector<Kept> removed(std::move_iterator(old.begin()), std::move_iterator(old.end()));
-  kept_.erase(old.begin(), old.end());
+  const auto old = std::stable_partition(kept_.begin(), kept_.end(),
+                                         [&](const Kept& kept) { return age(kept) < *limit; });
+  std::vector<Kept> removed(std::make_move_iterator(old), std::make_move_iterator(kept_.end()));
+  kept_.erase(old, kept_.end());
   return removed;
 }
 

