@@ -70,6 +70,7 @@ FolderOpener::FolderOpener(const FileTree& tree, NodeId start, const std::atomic
 /// A folder's number is above that of the one that holds it, so on the way up what is kept is
 /// passed once, from its end.
 void FolderOpener::find(NodeId folder, FolderWay* way) {
+  openings_ += kCall + kActive;  // the way's base is a descriptor that others may wait for
   way->below.assign(1, folder);
   way->base = nullptr;
   way->firstDepth = 0;
@@ -96,7 +97,6 @@ void FolderOpener::noteUse(std::vector<Kept>::iterator holder, const FolderWay& 
 }
 
 base::FileDescriptor FolderOpener::open(FolderWay* way) {
-  openings_ += kCall + kActive;
   base::FileDescriptor fd = openAlong(way, Keeping::Allowed);
   const bool inNeed = !fd.valid() && outOfDescriptors(errno);
   way->base = nullptr;  // or who waits for a descriptor would wait for this one
@@ -139,8 +139,8 @@ base::FileDescriptor FolderOpener::openNext(const base::FileDescriptor* holder, 
 /// One reader at a time, or two could take each other's last descriptor for ever. It gives up where
 /// not even the only one in the walk finds enough.
 base::FileDescriptor FolderOpener::openInNeed(FolderWay* way) {
-  openings_ -= kActive;
   enterNeed();
+  openings_ -= kActive;  // what was kept is closed by now
   base::FileDescriptor fd;
   {
     const base::MutexLock lock(needMutex_);

@@ -14,7 +14,6 @@
 #include <climits>
 #include <filesystem>
 #include <functional>
-#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -37,22 +36,38 @@ using test::TempDirectory;
 using test::withThreads;
 using test::writeFile;
 
-/// Leaves this process so many descriptors more, for the scope; what it closes it may open again.
+/// Leaves this process so many descriptors more, for the scope; what it closes it may open again
+/// where all that it has open have the lowest numbers.
 class FewDescriptors {
  public:
   explicit FewDescriptors(int left) {
-    getrlimit(RLIMIT_NOFILE, &usual_);
-    rlimit limit = usual_;
     int number = 0;
-    while (fcntl(number, F_GETFD) >= 0 || left-- > 0) ++number;
-    limit.rlim_cur = static_cast<rlim_t>(number);
-    setrlimit(RLIMIT_NOFILE, &limit);
+    while (isOpen(number) || left-- > 0) ++number;
+    limitTo(number);
+  }
+  /// Leaves those alone that can be opened beside one that is, and each that is closed.
+  static FewDescriptors upToTheLastOpen() {
+    int number = 4096;
+    while (!isOpen(number - 1)) --number;
+    return FewDescriptors(Limit{number});
   }
   ~FewDescriptors() { setrlimit(RLIMIT_NOFILE, &usual_); }
   FewDescriptors(const FewDescriptors&) = delete;
   FewDescriptors& operator=(const FewDescriptors&) = delete;
 
  private:
+  struct Limit {
+    int number;
+  };
+  explicit FewDescriptors(Limit limit) { limitTo(limit.number); }
+
+  static bool isOpen(int number) { return fcntl(number, F_GETFD) >= 0; }
+  void limitTo(int number) {
+    getrlimit(RLIMIT_NOFILE, &usual_);
+    const rlimit limit = {static_cast<rlim_t>(number), usual_.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &limit);
+  }
+
   rlimit usual_{};
 };
 
@@ -276,10 +291,11 @@ TEST(FolderOpener, GoesOnWhereDescriptorsRunOutInTheMiddle) {
     test::HeldFolder held("held");
     std::thread walking([&] { scanner.walk(kRootNode); });
     EXPECT_TRUE(held.waitUntilReached());
-    std::optional<FewDescriptors> few(0);
-    held.release();
-    walking.join();
-    few.reset();
+    {
+      const auto few = FewDescriptors::upToTheLastOpen();
+      held.release();
+      walking.join();
+    }
     EXPECT_EQ(scanner.tree().totals().errors, 0U) << readers;
     EXPECT_TRUE(describe(scanner.tree()) == whole) << readers;
   }
