@@ -37,6 +37,21 @@ std::pair<int, int> sizeOf(Display* display, Drawable drawable) {
   return {static_cast<int>(width), static_cast<int>(height)};
 }
 
+/// Keeps other clients waiting, so that none resizes the window between two looks at it.
+class ServerToOneself {
+ public:
+  explicit ServerToOneself(Display* display) : display_(display) { XGrabServer(display_); }
+  ~ServerToOneself() {
+    XUngrabServer(display_);
+    XFlush(display_);
+  }
+  ServerToOneself(const ServerToOneself&) = delete;
+  ServerToOneself& operator=(const ServerToOneself&) = delete;
+
+ private:
+  Display* display_;
+};
+
 /// What holds all pixels that differ; nothing when none does.
 std::optional<ui::Rect> difference(XImage* a, XImage* b) {
   std::optional<ui::Rect> found;
@@ -114,10 +129,10 @@ void WholeFrameWatch::countFrame() {
 void WholeFrameWatch::compare() {
   const std::unique_ptr<ui::BackBuffer> whole = std::move(whole_);
   Display* display = connection_.native().display;
+  if (!whole) return;
+  const ServerToOneself noOthers(display);
   // A window that has another size by now shows what the server has made of the frame.
-  if (!whole || sizeOf(display, window_.xid()) != std::pair(whole->width(), whole->height())) {
-    return;
-  }
+  if (sizeOf(display, window_.xid()) != std::pair(whole->width(), whole->height())) return;
   const Image expected = imageOf(display, whole->pixmap(), whole->width(), whole->height());
   const Image seen = imageOf(display, window_.xid(), whole->width(), whole->height());
   ++compared_;
