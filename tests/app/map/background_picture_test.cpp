@@ -1,0 +1,223 @@
+// The picture of a tree that grows, made beside the window thread.
+
+#include <atomic>
+#include <limits>
+
+#include "tests/app/map/background_picture_fixture.h"
+#include "tests/support/waiting_thread.h"
+
+namespace app {
+namespace {
+
+using sizewalk::kRootNode;
+
+TEST_F(BackgroundPictureTest, MakesItsFirstPictureAtOnce) {
+  EXPECT_EQ(picture_.rendered().pixels, drawnAtOnce(kPicturePlace, kRootNode));
+  EXPECT_FALSE(picture_.behind());
+  EXPECT_EQ(tasks(), 0U);
+}
+
+TEST_F(BackgroundPictureTest, MakesTheFirstPictureOfAScanThatHasJustBegunInTheBackground) {
+  const auto begun = std::make_shared<sizewalk::FileTree>(test::mapTreeOptions());
+  test::fillRoot(*begun, {test::file(1000, 5)});
+  picture_.show(begun, kRootNode);
+  picture_.setGrowing(true);
+  for (int i = 0; i < 3; ++i) EXPECT_FALSE(picture_.update()) << "one at a time";
+  EXPECT_TRUE(picture_.behind());
+  EXPECT_TRUE(picture_.rendered().pixels.empty());
+  ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
+  runTasks();
+  EXPECT_TRUE(picture_.update());
+  EXPECT_EQ(
+      picture_.rendered().pixels,
+      renderTreemap(*begun, kRootNode, kPicturePlace.w, kPicturePlace.h, colours_, {}, {}).pixels);
+  EXPECT_TRUE(picturesHaveEnded());
+}
+
+TEST_F(BackgroundPictureTest, DrawsSomethingElseOfAScanThatHasJustBegunOnceThatIsThere) {
+  const auto begun = std::make_shared<sizewalk::FileTree>(test::mapTreeOptions());
+  const auto folders = test::fillRoot(*begun, {test::file(1000, 5), test::folder()});
+  test::fill(*begun, folders[0], {test::file(1000, 6)});
+  picture_.show(begun, kRootNode);
+  picture_.setGrowing(true);
+  EXPECT_FALSE(picture_.update());
+  picture_.show(begun, folders[0]);
+  ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
+  runTasks();
+  EXPECT_FALSE(picture_.update()) << "what was finished is not to be seen any more";
+  ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
+  runTasks();
+  EXPECT_TRUE(picture_.update());
+  EXPECT_EQ(picture_.rendered().root, folders[0]);
+  EXPECT_TRUE(picturesHaveEnded());
+}
+
+TEST_F(BackgroundPictureTest, KeepsTheLastPictureUntilThatOfTheGrownTreeIsThere) {
+  const std::vector<std::uint32_t> last = picture_.rendered().pixels;
+  makeInBackground();
+  EXPECT_TRUE(picture_.behind());
+  EXPECT_EQ(picture_.rendered().pixels, last);
+  EXPECT_FALSE(picture_.update());
+  runTasks();
+  EXPECT_EQ(told_, 1);
+  EXPECT_FALSE(picture_.behind());
+  EXPECT_NE(picture_.rendered().pixels, last);
+  EXPECT_EQ(picture_.rendered().pixels, drawnAtOnce(kPicturePlace, kRootNode));
+  EXPECT_TRUE(picture_.update()) << "it is to be sent";
+  EXPECT_FALSE(picture_.update());
+}
+
+TEST_F(BackgroundPictureTest, IsDrawingFromTheMomentThatTheTreeHasGrown) {
+  growTree();
+  EXPECT_TRUE(picture_.behind());
+  picture_.setRect({0, 0, 0, 80});
+  EXPECT_FALSE(picture_.behind()) << "without area there never is a picture";
+}
+
+TEST_F(BackgroundPictureTest, MakesOneAtATime) {
+  makeInBackground();
+  picture_.markOutdated();
+  EXPECT_FALSE(picture_.due());
+  EXPECT_FALSE(picture_.update());
+  runTasks();
+  ASSERT_TRUE(test::eventually([&] { return picture_.due(); }));
+  EXPECT_TRUE(picture_.update());
+  EXPECT_FALSE(picture_.due()) << "the next has begun";
+  ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
+  runTasks();
+  EXPECT_FALSE(picture_.behind());
+  EXPECT_EQ(told_, 2);
+}
+
+TEST_F(BackgroundPictureTest, PausesAfterAPictureUntilTheTreeGrowsNoMore) {
+  const ui::Rect large = {0, 0, 1500, 1000};  // takes a few milliseconds
+  const auto cost = drawingTime(large);
+  const auto begin = std::chrono::steady_clock::now();
+  picture_.setGrowing(true);
+  picture_.setRect(large);
+  picture_.update();
+  makeInBackground();
+  runAllTasks();
+  picture_.markOutdated();
+  const bool due = picture_.due();
+  // It took that long once, and the next one is expected to: twenty times that is to pass.
+  const bool looksSoon = std::chrono::steady_clock::now() - begin < 10 * cost;
+  EXPECT_FALSE(due && looksSoon);
+  EXPECT_TRUE(test::eventually([&] { return picture_.due(); }));
+  picture_.update();
+  ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
+  runAllTasks();
+  picture_.markOutdated();
+  picture_.setGrowing(false);
+  EXPECT_TRUE(picture_.due());
+}
+
+TEST_F(BackgroundPictureTest, DoesNotHaveTheLastPictureWaitForOneOfTheGrowingTree) {
+  picture_.setGrowing(true);
+  growTree();
+  picture_.update();
+  ASSERT_TRUE(picture_.behind());
+  ASSERT_FALSE(picture_.due()) << "one is being made";
+  picture_.setGrowing(false);
+  EXPECT_TRUE(picture_.due());
+  picture_.update();
+  // What was given up tells nothing; the last picture does.
+  ASSERT_TRUE(test::eventually([&] {
+    runTasks();
+    return told_ > 0;
+  }));
+  EXPECT_EQ(told_, 1);
+  EXPECT_FALSE(picture_.behind());
+}
+
+TEST_F(BackgroundPictureTest, ShowsSomethingElseAtOnceAndStaysThere) {
+  makeInBackground();
+  picture_.show(shownTree_, folders_[0]);
+  EXPECT_TRUE(picture_.update());
+  const std::vector<std::uint32_t> inside = drawnAtOnce(kPicturePlace, folders_[0]);
+  EXPECT_EQ(picture_.rendered().pixels, inside);
+  runTasks();
+  EXPECT_FALSE(picture_.update()) << "what was made meanwhile shows another folder";
+  EXPECT_EQ(picture_.rendered().pixels, inside);
+}
+
+TEST_F(BackgroundPictureTest, ForgetsAPictureThatIsFinishedBeforeSomethingElseIsDrawn) {
+  makeInBackground();
+  picture_.show(shownTree_, folders_[0]);
+  runTasks();
+  EXPECT_TRUE(picture_.update());
+  EXPECT_EQ(picture_.rendered().pixels, drawnAtOnce(kPicturePlace, folders_[0]));
+}
+
+TEST_F(BackgroundPictureTest, TakesItsNewSizeAtOnce) {
+  makeInBackground();
+  const ui::Rect larger = {0, 0, 150, 90};
+  picture_.setRect(larger);
+  EXPECT_TRUE(picture_.update());
+  runTasks();
+  EXPECT_FALSE(picture_.update());
+  EXPECT_EQ(picture_.rendered().pixels, drawnAtOnce(larger, kRootNode));
+}
+
+TEST_F(BackgroundPictureTest, ForgetsAPictureOfATreeThatItLeaves) {
+  makeInBackground();
+  picture_.show(nullptr, kRootNode);
+  EXPECT_FALSE(picture_.behind());
+  runTasks();
+  EXPECT_EQ(told_, 0) << "what was posted is of no use any more";
+  EXPECT_TRUE(picture_.rendered().pixels.empty());
+}
+
+TEST_F(BackgroundPictureTest, NeitherWaitsForWhatReadsATreeNorTakesTheTreeFromIt) {
+  constexpr std::int32_t kSide = 1000;  // takes milliseconds
+  auto tree = std::make_shared<sizewalk::FileTree>(test::mapTreeOptions());
+  test::fillRoot(*tree, {test::file(1000, 5)});
+  std::atomic<int> posts = 0;
+  BackgroundRender render([&](const std::function<void()>&) { ++posts; });
+  const std::weak_ptr<const sizewalk::FileTree> watched = tree;
+  ASSERT_TRUE(render.start({std::move(tree), kRootNode, kSide, kSide, colours_, {}, {}, {}}));
+  render.drop();
+  EXPECT_FALSE(render.busy());
+  EXPECT_FALSE(watched.expired()) << "it is still being read";
+  ASSERT_TRUE(picturesHaveEnded());
+  EXPECT_TRUE(watched.expired());
+  EXPECT_EQ(posts, 0);
+}
+
+TEST_F(BackgroundPictureTest, PostsNothingOnceItIsDestroyed) {
+  for (int i = 0; i < 100; ++i) {
+    std::atomic<bool> alive = true;
+    std::atomic<int> late = 0;
+    {
+      BackgroundRender render([&](const std::function<void()>&) { late += alive ? 0 : 1; });
+      ASSERT_TRUE(render.start({shownTree_, kRootNode, i, i, colours_, {}, {}, {}}));
+    }
+    alive = false;
+    ASSERT_TRUE(picturesHaveEnded());
+    EXPECT_EQ(late, 0);
+  }
+}
+
+TEST_F(BackgroundPictureTest, IsNotMisledByThePostOfAPictureThatWasForgotten) {
+  makeInBackground();
+  const auto next = std::make_shared<sizewalk::FileTree>(test::mapTreeOptions());
+  test::fillRoot(*next, {test::file(1000, 5)});
+  picture_.show(next, kRootNode);
+  picture_.update();
+  picture_.markOutdated();
+  picture_.update();
+  ASSERT_TRUE(test::eventually([&] { return tasks() == 2; }));
+  tasks_.front()();
+  EXPECT_EQ(told_, 0);
+  EXPECT_TRUE(picture_.behind());
+  runTasks();
+  EXPECT_EQ(told_, 1);
+  EXPECT_FALSE(picture_.behind());
+  EXPECT_EQ(
+      picture_.rendered().pixels,
+      renderTreemap(*next, kRootNode, kPicturePlace.w, kPicturePlace.h, colours_, {}, {}).pixels);
+  picture_.show(nullptr, kRootNode);
+}
+
+}  // namespace
+}  // namespace app
