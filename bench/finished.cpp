@@ -54,15 +54,10 @@ Finish finish(const std::string& path) {
 }
 
 void printMemory(double bytes) {
-  constexpr double kMiB = 1048576;
-  constexpr double kMost = 115 * 1e6;
-  const auto text = [](double value) {
-    char buffer[32];
-    std::snprintf(buffer, sizeof buffer, "%.1f MiB", value / kMiB);
-    return std::string(buffer);
-  };
-  bench::printRow("peak memory of the window with that tree, against its bound", text(bytes),
-                  text(kMost), bench::times(bytes / kMost), "at most 1");
+  constexpr double kMost = 115e6;
+  bench::printRow("peak memory of the window with that tree, against its bound",
+                  bench::mebibytes(bytes), bench::mebibytes(kMost), bench::times(bytes / kMost),
+                  "at most 1");
 }
 
 }  // namespace

@@ -14,11 +14,10 @@
 
 namespace {
 
-constexpr double kMiB = 1048576;
 /// The widths of the fourteen columns together, and the entries of one page of each.
 constexpr double kColumnBytes = 69;
 constexpr double kPageEntries = 65536;
-constexpr double kAllowance = 16 * kMiB;
+constexpr double kAllowance = 16 * bench::kMiB;
 
 /// A line of /proc/self/status in bytes.
 double status(const std::string& field) {
@@ -28,12 +27,6 @@ double status(const std::string& field) {
     if (line.starts_with(field + ":")) return std::stod(line.substr(field.size() + 1)) * 1024;
   }
   return 0;
-}
-
-std::string mebibytes(double bytes) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%.1f MiB", bytes / kMiB);
-  return text;
 }
 
 }  // namespace
@@ -61,10 +54,10 @@ int main(int argc, char** argv) {
   const double nodes = static_cast<double>(tree.nodeCount());
   const double bar = nodes * kColumnBytes + names + kPageEntries * kColumnBytes + kAllowance;
   std::fprintf(stderr, "%.0f nodes, %s of names, %.1f bytes a node in all\n", nodes,
-               mebibytes(names).c_str(), grown / nodes);
-  bench::printRow("memory after a scan of " + name + ", against its bound", mebibytes(grown),
-                  mebibytes(bar), bench::times(grown / bar), "at most 1");
-  bench::printRow("memory at the peak of that scan, against its bound", mebibytes(peak),
-                  mebibytes(bar), bench::times(peak / bar), "at most 1");
+               bench::mebibytes(names).c_str(), grown / nodes);
+  bench::printRow("memory after a scan of " + name + ", against its bound", bench::mebibytes(grown),
+                  bench::mebibytes(bar), bench::times(grown / bar), "at most 1");
+  bench::printRow("memory at the peak of that scan, against its bound", bench::mebibytes(peak),
+                  bench::mebibytes(bar), bench::times(peak / bar), "at most 1");
   return 0;
 }

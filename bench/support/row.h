@@ -25,6 +25,14 @@ inline std::string nanoseconds(double ns) {
   return text;
 }
 
+inline constexpr double kMiB = 1048576;
+
+inline std::string mebibytes(double bytes) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.1f MiB", bytes / kMiB);
+  return text;
+}
+
 inline std::string times(double ratio) {
   char text[32];
   std::snprintf(text, sizeof text, "%.2f", ratio);
