@@ -207,15 +207,16 @@ void FileTree::writeNode(NodeId node, NodeId parent, const EntryRecord& entry, N
                          const NodeSums& sums) {
   parent_[node] = parent;
   kind_[node] = entry.kind;
-  flags_[node] = flags.bits();
-  apparentSize_[node] = sums.apparentSize;
-  allocatedSize_[node] = sums.allocatedSize;
-  itemCount_[node] = static_cast<std::int32_t>(sums.itemCount);
-  birthTime_[node] = entry.birthTime;
-  addedLastMonth_[node] = sums.addedLastMonth;
-  addedLastSixMonths_[node] = sums.addedLastSixMonths;
-  addedSinceLastScan_[node] = sums.addedSinceLastScan;
-  // childRange: the fresh page holds the 0 it starts with.
+  flags_.initialise(node, flags.bits());
+  apparentSize_.initialise(node, sums.apparentSize);
+  allocatedSize_.initialise(node, sums.allocatedSize);
+  itemCount_.initialise(node, static_cast<std::int32_t>(sums.itemCount));
+  birthTime_.initialise(node, entry.birthTime);
+  // Of most files nothing was added lately.
+  addedLastMonth_.initialise(node, sums.addedLastMonth);
+  addedLastSixMonths_.initialise(node, sums.addedLastSixMonths);
+  addedSinceLastScan_.initialise(node, sums.addedSinceLastScan);
+  // childRange: only a folder that was read has one.
 }
 
 NodeSums FileTree::sumsOf(NodeId node) const {

@@ -63,6 +63,12 @@ class PagedColumn {
   T& operator[](std::uint64_t i) { return pages_[i >> PageShift][i & kPageMask]; }
   const T& operator[](std::uint64_t i) const { return pages_[i >> PageShift][i & kPageMask]; }
 
+  /// Gives an element that was never written its first value. A page that gets none but zeros costs
+  /// no memory.
+  void initialise(std::uint64_t i, T value) {
+    if (value != T{}) (*this)[i] = value;
+  }
+
   /// Access to fields that change while others read them.
   T load(std::uint64_t i, std::memory_order order = std::memory_order_relaxed) const {
     return std::atomic_ref<T>(slot(i)).load(order);

@@ -1,11 +1,15 @@
 #include "sizewalk/paged_column.h"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <fstream>
 #include <new>
+#include <vector>
 
 namespace sizewalk {
 namespace {
@@ -49,6 +53,28 @@ TEST(PagedColumn, GrowsByWholePagesOnlyWhenTheyAreReached) {
   EXPECT_EQ(column.grownLength(), 32u);
   column.grow(5);
   EXPECT_EQ(column.grownLength(), 32u);
+}
+
+/// Pages of memory that the elements [0, length) occupy; they begin at the start of one.
+template <typename T>
+std::ptrdiff_t residentPages(PagedColumn<T>* column, std::size_t length) {
+  const auto pageSize = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+  const std::size_t bytes = length * sizeof(T);
+  std::vector<unsigned char> resident((bytes + pageSize - 1) / pageSize);
+  EXPECT_EQ(mincore(&(*column)[0], bytes, resident.data()), 0);
+  return std::ranges::count_if(resident, [](unsigned char bits) { return (bits & 1) != 0; });
+}
+
+TEST(PagedColumn, CostsNoMemoryWhereAllIsZero) {
+  constexpr std::size_t kLength = PagedColumn<std::uint64_t>::kPageLength;
+  PagedColumn<std::uint64_t> column(kLength);
+  column.grow(kLength);
+  for (std::size_t i = 0; i < kLength; ++i) column.initialise(i, 0);
+  EXPECT_EQ(residentPages(&column, kLength), 0);
+
+  column.initialise(kLength / 2, 7);
+  EXPECT_EQ(column[kLength / 2], 7u);
+  EXPECT_EQ(residentPages(&column, kLength), 1);
 }
 
 TEST(PagedColumn, AddsWithWrapAround) {
