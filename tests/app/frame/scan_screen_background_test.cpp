@@ -1,48 +1,18 @@
 // A scan as the whole window, whose map is drawn in the background.
 
-#include <functional>
-#include <mutex>
 #include <stdexcept>
-#include <utility>
-#include <vector>
 
 #include "app/lists/folder_row_painting.h"
 #include "tests/app/frame/scan_screen_fixture.h"
 #include "tests/support/eventually.h"
+#include "tests/support/posted_tasks.h"
 
 namespace app {
 namespace {
 
-/// What pictures post, until a test says that the window thread comes to it.
-class PostedTasks {
- public:
-  BackgroundRender::Post post() {
-    return [this](std::function<void()> task) {
-      const std::lock_guard lock(mutex_);
-      tasks_.push_back(std::move(task));
-    };
-  }
-  std::size_t count() {
-    const std::lock_guard lock(mutex_);
-    return tasks_.size();
-  }
-  void run() {
-    std::vector<std::function<void()>> tasks;
-    {
-      const std::lock_guard lock(mutex_);
-      tasks.swap(tasks_);
-    }
-    for (const auto& task : tasks) task();
-  }
-
- private:
-  std::mutex mutex_;  // guards the tasks
-  std::vector<std::function<void()>> tasks_;
-};
-
 /// Before the screen, which ends its pictures first.
 struct HasTasks {
-  PostedTasks tasks_;
+  test::PostedTasks tasks_;
 };
 
 class ScanScreenBackgroundTest : private HasTasks, public ScanScreenTest {

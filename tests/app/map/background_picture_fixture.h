@@ -3,15 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <vector>
 
 #include "base/detached_threads.h"
 #include "tests/app/map/treemap_picture_fixture.h"
 #include "tests/support/eventually.h"
+#include "tests/support/posted_tasks.h"
 
 namespace app {
 
@@ -38,26 +37,10 @@ class BackgroundPictureTest : public test::WindowTest {
   void makeInBackground() {
     growTree();
     ASSERT_FALSE(picture_.update()) << "nothing is there to be seen yet";
-    ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
+    ASSERT_TRUE(test::eventually([&] { return tasks_.count() == 1; }));
   }
   static bool picturesHaveEnded() {
     return base::awaitDetachedThreads(std::chrono::steady_clock::now() + std::chrono::seconds(20));
-  }
-  std::size_t tasks() {
-    const std::lock_guard lock(mutex_);
-    return tasks_.size();
-  }
-  void runTasks() {
-    std::vector<std::function<void()>> tasks;
-    {
-      const std::lock_guard lock(mutex_);
-      tasks.swap(tasks_);
-    }
-    for (const auto& task : tasks) task();
-  }
-  /// Those, too, that they post themselves.
-  void runAllTasks() {
-    while (tasks() > 0) runTasks();
   }
   /// Shows the last picture in `kLargePlace`, and has made one of the grown tree.
   void makeLargeInBackground() {
@@ -106,13 +89,9 @@ class BackgroundPictureTest : public test::WindowTest {
   sizewalk::FileTree& tree_ = *shownTree_;
   std::vector<sizewalk::NodeId> folders_;
   KindColours colours_{true};
-  std::mutex mutex_;  // guards the tasks
-  std::vector<std::function<void()>> tasks_;
+  test::PostedTasks tasks_;
   int told_ = 0;
-  TreemapPicture picture_{*connection, colours_, [this](std::function<void()> task) {
-                            const std::lock_guard lock(mutex_);
-                            tasks_.push_back(std::move(task));
-                          }};
+  TreemapPicture picture_{*connection, colours_, tasks_.post()};
 };
 
 }  // namespace app

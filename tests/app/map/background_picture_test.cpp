@@ -1,6 +1,7 @@
 // The picture of a tree that grows, made beside the window thread.
 
 #include <atomic>
+#include <functional>
 #include <limits>
 
 #include "tests/app/map/background_picture_fixture.h"
@@ -14,7 +15,7 @@ using sizewalk::kRootNode;
 TEST_F(BackgroundPictureTest, MakesItsFirstPictureAtOnce) {
   EXPECT_EQ(picture_.rendered().pixels, drawnAtOnce(kPicturePlace, kRootNode));
   EXPECT_FALSE(picture_.behind());
-  EXPECT_EQ(tasks(), 0U);
+  EXPECT_EQ(tasks_.count(), 0U);
 }
 
 TEST_F(BackgroundPictureTest, MakesTheFirstPictureOfAScanThatHasJustBegunInTheBackground) {
@@ -25,8 +26,8 @@ TEST_F(BackgroundPictureTest, MakesTheFirstPictureOfAScanThatHasJustBegunInTheBa
   for (int i = 0; i < 3; ++i) EXPECT_FALSE(picture_.update()) << "one at a time";
   EXPECT_TRUE(picture_.behind());
   EXPECT_TRUE(picture_.rendered().pixels.empty());
-  ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
-  runTasks();
+  ASSERT_TRUE(test::eventually([&] { return tasks_.count() == 1; }));
+  tasks_.run();
   EXPECT_TRUE(picture_.update());
   EXPECT_EQ(
       picture_.rendered().pixels,
@@ -42,11 +43,11 @@ TEST_F(BackgroundPictureTest, DrawsSomethingElseOfAScanThatHasJustBegunOnceThatI
   picture_.setGrowing(true);
   EXPECT_FALSE(picture_.update());
   picture_.show(begun, folders[0]);
-  ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
-  runTasks();
+  ASSERT_TRUE(test::eventually([&] { return tasks_.count() == 1; }));
+  tasks_.run();
   EXPECT_FALSE(picture_.update()) << "what was finished is not to be seen any more";
-  ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
-  runTasks();
+  ASSERT_TRUE(test::eventually([&] { return tasks_.count() == 1; }));
+  tasks_.run();
   EXPECT_TRUE(picture_.update());
   EXPECT_EQ(picture_.rendered().root, folders[0]);
   EXPECT_TRUE(picturesHaveEnded());
@@ -58,7 +59,7 @@ TEST_F(BackgroundPictureTest, KeepsTheLastPictureUntilThatOfTheGrownTreeIsThere)
   EXPECT_TRUE(picture_.behind());
   EXPECT_EQ(picture_.rendered().pixels, last);
   EXPECT_FALSE(picture_.update());
-  runTasks();
+  tasks_.run();
   EXPECT_EQ(told_, 1);
   EXPECT_FALSE(picture_.behind());
   EXPECT_NE(picture_.rendered().pixels, last);
@@ -79,12 +80,12 @@ TEST_F(BackgroundPictureTest, MakesOneAtATime) {
   picture_.markOutdated();
   EXPECT_FALSE(picture_.due());
   EXPECT_FALSE(picture_.update());
-  runTasks();
+  tasks_.run();
   ASSERT_TRUE(test::eventually([&] { return picture_.due(); }));
   EXPECT_TRUE(picture_.update());
   EXPECT_FALSE(picture_.due()) << "the next has begun";
-  ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
-  runTasks();
+  ASSERT_TRUE(test::eventually([&] { return tasks_.count() == 1; }));
+  tasks_.run();
   EXPECT_FALSE(picture_.behind());
   EXPECT_EQ(told_, 2);
 }
@@ -97,7 +98,7 @@ TEST_F(BackgroundPictureTest, PausesAfterAPictureUntilTheTreeGrowsNoMore) {
   picture_.setRect(large);
   picture_.update();
   makeInBackground();
-  runAllTasks();
+  tasks_.runAll();
   picture_.markOutdated();
   const bool due = picture_.due();
   // It took that long once, and the next one is expected to: twenty times that is to pass.
@@ -105,8 +106,8 @@ TEST_F(BackgroundPictureTest, PausesAfterAPictureUntilTheTreeGrowsNoMore) {
   EXPECT_FALSE(due && looksSoon);
   EXPECT_TRUE(test::eventually([&] { return picture_.due(); }));
   picture_.update();
-  ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
-  runAllTasks();
+  ASSERT_TRUE(test::eventually([&] { return tasks_.count() == 1; }));
+  tasks_.runAll();
   picture_.markOutdated();
   picture_.setGrowing(false);
   EXPECT_TRUE(picture_.due());
@@ -123,7 +124,7 @@ TEST_F(BackgroundPictureTest, DoesNotHaveTheLastPictureWaitForOneOfTheGrowingTre
   picture_.update();
   // What was given up tells nothing; the last picture does.
   ASSERT_TRUE(test::eventually([&] {
-    runTasks();
+    tasks_.run();
     return told_ > 0;
   }));
   EXPECT_EQ(told_, 1);
@@ -136,7 +137,7 @@ TEST_F(BackgroundPictureTest, ShowsSomethingElseAtOnceAndStaysThere) {
   EXPECT_TRUE(picture_.update());
   const std::vector<std::uint32_t> inside = drawnAtOnce(kPicturePlace, folders_[0]);
   EXPECT_EQ(picture_.rendered().pixels, inside);
-  runTasks();
+  tasks_.run();
   EXPECT_FALSE(picture_.update()) << "what was made meanwhile shows another folder";
   EXPECT_EQ(picture_.rendered().pixels, inside);
 }
@@ -144,7 +145,7 @@ TEST_F(BackgroundPictureTest, ShowsSomethingElseAtOnceAndStaysThere) {
 TEST_F(BackgroundPictureTest, ForgetsAPictureThatIsFinishedBeforeSomethingElseIsDrawn) {
   makeInBackground();
   picture_.show(shownTree_, folders_[0]);
-  runTasks();
+  tasks_.run();
   EXPECT_TRUE(picture_.update());
   EXPECT_EQ(picture_.rendered().pixels, drawnAtOnce(kPicturePlace, folders_[0]));
 }
@@ -154,7 +155,7 @@ TEST_F(BackgroundPictureTest, TakesItsNewSizeAtOnce) {
   const ui::Rect larger = {0, 0, 150, 90};
   picture_.setRect(larger);
   EXPECT_TRUE(picture_.update());
-  runTasks();
+  tasks_.run();
   EXPECT_FALSE(picture_.update());
   EXPECT_EQ(picture_.rendered().pixels, drawnAtOnce(larger, kRootNode));
 }
@@ -163,7 +164,7 @@ TEST_F(BackgroundPictureTest, ForgetsAPictureOfATreeThatItLeaves) {
   makeInBackground();
   picture_.show(nullptr, kRootNode);
   EXPECT_FALSE(picture_.behind());
-  runTasks();
+  tasks_.run();
   EXPECT_EQ(told_, 0) << "what was posted is of no use any more";
   EXPECT_TRUE(picture_.rendered().pixels.empty());
 }
@@ -206,11 +207,11 @@ TEST_F(BackgroundPictureTest, IsNotMisledByThePostOfAPictureThatWasForgotten) {
   picture_.update();
   picture_.markOutdated();
   picture_.update();
-  ASSERT_TRUE(test::eventually([&] { return tasks() == 2; }));
-  tasks_.front()();
+  ASSERT_TRUE(test::eventually([&] { return tasks_.count() == 2; }));
+  tasks_.runFirst();
   EXPECT_EQ(told_, 0);
   EXPECT_TRUE(picture_.behind());
-  runTasks();
+  tasks_.run();
   EXPECT_EQ(told_, 1);
   EXPECT_FALSE(picture_.behind());
   EXPECT_EQ(

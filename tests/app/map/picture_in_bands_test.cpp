@@ -12,8 +12,8 @@ TEST_F(BackgroundPictureTest, SendsALargePictureInBandsAndShowsItOnceAllAreThere
   const std::vector<std::uint32_t> lastPixels = picture_.rendered().pixels;
   const std::vector<std::uint32_t> lastSeen = seenOf(picture_);
   for (int turn = 0; turn < 4; ++turn) {
-    runTasks();
-    EXPECT_EQ(tasks(), 1U) << "each band has a turn of its own";
+    tasks_.run();
+    EXPECT_EQ(tasks_.count(), 1U) << "each band has a turn of its own";
     EXPECT_FALSE(picture_.update());
     EXPECT_FALSE(picture_.due());
     EXPECT_TRUE(picture_.behind());
@@ -21,8 +21,8 @@ TEST_F(BackgroundPictureTest, SendsALargePictureInBandsAndShowsItOnceAllAreThere
     EXPECT_TRUE(seenOf(picture_) == lastSeen) << turn;
     EXPECT_EQ(told_, 0);
   }
-  runTasks();
-  EXPECT_EQ(tasks(), 0U);
+  tasks_.run();
+  EXPECT_EQ(tasks_.count(), 0U);
   EXPECT_EQ(told_, 1);
   EXPECT_FALSE(picture_.behind());
   EXPECT_TRUE(picture_.rendered().pixels == drawnAtOnce(kLargePlace, kRootNode));
@@ -36,7 +36,7 @@ TEST_F(BackgroundPictureTest, OutlinesInEveryBandWhatIsSelected) {
   const std::vector<sizewalk::NodeId> selected = {tree_.firstChild(kRootNode), folders_[0]};
   picture_.setSelected(selected);
   makeLargeInBackground();
-  runAllTasks();
+  tasks_.runAll();
   picture_.update();
   EXPECT_TRUE(seenOf(picture_) == seenAtOnce(selected));
   EXPECT_FALSE(seenOf(picture_) == seenAtOnce({}));
@@ -46,36 +46,36 @@ TEST_F(BackgroundPictureTest, FollowsTheSelectionWhileBandsAreSent) {
   const std::vector<sizewalk::NodeId> selected = {tree_.firstChild(kRootNode)};
   makeLargeInBackground();
   const std::vector<std::uint32_t> before = seenOf(picture_);
-  runTasks();
-  runTasks();
+  tasks_.run();
+  tasks_.run();
   picture_.setSelected(selected);
   EXPECT_FALSE(picture_.update());
   EXPECT_FALSE(seenOf(picture_) == before) << "it is seen at once on the last picture";
-  runAllTasks();
+  tasks_.runAll();
   EXPECT_TRUE(picture_.update());
   EXPECT_TRUE(seenOf(picture_) == seenAtOnce(selected));
 }
 
 TEST_F(BackgroundPictureTest, FollowsTheHighlightedKindWhileBandsAreSent) {
   makeLargeInBackground();
-  runTasks();
-  runTasks();
+  tasks_.run();
+  tasks_.run();
   picture_.setHighlight(sizewalk::KindIndex{6});
   picture_.update();
-  runAllTasks();
+  tasks_.runAll();
   EXPECT_TRUE(picture_.update());
   EXPECT_TRUE(seenOf(picture_) == seenAtOnce({}, sizewalk::KindIndex{6}));
 }
 
 TEST_F(BackgroundPictureTest, GivesUpWhatIsOnItsWayWhereSomethingElseIsToBeSeen) {
   makeLargeInBackground();
-  runTasks();
-  runTasks();
+  tasks_.run();
+  tasks_.run();
   picture_.show(shownTree_, folders_[0]);
   EXPECT_TRUE(picture_.update());
   const std::vector<std::uint32_t> inside = drawnAtOnce(kLargePlace, folders_[0]);
   EXPECT_TRUE(picture_.rendered().pixels == inside);
-  runAllTasks();
+  tasks_.runAll();
   EXPECT_EQ(told_, 0);
   EXPECT_FALSE(picture_.update());
   EXPECT_TRUE(picture_.rendered().pixels == inside);
@@ -88,32 +88,29 @@ TEST_F(BackgroundPictureTest, GivesUpWhatIsOnItsWayWhenTheTreeGrowsNoMore) {
   growTree();
   ASSERT_TRUE(test::eventually([&] {
     picture_.update();
-    return tasks() == 1;
+    return tasks_.count() == 1;
   }));
-  runTasks();
-  runTasks();
+  tasks_.run();
+  tasks_.run();
   picture_.setGrowing(false);
-  runAllTasks();
+  tasks_.runAll();
   EXPECT_EQ(told_, 0);
   EXPECT_TRUE(picture_.due()) << "the last one is to be made";
 }
 
 TEST_F(BackgroundPictureTest, LeavesNothingBehindThatUsesItOnceItIsDestroyed) {
   {
-    TreemapPicture second(*connection, colours_, [this](std::function<void()> task) {
-      const std::lock_guard lock(mutex_);
-      tasks_.push_back(std::move(task));
-    });
+    TreemapPicture second(*connection, colours_, tasks_.post());
     second.setRect(kLargePlace);
     second.show(shownTree_, kRootNode);
     second.update();
     second.markOutdated();
     second.update();
-    ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
-    runTasks();
-    ASSERT_EQ(tasks(), 1U) << "the first band";
+    ASSERT_TRUE(test::eventually([&] { return tasks_.count() == 1; }));
+    tasks_.run();
+    ASSERT_EQ(tasks_.count(), 1U) << "the first band";
   }
-  runAllTasks();
+  tasks_.runAll();
 }
 
 }  // namespace

@@ -18,15 +18,15 @@ TEST_F(BackgroundPictureTest, TriesAgainWhereThereWasNoMemoryForThePicture) {
   {
     const test::NoMemoryElsewhere none(kPictureBytes);
     ASSERT_FALSE(picture_.update());
-    ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
+    ASSERT_TRUE(test::eventually([&] { return tasks_.count() == 1; }));
     ASSERT_TRUE(picturesHaveEnded());
   }
-  runTasks();
+  tasks_.run();
   EXPECT_EQ(told_, 0) << "there is nothing new to be shown";
   ASSERT_TRUE(picture_.due());
   EXPECT_FALSE(picture_.update());
-  ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
-  runTasks();
+  ASSERT_TRUE(test::eventually([&] { return tasks_.count() == 1; }));
+  tasks_.run();
   EXPECT_EQ(told_, 1);
   EXPECT_EQ(picture_.rendered().pixels, drawnAtOnce(kPicturePlace, kRootNode));
   EXPECT_FALSE(picture_.behind());
@@ -39,9 +39,9 @@ TEST_F(BackgroundPictureTest, DrawsAtOnceInTheEndWhereThereIsNoMemoryInTheBackgr
   int tries = 0;
   while (picture_.due() && !picture_.update()) {
     ASSERT_LT(++tries, 10);
-    ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
+    ASSERT_TRUE(test::eventually([&] { return tasks_.count() == 1; }));
     EXPECT_EQ(picture_.rendered().pixels, last);
-    runTasks();
+    tasks_.run();
   }
   EXPECT_GT(tries, 1);
   EXPECT_EQ(picture_.rendered().pixels, drawnAtOnce(kPicturePlace, kRootNode));
@@ -83,26 +83,23 @@ TEST_F(BackgroundPictureTest, DoesNotTryAgainWhatWasOvertaken) {
   ASSERT_FALSE(picture_.update());
   picture_.markDirty();
   ASSERT_TRUE(picture_.update());
-  ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
-  runTasks();
+  ASSERT_TRUE(test::eventually([&] { return tasks_.count() == 1; }));
+  tasks_.run();
   EXPECT_FALSE(picture_.behind());
 }
 
 TEST_F(BackgroundPictureTest, EndsWithoutAPictureWhereThereIsNoMemoryForOne) {
   constexpr int kMost = std::numeric_limits<int>::max();
-  BackgroundRender render([this](std::function<void()> task) {
-    const std::lock_guard lock(mutex_);
-    tasks_.push_back(std::move(task));
-  });
+  BackgroundRender render(tasks_.post());
   int ends = 0;
   render.onEnded = [&](const auto& picture, BackgroundRender::Duration) {
     EXPECT_FALSE(picture);
     ++ends;
   };
   ASSERT_TRUE(render.start({shownTree_, kRootNode, kMost, kMost, colours_, {}, {}, {}}));
-  ASSERT_TRUE(test::eventually([&] { return tasks() == 1; }));
+  ASSERT_TRUE(test::eventually([&] { return tasks_.count() == 1; }));
   EXPECT_TRUE(render.busy());
-  runTasks();
+  tasks_.run();
   EXPECT_FALSE(render.busy());
   EXPECT_EQ(ends, 1);
 }

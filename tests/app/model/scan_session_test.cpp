@@ -4,11 +4,8 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "base/detached_threads.h"
@@ -17,6 +14,7 @@
 #include "tests/support/blocking_file_system.h"
 #include "tests/support/environment.h"
 #include "tests/support/eventually.h"
+#include "tests/support/posted_tasks.h"
 #include "tests/support/scarcity.h"
 #include "tests/support/temp_directory.h"
 
@@ -46,25 +44,13 @@ class Session : public testing::Test {
   static bool scansHaveEnded() {
     return base::awaitDetachedThreads(std::chrono::steady_clock::now() + std::chrono::seconds(20));
   }
-  std::size_t tasks() {
-    const std::lock_guard lock(mutex_);
-    return tasks_.size();
-  }
-  void runTasks() {
-    std::vector<std::function<void()>> tasks;
-    {
-      const std::lock_guard lock(mutex_);
-      tasks.swap(tasks_);
-    }
-    for (const auto& task : tasks) task();
-  }
   void awaitPost() {
-    ASSERT_TRUE(eventually([&] { return tasks() == 1; }));
+    ASSERT_TRUE(eventually([&] { return tasks_.count() == 1; }));
   }
   void scanToTheEnd(const std::string& path) {
     session_.start(path);
     awaitPost();
-    runTasks();
+    tasks_.run();
   }
   void scanUntil(const std::string& path, const HeldFolder& held) {
     session_.start(path);
@@ -79,13 +65,8 @@ class Session : public testing::Test {
   const std::string folder_ = dir_ / "folder";
   Events events_;
   ScanSession::Clock::time_point time_ = ScanSession::Clock::now();
-  std::mutex mutex_;  // guards the tasks
-  std::vector<std::function<void()>> tasks_;
-  ScanSession session_{[this](std::function<void()> task) {
-                         const std::lock_guard lock(mutex_);
-                         tasks_.push_back(std::move(task));
-                       },
-                       [this] { return time_; }};
+  test::PostedTasks tasks_;
+  ScanSession session_{tasks_.post(), [this] { return time_; }};
 };
 
 TEST_F(Session, HasNothingBeforeItsFirstScan) {
@@ -106,7 +87,7 @@ TEST_F(Session, TellsOfTheEndOnce) {
   EXPECT_TRUE(session_.status().scanning);
   awaitPost();
   EXPECT_EQ(session_.phase(), ScanPhase::Scanning) << "until the window thread is told";
-  runTasks();
+  tasks_.run();
   EXPECT_EQ(session_.phase(), ScanPhase::Ended);
   EXPECT_FALSE(session_.underWay());
   session_.follow();
@@ -140,7 +121,7 @@ TEST_F(Session, FollowsTheGrowingTree) {
   awaitPost();
   session_.follow();
   EXPECT_EQ(events_, Events{"grown"}) << "the rest is seen with the end";
-  runTasks();
+  tasks_.run();
   EXPECT_EQ(events_, (Events{"grown", "ended"}));
 }
 
@@ -171,7 +152,7 @@ TEST_F(Session, ShowsAScanAsStoppedBeforeItsThreadsHaveEnded) {
   EXPECT_NE(session_.status().scannedBefore, false) << "its thread may still ask the disk";
   held.release();
   awaitPost();
-  runTasks();
+  tasks_.run();
   EXPECT_EQ(session_.phase(), ScanPhase::Ended);
   EXPECT_TRUE(session_.status().stopped);
   EXPECT_EQ(sizewalk::lastScanTime(folder_), 0u);
@@ -188,7 +169,7 @@ TEST_F(Session, ReadsAFolderAgainAfterItsEnd) {
   EXPECT_EQ(session_.phase(), ScanPhase::Scanning);
   EXPECT_TRUE(session_.status().readingAgain);
   awaitPost();
-  runTasks();
+  tasks_.run();
   EXPECT_EQ(session_.phase(), ScanPhase::Ended);
   EXPECT_EQ(events_, (Events{"ended", "ended"}));
   EXPECT_EQ(session_.summary().files, 3u);
@@ -206,7 +187,7 @@ TEST_F(Session, ForgetsAFolderBeforeItIsReadAgain) {
   EXPECT_FALSE(tree.isVisible(file)) << "nobody can take it out any more";
   held.release();
   awaitPost();
-  runTasks();
+  tasks_.run();
   session_.readAgain(file);
   EXPECT_EQ(session_.phase(), ScanPhase::Ended) << "it is no folder of the tree";
 }
@@ -217,7 +198,7 @@ TEST_F(Session, ReadsNoFolderAgainWhileItScans) {
   session_.readAgain(sizewalk::kRootNode);
   held.release();
   awaitPost();
-  runTasks();
+  tasks_.run();
   EXPECT_EQ(events_, Events{"ended"});
   EXPECT_EQ(session_.summary().files, 2u);
 }
@@ -234,7 +215,7 @@ TEST_F(Session, StopsAFolderThatIsReadAgain) {
   EXPECT_EQ(session_.phase(), ScanPhase::Stopping);
   held.release();
   awaitPost();
-  runTasks();
+  tasks_.run();
   EXPECT_TRUE(session_.status().stopped);
 }
 
@@ -245,12 +226,12 @@ TEST_F(Session, ReadsAFolderAgainOfAScanThatWasStopped) {
     session_.stop();
   }
   awaitPost();
-  runTasks();
+  tasks_.run();
   ASSERT_TRUE(session_.summary().cancelled);
   test::writeFile(folder_ + "/new", "1234567");
   session_.readAgain(sizewalk::kRootNode);
   awaitPost();
-  runTasks();
+  tasks_.run();
   EXPECT_EQ(session_.summary().files, 3u);
 }
 
@@ -263,7 +244,7 @@ TEST_F(Session, StopsAFolderThatIsAboutToBeReadAgain) {
       session_.stop();
     }
     awaitPost();
-    runTasks();
+    tasks_.run();
     ASSERT_TRUE(session_.summary().cancelled);
   }
 }
@@ -273,7 +254,7 @@ TEST_F(Session, DoesNotTakeTheEndOfTheScanBeforeForItsOwn) {
   awaitPost();  // but is not run yet
   HeldFolder held("held");
   scanUntil(folder_, held);
-  runTasks();
+  tasks_.run();
   EXPECT_EQ(session_.phase(), ScanPhase::Scanning);
   EXPECT_EQ(events_, Events{});
 }
@@ -288,7 +269,7 @@ TEST_F(Session, StartsAtOnceWhileTheScanBeforeHangs) {
   EXPECT_EQ(session_.summary().files, 1u);
   held.release();
   ASSERT_TRUE(scansHaveEnded());
-  EXPECT_EQ(tasks(), 0u) << "nobody is told of the late end";
+  EXPECT_EQ(tasks_.count(), 0u) << "nobody is told of the late end";
 }
 
 TEST_F(Session, LeavesAtOnceAScanThatHangs) {
@@ -304,7 +285,7 @@ TEST_F(Session, IsNotMisledByTheEndOfAScanThatItHasLeft) {
   session_.start(folder_);
   awaitPost();
   session_.leave();
-  runTasks();
+  tasks_.run();
   EXPECT_EQ(session_.phase(), ScanPhase::None);
   EXPECT_EQ(events_, Events{});
 }
@@ -376,7 +357,7 @@ TEST_F(Session, FailsWithItsReasonWithoutThreads) {
     const test::FewThreads few(left);
     session_.start(folder_);
     awaitPost();
-    runTasks();
+    tasks_.run();
     EXPECT_EQ(session_.phase(), ScanPhase::Failed) << left;
     EXPECT_EQ(session_.summary().failureText, "No more threads can be started");
     EXPECT_EQ(sizewalk::lastScanTime(folder_), 0U);
@@ -398,7 +379,7 @@ TEST_F(Session, FailsWithItsReasonWithoutMemory) {
     const test::FewPages few(left);
     session_.start(folder_);
     awaitPost();
-    runTasks();
+    tasks_.run();
     EXPECT_EQ(session_.summary().failureText, "Out of memory");
     EXPECT_EQ(sizewalk::lastScanTime(folder_), 0U);
   };
@@ -418,7 +399,7 @@ TEST_F(Session, IsStoppedWhenAFolderFindsNoThreadsToBeReadAgain) {
     const test::FewThreads few(left);
     session_.readAgain(sizewalk::kRootNode);
     awaitPost();
-    runTasks();
+    tasks_.run();
   };
   for (const int left : {0, 1, 2}) {
     again(left);
