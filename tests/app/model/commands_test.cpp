@@ -2,6 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <cctype>
+#include <cstddef>
+#include <fstream>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "ui/keys.h"
 
 namespace app {
@@ -58,6 +66,67 @@ TEST(CommandFor, LeavesOtherKeysToTheViews) {
 
 TEST(CommandFor, LeavesTheKeyOfTheContextMenuToTheViews) {
   EXPECT_EQ(commandFor({.keysym = ui::key::kF10, .text = {}, .shift = true}), std::nullopt);
+}
+
+/// The keys that may stand for a command, by the names that people know them by.
+std::vector<std::pair<unsigned long, std::string>> keysWithNames() {
+  std::vector<std::pair<unsigned long, std::string>> keys = {{ui::key::kBackSpace, "Backspace"},
+                                                             {ui::key::kTab, "Tab"},
+                                                             {ui::key::kReturn, "Enter"},
+                                                             {ui::key::kEscape, "Escape"},
+                                                             {ui::key::kHome, "Home"},
+                                                             {ui::key::kLeft, "Left"},
+                                                             {ui::key::kUp, "Up"},
+                                                             {ui::key::kRight, "Right"},
+                                                             {ui::key::kDown, "Down"},
+                                                             {ui::key::kPageUp, "Page Up"},
+                                                             {ui::key::kEnd, "End"},
+                                                             {ui::key::kPageDown, "Page Down"},
+                                                             {ui::key::kDelete, "Delete"},
+                                                             {ui::key::kMenu, "Menu"}};
+  for (unsigned long number = 1; number <= 12; ++number) {
+    keys.emplace_back(ui::key::kF1 + number - 1, "F" + std::to_string(number));
+  }
+  for (unsigned char c = '!'; c <= '~'; ++c) {
+    if (std::isupper(c) == 0)
+      keys.emplace_back(c, std::string(1, static_cast<char>(std::toupper(c))));
+  }
+  return keys;
+}
+
+std::set<std::string> keysOfCommands() {
+  std::set<std::string> names;
+  for (const auto& [keysym, name] : keysWithNames()) {
+    if (commandOf(keysym)) names.insert(name);
+    if (commandOf(keysym, true)) names.insert("Ctrl+" + name);
+  }
+  return names;
+}
+
+/// What stands between backticks in the first column of the README's first table of keys.
+std::set<std::string> keysOfReadme() {
+  std::set<std::string> keys;
+  std::ifstream readme(HEAPGAUGE_README_FILE);
+  std::string line;
+  while (std::getline(readme, line) && line != "## Keys") {
+  }
+  while (std::getline(readme, line) && (line.empty() || line.starts_with('|'))) {
+    const std::string column = line.substr(0, line.find('|', 1));
+    for (std::size_t from = column.find('`'); from != std::string::npos;) {
+      const std::size_t to = column.find('`', from + 1);
+      keys.insert(column.substr(from + 1, to - from - 1));
+      from = column.find('`', to + 1);
+    }
+  }
+  return keys;
+}
+
+TEST(CommandFor, KnowsTheKeysOfTheReadmeAndNoOthers) {
+  std::set<std::string> keys = keysOfReadme();
+  for (const char* const ofViews : {"Tab", "Shift+Tab", "Menu", "Shift+F10"}) {
+    EXPECT_EQ(keys.erase(ofViews), 1) << ofViews;
+  }
+  EXPECT_EQ(keys, keysOfCommands());
 }
 
 TEST(TraitsOf, KnowsEveryAction) {
