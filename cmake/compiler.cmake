@@ -12,6 +12,7 @@ if(LLD_PROGRAM AND HEAPGAUGE_TESTS)
 endif()
 
 include(${CMAKE_CURRENT_LIST_DIR}/exact_arithmetic.cmake)
+include(${CMAKE_CURRENT_LIST_DIR}/hardening.cmake)
 
 add_library(heapgauge_compiler INTERFACE)
 target_include_directories(heapgauge_compiler INTERFACE ${PROJECT_SOURCE_DIR})

@@ -77,6 +77,6 @@ unsigned hardwareThreads() {
 }
 
 // On Linux a thread has a priority of its own, which the threads that it starts take over.
-void giveWayToWindow() { nice(kNiceness); }
+void giveWayToWindow() { [[maybe_unused]] const int niceness = nice(kNiceness); }
 
 }  // namespace app
