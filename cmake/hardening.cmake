@@ -35,7 +35,7 @@ harden("-f(no-)?stack-clash-protection" -fstack-clash-protection)
 # Marked places to jump to: of x86, then of ARM.
 harden("-fcf-protection" -fcf-protection)
 harden("-mbranch-protection" -mbranch-protection=standard)
-harden("-Wno-format" -Wformat-security) # -Wall has the rest
+harden("-Wno-format" -Wformat -Wformat-security)
 # Some compilers define it from the start, and to define it otherwise would be a warning. Tests, which are not optimised,
 # undefine it. The third level also knows sizes that are computed; a C library that does not takes it for the second.
 if(NOT given_flags MATCHES "_FORTIFY_SOURCE")
