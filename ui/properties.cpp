@@ -23,4 +23,11 @@ bool replaceProperty(Display* display, ::Window window, Atom property, Atom type
   return true;
 }
 
+void replaceNumber(Display* display, ::Window window, Atom property, Atom type,
+                   unsigned long number) {
+  // Properties of format 32 are passed as longs.
+  XChangeProperty(display, window, property, type, 32, PropModeReplace,
+                  reinterpret_cast<const unsigned char*>(&number), 1);
+}
+
 }  // namespace ui

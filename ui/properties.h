@@ -12,4 +12,8 @@ namespace ui {
 bool replaceProperty(Display* display, ::Window window, Atom property, Atom type,
                      std::string_view bytes);
 
+/// Replaces a property of `window` by one number of 32 bits, or one atom.
+void replaceNumber(Display* display, ::Window window, Atom property, Atom type,
+                   unsigned long number);
+
 }  // namespace ui

@@ -1,16 +1,13 @@
 #include "ui/window.h"
 
-#include <X11/Xatom.h>
 #include <X11/cursorfont.h>
 #include <sys/time.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 #include "ui/capture.h"
-#include "ui/properties.h"
+#include "ui/introduction.h"
 #include "ui/steady_clock.h"
 #include "ui/window_native.h"
 #include "ui/x_errors.h"
@@ -82,19 +79,7 @@ bool Window::Native::makeWindow(int width, int height) {
 void Window::Native::introduceToWindowManager() {
   wmDeleteWindow = XInternAtom(display, "WM_DELETE_WINDOW", False);
   XSetWMProtocols(display, window, &wmDeleteWindow, 1);
-
-  XWMHints hints{};
-  hints.flags = InputHint;
-  hints.input = True;
-  XSetWMHints(display, window, &hints);
-
-  const long pid = getpid();  // properties of format 32 are passed as longs
-  XChangeProperty(display, window, XInternAtom(display, "_NET_WM_PID", False), XA_CARDINAL, 32,
-                  PropModeReplace, reinterpret_cast<const unsigned char*>(&pid), 1);
-  std::array<char, 256> host{};
-  if (gethostname(host.data(), host.size() - 1) == 0) {
-    replaceProperty(display, window, XA_WM_CLIENT_MACHINE, XA_STRING, host.data());
-  }
+  introduce(display, window);
 }
 
 void Window::Native::applyPointer(PointerShape shape) {
@@ -122,11 +107,7 @@ bool Window::create(const std::string& title, int width, int height) {
 }
 
 void Window::setTitle(const std::string& title) {
-  if (!native_->window) return;
-  Display* display = native_->display;
-  XStoreName(display, native_->window, title.c_str());
-  replaceProperty(display, native_->window, XInternAtom(display, "_NET_WM_NAME", False),
-                  XInternAtom(display, "UTF8_STRING", False), title);
+  if (native_->window) setTitles(native_->display, native_->window, title);
 }
 
 void Window::setClass(const std::string& name, const std::string& className) {

@@ -60,7 +60,7 @@ class Window {
 
   // The following four do nothing before `create`.
 
-  /// `title` is UTF-8.
+  /// Names the window and its icon. `title` is UTF-8.
   void setTitle(const std::string& title);
   /// The instance and class names by which window managers and desktop entries know the program.
   void setClass(const std::string& name, const std::string& className);

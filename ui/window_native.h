@@ -20,8 +20,7 @@ struct Window::Native {
 
   /// Makes the X window and the GC; false when the server refuses.
   bool makeWindow(int width, int height);
-  /// Registers for the close button of the window manager, and says which process on which machine
-  /// this is, so that a hung program can be ended from the desktop.
+  /// Registers for the close button of the window manager, and says what window this is.
   void introduceToWindowManager();
 
   /// Gives the window the cursor of `shape`, which is made the first time that it is asked for.

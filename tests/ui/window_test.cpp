@@ -1,10 +1,16 @@
 #include "ui/window.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sched.h>
 #include <unistd.h>
 
+#include <array>
+#include <clocale>
+#include <string>
 #include <vector>
 
+#include "base/file_descriptor.h"
 #include "tests/ui/window_test_base.h"
 #include "ui/x11.h"
 
@@ -51,14 +57,18 @@ TEST_F(WindowTest, TakesNoSettingsBeforeItIsCreated) {
   EXPECT_EQ(other.textProperty(window.xid(), "_NET_WM_NAME", "UTF8_STRING"), "late");
 }
 
-TEST_F(WindowTest, NamesItselfInBothTitleProperties) {
+TEST_F(WindowTest, NamesItselfAndItsIconInPropertiesOldAndNew) {
   ASSERT_TRUE(window.create("Heap Gauge", 100, 100));
-  settle();
-  EXPECT_EQ(other.textProperty(window.xid(), "WM_NAME", "STRING"), "Heap Gauge");
-  EXPECT_EQ(other.textProperty(window.xid(), "_NET_WM_NAME", "UTF8_STRING"), "Heap Gauge");
-  window.setTitle("Bücher – Heap Gauge");
-  settle();
-  EXPECT_EQ(other.textProperty(window.xid(), "_NET_WM_NAME", "UTF8_STRING"), "Bücher – Heap Gauge");
+  for (const std::string title : {"Heap Gauge", "Bücher – Heap Gauge", "a\xFF\xC3", ""}) {
+    window.setTitle(title);
+    settle();
+    for (const char* name : {"WM_NAME", "WM_ICON_NAME"}) {
+      EXPECT_EQ(other.textProperty(window.xid(), name, "STRING"), title) << name;
+    }
+    for (const char* name : {"_NET_WM_NAME", "_NET_WM_ICON_NAME"}) {
+      EXPECT_EQ(other.textProperty(window.xid(), name, "UTF8_STRING"), title) << name;
+    }
+  }
 }
 
 TEST_F(WindowTest, TellsTheWindowManagerItsClassAndLeastSize) {
@@ -83,12 +93,67 @@ TEST_F(WindowTest, TakesPartInNoProtocolButTheCloseButton) {
   EXPECT_EQ(other.atomName(protocols[0]), "WM_DELETE_WINDOW");
 }
 
-TEST_F(WindowTest, SaysWhichProcessItBelongsTo) {
+TEST_F(WindowTest, IsAWindowOfTheUsualType) {
+  ASSERT_TRUE(window.create("Heap Gauge", 100, 100));
+  settle();
+  const std::vector<unsigned long> types = other.longProperty(window.xid(), "_NET_WM_WINDOW_TYPE");
+  ASSERT_EQ(types.size(), 1u);
+  EXPECT_EQ(other.atomName(types[0]), "_NET_WM_WINDOW_TYPE_NORMAL");
+  EXPECT_TRUE(other.longProperty(window.xid(), "_NET_WM_ICON").empty()) << "the entry's counts";
+}
+
+TEST_F(WindowTest, NamesTheLocaleThatTheProgramRunsIn) {
+  const std::string before = std::setlocale(LC_CTYPE, nullptr);
+  if (!std::setlocale(LC_CTYPE, "C.UTF-8")) GTEST_SKIP() << "there is no locale C.UTF-8";
+  ASSERT_TRUE(window.create("Heap Gauge", 100, 100));
+  std::setlocale(LC_CTYPE, before.c_str());
+  settle();
+  EXPECT_EQ(other.textProperty(window.xid(), "WM_LOCALE_NAME", "STRING"), "C.UTF-8");
+}
+
+/// This thread on a machine of that name, in a namespace of its own.
+class OtherMachine {
+ public:
+  explicit OtherMachine(const std::string& name)
+      : before_(open("/proc/thread-self/ns/uts", O_RDONLY | O_CLOEXEC)),
+        there_(unshare(CLONE_NEWUTS) == 0) {
+    if (there_) there_ = sethostname(name.data(), name.size()) == 0;
+  }
+  ~OtherMachine() { setns(before_.get(), CLONE_NEWUTS); }
+  OtherMachine(const OtherMachine&) = delete;
+  OtherMachine& operator=(const OtherMachine&) = delete;
+
+  bool there() const { return there_; }
+
+ private:
+  const base::FileDescriptor before_;
+  bool there_;
+};
+
+TEST_F(WindowTest, SaysWhichProcessOfWhichMachineItBelongsTo) {
+  const OtherMachine machine("table.example");
   ASSERT_TRUE(window.create("Heap Gauge", 100, 100));
   settle();
   EXPECT_EQ(other.longProperty(window.xid(), "_NET_WM_PID"),
             std::vector<unsigned long>{static_cast<unsigned long>(getpid())});
-  EXPECT_FALSE(other.textProperty(window.xid(), "WM_CLIENT_MACHINE", "STRING").empty());
+  std::array<char, 256> name{};
+  ASSERT_EQ(gethostname(name.data(), name.size()), 0);
+  EXPECT_EQ(other.textProperty(window.xid(), "WM_CLIENT_MACHINE", "STRING"), name.data());
+  EXPECT_TRUE(!machine.there() || std::string(name.data()) == "table.example");
+}
+
+TEST_F(WindowTest, NamesNoProcessOfAMachineWithoutAName) {
+  const OtherMachine machine("");
+  if (!machine.there()) GTEST_SKIP() << "no machine name of our own can be had";
+  ASSERT_TRUE(window.create("Heap Gauge", 100, 100));
+  settle();
+  EXPECT_TRUE(other.longProperty(window.xid(), "_NET_WM_PID").empty());
+  EXPECT_EQ(other.textProperty(window.xid(), "WM_CLIENT_MACHINE", "STRING"), "");
+}
+
+TEST_F(WindowTest, TakesTheKeyboard) {
+  ASSERT_TRUE(window.create("Heap Gauge", 100, 100));
+  settle();
   const std::vector<unsigned long> hints = other.longProperty(window.xid(), "WM_HINTS");
   ASSERT_GE(hints.size(), 2u);
   EXPECT_EQ(hints[0], 1u);  // InputHint
