@@ -16,6 +16,7 @@
 #include "sizewalk/fatal.h"
 #include "ui/connection.h"
 #include "ui/single_instance.h"
+#include "ui/startup_notification.h"
 
 namespace {
 
@@ -53,6 +54,8 @@ int runWindow(const app::CommandLine& command) {
   // A frame may be on its way to a server that has gone: that is told of, it ends nothing by
   // itself.
   std::signal(SIGPIPE, SIG_IGN);
+  // Above all that this returns past: whoever started us waits for an answer on every way out.
+  ui::StartupNotification startup(ui::StartupId::fromEnvironment());
   // A capture is a run of its own, beside whatever else is open.
   const bool single = command.capturePath.empty();
   if (single && ui::handOver(app::kInstanceNames, command.path)) return 0;
@@ -62,6 +65,7 @@ int runWindow(const app::CommandLine& command) {
     return 1;
   }
   auto window = std::make_unique<app::MainWindow>(*connection);
+  window->follow(startup);
   if (!window->create()) {
     window.reset();
     std::fputs(app::noWindowMessage().c_str(), stderr);

@@ -43,6 +43,8 @@ class MainWindow {
   MainWindow(const MainWindow&) = delete;
   MainWindow& operator=(const MainWindow&) = delete;
 
+  /// As `ui::Window::follow`.
+  void follow(ui::StartupNotification& startup) { window_.follow(startup); }
   /// Makes and shows the window, with the welcome view, and starts its tick. False when the X
   /// server refuses.
   bool create();

@@ -50,4 +50,9 @@ void setTitles(Display* display, ::Window window, const std::string& title) {
   replaceProperty(display, window, atom(display, "_NET_WM_ICON_NAME"), utf8, title);
 }
 
+void setUserTime(Display* display, ::Window window, Time time) {
+  if (time == 0) return;
+  replaceNumber(display, window, atom(display, "_NET_WM_USER_TIME"), XA_CARDINAL, time);
+}
+
 }  // namespace ui

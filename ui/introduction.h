@@ -18,4 +18,8 @@ void introduce(Display* display, ::Window window);
 /// Names the window, and its icon alike, for today's window managers and for old ones.
 void setTitles(Display* display, ::Window window, const std::string& title);
 
+/// Says when the user last did something that concerns the window, by the server's clock: what he
+/// asks for elsewhere after that may come in front of it. 0, which is no time, does nothing.
+void setUserTime(Display* display, ::Window window, Time time);
+
 }  // namespace ui

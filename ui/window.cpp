@@ -8,6 +8,7 @@
 
 #include "ui/capture.h"
 #include "ui/introduction.h"
+#include "ui/startup_notification.h"
 #include "ui/steady_clock.h"
 #include "ui/window_native.h"
 #include "ui/x_errors.h"
@@ -19,6 +20,9 @@ namespace {
 constexpr long kEventMask = KeyPressMask | ButtonPressMask | ButtonReleaseMask | LeaveWindowMask |
                             PointerMotionMask | ExposureMask | StructureNotifyMask |
                             FocusChangeMask;
+
+/// What the first frame takes on a busy machine, and no more than users wait for a pointer.
+constexpr std::int64_t kLongestStartupMs = 2000;
 
 /// Number of `shape` in the X server's cursor font.
 unsigned cursorGlyph(PointerShape shape) {
@@ -102,6 +106,7 @@ bool Window::create(const std::string& title, int width, int height) {
   height_ = height;
   setTitle(title);
   native_->introduceToWindowManager();
+  if (startup_) startup_->announce(connection_, xid());
   native_->applyPointer(pointer_);
   return true;
 }
@@ -131,6 +136,7 @@ void Window::show() {
   if (!native_->window) return;
   XMapWindow(native_->display, native_->window);
   XFlush(native_->display);
+  startupDeadlineMs_ = steadyMs() + kLongestStartupMs;
 }
 
 void Window::setPointer(PointerShape shape) {
@@ -201,6 +207,11 @@ void Window::paint() {
   for (const Rect& part : parts) paintPart(part);
   for (const Rect& part : parts) showPart(part);
   XFlush(native_->display);
+  if (exposed_) endStartup();
+}
+
+void Window::endStartup() {
+  if (auto* startup = std::exchange(startup_, nullptr)) startup->end(connection_, xid());
 }
 
 /// Returns what is to be painted.

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <string>
 #include <vector>
@@ -15,6 +16,8 @@
 #include "ui/wake_pipe.h"
 
 namespace ui {
+
+class StartupNotification;
 
 /// The program's top-level window and its event loop. The application sets the callables, each of
 /// which may be left empty; one that is running must not replace itself.
@@ -54,6 +57,10 @@ class Window {
   Window(const Window&) = delete;
   Window& operator=(const Window&) = delete;
 
+  /// Before `create`: this is the window that `startup` leads to, which outlives it. The start ends
+  /// with the first frame on the screen, or while the loop runs two seconds after `show`: a window
+  /// that is not seen by then is on another desktop or minimized.
+  void follow(StartupNotification& startup) { startup_ = &startup; }
   /// Makes the X window, not yet shown. A side below 1 becomes 1: X knows no empty windows.
   /// False when the server refuses, or when there is a window already.
   bool create(const std::string& title, int width, int height);
@@ -125,6 +132,7 @@ class Window {
   void showPart(const Rect& part);
   bool fitBackBuffer();
   void waitForWork();
+  void endStartup();
   void resized(int width, int height);
 
   Connection& connection_;
@@ -134,6 +142,12 @@ class Window {
   PointerShape pointer_ = PointerShape::Arrow;
   bool running_ = false;
   bool frameDue_ = false;
+  /// Null without a start to end, or when it is over.
+  StartupNotification* startup_ = nullptr;
+  /// As `steadyMs` tells; a window that is not to be shown yet has none.
+  std::int64_t startupDeadlineMs_ = std::numeric_limits<std::int64_t>::max();
+  /// The window has come to be seen.
+  bool exposed_ = false;
   /// What the next frame paints.
   Damage damage_;
   /// What the frame paints that is being prepared; null while none is.

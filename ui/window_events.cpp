@@ -3,6 +3,7 @@
 #include <array>
 
 #include "ui/input_events.h"
+#include "ui/introduction.h"
 #include "ui/steady_clock.h"
 #include "ui/window_native.h"
 
@@ -28,6 +29,7 @@ void Window::run() {
     tasks_.runAll();
     tick_.runIfDue(steadyMs());
     if (frameDue_) paint();
+    if (startup_ && steadyMs() >= startupDeadlineMs_) endStartup();
     // Xlib may have read events into its queue while it waited for an answer, where no wait on the
     // descriptor sees them.
     if (running_ && XPending(native_->display) == 0) waitForWork();
@@ -97,6 +99,7 @@ void Window::Native::dispatch(XEvent& event) {
 
 /// The server tells of all that it lost in a series of rectangles: the frame comes after the last.
 void Window::Native::handleExpose(const XExposeEvent& event) {
+  owner.exposed_ = true;
   owner.damage_.add(intersect({event.x, event.y, event.width, event.height},
                               {0, 0, owner.width_, owner.height_}));
   if (event.count == 0) owner.requestFrame();
@@ -107,12 +110,14 @@ void Window::Native::handleClientMessage(const XClientMessageEvent& event) {
 }
 
 void Window::Native::handleKey(XKeyEvent& event) {
+  setUserTime(display, window, event.time);
   KeyEvent key = at(steadyMs(), keyEventOf(event));
   key.typed = typedKeys.typedBy(event, key.text);
   if (owner.onKey) owner.onKey(key);
 }
 
 void Window::Native::handlePress(const XButtonEvent& event) {
+  setUserTime(display, window, event.time);
   if (const auto step = wheelStepOf(event.button)) {
     if (owner.onWheel) owner.onWheel(at(steadyMs(), mouseEventOf(event, 1)), step->dx, step->dy);
     return;

@@ -39,7 +39,10 @@ PrivateHome::PrivateHome() {
   environment_.set("XDG_RUNTIME_DIR", directory_ / ".run");
   // Nobody listens there: no test asks anything outside the machine.
   environment_.set("HEAPGAUGE_UPDATE_URL", "http://127.0.0.1:9/");
-  for (const char* wish : {"HEAPGAUGE_THEME", "GTK_THEME"}) environment_.unset(wish);
+  for (const char* name :
+       {"HEAPGAUGE_THEME", "GTK_THEME", "DESKTOP_STARTUP_ID", "XDG_ACTIVATION_TOKEN"}) {
+    environment_.unset(name);
+  }
 }
 
 }  // namespace test

@@ -26,7 +26,8 @@ class ScopedEnvironment {
 };
 
 /// HOME and every XDG directory inside a temporary directory, so that nothing of the user's is
-/// touched, and none of the user's wishes for how windows look.
+/// touched, none of the user's wishes for how windows look, and nobody who waits for a program to
+/// start.
 class PrivateHome {
  public:
   PrivateHome();

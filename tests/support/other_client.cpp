@@ -196,13 +196,19 @@ void OtherClient::listenToRoot() {
   native_->sync();
 }
 
+void OtherClient::listenToStarts() {
+  XSelectInput(native_->display, root(), PropertyChangeMask);
+  native_->sync();
+}
+
 std::optional<OtherClient::Message> OtherClient::messageToRoot() {
   XEvent event;
   native_->sync();
   if (!XCheckTypedEvent(native_->display, ClientMessage, &event)) return std::nullopt;
   const XClientMessageEvent& sent = event.xclient;
   Message message = {sent.window, atomName(sent.message_type), sent.format};
-  std::ranges::copy(sent.data.l, message.words.begin());
+  if (sent.format == 32) std::ranges::copy(sent.data.l, message.words.begin());
+  if (sent.format == 8) message.bytes.assign(sent.data.b, sizeof sent.data.b);
   return message;
 }
 

@@ -42,16 +42,20 @@ class OtherClient {
   void holdBackWindows();
   /// Gets the client messages that are sent to the root for the window manager, beside it.
   void listenToRoot();
+  /// Gets instead the client messages that are sent to everybody who watches the root's properties:
+  /// those of start-up notification.
+  void listenToStarts();
   struct Message {
     unsigned long window = 0;
     std::string type;
     int format = 0;
-    std::array<long, 5> words = {};
+    std::array<long, 5> words = {};  // of format 32
+    std::string bytes = {};          // all 20, of format 8
   };
-  /// The next message to the root; nothing when there is none yet. For `listenToRoot` and
-  /// `holdBackWindows`.
+  /// The next message to the root; nothing when there is none yet. For `listenToRoot`,
+  /// `listenToStarts` and `holdBackWindows`.
   std::optional<Message> messageToRoot();
-  /// Ends `listenToRoot` and `holdBackWindows`.
+  /// Ends `listenToRoot`, `listenToStarts` and `holdBackWindows`.
   void ignoreRoot();
   unsigned long root() const;
   /// Makes and shows a window of this client's.

@@ -14,6 +14,8 @@
 #include "ui/palette.h"
 #include "ui/paragraph.h"
 #include "ui/single_instance.h"
+#include "ui/startup_id.h"
+#include "ui/startup_notification.h"
 #include "ui/text.h"
 #include "ui/text_fit.h"
 #include "ui/window.h"
