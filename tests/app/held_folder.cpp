@@ -61,6 +61,11 @@ extern "C" int openat(int directory, const char* path, int flags, ...) {
   return static_cast<int>(syscall(SYS_openat, directory, path, flags, mode));
 }
 
+/// What hardened code calls in its place.
+extern "C" int __openat_2(int directory, const char* path, int flags) {
+  return openat(directory, path, flags);
+}
+
 namespace test {
 
 HeldFolder::HeldFolder(const std::string& name) {
