@@ -28,6 +28,11 @@ constexpr std::chrono::milliseconds kLongestEnd{100};
 /// and as long again for the disk. The user sees nothing of it, the window is gone.
 constexpr std::chrono::milliseconds kLongestSave = 2 * base::FileLock::kLongestWait;
 
+/// Whoever flips a switch and closes the window at once finds it flipped at the next start.
+void awaitSettings() {
+  app::SettingsStore::instance().awaitSaved(std::chrono::steady_clock::now() + kLongestSave);
+}
+
 /// Says in one plain line why the program ends, where nobody has caught what was thrown: as when
 /// memory runs out on the window's thread.
 [[noreturn]] void endWithALine() noexcept {
@@ -66,6 +71,7 @@ int runWindow(const app::CommandLine& command) {
   }
   auto window = std::make_unique<app::MainWindow>(*connection);
   window->follow(startup);
+  ui::Connection::setLostAction(&awaitSettings);
   if (!window->create()) {
     window.reset();
     std::fputs(app::noWindowMessage().c_str(), stderr);
@@ -79,8 +85,7 @@ int runWindow(const app::CommandLine& command) {
   if (!command.capturePath.empty()) window->captureAfter(command.capturePath, command.captureDelay);
   window->run();
   window.reset();
-  // Whoever flips a switch and closes the window at once finds it flipped at the next start.
-  app::SettingsStore::instance().awaitSaved(std::chrono::steady_clock::now() + kLongestSave);
+  awaitSettings();
   return 0;
 }
 

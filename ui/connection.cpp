@@ -97,6 +97,8 @@ Connection::Connection(std::unique_ptr<Native> native, double scale)
 
 Connection::~Connection() = default;
 
+void Connection::setLostAction(void (*action)()) { setLostConnectionAction(action); }
+
 int Connection::depth() const { return native_->depth; }
 
 Font Connection::font(double size, FontWeight weight) {

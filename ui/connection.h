@@ -18,6 +18,10 @@ class Connection {
   static std::unique_ptr<Connection> open();
   /// Closes the fonts, then the display.
   ~Connection();
+  /// Has `action` called on the window thread when a server has gone away, right before that ends
+  /// the process: for what the user has done and no thread has saved yet. It uses nothing of the
+  /// toolkit. Null for none.
+  static void setLostAction(void (*action)());
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
 

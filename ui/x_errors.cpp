@@ -11,12 +11,15 @@ namespace ui {
 
 namespace {
 
-ErrorTrap* activeTrap = nullptr;  // window thread only, like every Xlib call
+// Window thread only, like every Xlib call.
+ErrorTrap* activeTrap = nullptr;
+void (*lostConnectionAction)() = nullptr;
 
 [[noreturn]] int handleLostConnection(Display*) {
   constexpr std::string_view kMessage = "Lost the connection to the X server.\n";
   // Nothing can be done about a failed write here.
   [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, kMessage.data(), kMessage.size());
+  if (lostConnectionAction) lostConnectionAction();
   _exit(1);
 }
 
@@ -36,6 +39,8 @@ void installErrorHandlers() {
   XSetErrorHandler(handleError);
   XSetIOErrorHandler(handleLostConnection);
 }
+
+void setLostConnectionAction(void (*action)()) { lostConnectionAction = action; }
 
 ErrorTrap::ErrorTrap(Display* display) : display_(display), firstSerial_(NextRequest(display)) {
   assert(!activeTrap && "traps do not nest");

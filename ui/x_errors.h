@@ -10,11 +10,15 @@ namespace ui {
 /// destroy its window between asking for the clipboard and getting the answer. Any other error is a
 /// mistake of ours and prints one line to standard error.
 ///
-/// A lost connection prints one line to standard error and leaves with `_exit(1)`: nothing of X may
-/// be called after it, which destructors would do.
+/// A lost connection prints one line to standard error, calls what `setLostConnectionAction` was
+/// given and leaves with `_exit(1)`: nothing of X may be called after it, which destructors would
+/// do.
 ///
 /// May be called again.
 void installErrorHandlers();
+
+/// As `Connection::setLostAction`.
+void setLostConnectionAction(void (*action)());
 
 /// Catches the X errors of the requests made during its life, instead of letting them be reported.
 /// Traps do not nest, and live on the window thread.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -17,6 +18,9 @@ inline const XServerOptions kPlainScreen = {.height = 960};
 /// The light ground of the welcome view and of lists, 0xRRGGBB, as it is and dimmed by a dialog.
 inline constexpr unsigned long kGround = 0xFFFFFF;
 inline constexpr unsigned long kDimmed = 0x999999;
+
+/// What standard error says of a lost server, and no more than that.
+inline constexpr char kLostServer[] = "Lost the connection to the X server.\n";
 
 /// The built program and its arguments.
 std::vector<std::string> programWith(std::vector<std::string> arguments);
@@ -36,16 +40,21 @@ class Running {
  public:
   explicit Running(const std::vector<std::string>& arguments = {});
 
-  OtherClient& client() { return client_; }
+  OtherClient& client() { return *client_; }
+  /// Kills the server, which was started anew for the test. The second client leaves it before:
+  /// from then on there is the process and its errors, and nothing else here may be asked for.
+  void loseServer(const XServer& server);
+  /// Whether the program has the file or folder `path` open, which is named as the kernel does.
+  bool hasOpen(const std::string& path) const;
   Child& process() { return child_; }
   unsigned long window() const { return window_; }
   /// The title for today's window managers, and the one for old ones.
-  std::string title() { return client_.textProperty(window_, "_NET_WM_NAME", "UTF8_STRING"); }
-  std::string plainTitle() { return client_.textProperty(window_, "WM_NAME", "STRING"); }
+  std::string title() { return client_->textProperty(window_, "_NET_WM_NAME", "UTF8_STRING"); }
+  std::string plainTitle() { return client_->textProperty(window_, "WM_NAME", "STRING"); }
   /// Least width and height as the window manager is told.
   std::pair<unsigned long, unsigned long> leastSize();
   /// The colour on the screen at a place of the window, 0xRRGGBB.
-  unsigned long pixel(int x, int y) { return client_.screenPixel(window_, x, y); }
+  unsigned long pixel(int x, int y) { return client_->screenPixel(window_, x, y); }
   /// Waits until the window shows all of a scan. Whoever presses keys or buttons in one waits for
   /// that first, or for the scan to hang: the map may be ahead of the list.
   bool comesToTheEndOfItsScan();
@@ -62,7 +71,7 @@ class Running {
  private:
   TempDirectory dir_;
   Child child_;
-  OtherClient client_;
+  std::unique_ptr<OtherClient> client_ = std::make_unique<OtherClient>();
   unsigned long window_;
 };
 

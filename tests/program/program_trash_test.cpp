@@ -1,14 +1,19 @@
 // Moving things to the trash with the built program, from the keys to what lies on disk afterwards.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "base/file_descriptor.h"
+#include "base/file_lock.h"
 #include "tests/program/program_run.h"
 #include "tests/support/environment.h"
 #include "tests/support/eventually.h"
@@ -32,7 +37,8 @@ constexpr int kBesideY = 505;
 /// A home with a folder in which three files lie, the largest first in the list.
 class ProgramTrash : public testing::Test {
  protected:
-  ProgramTrash() {
+  explicit ProgramTrash(const test::XServerOptions& options = test::kPlainScreen)
+      : server_(options) {
     for (const char* name : {"a", "b", "c"}) {
       test::writeFile(folder_ + "/" + name,
                       std::string(static_cast<std::size_t>('d' - *name) * 100'000, 'x'));
@@ -77,7 +83,7 @@ class ProgramTrash : public testing::Test {
   }
 
   static constexpr unsigned long kShift = 0xFFE1;
-  const test::XServer server_{{.height = 960}};
+  const test::XServer server_;
   test::PrivateHome home_;
   const std::string folder_ = home_.path() + "/folder";
   const std::string trash_ = home_.path() + "/.local/share/Trash";
@@ -159,6 +165,56 @@ TEST_F(ProgramTrash, LeavesEverythingWhereItIsWhenItIsKilled) {
   program.process().wait();
   EXPECT_EQ(left(), (Names{"a", "b", "c"}));
   EXPECT_EQ(trashed(), Names{});
+}
+
+/// The same on a server that goes away, as when the session ends.
+class ProgramTrashLostServer : public ProgramTrash {
+ protected:
+  ProgramTrashLostServer() : ProgramTrash({.height = 960, .startedAnew = true}) {}
+
+  void loseServer(test::Running& program) const { program.loseServer(server_); }
+  static void expectToEndWithALine(test::Running& program) {
+    EXPECT_EQ(program.process().wait(), 1);
+    EXPECT_EQ(program.errors(), test::kLostServer);
+  }
+  Names records() const { return namesIn(trash_ + "/info"); }
+};
+
+TEST_F(ProgramTrashLostServer, LeavesWhatWaitsWhereItIs) {
+  test::Running program({folder_});
+  awaitFiles(program);
+  trashRows(program, 3);
+  program.ctrlKey('q');
+  ASSERT_TRUE(asks(program)) << "they wait";
+  program.key(ui::key::kReturn);  // Cancel
+  ASSERT_TRUE(goesOn(program)) << "and their countdown runs";
+  loseServer(program);
+  expectToEndWithALine(program);
+  EXPECT_EQ(left(), (Names{"a", "b", "c"}));
+  EXPECT_EQ(trashed(), Names{});
+  EXPECT_EQ(records(), Names{});
+}
+
+TEST_F(ProgramTrashLostServer, MovesToTheEndWhatItHasBegunToMove) {
+  const std::string info = trash_ + "/info";
+  test::makeDirectory(info);
+  std::optional<base::FileLock> otherProgram(
+      std::in_place, base::FileDescriptor(open(info.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)));
+  ASSERT_TRUE(otherProgram->held());
+  test::Running program({folder_});
+  awaitFiles(program);
+  trashRows(program, 2);
+  program.ctrlKey('q');
+  ASSERT_TRUE(asks(program));
+  program.key(ui::key::kTab);  // to Delete Them
+  program.key(ui::key::kReturn);
+  ASSERT_TRUE(eventually([&] { return program.hasOpen(info); })) << "it waits with the first";
+  loseServer(program);
+  otherProgram.reset();
+  expectToEndWithALine(program);
+  EXPECT_EQ(left(), Names{"c"});
+  EXPECT_EQ(trashed(), (Names{"a", "b"}));
+  EXPECT_EQ(records(), (Names{"a.trashinfo", "b.trashinfo"}));
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <string>
 
@@ -175,6 +176,20 @@ TEST(LostServer, EndsTheProgramWithOneLineAndStatus1) {
   };
   EXPECT_EXIT(loseServer(), ::testing::ExitedWithCode(1),
               "^Lost the connection to the X server\\.\n$");
+}
+
+TEST(LostServer, LetsTheApplicationSaveWhatIsLeft) {
+  ::testing::FLAGS_gtest_death_test_style = "fast";
+  const test::XServer server({.startedAnew = true});
+  const auto loseServer = [&] {
+    const auto connection = Connection::open();
+    Connection::setLostAction([] { std::fputs("Saved.\n", stderr); });
+    signal(SIGPIPE, SIG_IGN);
+    kill(server.pid(), SIGTERM);
+    for (;;) XSync(connection->native().display, False);
+  };
+  EXPECT_EXIT(loseServer(), ::testing::ExitedWithCode(1),
+              "^Lost the connection to the X server\\.\nSaved\\.\n$");
 }
 
 }  // namespace
