@@ -52,6 +52,11 @@ std::string programMissingText(const std::string& program) {
   return "The program “" + program + "”, which opens things for the desktop, was not found.";
 }
 
+std::string noFileManagerText() {
+  return "The desktop opens folders with " + std::string(kProductName) +
+         ", and no file manager answered. Install one, or choose another program for folders.";
+}
+
 std::string captureFailedMessage(const std::string& file) {
   return "could not write " + file + "\n";
 }
@@ -102,6 +107,7 @@ void MainWindow::connectActions() {
   opener_.onMissing = [this](const std::string& program) {
     showMessage("Nothing was opened", programMissingText(program));
   };
+  opener_.onNoFileManager = [this] { showMessage("Nothing was opened", noFileManagerText()); };
   opener_.onFailed = [this] {
     showMessage("Nothing was opened", "No other program could be started just now.");
   };

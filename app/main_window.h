@@ -164,6 +164,9 @@ std::string scanFailureText(const std::string& path, const std::string& reason);
 /// What to tell the user when the desktop's program is not there.
 std::string programMissingText(const std::string& program);
 
+/// What to tell the user when a folder would be opened with this very program.
+std::string noFileManagerText();
+
 /// What standard error says of a frame that could not be written.
 std::string captureFailedMessage(const std::string& file);
 

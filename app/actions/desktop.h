@@ -11,6 +11,9 @@ inline constexpr const char* kOpener = "xdg-open";
 /// The program that asks the file manager to show an item.
 inline constexpr const char* kBusSender = "dbus-send";
 
+/// The program that knows what the desktop opens things with.
+inline constexpr const char* kAssociations = "xdg-mime";
+
 /// Starts a program and lets go of it, as `spawnDetached` does.
 using Starter = std::function<bool(const std::vector<std::string>& argv)>;
 
@@ -25,5 +28,16 @@ bool openWithDefaultApp(const std::string& path);
 /// without a file manager is not noticed. Waits for nothing; window thread.
 bool showInFileManager(const std::string& path);
 bool showInFileManager(const std::string& path, const Starter& start);
+
+/// Whether `openWithDefaultApp` of a folder would start this very program: the desktop lists it for
+/// folders, and where no file manager is installed, or comes later in the alphabet, it may be the
+/// one that is taken. Asks `kAssociations`; false when that does not answer within four seconds.
+/// Not for the window thread.
+bool foldersOpenWithThisProgram();
+
+/// Has the file manager on the session bus open the folder at `path`, absolute, whatever the
+/// desktop opens folders with. Returns whether one did, and waits for that, sixteen seconds at
+/// most. Not for the window thread.
+bool openInFileManager(const std::string& path);
 
 }  // namespace app

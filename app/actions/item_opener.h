@@ -18,22 +18,31 @@ class ItemOpener {
   std::function<void(const std::string& program)> onMissing;
   /// No process could be started at all.
   std::function<void()> onFailed;
+  /// The desktop opens folders with this program, and no file manager answered: nothing came of it.
+  std::function<void()> onNoFileManager;
 
-  explicit ItemOpener(Post post);
+  explicit ItemOpener(const Post& post);
 
-  /// See `openWithDefaultApp` and `showInFileManager`. The path of a file or folder; nothing
-  /// happens for an empty one.
+  /// See `openWithDefaultApp`. The path of a file or folder, or an address; nothing happens for an
+  /// empty one. How to open it is found out first, beside the window: a folder never comes back to
+  /// this program, but goes to the session's file manager instead. Asked for again meanwhile, it is
+  /// opened once.
   void open(const std::string& path);
+  /// See `showInFileManager`. Nothing happens for an empty path.
   void showInFiles(const std::string& path);
 
  private:
   enum class Presence { Unknown, There, Missing };
+  /// What is left to do to open something. Where it cannot be found out the opener is tried.
+  enum class Opening { StartOpener, TellMissing, TellNoFileManager, Nothing };
 
-  void lookFor(const char* program, bool started);
+  static Opening findOpening(const std::string& path);
+  void finishOpening(const std::string& path, Opening opening) const;
   void tell(const std::string& program, Presence presence) const;
 
-  /// PATH may lead to a disk that does not answer.
+  /// PATH may lead to a disk that does not answer, and so may what is opened.
   base::OwedAnswers<std::string, Presence> presence_;
+  base::OwedAnswers<std::string, Opening> openings_;
 };
 
 }  // namespace app

@@ -9,6 +9,8 @@ inline constexpr char kProductName[] = "Heap Gauge";
 /// The version that "--version" prints; the build's own project version is the same, and a test
 /// compares them.
 inline constexpr char kProductVersion[] = "1.1.1";
+/// The end of its desktop entry's file name; who distributes it may put something before.
+inline constexpr char kDesktopEntry[] = "heapgauge.desktop";
 /// What the program is for.
 inline constexpr char kProductDescription[] =
     "Find out where your disk space went. Scans a folder or a whole volume in parallel and shows "

@@ -103,5 +103,52 @@ TEST(ShowInFileManager, FailsWhenNeitherStarts) {
   EXPECT_FALSE(showInFileManager("/a", fake.starter()));
 }
 
+/// Has the desktop open folders with `entry`, and takes as long as it takes.
+void openFoldersWith(test::FakePrograms& programs, const std::string& entry) {
+  programs.add("timeout", "shift 3; exec \"$@\"");
+  programs.add(kAssociations,
+               "[ \"$*\" = 'query default inode/directory' ] && printf '%s\\n' '" + entry + "'");
+}
+
+TEST(FoldersOpenWithThisProgram, KnowsTheProgramsOwnEntry) {
+  test::FakePrograms programs;
+  for (const char* own : {"heapgauge.desktop", "example.heapgauge.heapgauge.desktop"}) {
+    openFoldersWith(programs, own);
+    EXPECT_TRUE(foldersOpenWithThisProgram()) << own;
+  }
+  for (const char* other : {"", "files.desktop", "heapgauge.desktop.files.desktop"}) {
+    openFoldersWith(programs, other);
+    EXPECT_FALSE(foldersOpenWithThisProgram()) << other;
+  }
+}
+
+TEST(FoldersOpenWithThisProgram, IsFalseWhereNobodyKnows) {
+  test::FakePrograms programs(test::FakePrograms::RestOfPath::Hidden);
+  EXPECT_FALSE(foldersOpenWithThisProgram()) << "no tool that bounds the time";
+  programs.add("timeout", "shift 3; exec \"$@\"");
+  EXPECT_FALSE(foldersOpenWithThisProgram()) << "nobody to ask";
+  programs.add(kAssociations, "echo heapgauge.desktop; exit 4");
+  EXPECT_FALSE(foldersOpenWithThisProgram()) << "who was asked failed";
+}
+
+TEST(OpenInFileManager, AsksTheFileManagerOnTheSessionBus) {
+  test::FakePrograms programs;
+  programs.addRecorder("dbus-send");
+  EXPECT_FALSE(openInFileManager("/a b,c/#1 100%\xc3\xa9\xff~")) << "no reply";
+  EXPECT_EQ(programs.argumentsOf("dbus-send"),
+            (Command{"--session", "--print-reply", "--dest=org.freedesktop.FileManager1",
+                     "--type=method_call", "/org/freedesktop/FileManager1",
+                     "org.freedesktop.FileManager1.ShowFolders",
+                     "array:string:file:///a%20b%2Cc/%231%20100%25%C3%A9%FF~", "string:"}));
+}
+
+TEST(OpenInFileManager, KnowsAReplyFromAnError) {
+  test::FakePrograms programs;
+  programs.add("dbus-send", "echo 'method return time=1.5 sender=:1.7'");
+  EXPECT_TRUE(openInFileManager("/a"));
+  programs.add("dbus-send", "echo 'Error ServiceUnknown' >&2; exit 1");
+  EXPECT_FALSE(openInFileManager("/a"));
+}
+
 }  // namespace
 }  // namespace app
