@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -81,8 +82,9 @@ class OddSignals {
 constexpr const char* kTellSignals = "grep -E '^Sig(Blk|Ign)' /proc/self/status";
 constexpr const char* kNoSignals = "SigBlk:\t0000000000000000\nSigIgn:\t0000000000000000\n";
 
-/// Runs `body` in a child that may start no process, and says what it returned.
-bool withoutMoreProcesses(const std::function<bool()>& body) {
+/// Runs `body` in a child that may start no process, and says what it returned. Nothing where such
+/// a child cannot be made: a name space of one user has nobody else to become.
+std::optional<bool> withoutMoreProcesses(const std::function<bool()>& body) {
   const pid_t child = fork();
   if (child == 0) {
     const rlimit none{0, 0};
@@ -92,7 +94,8 @@ bool withoutMoreProcesses(const std::function<bool()>& body) {
   }
   int status = 0;
   waitpid(child, &status, 0);
-  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) < 2) << status;
+  EXPECT_TRUE(WIFEXITED(status)) << status;
+  if (WEXITSTATUS(status) > 1) return std::nullopt;
   return WEXITSTATUS(status) == 1;
 }
 
@@ -160,7 +163,9 @@ TEST(SpawnDetached, ReportsTheStartAloneWhenThereIsNoSuchProgram) {
 }
 
 TEST(SpawnDetached, FailsWhenNoProcessCanBeStarted) {
-  EXPECT_FALSE(withoutMoreProcesses([] { return spawnDetached({"true"}); }));
+  const auto started = withoutMoreProcesses([] { return spawnDetached({"true"}); });
+  if (!started) GTEST_SKIP() << "no limit of processes holds for this user";
+  EXPECT_FALSE(*started);
 }
 
 TEST(SpawnDetached, FailsForNoProgram) { EXPECT_FALSE(spawnDetached({})); }
@@ -203,7 +208,9 @@ TEST(RunCapture, IsEmptyWhenTheProgramFailsAfterItHasPrinted) {
 TEST(RunCapture, IsEmptyWhenNothingCanBeRun) {
   EXPECT_EQ(runCapture({}), "");
   EXPECT_EQ(runCapture({"heapgauge-test-no-such-program"}), "");
-  EXPECT_FALSE(withoutMoreProcesses([] { return !runCapture({"echo", "text"}).empty(); }));
+  const auto said = withoutMoreProcesses([] { return !runCapture({"echo", "text"}).empty(); });
+  if (!said) GTEST_SKIP() << "no limit of processes holds for this user";
+  EXPECT_FALSE(*said);
 }
 
 TEST(RunCapture, IsEmptyWhenThereIsNoPipe) {
