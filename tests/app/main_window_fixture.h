@@ -18,6 +18,7 @@
 #include "app/map/cushion_shading.h"
 #include "base/detached_threads.h"
 #include "tests/app/held_folder.h"
+#include "tests/app/own_mounts.h"
 #include "tests/app/scan_end.h"
 #include "tests/support/environment.h"
 #include "tests/support/eventually.h"
@@ -182,6 +183,7 @@ class MainWindowInputTest : public testing::Test {
   std::string titleOf(const std::string& folder) const { return folder + " — " + kWelcomeTitle; }
 
   test::PrivateHome home_;
+  const test::OwnMounts mounts_;
   test::TempDirectory dir_;
   const std::string folder_ = dir_ / "folder";
   const test::XServer server_;
