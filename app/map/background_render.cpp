@@ -2,6 +2,7 @@
 
 #include <ctime>
 #include <exception>
+#include <stop_token>
 
 #include "base/detached_threads.h"
 #include "base/mutex.h"
@@ -10,11 +11,11 @@ namespace app {
 
 namespace {
 
-std::optional<RenderedTreemap> render(RenderRequest request) {
+std::optional<RenderedTreemap> render(RenderRequest request, const std::stop_token& stop) {
   try {
     return renderTreemap(*request.tree, request.root, request.width, request.height,
                          request.colours, request.extraBlocks, request.measure,
-                         std::move(request.recycled), request.threads);
+                         std::move(request.recycled), request.threads, stop);
   } catch (const std::exception&) {
     return std::nullopt;
   }
@@ -30,6 +31,7 @@ BackgroundRender::Duration processorTime() {
 }  // namespace
 
 struct BackgroundRender::Job {
+  std::stop_source stop;                   // requested once the picture was dropped
   base::Mutex mutex;                       // guards `post`, and is held while it is called
   Post post GUARDED_BY(mutex);             // empty once the picture was dropped
   std::optional<RenderedTreemap> picture;  // this and the next are written before `post` is called
@@ -44,7 +46,7 @@ bool BackgroundRender::start(RenderRequest request) {
   }
   const bool started = base::startDetached([this, job, request = std::move(request)]() mutable {
     giveWayToWindow();
-    job->picture = render(std::move(request));
+    job->picture = render(std::move(request), job->stop.get_token());
     job->processorTime = processorTime();
     const base::MutexLock lock(job->mutex);
     if (job->post) job->post([this, job] { finish(job); });
@@ -56,6 +58,7 @@ bool BackgroundRender::start(RenderRequest request) {
 void BackgroundRender::drop() {
   const std::shared_ptr<Job> job = std::exchange(job_, nullptr);
   if (!job) return;
+  job->stop.request_stop();
   const base::MutexLock lock(job->mutex);
   job->post = nullptr;
 }

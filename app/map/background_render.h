@@ -53,8 +53,8 @@ class BackgroundRender {
   bool busy() const { return job_ != nullptr; }
   /// Begins a picture; only while not busy. False when there is no thread to be had.
   bool start(RenderRequest request);
-  /// Forgets the picture that is being made, if any. Its thread lets go of the tree when it is
-  /// done.
+  /// Gives up the picture that is being made, if any. Its thread soon ends without it and lets go
+  /// of the tree.
   void drop();
 
  private:

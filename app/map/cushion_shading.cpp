@@ -103,10 +103,11 @@ std::int32_t BandShader::edge(std::size_t band) const {
   return top_ + static_cast<std::int32_t>(rows * band / bands_);
 }
 
-void BandShader::paint(std::size_t index) const {
+void BandShader::paint(std::size_t index, const std::stop_token& stop) const {
   const Band band = {edge(index), edge(index + 1)};
   std::array<PaintJob, kRunLength> jobs;
   for (const BlockSequence& sequence : sequences_) {
+    endWhereGivenUp(stop);
     for (std::size_t run = 0; run < sequence.rows.size(); ++run) {
       const Band rows = rowsOf(sequence.rows[run], image_);
       if (rows.bottom <= band.top || rows.top >= band.bottom) continue;
@@ -137,22 +138,24 @@ void findRunRows(std::span<const TreemapBlock> blocks, std::span<RunRows> rows) 
   }
 }
 
-void clearImage(const MapImage& image, unsigned threads) {
+void clearImage(const MapImage& image, unsigned threads, const std::stop_token& stop) {
   const std::size_t count = worthwhileThreads(image, threads);
   const std::size_t pixels =
       static_cast<std::size_t>(image.width) * static_cast<std::size_t>(image.height);
-  forEachOnThreads(count, threads, [&](std::size_t share) {
+  const auto clear = [&](std::size_t share) {
     const std::size_t from = pixels * share / count;
     const std::size_t length = pixels * (share + 1) / count - from;
     std::fill_n(image.pixels + from, length, kMapBackground);
     std::fill_n(image.blockAt + from, length, kNoBlock);
-  });
+  };
+  forEachOnThreads(count, threads, clear, stop);
 }
 
-void shadeBlocks(std::span<const BlockSequence> sequences, const MapImage& image,
-                 unsigned threads) {
+void shadeBlocks(std::span<const BlockSequence> sequences, const MapImage& image, unsigned threads,
+                 const std::stop_token& stop) {
   const BandShader shader(sequences, image, threads);
-  forEachOnThreads(shader.bands(), threads, [&](std::size_t band) { shader.paint(band); });
+  const auto paint = [&](std::size_t band) { shader.paint(band, stop); };
+  forEachOnThreads(shader.bands(), threads, paint, stop);
 }
 
 }  // namespace app

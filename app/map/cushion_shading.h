@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <stop_token>
 
 #include "app/map/treemap_layout.h"
 
@@ -58,8 +59,9 @@ struct BlockSequence {
   std::uint32_t firstIndex = 0;
 };
 
-/// Fills both images with background, on up to `threads` threads.
-void clearImage(const MapImage& image, unsigned threads);
+/// Fills both images with background, on up to `threads` threads. Throws `GivenUp` where `stop` is
+/// requested, as `shadeBlocks` does.
+void clearImage(const MapImage& image, unsigned threads, const std::stop_token& stop = {});
 
 /// Paints every painted block in the order of the sequences, a later one over an earlier one, band
 /// by band of the image: no two threads that paint bands ever write one pixel.
@@ -70,8 +72,9 @@ class BandShader {
   BandShader(std::span<const BlockSequence> sequences, const MapImage& image, unsigned threads);
 
   std::size_t bands() const { return bands_; }
-  /// Each once, in any order and on any thread.
-  void paint(std::size_t band) const;
+  /// Each once, in any order and on any thread. Throws `GivenUp` between two sequences once `stop`
+  /// is requested.
+  void paint(std::size_t band, const std::stop_token& stop) const;
 
  private:
   void findReach();
@@ -85,6 +88,7 @@ class BandShader {
 };
 
 /// Paints all bands on up to `threads` threads, and has ended them all when it returns.
-void shadeBlocks(std::span<const BlockSequence> sequences, const MapImage& image, unsigned threads);
+void shadeBlocks(std::span<const BlockSequence> sequences, const MapImage& image, unsigned threads,
+                 const std::stop_token& stop = {});
 
 }  // namespace app

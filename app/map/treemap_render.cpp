@@ -110,21 +110,28 @@ class BlockPainter {
 class MapMaker {
  public:
   MapMaker(const LayoutParts& layout, const BlockPainter& painter, unsigned threads,
-           RenderedTreemap* map)
-      : layout_(layout), painter_(painter), threads_(threads), map_(*map), parts_(layout.count()) {}
+           const std::stop_token& stop, RenderedTreemap* map)
+      : layout_(layout),
+        painter_(painter),
+        threads_(threads),
+        stop_(stop),
+        map_(*map),
+        parts_(layout.count()) {}
 
   void make() {
-    forEachOnThreads(parts_.size(), threads_, [this](std::size_t i) { layOut(i); });
+    forEachOnThreads(
+        parts_.size(), threads_, [this](std::size_t i) { layOut(i); }, stop_);
     const std::vector<MapPiece> pieces = divide();
-    forEachOnThreads(pieces.size(), threads_, [&](std::size_t i) { colour(pieces[i]); });
+    forEachOnThreads(
+        pieces.size(), threads_, [&](std::size_t i) { colour(pieces[i]); }, stop_);
     std::vector<BlockSequence> sequences;
     for (const MapPart& part : parts_) {
       sequences.push_back(
           {part.blocks, part.colours, part.rows, static_cast<std::uint32_t>(part.firstIndex)});
     }
     const MapImage image = {map_.pixels.data(), map_.blockAt.data(), map_.width, map_.height};
-    clearImage(image, threads_);
-    shadeBlocks(sequences, image, threads_);
+    clearImage(image, threads_, stop_);
+    shadeBlocks(sequences, image, threads_, stop_);
   }
 
  private:
@@ -172,6 +179,7 @@ class MapMaker {
   const LayoutParts& layout_;
   const BlockPainter& painter_;
   const unsigned threads_;
+  const std::stop_token& stop_;
   RenderedTreemap& map_;
   std::vector<MapPart> parts_;
 };
@@ -211,7 +219,7 @@ RenderedTreemap renderTreemap(const FileTree& tree, NodeId root, std::int32_t wi
                               std::int32_t height, const KindColours& colours,
                               std::span<const ExtraBlock> extraBlocks,
                               const MeasureSettings& measure, RenderedTreemap recycled,
-                              unsigned threads) {
+                              unsigned threads, const std::stop_token& stop) {
   if (width > kMostPixels || height > kMostPixels) throw std::length_error("too large a map");
   RenderedTreemap map = std::move(recycled);
   map.width = width;
@@ -233,9 +241,11 @@ RenderedTreemap renderTreemap(const FileTree& tree, NodeId root, std::int32_t wi
     for (const ExtraBlock& extra : extraBlocks) map.extraColours.insert_or_assign(extra.id, extra);
     const MapRect whole = {0, 0, static_cast<double>(width), static_cast<double>(height)};
     const LayoutParts layout(tree, root, whole, measure, extraBlocks, kBlocksInPart);
-    MapMaker(layout, BlockPainter(tree, measure, colours, map.extraColours), threads, &map).make();
+    MapMaker(layout, BlockPainter(tree, measure, colours, map.extraColours), threads, stop, &map)
+        .make();
     if (!extraBlocks.empty()) findExtras(&map);
   }
+  endWhereGivenUp(stop);
   map.outlineRects.assign(map.blocks, threads);
   return map;
 }

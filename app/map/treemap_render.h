@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <span>
+#include <stop_token>
 #include <unordered_map>
 #include <vector>
 
@@ -57,7 +58,8 @@ struct RenderedTreemap {
 /// std::length_error. `recycled` is a render that is no longer
 /// needed: its memory is used again, which saves the kernel from handing out some tens of megabytes
 /// of fresh pages each time. The work is done by up to `threads` threads, the calling one among
-/// them.
+/// them. Throws `GivenUp` some milliseconds after `stop` was requested; a huge folder's own layout
+/// is not broken off.
 ///
 /// Any thread. The tree may grow meanwhile; what is drawn is what was published when it was
 /// looked at.
@@ -65,7 +67,8 @@ RenderedTreemap renderTreemap(const sizewalk::FileTree& tree, sizewalk::NodeId r
                               std::int32_t width, std::int32_t height, const KindColours& colours,
                               std::span<const ExtraBlock> extraBlocks,
                               const MeasureSettings& measure, RenderedTreemap recycled = {},
-                              unsigned threads = hardwareThreads());
+                              unsigned threads = hardwareThreads(),
+                              const std::stop_token& stop = {});
 
 /// The kind of what fills a folder: that of the largest entry of its largest subfolder and so on
 /// inwards, as far as a bounded look finds it. Any thread.

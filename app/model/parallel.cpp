@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <exception>
 #include <new>
 #include <system_error>
 #include <thread>
@@ -23,12 +22,16 @@ constexpr int kNiceness = 10;
 /// Pieces of work that threads take in turns.
 class SharedWork {
  public:
-  SharedWork(std::size_t count, const std::function<void(std::size_t)>& work)
-      : count_(count), work_(work) {}
+  SharedWork(std::size_t count, const std::function<void(std::size_t)>& work,
+             const std::stop_token& stop)
+      : count_(count), work_(work), stop_(stop) {}
 
   void takePieces() {
     try {
-      for (std::size_t i; (i = next_.fetch_add(1, std::memory_order_relaxed)) < count_;) work_(i);
+      for (std::size_t i; (i = next_.fetch_add(1, std::memory_order_relaxed)) < count_;) {
+        endWhereGivenUp(stop_);
+        work_(i);
+      }
     } catch (...) {
       next_.store(count_, std::memory_order_relaxed);
       const base::MutexLock lock(mutex_);
@@ -45,6 +48,7 @@ class SharedWork {
  private:
   const std::size_t count_;
   const std::function<void(std::size_t)>& work_;
+  const std::stop_token& stop_;
   std::atomic<std::size_t> next_ = 0;  // the first piece that nobody has taken
   base::Mutex mutex_;                  // guards `failure_`
   std::exception_ptr failure_ GUARDED_BY(mutex_);
@@ -52,9 +56,13 @@ class SharedWork {
 
 }  // namespace
 
+void endWhereGivenUp(const std::stop_token& stop) {
+  if (stop.stop_requested()) throw GivenUp();
+}
+
 void forEachOnThreads(std::size_t count, unsigned threads,
-                      const std::function<void(std::size_t)>& work) {
-  SharedWork shared(count, work);
+                      const std::function<void(std::size_t)>& work, const std::stop_token& stop) {
+  SharedWork shared(count, work, stop);
   {
     const std::size_t threadCount = std::min<std::size_t>(std::max(threads, 1U), count);
     std::vector<std::jthread> helpers;

@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "tests/app/map/background_picture_fixture.h"
+#include "tests/app/map/memory_elsewhere.h"
 #include "tests/support/waiting_thread.h"
 
 namespace app {
@@ -183,6 +184,39 @@ TEST_F(BackgroundPictureTest, NeitherWaitsForWhatReadsATreeNorTakesTheTreeFromIt
   ASSERT_TRUE(picturesHaveEnded());
   EXPECT_TRUE(watched.expired());
   EXPECT_EQ(posts, 0);
+}
+
+/// A picture of 40 folders, which is laid out in several parts.
+constexpr std::int32_t kManyWidth = 300;
+constexpr std::int32_t kManyHeight = 200;
+std::shared_ptr<const sizewalk::FileTree> manyFolders() {
+  auto tree = std::make_shared<sizewalk::FileTree>(test::mapTreeOptions());
+  for (const auto folder : test::fillRoot(*tree, std::vector(40, test::folder()))) {
+    test::fill(*tree, folder, std::vector(1000, test::file(1000, 5)));
+  }
+  return tree;
+}
+
+TEST_F(BackgroundPictureTest, LaysOutNoMoreOfAPictureThatWasDropped) {
+  constexpr std::size_t kLeast = 65536;  // less than the pixels or a part's blocks take
+  constexpr int kImages = 2;
+  for (const bool dropped : {false, true}) {
+    BackgroundRender render([](const std::function<void()>&) {});
+    RenderRequest request = {manyFolders(), kRootNode, kManyWidth, kManyHeight,
+                             colours_,      {},        {},         {}};
+    request.threads = 1;
+    test::MemoryHeldElsewhere memory(kLeast);
+    ASSERT_TRUE(render.start(std::move(request)));
+    ASSERT_TRUE(test::eventually([&] { return memory.asked() == 1; })) << "for the pixels";
+    if (dropped) render.drop();
+    memory.release();
+    ASSERT_TRUE(picturesHaveEnded());
+    if (dropped) {
+      EXPECT_EQ(memory.asked(), kImages);
+    } else {
+      EXPECT_GT(memory.asked(), kImages + 4) << "there are several parts";
+    }
+  }
 }
 
 TEST_F(BackgroundPictureTest, PostsNothingOnceItIsDestroyed) {

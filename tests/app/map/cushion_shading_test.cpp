@@ -4,12 +4,15 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <random>
 #include <span>
+#include <stop_token>
 #include <vector>
 
+#include "app/model/parallel.h"
 #include "tests/app/map/naive_map.h"
 #include "tests/app/map/random_blocks.h"
 
@@ -22,7 +25,7 @@ using test::uniform;
 
 /// The whole image: background, and all blocks over it. They come in two sequences.
 void shade(const std::vector<TreemapBlock>& blocks, const std::vector<std::uint32_t>& colours,
-           const MapImage& image, unsigned threads) {
+           const MapImage& image, unsigned threads, const std::stop_token& stop = {}) {
   const std::size_t split = blocks.size() / 3;
   const std::span all(blocks);
   std::vector<RunRows> firstRows(runCount(split));
@@ -35,7 +38,7 @@ void shade(const std::vector<TreemapBlock>& blocks, const std::vector<std::uint3
        static_cast<std::uint32_t>(split)},
   }};
   clearImage(image, threads);
-  shadeBlocks(sequences, image, threads);
+  shadeBlocks(sequences, image, threads, stop);
 }
 
 TEST(ShadeBlocks, PaintsLaterBlocksOverEarlierOnesOnAnyNumberOfThreads) {
@@ -89,6 +92,22 @@ TEST(ShadeBlocks, KeepsWhatLiesAtTheTopOverABlockThatReachesTheBottom) {
 }
 
 /// Enough of them for the kernel's rare pixels, those that the error bound leaves open, to turn up.
+TEST(ShadeBlocks, PaintsNothingOnceItIsGivenUp) {
+  constexpr int kSide = 800;  // worth more than one thread
+  std::vector<std::uint32_t> pixels(kSide * kSide, 0);
+  std::vector<std::uint32_t> blockAt = pixels;
+  const MapImage image = {pixels.data(), blockAt.data(), kSide, kSide};
+  const std::vector<TreemapBlock> blocks(300, blockOf({0, 0, kSide, kSide}));
+  const std::vector<std::uint32_t> colours(blocks.size(), 0xFFFFFF);
+  std::stop_source stop;
+  stop.request_stop();
+  for (const unsigned threads : {1U, 4U}) {
+    EXPECT_THROW(shade(blocks, colours, image, threads, stop.get_token()), GivenUp);
+    EXPECT_EQ(std::ranges::count(pixels, kMapBackground), kSide * kSide);
+    EXPECT_THROW(clearImage(image, threads, stop.get_token()), GivenUp);
+  }
+}
+
 TEST(ShadeBlocks, PaintsTinyBlocksSideBySideAsDefined) {
   std::mt19937_64 random(15);
   const int width = 640;

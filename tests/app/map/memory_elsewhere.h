@@ -23,4 +23,17 @@ class NoMemory {
   NoMemory& operator=(const NoMemory&) = delete;
 };
 
+/// Holds every other thread that asks for `bytes` or more, until `release`, and counts how often
+/// they do.
+class MemoryHeldElsewhere {
+ public:
+  explicit MemoryHeldElsewhere(std::size_t bytes);
+  ~MemoryHeldElsewhere();
+  MemoryHeldElsewhere(const MemoryHeldElsewhere&) = delete;
+  MemoryHeldElsewhere& operator=(const MemoryHeldElsewhere&) = delete;
+
+  int asked() const;
+  void release();
+};
+
 }  // namespace test

@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cstdlib>
 #include <stdexcept>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -38,6 +39,19 @@ TEST(ForEachOnThreads, ThrowsWhatACallThrewOnceTheOthersHaveEnded) {
     EXPECT_THROW(forEachOnThreads(1000000, threads, work), std::length_error);
     EXPECT_EQ(running, 0);
     EXPECT_LE(calls, 10 + static_cast<int>(threads)) << "nobody begins another";
+  }
+}
+
+TEST(ForEachOnThreads, BeginsNoPieceOnceItIsGivenUp) {
+  for (const unsigned threads : {1U, 4U}) {
+    std::stop_source stop;
+    std::atomic<int> calls = 0;
+    const auto work = [&](std::size_t) {
+      if (++calls == 10) stop.request_stop();
+    };
+    EXPECT_THROW(forEachOnThreads(1000000, threads, work, stop.get_token()), GivenUp);
+    EXPECT_GE(calls, 10);
+    EXPECT_LT(calls, threads == 1 ? 11 : 1000000);
   }
 }
 
