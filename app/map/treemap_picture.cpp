@@ -14,8 +14,10 @@ namespace app {
 namespace {
 /// With more of them changed than this the whole picture is sent.
 constexpr std::size_t kMostBands = 100;
-/// A megabyte, which is sent in about a millisecond.
-constexpr std::size_t kBandPixels = 262144;
+/// A megabyte, which is sent in about a millisecond. What has more goes in bands.
+constexpr std::size_t kPixelsAtOnce = 262144;
+/// 128 kB fit into the socket: more waits for the server, which may itself wait for a processor.
+constexpr std::size_t kBandPixels = 32768;
 /// After as many the picture is made on the spot, in the memory of the last one.
 constexpr int kMostFailures = 3;
 }  // namespace
@@ -187,16 +189,20 @@ void TreemapPicture::take(RenderedTreemap picture) {
     spare_ = std::move(picture);
     return;
   }
-  if (picture.pixels.size() > kBandPixels) {
+  if (picture.pixels.size() > kPixelsAtOnce) {
     return unlessMemoryRunsOut([&] { sendInBands(std::move(picture)); });
   }
   recycle(std::exchange(rendered_, std::move(picture)));
   unsent_ = true;
 }
 
-/// While the tree grows there will soon be another.
+/// While the tree grows there will soon be another. Giving a large one back takes milliseconds.
 void TreemapPicture::recycle(RenderedTreemap old) {
-  if (growing_) spare_ = std::move(old);
+  if (growing_) {
+    spare_ = std::move(old);
+  } else if (old.pixels.size() > kPixelsAtOnce) {
+    base::destroyElsewhere(std::move(old));
+  }
 }
 
 /// Takes a step on the way of a picture to the server. Without memory it is made again later.

@@ -14,8 +14,9 @@
 
 namespace app {
 
-/// Large enough to be sent in bands, four of them.
+/// Large enough to be sent in bands, so many of them.
 inline constexpr ui::Rect kLargePlace{0, 0, 1000, 800};
+inline constexpr int kBandsOfLarge = 25;
 
 /// Pictures of a tree that grows, made in the background; what they post is run when a test says.
 class BackgroundPictureTest : public test::WindowTest {
