@@ -77,6 +77,27 @@ int openDescriptors() {
   return count;
 }
 
+/// A walk on a thread of its own that has come to the folder "held" and waits there.
+class HeldWalk {
+ public:
+  explicit HeldWalk(TreeScanner& scanner) : walking_([&scanner] { scanner.walk(kRootNode); }) {
+    EXPECT_TRUE(held_.waitUntilReached());
+  }
+  ~HeldWalk() { finish(); }
+  HeldWalk(const HeldWalk&) = delete;
+  HeldWalk& operator=(const HeldWalk&) = delete;
+
+  /// Lets it go on and waits for its end.
+  void finish() {
+    held_.release();
+    if (walking_.joinable()) walking_.join();
+  }
+
+ private:
+  test::HeldFolder held_{"held"};
+  std::thread walking_;
+};
+
 enum class Order { LeafFirst, LeafLast };
 
 /// A chain of folders, each with a leaf folder beside the next link: a walk that goes down the
@@ -197,7 +218,6 @@ TEST(FolderOpener, KeepsFewFoldersOpenWhereFewMayBe) {
   const TempDirectory dir(TempDirectory::Place::Memory);
   test::makeDeepTree(dir.path(), 100, 1);
   writeFile(dir / "d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/d/held/file");
-  test::HeldFolder held("held");
   rlimit usual{};
   getrlimit(RLIMIT_NOFILE, &usual);
   rlimit few = usual;
@@ -206,11 +226,9 @@ TEST(FolderOpener, KeepsFewFoldersOpenWhereFewMayBe) {
   TreeScanner scanner(withThreads(1));
   scanner.setRoot(dir.path());
   const int before = openDescriptors();
-  std::thread walking([&] { scanner.walk(kRootNode); });
-  EXPECT_TRUE(held.waitUntilReached());
+  HeldWalk walk(scanner);
   EXPECT_LE(openDescriptors(), before + 8 + 1) << "what is kept, and the reader's own";
-  held.release();
-  walking.join();
+  walk.finish();
   setrlimit(RLIMIT_NOFILE, &usual);
   EXPECT_EQ(scanner.tree().totals().errors, 0U);
 }
@@ -288,13 +306,10 @@ TEST(FolderOpener, GoesOnWhereDescriptorsRunOutInTheMiddle) {
   for (const int readers : {1, 4}) {
     TreeScanner scanner(withThreads(readers));
     scanner.setRoot(dir.path());
-    test::HeldFolder held("held");
-    std::thread walking([&] { scanner.walk(kRootNode); });
-    EXPECT_TRUE(held.waitUntilReached());
+    HeldWalk walk(scanner);
     {
       const auto few = FewDescriptors::upToTheLastOpen();
-      held.release();
-      walking.join();
+      walk.finish();
     }
     EXPECT_EQ(scanner.tree().totals().errors, 0U) << readers;
     EXPECT_TRUE(describe(scanner.tree()) == whole) << readers;
@@ -306,13 +321,10 @@ TEST(FolderOpener, ReadsOnInAFolderThatIsRenamed) {
   writeFile(dir / "folder/held/file", std::string(100, 'x'));
   TreeScanner scanner(withThreads(1));
   scanner.setRoot(dir.path());
-  test::HeldFolder held("held");
-  std::thread walking([&] { scanner.walk(kRootNode); });
-  EXPECT_TRUE(held.waitUntilReached());
+  HeldWalk walk(scanner);
   fs::rename(dir / "folder", dir / "renamed");
   writeFile(dir / "folder/held/other", std::string(7, 'x'));
-  held.release();
-  walking.join();
+  walk.finish();
   EXPECT_EQ(scanner.tree().apparentSize(kRootNode), 100U) << "of the folder that was listed";
   EXPECT_EQ(scanner.tree().totals().errors, 0U);
 }
@@ -322,12 +334,9 @@ TEST(FolderOpener, MarksAFolderThatIsGone) {
   writeFile(dir / "folder/held/file", "x");
   TreeScanner scanner(withThreads(1));
   scanner.setRoot(dir.path());
-  test::HeldFolder held("held");
-  std::thread walking([&] { scanner.walk(kRootNode); });
-  EXPECT_TRUE(held.waitUntilReached());
+  HeldWalk walk(scanner);
   fs::rename(dir / "folder/held", dir / "elsewhere");
-  held.release();
-  walking.join();
+  walk.finish();
   EXPECT_EQ(scanner.tree().totals().errors, 1U);
   EXPECT_EQ(scanner.tree().nodeCount(), 3U);
 }
