@@ -2,17 +2,15 @@
 // against one in a tree of 100,000: whether a walk takes longer for an entry because there are
 // many.
 
-#include <sys/mount.h>
-
 #include <cstdint>
 #include <cstdio>
 #include <string>
 
 #include "bench/support/million_files.h"
 #include "bench/support/paired_timing.h"
+#include "bench/support/roomy_memory.h"
 #include "bench/support/row.h"
 #include "sizewalk/tree_scanner.h"
-#include "tests/support/mount_namespace.h"
 
 namespace {
 
@@ -58,13 +56,6 @@ void measure() {
 }  // namespace
 
 int main() {
-  // Three million names are about as many as a tmpfs takes on a machine of 24 GiB, where it is not
-  // told otherwise: this process gets one of its own, where it may.
-  const std::string outcome = test::inPrivateMounts([]() -> std::string {
-    mount("tmpfs", "/dev/shm", "tmpfs", 0, "nr_inodes=0");
-    measure();
-    return {};
-  });
-  if (outcome.starts_with("cannot")) measure();
+  bench::inRoomyMemory(measure);
   return 0;
 }

@@ -14,19 +14,19 @@
 #include <cstdint>
 #include <cstdio>
 #include <exception>
-#include <fstream>
 #include <optional>
-#include <random>
 #include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "bench/support/map_pointer.h"
 #include "bench/support/million_files.h"
 #include "bench/support/paired_timing.h"
 #include "bench/support/row.h"
 #include "bench/support/running_program.h"
 #include "bench/support/screen_damage.h"
+#include "bench/support/stolen_time.h"
 #include "tests/support/x_server.h"
 
 namespace {
@@ -51,17 +51,6 @@ struct Point {
 /// On the menu button in the corner, beside its glyph.
 constexpr Point kButton = {kWidth - 12, 20};
 constexpr Point kMap = {kWidth * 2 / 3, kHeight / 2};
-
-/// How long the host of a virtual machine has kept its processors from it so far, in the kernel's
-/// ticks of 10 ms.
-long stolenTicks() {
-  std::ifstream file("/proc/stat");
-  std::string cpu;
-  long ticks = 0;
-  file >> cpu;
-  for (int field = 1; field <= 8; ++field) file >> ticks;
-  return ticks;
-}
 
 double msSince(Clock::time_point start, Clock::time_point end) {
   return std::chrono::duration<double, std::milli>(end - start).count();
@@ -88,7 +77,7 @@ class Pointer {
   void move(std::vector<double>* times) {
     onButton_ = !onButton_;
     const Point to = onButton_ ? kButton : kMap;
-    const long stolen = stolenTicks();
+    const long stolen = bench::stolenTicks();
     const Clock::time_point start = Clock::now();
     client_.movePointer(to.x, to.y);
     double waited = msSince(start, changeTo(onButton_ ? hovered_ : plain_));
@@ -99,33 +88,14 @@ class Pointer {
     std::this_thread::sleep_for(std::chrono::duration<double, std::milli>(-waited));
   }
 
-  /// Moves to another place of the map, whose outline follows. For a window at rest.
-  void moveOverMap(std::vector<double>* times) {
-    const Point to = {kWidth / 4 + upTo(kWidth / 2), kHeight / 4 + upTo(kHeight / 2)};
-    const long stolen = stolenTicks();
-    const Clock::time_point start = Clock::now();
-    client_.movePointer(to.x, to.y);
-    const auto last = lastOf(damage_.next(kReport));
-    if (last && isCalm(stolen)) times->push_back(msSince(start, last->at));
-  }
-
-  /// To where `move` begins.
-  void comeBack() {
-    client_.movePointer(kMap.x, kMap.y);
-    lastOf(damage_.next(kReport));
-  }
-
   int disturbed() const { return disturbed_; }
 
  private:
-  static constexpr std::chrono::milliseconds kReport{static_cast<int>(kReportMs)};
-
   bool isCalm(long stolenBefore) {
-    const bool calm = stolenTicks() == stolenBefore;
+    const bool calm = bench::stolenTicks() == stolenBefore;
     if (!calm) ++disturbed_;
     return calm;
   }
-  int upTo(int most) { return static_cast<int>(random_() % static_cast<unsigned>(most)); }
   std::optional<bench::ScreenDamage::Change> lastOf(
       std::optional<bench::ScreenDamage::Change> change) {
     while (const auto next = change ? damage_.next(kSameFrame) : std::nullopt) change = next;
@@ -145,7 +115,6 @@ class Pointer {
 
   test::OtherClient& client_;
   bench::ScreenDamage damage_;
-  std::mt19937 random_{1};
   std::uint64_t plain_ = 0;
   std::uint64_t hovered_ = 0;
   bool onButton_ = false;
@@ -184,15 +153,15 @@ void measure() {
   const test::XServer server({.width = kWidth, .height = kHeight});
   test::OtherClient client;
   const bench::RunningProgram program(client, files.path(), kWidth, kHeight);
-  Pointer pointer(client);
   program.waitUntilIdle();
+  bench::MapPointer mapPointer(client, kWidth, kHeight);
+  const std::vector<double> onMap = mapPointer.move(kMotions);
+  mapPointer.comeBack();
+  Pointer pointer(client);
   pointer.learnColours();
 
   std::vector<double> resting;
   for (int i = 0; i < kMotions; ++i) pointer.move(&resting);
-  std::vector<double> onMap;
-  for (int i = 0; i < kMotions; ++i) pointer.moveOverMap(&onMap);
-  pointer.comeBack();
   std::vector<double> scanning;
   int scans = 0;
   for (int motions = 0; motions < kMotions; ++scans) {
@@ -200,9 +169,10 @@ void measure() {
     motions += moveDuringScan(client, program, pointer, &scanning);
   }
 
-  std::fprintf(
-      stderr, "%d scans, %d motions left out; the longest: %.1f ms scanning, %.1f ms at rest\n",
-      scans, pointer.disturbed(), bench::percentile(scanning, 1), bench::percentile(resting, 1));
+  std::fprintf(stderr,
+               "%d scans, %d motions left out; the longest: %.1f ms scanning, %.1f ms at rest\n",
+               scans, pointer.disturbed() + mapPointer.disturbed(), bench::percentile(scanning, 1),
+               bench::percentile(resting, 1));
   report("at rest", resting, kBarAtRestMs);
   report("at rest from item to item of the map", onMap, kBarAtRestMs);
   report("while a million files are scanned", scanning, kBarScanningMs);
