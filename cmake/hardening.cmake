@@ -1,5 +1,7 @@
 # Hardens optimised builds as Debian hardens its own, and keeps the place where they are made out of their bytes. Builds
-# for debugging and for sanitizers, and unoptimised ones, are left alone: the sanitizers see more without it.
+# for debugging and for sanitizers, and unoptimised ones, are left alone: the sanitizers see more without it. With a
+# generator of several configurations only those flags count that all of them share: its releases are left alone as well,
+# unless CXXFLAGS optimises.
 #
 # Whoever sets a flag of the same kind in CXXFLAGS or LDFLAGS, as the tools of distributions do, has the say.
 
@@ -7,9 +9,12 @@ include(CheckCXXCompilerFlag)
 
 # What the compiler and the linker are told from outside.
 string(TOUPPER "${CMAKE_BUILD_TYPE}" build_type)
-set(given_flags "${CMAKE_CXX_FLAGS} ${CMAKE_CXX_FLAGS_${build_type}} ${CMAKE_EXE_LINKER_FLAGS}")
+set(compiler_flags "${CMAKE_CXX_FLAGS} ${CMAKE_CXX_FLAGS_${build_type}}")
+set(given_flags "${compiler_flags} ${CMAKE_EXE_LINKER_FLAGS}")
 
-string(REGEX MATCHALL "-O[^ ]*" levels "${given_flags}")
+# The linker has levels as well, and -Wl,-O1 optimises no code.
+separate_arguments(levels UNIX_COMMAND "${compiler_flags}")
+list(FILTER levels INCLUDE REGEX "^-O")
 list(POP_BACK levels level)
 if(HEAPGAUGE_SANITIZE OR build_type STREQUAL "DEBUG" OR NOT level OR level STREQUAL "-O0")
   return()
