@@ -54,7 +54,7 @@ optional_packages() {
   case $1-$2 in
     debian-test)
       echo clang-format-14 clang-tidy-14 desktop-file-utils appstream mandoc zsh fish xdg-utils lintian dpkg-dev \
-        debootstrap python3-yaml
+        file debootstrap python3-yaml
       ;;
     suse-bench) echo ncdu gdu xfsprogs btrfsprogs ;;
     *-bench) echo ncdu gdu xfsprogs btrfs-progs ;;
