@@ -1,7 +1,20 @@
 # Run by CPack between installing and packing: what Debian has elsewhere than other systems, or in another form.
 
-set(share "${CPACK_TEMPORARY_DIRECTORY}/usr/share")
-set(documents "${share}/doc/heapgauge")
+set(usr "${CPACK_TEMPORARY_DIRECTORY}/usr")
+set(documents "${usr}/share/doc/heapgauge")
+set(manuals "${usr}/share/man/man1")
+
+# move(FILE FROM TO): from where the build directory is configured to install it.
+function(move file from to)
+  file(MAKE_DIRECTORY "${to}")
+  file(RENAME "${usr}/${from}/${file}" "${to}/${file}")
+endfunction()
+
+move(CHANGELOG.md "${CPACK_HEAPGAUGE_DOCUMENTS}" "${documents}")
+move(LICENSE "${CPACK_HEAPGAUGE_DOCUMENTS}" "${documents}")
+move(heapgauge.1 "${CPACK_HEAPGAUGE_MANUALS}/man1" "${manuals}")
+move(_heapgauge "${CPACK_HEAPGAUGE_ZSH_COMPLETIONS}" "${usr}/share/zsh/vendor-completions")
+execute_process(COMMAND find "${usr}" -type d -empty -delete COMMAND_ERROR_IS_FATAL ANY)
 
 # compress(FILE): without its name and time, which differ between two builds.
 function(compress file)
@@ -10,7 +23,7 @@ endfunction()
 
 file(RENAME "${documents}/CHANGELOG.md" "${documents}/changelog")
 compress("${documents}/changelog")
-compress("${share}/man/man1/heapgauge.1")
+compress("${manuals}/heapgauge.1")
 
 # The licence stands in there.
 file(REMOVE "${documents}/LICENSE")
@@ -21,11 +34,3 @@ execute_process(
   OUTPUT_VARIABLE date OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
 configure_file("${CPACK_HEAPGAUGE_PACKAGING}/changelog.in" "${documents}/changelog.Debian" @ONLY)
 compress("${documents}/changelog.Debian")
-
-set(from "${CPACK_TEMPORARY_DIRECTORY}/usr/${CPACK_HEAPGAUGE_ZSH_COMPLETIONS}")
-set(to "${share}/zsh/vendor-completions")
-if(NOT from STREQUAL to)
-  file(MAKE_DIRECTORY "${to}")
-  file(RENAME "${from}/_heapgauge" "${to}/_heapgauge")
-  file(REMOVE_RECURSE "${from}")
-endif()
