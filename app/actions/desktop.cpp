@@ -10,23 +10,25 @@ namespace app {
 
 namespace {
 
+constexpr const char* kTimeLimiter = "timeout";
+
 std::string folderOf(const std::string& path) {
   const std::size_t slash = path.rfind('/');
   if (slash == std::string::npos) return ".";
   return slash == 0 ? "/" : path.substr(0, slash);
 }
 
-/// The method ShowItems of the interface that file managers share, with one URI and no startup id
+/// A method of the interface that file managers share, with one URI and no startup id
 /// (https://www.freedesktop.org/wiki/Specifications/file-manager-interface/).
-std::vector<std::string> showItemsCommand(const std::string& path) {
+std::vector<std::string> fileManagerCommand(const std::string& method, const std::string& uri) {
   return {kBusSender,
           "--session",
           "--print-reply",
           "--dest=org.freedesktop.FileManager1",
           "--type=method_call",
           "/org/freedesktop/FileManager1",
-          "org.freedesktop.FileManager1.ShowItems",
-          "array:string:file://" + path,
+          "org.freedesktop.FileManager1." + method,
+          "array:string:" + uri,
           "string:"};
 }
 
@@ -51,8 +53,17 @@ std::string fileUri(const std::string& path) {
 /// `command`, told to end after so many seconds and killed one second later, with all it started.
 /// Where there is no such tool nothing is run.
 std::vector<std::string> within(const char* seconds, std::vector<std::string> command) {
-  command.insert(command.begin(), {"timeout", "-k", "1", seconds});
+  command.insert(command.begin(), {kTimeLimiter, "-k", "1", seconds});
   return command;
+}
+
+/// What one of those who know answers: its first line ends with a desktop entry, or with a word
+/// that there is none.
+FolderProgram folderProgramOf(const std::vector<std::string>& question) {
+  const std::string answer = runCapture(within("3", question));
+  const std::string_view line = std::string_view(answer).substr(0, answer.find('\n'));
+  if (line.empty()) return FolderProgram::Unknown;
+  return line.ends_with(kDesktopEntry) ? FolderProgram::Own : FolderProgram::Another;
 }
 
 }  // namespace
@@ -65,22 +76,22 @@ bool showInFileManager(const std::string& path) { return showInFileManager(path,
 
 bool showInFileManager(const std::string& path, const Starter& start) {
   if (path.empty()) return false;
-  return start(showItemsCommand(path)) || start({kOpener, folderOf(path)});
+  return start(fileManagerCommand("ShowItems", "file://" + path)) ||
+         start({kOpener, folderOf(path)});
 }
 
-bool foldersOpenWithThisProgram() {
-  const std::string entry =
-      runCapture(within("3", {kAssociations, "query", "default", "inode/directory"}));
-  return std::string_view(entry).substr(0, entry.find('\n')).ends_with(kDesktopEntry);
+FolderProgram programForFolders() {
+  const FolderProgram first =
+      folderProgramOf({kAssociations, "query", "default", "inode/directory"});
+  if (first == FolderProgram::Own || !isOnPath(kGlibAssociations)) return first;
+  const FolderProgram second = folderProgramOf({kGlibAssociations, "mime", "inode/directory"});
+  return second == FolderProgram::Another ? first : second;
 }
 
 bool openInFileManager(const std::string& path) {
-  const std::string reply = runCapture(within(
-      "15",
-      {kBusSender, "--session", "--print-reply", "--dest=org.freedesktop.FileManager1",
-       "--type=method_call", "/org/freedesktop/FileManager1",
-       "org.freedesktop.FileManager1.ShowFolders", "array:string:" + fileUri(path), "string:"}));
-  return !reply.empty();
+  const std::vector<std::string> command = fileManagerCommand("ShowFolders", fileUri(path));
+  // On its own it waits for a reply for 25 seconds.
+  return !runCapture(isOnPath(kTimeLimiter) ? within("15", command) : command).empty();
 }
 
 }  // namespace app

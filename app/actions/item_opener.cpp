@@ -9,10 +9,13 @@ namespace app {
 
 namespace {
 
+/// Of a file or folder; otherwise it is an address.
+bool isPath(const std::string& text) { return text.starts_with('/'); }
+
 /// Also for a link to a folder, which opens as the folder does.
 bool isFolder(const std::string& path) {
   struct stat status {};
-  return path.starts_with('/') && ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+  return isPath(path) && ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
 }  // namespace
@@ -35,19 +38,24 @@ void ItemOpener::open(const std::string& path) {
 }
 
 ItemOpener::Opening ItemOpener::findOpening(const std::string& path) {
-  if (isFolder(path) && foldersOpenWithThisProgram()) {
-    return openInFileManager(path) ? Opening::Nothing : Opening::TellNoFileManager;
+  const FolderProgram program = isFolder(path) ? programForFolders() : FolderProgram::Another;
+  if (program != FolderProgram::Another && openInFileManager(path)) return Opening::Nothing;
+  if (program != FolderProgram::Own) {
+    return isOnPath(kOpener) ? Opening::StartOpener : Opening::TellNoOpener;
   }
-  return isOnPath(kOpener) ? Opening::StartOpener : Opening::TellMissing;
+  return isOnPath(kBusSender) ? Opening::TellNoFileManager : Opening::TellNoBusSender;
 }
 
 void ItemOpener::finishOpening(const std::string& path, Opening opening) const {
   switch (opening) {
+    case Opening::Unknown:
+      return isPath(path) ? fail() : startOpener(path);
     case Opening::StartOpener:
-      if (!openWithDefaultApp(path) && onFailed) onFailed();
-      return;
-    case Opening::TellMissing:
+      return startOpener(path);
+    case Opening::TellNoOpener:
       return tell(kOpener, Presence::Missing);
+    case Opening::TellNoBusSender:
+      return tell(kBusSender, Presence::Missing);
     case Opening::TellNoFileManager:
       if (onNoFileManager) onNoFileManager();
       return;
@@ -56,13 +64,21 @@ void ItemOpener::finishOpening(const std::string& path, Opening opening) const {
   }
 }
 
+void ItemOpener::startOpener(const std::string& path) const {
+  if (!openWithDefaultApp(path)) fail();
+}
+
 void ItemOpener::showInFiles(const std::string& path) {
   if (path.empty()) return;
   if (showInFileManager(path)) {
     presence_.ask(kBusSender);
-  } else if (onFailed) {
-    onFailed();
+  } else {
+    fail();
   }
+}
+
+void ItemOpener::fail() const {
+  if (onFailed) onFailed();
 }
 
 void ItemOpener::tell(const std::string& program, Presence presence) const {

@@ -16,7 +16,7 @@ class ItemOpener {
 
   /// The program of that name is not on PATH, so nothing came of what was asked for.
   std::function<void(const std::string& program)> onMissing;
-  /// No process could be started at all.
+  /// No process could be started at all, or no thread to find out with whether a folder is opened.
   std::function<void()> onFailed;
   /// The desktop opens folders with this program, and no file manager answered: nothing came of it.
   std::function<void()> onNoFileManager;
@@ -25,7 +25,8 @@ class ItemOpener {
 
   /// See `openWithDefaultApp`. The path of a file or folder, or an address; nothing happens for an
   /// empty one. How to open it is found out first, beside the window: a folder never comes back to
-  /// this program, but goes to the session's file manager instead. Asked for again meanwhile, it is
+  /// this program, but goes to the session's file manager instead; where nobody knows what the
+  /// desktop would do with it, the file manager has the first try. Asked for again meanwhile, it is
   /// opened once.
   void open(const std::string& path);
   /// See `showInFileManager`. Nothing happens for an empty path.
@@ -33,11 +34,21 @@ class ItemOpener {
 
  private:
   enum class Presence { Unknown, There, Missing };
-  /// What is left to do to open something. Where it cannot be found out the opener is tried.
-  enum class Opening { StartOpener, TellMissing, TellNoFileManager, Nothing };
+  /// What is left to do to open something. `Unknown` where that could not be found out: a path may
+  /// then be a folder's, which only the disk can tell, and is not opened.
+  enum class Opening {
+    Unknown,
+    StartOpener,
+    TellNoOpener,
+    TellNoBusSender,
+    TellNoFileManager,
+    Nothing
+  };
 
   static Opening findOpening(const std::string& path);
   void finishOpening(const std::string& path, Opening opening) const;
+  void startOpener(const std::string& path) const;
+  void fail() const;
   void tell(const std::string& program, Presence presence) const;
 
   /// PATH may lead to a disk that does not answer, and so may what is opened.

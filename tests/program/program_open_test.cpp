@@ -20,6 +20,7 @@ class ProgramOpen : public testing::Test {
  protected:
   ProgramOpen() {
     programs_.addRecorder("xdg-open");
+    programs_.add("gio", "echo 'Default application: files.desktop'");
     programs_.add("dbus-send", "exit 1");
     programs_.add("timeout", "shift 3; exec \"$@\"");  // a machine may stall
     test::writeFile(folder_ / "inner/file.txt", std::string(100'000, 'x'));

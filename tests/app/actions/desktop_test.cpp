@@ -103,32 +103,68 @@ TEST(ShowInFileManager, FailsWhenNeitherStarts) {
   EXPECT_FALSE(showInFileManager("/a", fake.starter()));
 }
 
-/// Has the desktop open folders with `entry`, and takes as long as it takes.
-void openFoldersWith(test::FakePrograms& programs, const std::string& entry) {
+/// Has those who know what folders open with answer so, and take as long as they take.
+void openFoldersWith(test::FakePrograms& programs, const std::string& entry,
+                     const std::string& glibLine) {
   programs.add("timeout", "shift 3; exec \"$@\"");
   programs.add(kAssociations,
                "[ \"$*\" = 'query default inode/directory' ] && printf '%s\\n' '" + entry + "'");
+  programs.add(kGlibAssociations, "[ \"$*\" = 'mime inode/directory' ] && printf '%s\\n' '" +
+                                      glibLine + "' Registered: '\theapgauge.desktop'");
 }
 
-TEST(FoldersOpenWithThisProgram, KnowsTheProgramsOwnEntry) {
+TEST(ProgramForFolders, KnowsTheProgramsOwnEntry) {
   test::FakePrograms programs;
   for (const char* own : {"heapgauge.desktop", "example.heapgauge.heapgauge.desktop"}) {
-    openFoldersWith(programs, own);
-    EXPECT_TRUE(foldersOpenWithThisProgram()) << own;
+    openFoldersWith(programs, own, "Default application: files.desktop");
+    EXPECT_EQ(programForFolders(), FolderProgram::Own) << own;
+    openFoldersWith(programs, "files.desktop", std::string("Default application: ") + own);
+    EXPECT_EQ(programForFolders(), FolderProgram::Own) << own;
   }
-  for (const char* other : {"", "files.desktop", "heapgauge.desktop.files.desktop"}) {
-    openFoldersWith(programs, other);
-    EXPECT_FALSE(foldersOpenWithThisProgram()) << other;
+  for (const char* other : {"files.desktop", "heapgauge.desktop.files.desktop"}) {
+    openFoldersWith(programs, other, std::string("Default application: ") + other);
+    EXPECT_EQ(programForFolders(), FolderProgram::Another) << other;
   }
+  openFoldersWith(programs, "files.desktop", "No default applications");
+  EXPECT_EQ(programForFolders(), FolderProgram::Another);
 }
 
-TEST(FoldersOpenWithThisProgram, IsFalseWhereNobodyKnows) {
+TEST(ProgramForFolders, GoesByTheOneThatAnswers) {
+  test::FakePrograms programs;
+  const std::string files = "Default application: files.desktop";
+  openFoldersWith(programs, "", files);
+  EXPECT_EQ(programForFolders(), FolderProgram::Unknown);
+  openFoldersWith(programs, "", "Default application: heapgauge.desktop");
+  EXPECT_EQ(programForFolders(), FolderProgram::Own);
+  openFoldersWith(programs, "files.desktop", files);
+  programs.add(kGlibAssociations, "exit 1");
+  EXPECT_EQ(programForFolders(), FolderProgram::Unknown);
+  openFoldersWith(programs, "heapgauge.desktop", files);
+  programs.add(kGlibAssociations, "exit 1");
+  EXPECT_EQ(programForFolders(), FolderProgram::Own);
+}
+
+TEST(ProgramForFolders, NeedsOnlyOneToAsk) {
   test::FakePrograms programs(test::FakePrograms::RestOfPath::Hidden);
-  EXPECT_FALSE(foldersOpenWithThisProgram()) << "no tool that bounds the time";
   programs.add("timeout", "shift 3; exec \"$@\"");
-  EXPECT_FALSE(foldersOpenWithThisProgram()) << "nobody to ask";
+  programs.add(kAssociations, "echo files.desktop");
+  EXPECT_EQ(programForFolders(), FolderProgram::Another);
+}
+
+TEST(ProgramForFolders, IsUnknownWhereNobodyKnows) {
+  test::FakePrograms programs(test::FakePrograms::RestOfPath::Hidden);
+  programs.add(kAssociations, "echo files.desktop");
+  EXPECT_EQ(programForFolders(), FolderProgram::Unknown) << "no tool that bounds the time";
+  programs.add("timeout", "shift 3; exec \"$@\"");
+  ASSERT_EQ(programForFolders(), FolderProgram::Another);
   programs.add(kAssociations, "echo heapgauge.desktop; exit 4");
-  EXPECT_FALSE(foldersOpenWithThisProgram()) << "who was asked failed";
+  EXPECT_EQ(programForFolders(), FolderProgram::Unknown) << "who was asked failed";
+}
+
+TEST(ProgramForFolders, IsUnknownWhereNobodyIsThereToAsk) {
+  test::FakePrograms programs(test::FakePrograms::RestOfPath::Hidden);
+  programs.add("timeout", "shift 3; exec \"$@\"");
+  EXPECT_EQ(programForFolders(), FolderProgram::Unknown);
 }
 
 TEST(OpenInFileManager, AsksTheFileManagerOnTheSessionBus) {
@@ -140,6 +176,12 @@ TEST(OpenInFileManager, AsksTheFileManagerOnTheSessionBus) {
                      "--type=method_call", "/org/freedesktop/FileManager1",
                      "org.freedesktop.FileManager1.ShowFolders",
                      "array:string:file:///a%20b%2Cc/%231%20100%25%C3%A9%FF~", "string:"}));
+}
+
+TEST(OpenInFileManager, NeedsNoToolThatBoundsTheTime) {
+  test::FakePrograms programs(test::FakePrograms::RestOfPath::Hidden);
+  programs.add("dbus-send", "echo 'method return time=1.5 sender=:1.7'");
+  EXPECT_TRUE(openInFileManager("/a"));
 }
 
 TEST(OpenInFileManager, KnowsAReplyFromAnError) {

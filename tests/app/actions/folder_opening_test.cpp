@@ -18,6 +18,7 @@
 #include "tests/support/environment.h"
 #include "tests/support/eventually.h"
 #include "tests/support/posted_tasks.h"
+#include "tests/support/scarcity.h"
 #include "tests/support/temp_directory.h"
 
 // A folder that is opened must not come back to the program that opens it.
@@ -33,6 +34,7 @@ class FolderOpeningTest : public testing::Test {
     opener_.onMissing = [this](const std::string& program) { missing_ += program; };
     opener_.onFailed = [] { FAIL() << "nothing could be started"; };
     programs_.add(kOpener, "printf '%s\\n' \"$1\" >> " + opened());
+    glibAssociations("echo 'Default application: files.desktop'");
     fileManager("exit 1");
     useTimeLimits(TimeLimits::Never);
   }
@@ -45,6 +47,7 @@ class FolderOpeningTest : public testing::Test {
   }
   std::string opened() const { return programs_ / "opened"; }
   void associations(const std::string& lines) { programs_.add(kAssociations, lines); }
+  void glibAssociations(const std::string& lines) { programs_.add(kGlibAssociations, lines); }
   void fileManager(const std::string& lines) { programs_.add(kBusSender, lines); }
   /// Opens it and does what is left to do when it is known how.
   void open(const std::string& path) {
@@ -91,6 +94,46 @@ TEST_F(FolderOpeningTest, GoesToTheFileManagerWhereFoldersWouldComeBack) {
   EXPECT_FALSE(openerWasStarted());
 }
 
+TEST_F(FolderOpeningTest, GoesToTheFileManagerWhereOneSaysThatFoldersWouldComeBack) {
+  associations("echo files.desktop");
+  glibAssociations("echo 'Default application: heapgauge.desktop'; echo others");
+  fileManager("echo method return");
+  open(folder_.path());
+  EXPECT_EQ(told_, 0);
+  EXPECT_FALSE(openerWasStarted());
+  fileManager("exit 1");
+  open(folder_.path());
+  EXPECT_EQ(told_, 1);
+  EXPECT_FALSE(openerWasStarted());
+}
+
+TEST_F(FolderOpeningTest, HasTheFileManagerTryFirstWhereNobodyKnows) {
+  associations("exit 1");
+  fileManager("echo method return");
+  open(folder_.path());
+  EXPECT_FALSE(openerWasStarted());
+  const std::string other = folder_ / "other";
+  test::makeDirectory(other);
+  fileManager("exit 1");
+  open(other);
+  EXPECT_TRUE(openerGot(other + "\n"));
+  EXPECT_EQ(told_, 0);
+}
+
+TEST_F(FolderOpeningTest, FailsWhereItCannotFindOutWhetherItIsAFolder) {
+  int failed = 0;
+  opener_.onFailed = [&] { ++failed; };
+  {
+    const test::FewThreads none(0);
+    opener_.open(folder_.path());
+    EXPECT_EQ(failed, 1);
+    opener_.open("https://heapgauge.example/");
+  }
+  EXPECT_TRUE(openerGot("https://heapgauge.example/\n")) << "an address is no folder";
+  EXPECT_EQ(failed, 1);
+  EXPECT_EQ(tasks_.count(), 0u);
+}
+
 TEST_F(FolderOpeningTest, TellsWhereFoldersWouldComeBackAndNobodyElseOpensThem) {
   associations("echo heapgauge.desktop");
   open(folder_.path());
@@ -115,6 +158,7 @@ TEST_F(FolderOpeningTest, AsksNobodyAboutAFileOrAnAddress) {
   const std::string file = folder_ / "file";
   test::writeFile(file);
   open(file);
+  ASSERT_TRUE(openerGot(file + "\n"));
   open("https://heapgauge.example/");
   EXPECT_TRUE(openerGot(file + "\nhttps://heapgauge.example/\n"));
   EXPECT_NE(access((programs_ / "asked").c_str(), F_OK), 0);
@@ -140,14 +184,16 @@ TEST_F(FolderOpeningTest, OpensOnceWhatIsAskedForTwiceMeanwhile) {
 }
 
 // Also who does not listen to the signal, and waits for a program of its own.
-TEST_F(FolderOpeningTest, StartsTheOpenerWhereTheAnswerNeverComes) {
+TEST_F(FolderOpeningTest, StartsTheOpenerWhereTheAnswerNeverComesAndNoFileManagerDoes) {
   useTimeLimits(TimeLimits::Real);
+  fileManager("echo > " + programs_ / "tried" + "; exit 1");
   associations("trap '' TERM; echo $$ > " + programs_ / "asked" + "; sleep 1000; sleep 1000");
   const auto start = std::chrono::steady_clock::now();
   opener_.open(folder_.path());
   ASSERT_TRUE(runTask());
   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
   EXPECT_TRUE(openerGot(folder_.path() + "\n"));
+  EXPECT_EQ(access((programs_ / "tried").c_str(), F_OK), 0) << "before the opener";
   const pid_t asked = std::atoi(test::readFile(programs_ / "asked").c_str());
   ASSERT_GT(asked, 0);
   EXPECT_TRUE(test::eventually([&] { return kill(asked, 0) != 0; })) << "it still runs";
@@ -186,10 +232,32 @@ class RealAssociationsTest : public testing::Test {
   }
 
   std::string applications() const { return data_ / "applications"; }
-  /// What update-desktop-database writes when the entry is installed.
-  void updateDatabase() const {
+  /// Installs another program that opens folders.
+  void addFileManager(const std::string& name) {
+    programs_.addRecorder(name);
+    test::writeFile(applications() + "/" + name + ".desktop",
+                    "[Desktop Entry]\nType=Application\nName=" + name + "\nExec=" + name +
+                        " %f\nMimeType=inode/directory;\n");
+  }
+  /// As update-desktop-database does when they are installed.
+  void writeDatabase(const std::string& entries) const {
     test::writeFile(applications() + "/mimeinfo.cache",
-                    "[MIME Cache]\ninode/directory=heapgauge.desktop;\n");
+                    "[MIME Cache]\ninode/directory=" + entries + "\n");
+  }
+  /// What the user chose.
+  static void writeChoice(const std::string& lines) {
+    test::writeFile(std::string(std::getenv("XDG_CONFIG_HOME")) + "/mimeapps.list", lines + "\n");
+  }
+  /// Opens a folder, which ends with the message that no file manager is there.
+  void openAFolderInVain() {
+    test::PostedTasks tasks;
+    int told = 0;
+    ItemOpener opener(tasks.post());
+    opener.onNoFileManager = [&] { ++told; };
+    opener.open(data_.path());
+    ASSERT_TRUE(test::eventually([&] { return tasks.runFirst(); }));
+    EXPECT_EQ(told, 1);
+    EXPECT_FALSE(programs_.wasStarted("heapgauge"));
   }
   static std::string opensFolders() {
     return runCapture({"xdg-mime", "query", "default", "inode/directory"});
@@ -209,19 +277,45 @@ TEST_F(RealAssociationsTest, TheEntryIsListedForFoldersAndNotPutFirst) {
 }
 
 TEST_F(RealAssociationsTest, AFolderDoesNotComeBack) {
-  updateDatabase();
+  writeDatabase("heapgauge.desktop;");
   ASSERT_EQ(opensFolders(), "heapgauge.desktop\n");
-  test::PostedTasks tasks;
-  int told = 0;
-  ItemOpener opener(tasks.post());
-  opener.onNoFileManager = [&] { ++told; };
-  opener.open(data_.path());
-  ASSERT_TRUE(test::eventually([&] { return tasks.runFirst(); }));
-  EXPECT_EQ(told, 1);
-  EXPECT_FALSE(programs_.wasStarted("heapgauge"));
+  openAFolderInVain();
   // It would have.
   runCapture({kOpener, data_.path()});
   EXPECT_EQ(programs_.argumentsOf("heapgauge"), std::vector<std::string>{data_.path()});
+}
+
+/// Where the two that are asked differ, and desktops that go by the second would come back.
+class DifferingAssociationsTest : public RealAssociationsTest {
+ protected:
+  void SetUp() override {
+    RealAssociationsTest::SetUp();
+    if (!IsSkipped() && !isOnPath(kGlibAssociations)) {
+      GTEST_SKIP() << kGlibAssociations << " is not installed";
+    }
+  }
+  void expectItWouldHaveComeBack() const {
+    runCapture({kGlibAssociations, "open", data_.path()});
+    EXPECT_EQ(programs_.argumentsOf("heapgauge"), std::vector<std::string>{data_.path()});
+  }
+};
+
+TEST_F(DifferingAssociationsTest, AFolderDoesNotComeBackByAnAssociationThatWasAdded) {
+  addFileManager("caja");
+  writeDatabase("caja.desktop;heapgauge.desktop;");
+  writeChoice("[Added Associations]\ninode/directory=heapgauge.desktop");
+  ASSERT_EQ(opensFolders(), "caja.desktop\n");
+  openAFolderInVain();
+  expectItWouldHaveComeBack();
+}
+
+TEST_F(DifferingAssociationsTest, AFolderDoesNotComeBackByADefaultBehindOneThatIsGone) {
+  addFileManager("nemo");
+  writeDatabase("nemo.desktop;");
+  writeChoice("[Default Applications]\ninode/directory=gone.desktop;heapgauge.desktop;");
+  ASSERT_EQ(opensFolders(), "nemo.desktop\n");
+  openAFolderInVain();
+  expectItWouldHaveComeBack();
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include "app/actions/desktop.h"
 #include "tests/app/actions/fake_program.h"
 #include "tests/support/eventually.h"
+#include "tests/support/temp_directory.h"
 
 namespace app {
 namespace {
@@ -55,6 +56,17 @@ TEST_F(ItemOpenerTest, TellsWhenTheOpenerIsNotThere) {
   opener_.showInFiles("/a");
   ASSERT_TRUE(runNextTask());
   EXPECT_EQ(missing_, (Names{kOpener, kBusSender}));
+}
+
+TEST_F(ItemOpenerTest, TellsWhenNobodyCanBeAskedForAFolderThatWouldComeBack) {
+  test::FakePrograms programs(test::FakePrograms::RestOfPath::Hidden);
+  programs.add("timeout", "shift 3; exec \"$@\"");
+  programs.add(kAssociations, "echo heapgauge.desktop");
+  opener_.onNoFileManager = [] { FAIL() << "none was asked"; };
+  const test::TempDirectory folder;
+  opener_.open(folder.path());
+  ASSERT_TRUE(runNextTask());
+  EXPECT_EQ(missing_, Names{kBusSender});
 }
 
 TEST_F(ItemOpenerTest, SaysNothingWhereTheProgramIsThere) {
