@@ -13,6 +13,7 @@
 #include "app/actions/desktop.h"
 #include "app/actions/item_opener.h"
 #include "app/actions/process.h"
+#include "base/detached_threads.h"
 #include "base/file_descriptor.h"
 #include "tests/app/actions/fake_program.h"
 #include "tests/support/environment.h"
@@ -209,6 +210,9 @@ TEST_F(FolderOpeningTest, EndsWhileAnAnswerIsOwed) {
   ASSERT_EQ(write(keeper.get(), "\n", 1), 1);
   EXPECT_TRUE(
       test::eventually([&] { return access((programs_ / "answered").c_str(), F_OK) == 0; }));
+  // It looks at PATH, too, which is put back when the test ends.
+  ASSERT_TRUE(
+      base::awaitDetachedThreads(std::chrono::steady_clock::now() + std::chrono::seconds(20)));
   EXPECT_EQ(tasks.count(), 0u);
 }
 
