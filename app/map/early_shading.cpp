@@ -15,6 +15,8 @@ namespace {
 
 /// Edges that lie together in exact arithmetic differ by less: a coordinate of up to 2^16 is the
 /// sum of up to a million others in each of 64 levels at the most, rounded to 2^-37 each time.
+/// The sums of sizes that they depend on are rounded, too, where sizes are beyond 2^53, but
+/// relative to the folder that is divided: by no more than that.
 constexpr double kEdgeTolerance = 1.0 / 256;
 
 bool isAtCentre(double edge) {
@@ -33,7 +35,7 @@ bool maySharePixels(const MapRect& rect) {
 
 void EarlyShader::add(const TreemapBlock& block, const PixelSpan& span, std::uint32_t colour,
                       std::uint32_t index) {
-  if (all_ || maySharePixels(block.rect)) return late_.add(block, colour, index);
+  if (maySharePixels(block.rect)) return late_.add(block, colour, index);
   const PixelBounds bounds = {span.left, span.right, span.top, span.bottom};
   if (bounds.empty()) return;
   jobs_[jobCount_++] = {bounds, &block.cushion, colour, index};

@@ -40,19 +40,15 @@ class LateBlocks {
 
 /// Whether a block of a layout in this place may have a pixel in common with another one: where it
 /// does, an edge of each lies at the pixel's centre, on one side of it or, after rounding, on the
-/// other. Holds where the sizes in each folder add up to less than `kMostExactBytes`.
+/// other.
 bool maySharePixels(const MapRect& rect);
-/// Up to here sums of sizes are exact, and so are the places that depend on them but for the
-/// rounding of the last digits.
-inline constexpr double kMostExactBytes = 4503599627370496.0;  // 2^52
 
 /// Paints blocks of one layout, at once where no other block has their pixels; the others are added
 /// to the late ones. So several of these, on threads of their own, never write one pixel.
 class EarlyShader {
  public:
-  /// Both outlive it. `all`: whether each block may share pixels with any other.
-  EarlyShader(const MapImage& image, bool all, LateBlocks* late)
-      : image_(image), all_(all), late_(*late) {}
+  /// Both outlive it.
+  EarlyShader(const MapImage& image, LateBlocks* late) : image_(image), late_(*late) {}
   EarlyShader(const EarlyShader&) = delete;
   EarlyShader& operator=(const EarlyShader&) = delete;
 
@@ -64,7 +60,6 @@ class EarlyShader {
 
  private:
   const MapImage image_;
-  const bool all_;
   LateBlocks& late_;
   std::array<PaintJob, kRunLength> jobs_;
   std::size_t jobCount_ = 0;

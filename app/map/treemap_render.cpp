@@ -119,12 +119,10 @@ class BlockPainter {
 /// at the end, by all threads together.
 class MapMaker {
  public:
-  /// `exact`: sizes add up to less than `kMostExactBytes`.
-  MapMaker(const LayoutParts& layout, const BlockPainter& painter, bool exact, unsigned threads,
+  MapMaker(const LayoutParts& layout, const BlockPainter& painter, unsigned threads,
            const std::stop_token& stop, RenderedTreemap* map)
       : layout_(layout),
         painter_(painter),
-        exact_(exact),
         threads_(threads),
         stop_(stop),
         map_(*map),
@@ -185,7 +183,7 @@ class MapMaker {
 
   LateBlocks paint(const MapPart& part) const {
     LateBlocks late;
-    EarlyShader shader(image_, !exact_, &late);
+    EarlyShader shader(image_, &late);
     for (std::size_t i = 0; i < part.blocks.size(); ++i) {
       if (!part.blocks[i].painted) continue;
       shader.add(part.blocks[i], part.kept[i].rect, part.colours[i],
@@ -268,7 +266,6 @@ class MapMaker {
 
   const LayoutParts& layout_;
   const BlockPainter& painter_;
-  const bool exact_;
   const unsigned threads_;
   const std::stop_token& stop_;
   RenderedTreemap& map_;
@@ -284,14 +281,6 @@ class MapMaker {
   Parts spare_;
   std::vector<LateBlocks> late_;
 };
-
-/// Whether sums of the sizes that are shown are exact as the layout computes them.
-bool addsUpExactly(std::int64_t rootSize, std::span<const ExtraBlock> extraBlocks) {
-  auto total = static_cast<double>(rootSize);
-  for (const ExtraBlock& extra : extraBlocks)
-    total += static_cast<double>(std::max<std::int64_t>(extra.size, 0));
-  return rootSize >= 0 && total < kMostExactBytes;
-}
 
 void findExtras(RenderedTreemap* map) {
   for (std::uint32_t i = 0; i < map->blocks.size(); ++i) {
@@ -351,7 +340,7 @@ RenderedTreemap renderTreemap(const FileTree& tree, NodeId root, std::int32_t wi
     const MapRect whole = {0, 0, static_cast<double>(width), static_cast<double>(height)};
     const LayoutParts layout(tree, root, whole, measure, extraBlocks, kBlocksInPart);
     const BlockPainter painter(tree, measure, colours, map.extraColours);
-    MapMaker(layout, painter, addsUpExactly(map.rootSize, extraBlocks), threads, stop, &map).make();
+    MapMaker(layout, painter, threads, stop, &map).make();
     if (!extraBlocks.empty()) findExtras(&map);
   }
   endWhereGivenUp(stop);

@@ -25,6 +25,10 @@ constexpr MeasureSettings kByLength;
 
 std::uint64_t randomSize(std::mt19937_64& random) { return 1000 + random() % 100000; }
 std::uint64_t equalSize(std::mt19937_64&) { return 4096; }
+/// Sums of these are rounded, or too large for any number that a folder's size is kept in.
+std::uint64_t hugeSize(std::mt19937_64& random) {
+  return (std::uint64_t{1} << (50 + random() % 13)) + random() % 4096;
+}
 
 template <typename Size>
 void fillWith(Size size, FileTree* tree, std::size_t folders = 128, int filesInFolder = 256) {
@@ -76,6 +80,12 @@ TEST(EarlyShading, DrawsFilesOfManySizesAsTheyAreDrawnNaively) {
   expectDrawnAsNaively(tree, 811, 603);
 }
 
+TEST(EarlyShading, DrawsHugeFilesAsTheyAreDrawnNaively) {
+  FileTree tree;
+  fillWith(hugeSize, &tree);
+  expectDrawnAsNaively(tree, 811, 603);
+}
+
 /// Half of the edges lie at the centres of pixels.
 TEST(EarlyShading, DrawsFilesOfOneSizeAsTheyAreDrawnNaively) {
   FileTree tree;
@@ -99,7 +109,8 @@ TEST(EarlyShading, KnowsOfEveryBlockThatSharesAPixel) {
   std::size_t shared = 0;
   for (int round = 0; round < 200; ++round) {
     FileTree tree;
-    fillWith(equalSize, &tree, 3 + random() % 28, 3 + static_cast<int>(random() % 100));
+    fillWith(round % 2 == 0 ? equalSize : hugeSize, &tree, 3 + random() % 28,
+             3 + static_cast<int>(random() % 100));
     const auto width = static_cast<std::int32_t>(30 + random() % 300);
     const auto height = static_cast<std::int32_t>(30 + random() % 300);
     std::vector<TreemapBlock> blocks;
