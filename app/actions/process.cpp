@@ -17,7 +17,9 @@
 
 // What runs between fork and exec is a copy of one thread of many: a lock that another one held, as
 // the allocator's, stays locked for ever. Nothing there may allocate, so all that a child needs is
-// laid out before.
+// laid out before, and the address sanitizer, which allocates before each call that does not
+// return, keeps out.
+#define HEAPGAUGE_IN_FORKED_CHILD [[gnu::no_sanitize_address]]
 
 namespace app {
 
@@ -35,7 +37,7 @@ class Arguments {
     pointers_.push_back(nullptr);
   }
 
-  [[noreturn]] void run() const {
+  HEAPGAUGE_IN_FORKED_CHILD [[noreturn]] void run() const {
     ::execvp(pointers_[0], pointers_.data());
     ::_exit(kCannotRun);
   }
@@ -67,7 +69,7 @@ void putAt(int fd, int target) {
   }
 }
 
-[[noreturn]] void runDetached(const Arguments& arguments) {
+HEAPGAUGE_IN_FORKED_CHILD [[noreturn]] void runDetached(const Arguments& arguments) {
   ::setsid();  // no Ctrl-C in the terminal we were started from, and no end of it
   const int null = ::open("/dev/null", O_RDWR);
   if (null >= 0) {
@@ -78,13 +80,31 @@ void putAt(int fd, int target) {
   arguments.run();
 }
 
-[[noreturn]] void runCaptured(const Arguments& arguments, int output) {
+HEAPGAUGE_IN_FORKED_CHILD [[noreturn]] void runCaptured(const Arguments& arguments, int output) {
   putAt(output, STDOUT_FILENO);
   const int null = ::open("/dev/null", O_WRONLY);
   if (null >= 0) putAt(null, STDERR_FILENO);
   closeAllButStandard();
   useDefaultSignals();
   arguments.run();
+}
+
+/// Starts the child that runs `arguments` with its output to `output`; negative when it cannot.
+HEAPGAUGE_IN_FORKED_CHILD pid_t forkCaptured(const Arguments& arguments, int output) {
+  const pid_t child = ::fork();
+  if (child == 0) runCaptured(arguments, output);
+  return child;
+}
+
+/// Starts the child that starts the program and ends at once, so that the program falls to init,
+/// which waits for it; negative when it cannot.
+HEAPGAUGE_IN_FORKED_CHILD pid_t forkDetached(const Arguments& arguments) {
+  const pid_t between = ::fork();
+  if (between == 0) {
+    if (::fork() != 0) ::_exit(0);
+    runDetached(arguments);
+  }
+  return between;
 }
 
 /// Waits for the end of `child`; its status, or nothing that is a success when that is unknown.
@@ -131,14 +151,8 @@ std::string_view searchPath() {
 
 bool spawnDetached(const std::vector<std::string>& argv) {
   if (argv.empty()) return false;
-  const Arguments arguments(argv);
-  const pid_t between = ::fork();
+  const pid_t between = forkDetached(Arguments(argv));
   if (between < 0) return false;
-  if (between == 0) {
-    // The program's parent ends at once, so that it falls to init, which waits for it.
-    if (::fork() != 0) ::_exit(0);
-    runDetached(arguments);
-  }
   statusOf(between);
   return true;
 }
@@ -149,10 +163,8 @@ std::string runCapture(const std::vector<std::string>& argv) {
   if (argv.empty() || ::pipe2(ends.data(), O_CLOEXEC) != 0) return {};
   base::FileDescriptor readEnd(ends[0]);
   base::FileDescriptor writeEnd(ends[1]);
-  const Arguments arguments(argv);
-  const pid_t child = ::fork();
+  const pid_t child = forkCaptured(Arguments(argv), writeEnd.get());
   if (child < 0) return {};
-  if (child == 0) runCaptured(arguments, writeEnd.get());
   writeEnd.close();
   const std::string text = readUpToTheMost(readEnd.get());
   const bool cutOff = text.size() > kMostCaptured;
