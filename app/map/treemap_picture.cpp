@@ -90,7 +90,12 @@ bool TreemapPicture::fits() const {
 }
 
 const KindColours& TreemapPicture::shownColours() const {
-  return !rect_.empty() && fits() ? rendered_.kindColours : colours_;
+  return !rect_.empty() && isSeen() ? rendered_.kindColours : colours_;
+}
+
+/// Where the place has another size than the picture, it is seen while the next one is on its way.
+bool TreemapPicture::isSeen() const {
+  return fits() || (!rendered_.pixels.empty() && makesInBackground() && !dirty_);
 }
 
 bool TreemapPicture::behind() const {
@@ -115,14 +120,18 @@ bool TreemapPicture::update() {
   }
 }
 
+bool TreemapPicture::makesInBackground() const { return growing_ && post_ && failures_ == 0; }
+
 /// A scan has just begun: nothing is seen that the picture would come in place of, and what it
-/// shows of the tree is next to nothing, so that the window need not wait for it.
-bool TreemapPicture::isFirstOfGrowing() const {
-  return growing_ && post_ && failures_ == 0 && rendered_.pixels.empty();
+/// shows of the tree is next to nothing, so that the window need not wait for it. Nor for another
+/// size of what is seen already: one that is on its way comes first, so that the pictures follow an
+/// edge that is dragged on and on.
+bool TreemapPicture::canWait() const {
+  return makesInBackground() && (rendered_.pixels.empty() || !dirty_);
 }
 
 bool TreemapPicture::makeAndSend() {
-  if ((dirty_ || !fits()) && isFirstOfGrowing()) {
+  if ((dirty_ || !fits()) && canWait()) {
     if (!background_.busy() && !arriving_) {
       dirty_ = false;
       renderInBackground();
@@ -163,15 +172,16 @@ void TreemapPicture::renderNow() {
 void TreemapPicture::renderInBackground() {
   outdated_ = false;
   overtaken_ = false;
-  const bool begun = post_ && background_.start({.tree = tree_,
-                                                 .root = focus_,
-                                                 .width = rect_.w,
-                                                 .height = rect_.h,
-                                                 .colours = colours_,
-                                                 .extraBlocks = extraBlocks_,
-                                                 .measure = measure_,
-                                                 .recycled = std::exchange(spare_, {}),
-                                                 .threads = growing_ ? 1 : hardwareThreads()});
+  const bool begun =
+      post_ && background_.start({.tree = tree_,
+                                  .root = focus_,
+                                  .width = rect_.w,
+                                  .height = rect_.h,
+                                  .colours = colours_,
+                                  .extraBlocks = extraBlocks_,
+                                  .measure = measure_,
+                                  .recycled = std::exchange(spare_, {}),
+                                  .threads = growing_ && fits() ? 1 : hardwareThreads()});
   if (!begun) renderNow();
 }
 
@@ -375,11 +385,12 @@ void TreemapPicture::sendPart(const ui::Rect& part) {
 }
 
 void TreemapPicture::paint(ui::Canvas& canvas) const {
-  if (image_.width() != rect_.w || image_.height() != rect_.h) {
-    canvas.fillRect(rect_, ui::kOpaque | kMapBackground);
-    return;
-  }
+  const bool whole = image_.width() == rect_.w && image_.height() == rect_.h;
+  if (!whole) canvas.fillRect(rect_, ui::kOpaque | kMapBackground);
+  if (!whole && !isSeen()) return;
+  canvas.pushClip(rect_);
   image_.draw(canvas, rect_.x, rect_.y);
+  canvas.popClip();
 }
 
 }  // namespace app

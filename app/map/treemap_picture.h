@@ -24,10 +24,11 @@ namespace app {
 
 /// The picture of the focused folder with the outlines of what is selected. Keeps the last
 /// one and makes a new one only when what it shows or its size has changed: at once when it is to
-/// show something else, in the background when the tree has only grown; its pixels are sent to the
-/// X server once. Those of a large one from the background are sent in bands, so that the window
-/// thread has turns for its user in between; until the last one is there the picture before it
-/// stays, on the screen and to all who ask. Window thread only.
+/// show something else, in the background when the tree has only grown, or only the size has
+/// changed while it grows; its pixels are sent to the X server once. Those of a large one from the
+/// background are sent in bands, so that the window thread has turns for its user in between; until
+/// the last one is there the picture before it stays, on the screen and to all who ask. Window
+/// thread only.
 class TreemapPicture {
  public:
   /// A picture was made in the background: the next `update` shows it.
@@ -92,7 +93,9 @@ class TreemapPicture {
  private:
   bool fits() const;
   bool renderDue() const;
-  bool isFirstOfGrowing() const;
+  bool isSeen() const;
+  bool makesInBackground() const;
+  bool canWait() const;
   bool makeAndSend();
   struct Arriving;
   void recycle(RenderedTreemap old);
