@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "app/map/treemap_render.h"
+#include "app/map/rendered_treemap.h"
 #include "sizewalk/file_kinds.h"
 
 namespace app {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "app/map/treemap_render.h"
+#include "app/map/rendered_treemap.h"
 #include "app/model/measure.h"
 #include "sizewalk/file_tree.h"
 

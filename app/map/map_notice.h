@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "app/map/treemap_render.h"
+#include "app/map/rendered_treemap.h"
 #include "app/model/measure.h"
 #include "app/model/scan_status.h"
 #include "sizewalk/file_tree.h"

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "app/map/treemap_render.h"
+#include "app/map/rendered_treemap.h"
 #include "ui/colour.h"
 #include "ui/geometry.h"
 #include "ui/text_fit.h"

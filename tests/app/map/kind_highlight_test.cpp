@@ -6,6 +6,8 @@
 #include <set>
 
 #include "app/map/cushion_shading.h"
+#include "app/map/drawn_kind.h"
+#include "app/map/treemap_render.h"
 #include "sizewalk/file_kinds.h"
 #include "tests/app/map/map_tree.h"
 

@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "app/map/treemap_render.h"
 #include "app/model/format.h"
 #include "tests/app/map/map_tree.h"
 #include "tests/sizewalk/tree_model.h"

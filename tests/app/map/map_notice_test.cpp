@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "app/map/treemap_render.h"
 #include "tests/app/map/map_tree.h"
 #include "tests/sizewalk/tree_model.h"
 

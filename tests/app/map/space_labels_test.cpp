@@ -10,6 +10,7 @@
 #include "app/map/cushion_kernel.h"
 #include "app/map/extra_blocks.h"
 #include "app/map/kind_highlight.h"
+#include "app/map/treemap_render.h"
 #include "tests/app/map/treemap_view_fixture.h"
 #include "tests/support/counting_proxy.h"
 #include "tests/ui/contrast.h"

@@ -25,8 +25,6 @@ constexpr std::uint16_t kJpegKind = 8;
 constexpr MeasureSettings kLengths;
 const KindColours kColours(true);
 
-std::uint32_t colour(sizewalk::KindIndex kind) { return kColours.colourForKind(kind) & 0xFFFFFF; }
-
 RenderedTreemap draw(const FileTree& tree, std::int32_t width, std::int32_t height,
                      const std::vector<ExtraBlock>& extraBlocks = {}) {
   return renderTreemap(tree, kRootNode, width, height, kColours, extraBlocks, kLengths);
@@ -210,94 +208,6 @@ TEST(TreemapRender, ColoursExtraBlocksAsTheyAsk) {
   expectAsDrawnNaively(map, test::drawNaively(tree, kRootNode, 60, 30, kColours, blocks, kLengths));
   ASSERT_EQ(map.extraColours.count(kOtherSpaceBlock), 1U);
   EXPECT_EQ(map.extraColours.at(kFreeSpaceBlock).label, "Free space");
-}
-
-/// The colour of the root's first subfolder when it is drawn as one block.
-std::uint32_t colourOfSmallFolder(const FileTree& tree, NodeId node,
-                                  const MeasureSettings& measure = kLengths) {
-  const RenderedTreemap map = renderTreemap(tree, kRootNode, 100, 100, kColours, {}, measure);
-  for (const PictureBlock& block : map.blocks) {
-    if (block.id == static_cast<std::int32_t>(node)) {
-      EXPECT_TRUE(block.painted);
-      return colour(block.kind);
-    }
-  }
-  ADD_FAILURE() << "no block";
-  return 0;
-}
-
-/// A folder of `entries` beside a file so large that the folder has a few pixels only.
-NodeId addSmallFolder(FileTree& tree, const std::vector<test::MapEntry>& entries) {
-  std::uint64_t size = 1;
-  for (const test::MapEntry& entry : entries) size += entry.apparent;
-  const NodeId node = fillRoot(tree, {folder(), file(size * 2000)}).front();
-  fill(tree, node, entries);
-  return node;
-}
-
-TEST(DominantKind, IsThatOfTheLargestFile) {
-  FileTree tree;
-  const NodeId node = addSmallFolder(tree, {file(10), file(30, kPdfKind), file(30, kJpegKind)});
-  EXPECT_EQ(colourOfSmallFolder(tree, node), colour(kPdfKind));  // the first of equal ones
-}
-
-TEST(DominantKind, DescendsIntoTheLargestFolder) {
-  FileTree tree;
-  const NodeId node = addSmallFolder(tree, {file(20, kPdfKind), folder(), file(15)});
-  fill(tree, node + 3, {file(12, kPdfKind), file(13, kJpegKind)});
-  EXPECT_EQ(dominantKind(tree, node, kLengths), kJpegKind);
-}
-
-TEST(DominantKind, LooksAtTheFirst256ChildrenOnly) {
-  std::vector<test::MapEntry> entries(256, file(1));
-  entries[255] = file(5, kPdfKind);
-  entries.push_back(file(100, kJpegKind));
-  FileTree tree;
-  EXPECT_EQ(dominantKind(tree, addSmallFolder(tree, entries), kLengths), kPdfKind);
-}
-
-TEST(DominantKind, GivesUpAfterEightLevels) {
-  for (const int levels : {7, 8}) {
-    FileTree tree;
-    tree.createRoot("/map");
-    NodeId node = kRootNode;
-    for (int i = 0; i < levels; ++i) node = fill(tree, node, {folder()}).front();
-    fill(tree, node, {file(9, kPdfKind)});
-    EXPECT_EQ(dominantKind(tree, kRootNode, kLengths),
-              levels == 7 ? kPdfKind : sizewalk::kKindFolder);
-  }
-}
-
-TEST(DominantKind, OfAFolderWithoutSizesIsTheFallback) {
-  FileTree tree;
-  const NodeId node = fillRoot(tree, {folder(), file(5)}).front();
-  fill(tree, node, {file(0, kPdfKind)});
-  EXPECT_EQ(dominantKind(tree, node, kLengths), sizewalk::kKindFolder);
-  const RenderedTreemap map = renderTreemap(tree, node, 10, 10, kColours, {}, kLengths);
-  EXPECT_EQ(map.blocks.at(0).reason, BlockReason::nothingVisible);
-  EXPECT_EQ(map.blocks.at(0).kind, sizewalk::otherKind);
-}
-
-TEST(DominantKind, GoesByLengthEvenWhereSizesOnDiskAreShown) {
-  FileTree tree;
-  const NodeId node =
-      addSmallFolder(tree, {{kPdfKind, 100, 10, 0, false}, {kJpegKind, 10, 100, 0, false}});
-  EXPECT_EQ(colourOfSmallFolder(tree, node, {Measure::CurrentSize, true}), colour(kPdfKind));
-}
-
-TEST(DominantKind, GoesByTheMeasureShown) {
-  FileTree tree(test::mapTreeOptions());
-  const NodeId node = addSmallFolder(tree, {{kPdfKind, 100, 100, test::kSixMonthsAgo, false},
-                                            {kJpegKind, 10, 10, test::kMonthAgo, false}});
-  EXPECT_EQ(dominantKind(tree, node, {Measure::AddedLastSixMonths, true}), kPdfKind);
-  EXPECT_EQ(dominantKind(tree, node, {Measure::AddedLastMonth, true}), kJpegKind);
-}
-
-TEST(DominantKind, PassesOverWhatIsTakenOut) {
-  FileTree tree;
-  const NodeId node = addSmallFolder(tree, {file(20, kPdfKind), file(10, kJpegKind)});
-  tree.removeSubtree(node + 2);
-  EXPECT_EQ(dominantKind(tree, node, kLengths), kJpegKind);
 }
 
 TEST(OutlineRects, KeepTheLargestBlockOfANodeAndTheFirstOfEqualOnes) {
