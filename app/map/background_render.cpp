@@ -44,13 +44,16 @@ bool BackgroundRender::start(RenderRequest request) {
     const base::MutexLock lock(job->mutex);
     job->post = post_;
   }
-  const bool started = base::startDetached([this, job, request = std::move(request)]() mutable {
-    giveWayToWindow();
-    job->picture = render(std::move(request), job->stop.get_token());
-    job->processorTime = processorTime();
-    const base::MutexLock lock(job->mutex);
-    if (job->post) job->post([this, job] { finish(job); });
-  });
+  // Made here: on its thread there may be no memory for it.
+  std::function<void()> tell = [this, job] { finish(job); };
+  const bool started =
+      base::startDetached([job, request = std::move(request), tell = std::move(tell)]() mutable {
+        giveWayToWindow();
+        job->picture = render(std::move(request), job->stop.get_token());
+        job->processorTime = processorTime();
+        const base::MutexLock lock(job->mutex);
+        if (job->post) job->post(std::move(tell));
+      });
   if (started) job_ = std::move(job);
   return started;
 }

@@ -3,8 +3,9 @@
 // pixel's place, and one fixed light turns the gradient into a shade.
 //
 // `shadePixel` says what a pixel is; the kernel (cushion_kernel.cpp) comes to the same bit for bit,
-// on every machine. Threads share the image by bands of rows, never by blocks: neighbouring blocks
-// may round onto the same pixel, and then the later one has to win. Each band goes through the
+// on every machine. Threads share the image by bands of rows, not by blocks: neighbouring blocks
+// may round onto the same pixel, and then the later one has to win. (Those of which it is known
+// that they do not are painted before, by whoever laid them out.) Each band goes through the
 // blocks in their order; blocks that lie together in the list lie together on the map, so a band
 // passes over whole runs that do not reach it.
 //

@@ -47,7 +47,8 @@ void OutlineRects::assign(std::span<const PictureBlock> blocks, unsigned threads
   // However far apart the nodes lie, there are no more buckets than blocks.
   for (shift_ = kLeastShift; ((greatest - least_) >> shift_) > nodes;) ++shift_;
   ends_.resize(bucketOf(greatest) + 1);
-  const std::size_t shares = std::clamp<std::size_t>(nodes / kBlocksPerThread, 1, threads);
+  const std::size_t shares =
+      std::clamp<std::size_t>(nodes / kBlocksPerThread, 1, std::max(threads, 1U));
   const auto inShares = [&](auto pass) {
     forEachOnThreads(shares, threads, [&](std::size_t share) {
       (this->*pass)(blocks, bucketCount() * share / shares, bucketCount() * (share + 1) / shares);

@@ -59,6 +59,12 @@ class Part {
 
 }  // namespace
 
+ui::Rect outlineOf(const RenderedTreemap& map, sizewalk::NodeId node) {
+  const PixelSpan* rect = map.outlineRect(node);
+  const ui::Rect pixels = rect ? rect->rect() : ui::Rect();
+  return pixels.w < kLeastOutlined || pixels.h < kLeastOutlined ? ui::Rect() : pixels;
+}
+
 void drawOutlines(std::span<const ui::Rect> outlines, const OutlineStyle& style,
                   const ui::Rect& area, std::span<std::uint32_t> pixels) {
   if (area.empty()) return;

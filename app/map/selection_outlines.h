@@ -4,6 +4,8 @@
 #include <span>
 #include <vector>
 
+#include "app/map/rendered_treemap.h"
+#include "sizewalk/file_tree.h"
 #include "ui/colour.h"
 #include "ui/geometry.h"
 
@@ -19,6 +21,10 @@ struct OutlineStyle {
 
 /// Smaller items have no outline: it would hide what it is around.
 inline constexpr int kLeastOutlined = 3;
+
+/// Where an item is outlined on the map; empty where the map does not show it by itself, or too
+/// small.
+ui::Rect outlineOf(const RenderedTreemap& map, sizewalk::NodeId node);
 
 /// Draws `outlines`, rectangles of the map that are just inside their items' edges, on `pixels`,
 /// those of the part `area` of the map, 0xRRGGBB row by row. Light lines lie below all others and

@@ -16,8 +16,6 @@ namespace {
 constexpr std::size_t kMostBands = 100;
 /// A megabyte, which is sent in about a millisecond. What has more goes in bands.
 constexpr std::size_t kPixelsAtOnce = 262144;
-/// 128 kB fit into the socket: more waits for the server, which may itself wait for a processor.
-constexpr std::size_t kBandPixels = 32768;
 /// After as many the picture is made on the spot, in the memory of the last one.
 constexpr int kMostFailures = 3;
 }  // namespace
@@ -32,11 +30,10 @@ TreemapPicture::TreemapPicture(ui::Connection& connection, const KindColours& co
       post_(std::move(post)),
       background_(post_) {
   background_.onEnded = [this](auto picture, BackgroundRender::Duration processorTime) {
-    budget_.spend(processorTime);
+    if (preview_) budget_.spend(processorTime);
     if (!picture) return noteFailure();
     failures_ = 0;
     take(std::move(*picture));
-    if (!arriving_ && onRendered) onRendered();
   };
 }
 
@@ -45,8 +42,8 @@ void TreemapPicture::show(std::shared_ptr<const sizewalk::FileTree> tree, sizewa
   dirty_ = true;
   if (tree == tree_) return;
   tree_ = std::move(tree);
-  background_.drop();
-  giveUpArriving();
+  giveUpNext();
+  budget_ = PreviewBudget(PreviewBudget::Clock::now());
   // Its blocks name nodes of the other tree.
   base::destroyElsewhere(std::exchange(spare_, std::exchange(rendered_, {})));
   image_.clear();
@@ -75,14 +72,13 @@ void TreemapPicture::setHighlight(std::optional<sizewalk::KindIndex> kind) {
 
 void TreemapPicture::setGrowing(bool growing) {
   if (growing == growing_) return;
-  growing_ = growing;
   if (growing) {
     budget_ = PreviewBudget(PreviewBudget::Clock::now());
-  } else if (background_.busy() || arriving_) {
-    background_.drop();
-    giveUpArriving();
+  } else if (nextBegun()) {
+    giveUpNext();
     outdated_ = true;
   }
+  growing_ = growing;
 }
 
 bool TreemapPicture::fits() const {
@@ -98,15 +94,18 @@ bool TreemapPicture::isSeen() const {
   return fits() || (!rendered_.pixels.empty() && makesInBackground() && !dirty_);
 }
 
+bool TreemapPicture::nextBegun() const { return background_.busy() || arriving_ || made_; }
+
 bool TreemapPicture::behind() const {
-  return background_.busy() || arriving_ || (outdated_ && tree_ && !rect_.empty());
+  return tree_ && !rect_.empty() && (nextBegun() || outdated_);
 }
 
 bool TreemapPicture::due() const { return refused_ || renderDue(); }
 
 bool TreemapPicture::renderDue() const {
-  if (!behind() || background_.busy() || arriving_) return false;
-  return !growing_ || budget_.allows(PreviewBudget::Clock::now());
+  if (!tree_ || rect_.empty() || nextBegun()) return false;
+  if (dirty_ || !fits()) return true;
+  return outdated_ && (!growing_ || budget_.allows(PreviewBudget::Clock::now()));
 }
 
 bool TreemapPicture::update() {
@@ -124,20 +123,19 @@ bool TreemapPicture::makesInBackground() const { return growing_ && post_ && fai
 
 /// A scan has just begun: nothing is seen that the picture would come in place of, and what it
 /// shows of the tree is next to nothing, so that the window need not wait for it. Nor for another
-/// size of what is seen already: one that is on its way comes first, so that the pictures follow an
-/// edge that is dragged on and on.
+/// size of what is seen already.
 bool TreemapPicture::canWait() const {
   return makesInBackground() && (rendered_.pixels.empty() || !dirty_);
 }
 
 bool TreemapPicture::makeAndSend() {
-  if ((dirty_ || !fits()) && canWait()) {
-    if (!background_.busy() && !arriving_) {
-      dirty_ = false;
-      renderInBackground();
+  const bool arrived = showArrived();
+  if (dirty_ || !fits()) {
+    if (canWait()) {
+      beginInBackground();
+    } else {
+      renderNow();
     }
-  } else if (dirty_ || !fits()) {
-    renderNow();
   } else if (renderDue()) {
     if (failures_ < kMostFailures) {
       renderInBackground();
@@ -145,7 +143,6 @@ bool TreemapPicture::makeAndSend() {
       renderNow();
     }
   }
-  const bool arrived = std::exchange(arrived_, false);
   if (!std::exchange(unsent_, false) && !refused_) {
     if (selected_ != sentSelected_) sendWhereSelectionChanged();
     return arrived;
@@ -154,65 +151,78 @@ bool TreemapPicture::makeAndSend() {
   return true;
 }
 
+/// A picture of another size that is on its way comes first, so that the pictures follow an edge
+/// that is dragged on and on.
+void TreemapPicture::beginInBackground() {
+  const bool onlyFollows = preview_ && !rendered_.pixels.empty();
+  if (dirty_ || onlyFollows) giveUpNext();
+  if (nextBegun()) return;
+  dirty_ = false;
+  renderInBackground();
+}
+
 void TreemapPicture::renderNow() {
   // The last picture is given up for the new one: until that is there, one is due.
   dirty_ = true;
-  giveUpArriving();
+  giveUpNext();
   RenderedTreemap recycled = std::exchange(rendered_, {});
   if (recycled.pixels.empty()) recycled = std::exchange(spare_, {});
   rendered_ = renderTreemap(*tree_, focus_, rect_.w, rect_.h, colours_, extraBlocks_, measure_,
                             std::move(recycled));
+  if (!growing_) letGo(std::exchange(spare_, {}));
   dirty_ = false;
   outdated_ = false;
   failures_ = 0;
-  overtaken_ = background_.busy();
   unsent_ = true;
 }
 
 void TreemapPicture::renderInBackground() {
   outdated_ = false;
-  overtaken_ = false;
-  const bool begun =
-      post_ && background_.start({.tree = tree_,
-                                  .root = focus_,
-                                  .width = rect_.w,
-                                  .height = rect_.h,
-                                  .colours = colours_,
-                                  .extraBlocks = extraBlocks_,
-                                  .measure = measure_,
-                                  .recycled = std::exchange(spare_, {}),
-                                  .threads = growing_ && fits() ? 1 : hardwareThreads()});
+  const bool resized = !fits() && !rendered_.pixels.empty();
+  preview_ = growing_ && !resized;
+  const bool begun = post_ && background_.start({.tree = tree_,
+                                                 .root = focus_,
+                                                 .width = rect_.w,
+                                                 .height = rect_.h,
+                                                 .colours = colours_,
+                                                 .extraBlocks = extraBlocks_,
+                                                 .measure = measure_,
+                                                 .recycled = std::exchange(spare_, {}),
+                                                 .threads = preview_ ? 1 : hardwareThreads()});
   if (!begun) renderNow();
 }
 
 /// There was no memory for a picture in the background. Nothing says that the tree will change once
 /// more, so that it is tried again: the next tick finds it due.
 void TreemapPicture::noteFailure() {
-  if (overtaken_) return;
   outdated_ = true;
   ++failures_;
 }
 
-/// Shows a picture from the background, unless something else is to be seen meanwhile.
-void TreemapPicture::take(RenderedTreemap picture) {
-  if (overtaken_ || dirty_) {
-    spare_ = std::move(picture);
-    return;
-  }
-  if (picture.pixels.size() > kPixelsAtOnce) {
-    return unlessMemoryRunsOut([&] { sendInBands(std::move(picture)); });
-  }
-  recycle(std::exchange(rendered_, std::move(picture)));
-  unsent_ = true;
+/// A picture of the size before the last is made again in that which is there by now.
+bool TreemapPicture::isWanted(const RenderedTreemap& picture) const {
+  const bool sameSize = picture.width == rect_.w && picture.height == rect_.h;
+  return !dirty_ && (sameSize || !fits());
 }
 
-/// While the tree grows there will soon be another. Giving a large one back takes milliseconds.
-void TreemapPicture::recycle(RenderedTreemap old) {
-  if (growing_) {
-    spare_ = std::move(old);
-  } else if (old.pixels.size() > kPixelsAtOnce) {
-    base::destroyElsewhere(std::move(old));
+/// Keeps a picture from the background until the next update. Until then the last one is on the
+/// screen, and what the user presses is what lies there.
+void TreemapPicture::take(RenderedTreemap picture) {
+  if (picture.pixels.size() > kPixelsAtOnce && isWanted(picture)) {
+    return unlessMemoryRunsOut([&] { sendInBands(std::move(picture)); });
   }
+  made_ = std::move(picture);
+  if (onRendered) onRendered();
+}
+
+/// While the tree grows there will soon be another.
+void TreemapPicture::recycle(RenderedTreemap old) {
+  letGo(growing_ ? std::exchange(spare_, std::move(old)) : std::move(old));
+}
+
+/// Giving a large one back takes milliseconds.
+void TreemapPicture::letGo(RenderedTreemap old) {
+  if (old.pixels.size() > kPixelsAtOnce) base::destroyElsewhere(std::move(old));
 }
 
 /// Takes a step on the way of a picture to the server. Without memory it is made again later.
@@ -225,29 +235,13 @@ void TreemapPicture::unlessMemoryRunsOut(const std::function<void()>& step) {
   }
 }
 
-struct TreemapPicture::Arriving {
-  Arriving(ui::Connection& connection, RenderedTreemap map, std::vector<NodeId> selection)
-      : picture(std::move(map)), image(connection), selected(std::move(selection)) {}
-
-  RenderedTreemap picture;
-  ui::ServerImage image;
-  /// What was selected when its first band was sent, and the outlines.
-  std::vector<NodeId> selected;
-  std::vector<ui::Rect> outlines;
-  int rowsSent = 0;
-};
-
 void TreemapPicture::sendInBands(RenderedTreemap picture) {
-  arriving_ = std::make_shared<Arriving>(connection_, std::move(picture), selected_);
-  for (const NodeId node : selected_) {
-    arriving_->outlines.push_back(outlineOf(arriving_->picture, node));
-  }
-  const RenderedTreemap& map = arriving_->picture;
-  if (arriving_->image.reserve(map.width, map.height)) return postNextBand();
+  arriving_ = std::make_shared<PictureInBands>(connection_, std::move(picture), selected_);
+  if (arriving_->reserve()) return postNextBand();
   // Sent whole it has the memory of the last one, or is refused.
-  rendered_ = std::move(arriving_->picture);
+  made_ = std::move(arriving_->parts().map);
   arriving_.reset();
-  unsent_ = true;
+  if (onRendered) onRendered();
 }
 
 /// The window thread looks after its user before it comes to that.
@@ -261,42 +255,57 @@ void TreemapPicture::postNextBand() {
 }
 
 void TreemapPicture::sendNextBand() {
-  const RenderedTreemap& map = arriving_->picture;
-  const auto width = static_cast<std::size_t>(map.width);
-  const int rows = static_cast<int>(std::max<std::size_t>(kBandPixels / width, 1));
-  const int top = arriving_->rowsSent;
-  const ui::Rect band = {0, top, map.width, std::min(rows, map.height - top)};
-  std::span<const std::uint32_t> pixels =
-      std::span(map.pixels)
-          .subspan(static_cast<std::size_t>(top) * width, static_cast<std::size_t>(band.h) * width);
-  if (!arriving_->outlines.empty()) {
-    outlined_.assign(pixels.begin(), pixels.end());
-    drawOutlines(arriving_->outlines, outlineStyle_, band, outlined_);
-    pixels = outlined_;
-  }
-  arriving_->image.replace(band, pixels);
-  arriving_->rowsSent += band.h;
-  if (arriving_->rowsSent < map.height) return postNextBand();
-  showArrived();
-}
-
-void TreemapPicture::showArrived() {
-  const std::shared_ptr<Arriving> arrived = std::exchange(arriving_, nullptr);
-  recycle(std::exchange(rendered_, std::move(arrived->picture)));
-  image_.takeFrom(arrived->image);
-  sentSelected_ = std::move(arrived->selected);
-  outlines_ = std::move(arrived->outlines);
-  refused_ = false;
-  unsent_ = highlight_.has_value();  // as bands are sent nothing is dimmed
-  arrived_ = true;
-  ++version_;
+  arriving_->sendNext(outlineStyle_);
+  if (!arriving_->isThere()) return postNextBand();
   if (onRendered) onRendered();
 }
 
-void TreemapPicture::giveUpArriving() {
-  if (!arriving_) return;
-  spare_ = std::move(arriving_->picture);
-  arriving_.reset();
+/// Shows what has come from the background. True when that is a whole picture which the server has
+/// already.
+bool TreemapPicture::showArrived() {
+  if (made_) {
+    showMade();
+  } else if (arriving_ && arriving_->isThere()) {
+    return showSent();
+  }
+  return false;
+}
+
+void TreemapPicture::showMade() {
+  RenderedTreemap picture = std::move(*std::exchange(made_, std::nullopt));
+  if (isWanted(picture)) {
+    recycle(std::exchange(rendered_, std::move(picture)));
+    unsent_ = true;
+  } else {
+    recycle(std::move(picture));
+    outdated_ = true;
+  }
+}
+
+bool TreemapPicture::showSent() {
+  const auto arrived = std::exchange(arriving_, nullptr);
+  PictureInBands::Parts& parts = arrived->parts();
+  if (!isWanted(parts.map)) {
+    recycle(std::move(parts.map));
+    outdated_ = true;
+    return false;
+  }
+  recycle(std::exchange(rendered_, std::move(parts.map)));
+  image_.takeFrom(parts.image);
+  sentSelected_ = std::move(parts.selected);
+  outlines_ = std::move(parts.outlines);
+  refused_ = false;
+  unsent_ = highlight_.has_value();  // as bands are sent nothing is dimmed
+  ++version_;
+  return true;
+}
+
+/// Gives up all that would come in place of the last picture.
+void TreemapPicture::giveUpNext() {
+  background_.drop();
+  if (made_) recycle(std::move(*std::exchange(made_, std::nullopt)));
+  if (const auto arriving = std::exchange(arriving_, nullptr))
+    recycle(std::move(arriving->parts().map));
 }
 
 void TreemapPicture::send() {
@@ -319,12 +328,6 @@ std::span<const std::uint32_t> TreemapPicture::plainPixels() const {
 
 void TreemapPicture::setSelected(std::span<const NodeId> nodes) {
   selected_.assign(nodes.begin(), nodes.end());
-}
-
-ui::Rect TreemapPicture::outlineOf(const RenderedTreemap& map, NodeId node) {
-  const PixelSpan* rect = map.outlineRect(node);
-  const ui::Rect pixels = rect ? rect->rect() : ui::Rect();
-  return pixels.w < kLeastOutlined || pixels.h < kLeastOutlined ? ui::Rect() : pixels;
 }
 
 void TreemapPicture::findOutlines() {

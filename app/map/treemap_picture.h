@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "app/map/background_render.h"
+#include "app/map/picture_in_bands.h"
 #include "app/map/selection_outlines.h"
 #include "app/map/treemap_render.h"
 #include "app/model/kind_colours.h"
@@ -96,15 +97,20 @@ class TreemapPicture {
   bool isSeen() const;
   bool makesInBackground() const;
   bool canWait() const;
+  bool nextBegun() const;
   bool makeAndSend();
-  struct Arriving;
+  bool isWanted(const RenderedTreemap& picture) const;
   void recycle(RenderedTreemap old);
+  static void letGo(RenderedTreemap old);
   void unlessMemoryRunsOut(const std::function<void()>& step);
   void sendInBands(RenderedTreemap picture);
   void postNextBand();
   void sendNextBand();
-  void showArrived();
-  void giveUpArriving();
+  bool showArrived();
+  void showMade();
+  bool showSent();
+  void giveUpNext();
+  void beginInBackground();
   void renderNow();
   void renderInBackground();
   void noteFailure();
@@ -112,7 +118,6 @@ class TreemapPicture {
   void send();
   void sendWhereSelectionChanged();
   std::span<const std::uint32_t> plainPixels() const;
-  static ui::Rect outlineOf(const RenderedTreemap& map, sizewalk::NodeId node);
   void findOutlines();
   std::vector<ui::Rect> followSelection();
   void sendPart(const ui::Rect& part);
@@ -148,13 +153,14 @@ class TreemapPicture {
   std::vector<std::uint32_t> outlined_;
   ui::Connection& connection_;
   const BackgroundRender::Post post_;
-  /// On its way to the server.
-  std::shared_ptr<Arriving> arriving_;
-  /// The last band was sent since the last update.
-  bool arrived_ = false;
   BackgroundRender background_;
-  /// What is being made in the background shows less than the last picture.
-  bool overtaken_ = false;
+  /// From the background, until the next update.
+  std::optional<RenderedTreemap> made_;
+  /// The same where it is large, on its way to the server or there.
+  std::shared_ptr<PictureInBands> arriving_;
+  /// What was begun in the background last shows more of a growing tree and is nothing that the
+  /// user has asked for.
+  bool preview_ = false;
   /// Pictures in the background, one after the other, for which there was no memory.
   int failures_ = 0;
   bool growing_ = false;

@@ -193,7 +193,8 @@ bool TreemapView::hideCard() {
 void TreemapView::tick(std::int64_t nowMs) {
   if (!pointer_ || !pointer_->awaitsCard || !hoveredBlock_ || card_.shown()) return;
   if (nowMs - pointer_->sinceMs < kRestMs) return;
-  if (!picture_.tree()) return;
+  findHovered();  // the picture may have gone since the last frame
+  if (!hoveredBlock_ || !picture_.tree()) return;
   fillCard();
   needsFrame();
 }

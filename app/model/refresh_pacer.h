@@ -7,8 +7,8 @@
 namespace app {
 
 /// Decides how often the views follow a running scan: as often as they like while making a picture
-/// is quick, and so seldom that it takes no more than a third of the time, on the window thread or
-/// beside it, when it is slow.
+/// is quick, and so seldom that it takes no more than a third of the window thread's time when it
+/// is slow.
 class RefreshPacer {
  public:
   using Clock = std::chrono::steady_clock;

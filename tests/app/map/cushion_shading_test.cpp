@@ -91,7 +91,6 @@ TEST(ShadeBlocks, KeepsWhatLiesAtTheTopOverABlockThatReachesTheBottom) {
   EXPECT_EQ(blockAt.back(), 200U);
 }
 
-/// Enough of them for the kernel's rare pixels, those that the error bound leaves open, to turn up.
 TEST(ShadeBlocks, PaintsNothingOnceItIsGivenUp) {
   constexpr int kSide = 800;  // worth more than one thread
   std::vector<std::uint32_t> pixels(kSide * kSide, 0);
@@ -108,6 +107,7 @@ TEST(ShadeBlocks, PaintsNothingOnceItIsGivenUp) {
   }
 }
 
+/// Enough of them for the kernel's rare pixels, those that the error bound leaves open, to turn up.
 TEST(ShadeBlocks, PaintsTinyBlocksSideBySideAsDefined) {
   std::mt19937_64 random(15);
   const int width = 640;

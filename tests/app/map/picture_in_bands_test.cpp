@@ -24,9 +24,10 @@ TEST_F(BackgroundPictureTest, SendsALargePictureInBandsAndShowsItOnceAllAreThere
   tasks_.run();
   EXPECT_EQ(tasks_.count(), 0U);
   EXPECT_EQ(told_, 1);
+  EXPECT_TRUE(picture_.rendered().pixels == lastPixels) << "that is what is on the screen";
+  EXPECT_TRUE(picture_.update());
   EXPECT_FALSE(picture_.behind());
   EXPECT_TRUE(picture_.rendered().pixels == drawnAtOnce(kLargePlace, kRootNode));
-  EXPECT_TRUE(picture_.update());
   EXPECT_FALSE(picture_.update());
   EXPECT_TRUE(seenOf(picture_) == seenAtOnce({}));
   EXPECT_FALSE(seenOf(picture_) == lastSeen);

@@ -28,6 +28,7 @@ TEST_F(BackgroundPictureTest, TriesAgainWhereThereWasNoMemoryForThePicture) {
   ASSERT_TRUE(test::eventually([&] { return tasks_.count() == 1; }));
   tasks_.run();
   EXPECT_EQ(told_, 1);
+  EXPECT_TRUE(picture_.update());
   EXPECT_EQ(picture_.rendered().pixels, drawnAtOnce(kPicturePlace, kRootNode));
   EXPECT_FALSE(picture_.behind());
 }
@@ -83,9 +84,28 @@ TEST_F(BackgroundPictureTest, DoesNotTryAgainWhatWasOvertaken) {
   ASSERT_FALSE(picture_.update());
   picture_.markDirty();
   ASSERT_TRUE(picture_.update());
-  ASSERT_TRUE(test::eventually([&] { return tasks_.count() == 1; }));
+  ASSERT_TRUE(picturesHaveEnded());
   tasks_.run();
   EXPECT_FALSE(picture_.behind());
+}
+
+TEST_F(BackgroundPictureTest, TakesItsNewSizeAtOnceWhereThereIsNoMemoryInTheBackground) {
+  picture_.setRect({0, 0, 1500, 1000});  // takes a few milliseconds
+  picture_.update();
+  picture_.setGrowing(true);
+  makeInBackground();
+  tasks_.runAll();
+  picture_.update();
+  const ui::Rect larger = {0, 0, 1600, 1000};
+  picture_.setRect(larger);
+  const test::NoMemoryElsewhere none(kPictureBytes);
+  EXPECT_FALSE(picture_.update());
+  EXPECT_FALSE(picture_.due()) << "it is being made";
+  ASSERT_TRUE(test::eventually([&] { return tasks_.count() == 1; }));
+  tasks_.run();
+  EXPECT_TRUE(picture_.due()) << "whatever pictures have taken before";
+  EXPECT_TRUE(picture_.update());
+  EXPECT_EQ(picture_.rendered().pixels, drawnAtOnce(larger, kRootNode));
 }
 
 TEST_F(BackgroundPictureTest, EndsWithoutAPictureWhereThereIsNoMemoryForOne) {

@@ -392,6 +392,24 @@ TEST_F(TreemapViewTest, ShowsNoCardWhereThereIsNothing) {
   EXPECT_FALSE(cardIsSeen());
 }
 
+TEST_F(TreemapViewTest, ShowsNoCardOfWhatHasLeftThePictureSinceTheLastFrame) {
+  picture_.setExtraBlocks({{kOtherSpaceBlock, "Other space in use", 4'000'000, 0x4A4458}});
+  picture_.markDirty();
+  prepareFrame();
+  const auto& blocks = picture_.rendered().blocks;
+  const auto block = std::ranges::find(blocks, kOtherSpaceBlock, &PictureBlock::id);
+  ASSERT_NE(block, blocks.end());
+  ui::Rect place = block->rect.rect();
+  place.x += kPlace.x;
+  place.y += kPlace.y;
+  point(place, 0);
+  picture_.setExtraBlocks({});
+  picture_.markDirty();
+  ASSERT_TRUE(picture_.update());
+  view_.tick(1000);
+  EXPECT_FALSE(cardIsSeen() && !view_.hovered());
+}
+
 TEST_F(TreemapViewTest, KeepsTheCardInsideTheMap) {
   for (const NodeId node : {a_, c_, deep_}) {
     restOn(placeOf(node));
