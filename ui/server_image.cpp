@@ -23,11 +23,8 @@ ServerImage::ServerImage(Connection& connection) : connection_(connection) {}
 ServerImage::~ServerImage() = default;
 
 bool ServerImage::reserve(int width, int height) {
-  if (buffer_ && buffer_->width() == width && buffer_->height() == height) return true;
-  buffer_.reset();  // first, so that two pictures never exist at once
   const Connection::Native& x = connection_.native();
-  buffer_ = BackBuffer::create(connection_, RootWindow(x.display, x.screen), width, height);
-  return buffer_ != nullptr;
+  return BackBuffer::fit(buffer_, connection_, RootWindow(x.display, x.screen), width, height);
 }
 
 void ServerImage::set(std::span<const std::uint32_t> pixels, int width, int height) {

@@ -193,11 +193,9 @@ bool Window::fitBackBuffer() {
   const int height = std::max(1, height_);
   std::unique_ptr<BackBuffer>& buffer = native_->backBuffer;
   if (buffer && buffer->width() == width && buffer->height() == height) return true;
-  buffer.reset();  // first, so that two buffers never exist at once
   if (!native_->window) return false;
   damage_.addAll();  // nothing is in it yet
-  buffer = BackBuffer::create(connection_, native_->window, width, height);
-  return buffer != nullptr;
+  return BackBuffer::fit(buffer, connection_, native_->window, width, height);
 }
 
 void Window::paint() {
