@@ -4,7 +4,9 @@
 #include "app/main_window.h"
 
 #include <gtest/gtest.h>
+
 #include <unistd.h>
+#include <algorithm>
 
 #include <chrono>
 #include <exception>
@@ -333,7 +335,17 @@ TEST_F(MainWindowTest, ScansTheFolderThatIsChosenFromTheWelcomeView) {
     user.client.releaseKey(kShiftKey);
     press(ui::key::kReturn);
     EXPECT_TRUE(eventually([&] { return user.pixel(195, 360) == kPanel; }));
-    press(ui::key::kDown);
+    // The folders are read beside the window: there is no row to go to before they are there.
+    const auto accented = [&] {
+      const auto pixels = user.client.screenPixels(user.window, 195, 100, 700, 500);
+      return std::ranges::count(pixels, ui::kLightPalette.accent & 0xFFFFFF);
+    };
+    const auto before = accented();
+    constexpr int kRow = 2000;  // pixels, at least
+    EXPECT_TRUE(eventually([&] {
+      press(ui::key::kDown);
+      return accented() > before + kRow;
+    }));
     user.client.pressKey(kCtrlKey);
     press(ui::key::kReturn);
     user.client.releaseKey(kCtrlKey);
