@@ -271,26 +271,23 @@ bool TreemapPicture::showArrived() {
   return false;
 }
 
+/// Has `next` come in place of the last picture, unless that is not wanted any more.
+bool TreemapPicture::replaceBy(RenderedTreemap next) {
+  const bool wanted = isWanted(next);
+  if (wanted) std::swap(rendered_, next);
+  recycle(std::move(next));
+  if (!wanted) outdated_ = true;
+  return wanted;
+}
+
 void TreemapPicture::showMade() {
-  RenderedTreemap picture = std::move(*std::exchange(made_, std::nullopt));
-  if (isWanted(picture)) {
-    recycle(std::exchange(rendered_, std::move(picture)));
-    unsent_ = true;
-  } else {
-    recycle(std::move(picture));
-    outdated_ = true;
-  }
+  if (replaceBy(std::move(*std::exchange(made_, std::nullopt)))) unsent_ = true;
 }
 
 bool TreemapPicture::showSent() {
   const auto arrived = std::exchange(arriving_, nullptr);
   PictureInBands::Parts& parts = arrived->parts();
-  if (!isWanted(parts.map)) {
-    recycle(std::move(parts.map));
-    outdated_ = true;
-    return false;
-  }
-  recycle(std::exchange(rendered_, std::move(parts.map)));
+  if (!replaceBy(std::move(parts.map))) return false;
   image_.takeFrom(parts.image);
   sentSelected_ = std::move(parts.selected);
   outlines_ = std::move(parts.outlines);
@@ -304,8 +301,7 @@ bool TreemapPicture::showSent() {
 void TreemapPicture::giveUpNext() {
   background_.drop();
   if (made_) recycle(std::move(*std::exchange(made_, std::nullopt)));
-  if (const auto arriving = std::exchange(arriving_, nullptr))
-    recycle(std::move(arriving->parts().map));
+  if (arriving_) recycle(std::move(std::exchange(arriving_, nullptr)->parts().map));
 }
 
 void TreemapPicture::send() {

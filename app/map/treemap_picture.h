@@ -107,6 +107,7 @@ class TreemapPicture {
   void postNextBand();
   void sendNextBand();
   bool showArrived();
+  bool replaceBy(RenderedTreemap next);
   void showMade();
   bool showSent();
   void giveUpNext();
